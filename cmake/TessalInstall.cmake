@@ -1,0 +1,18 @@
+# SPDX-License-Identifier: MIT
+# Installs the library with a package configuration, so that `find_package(Tessal)` works.
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+install(TARGETS tessal EXPORT TessalTargets
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+        INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(EXPORT TessalTargets NAMESPACE Tessal:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Tessal)
+configure_package_config_file(cmake/TessalConfig.cmake.in
+  "${PROJECT_BINARY_DIR}/TessalConfig.cmake"
+  INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Tessal)
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/TessalConfigVersion.cmake"
+  COMPATIBILITY SameMajorVersion)
+install(FILES "${PROJECT_BINARY_DIR}/TessalConfig.cmake" "${PROJECT_BINARY_DIR}/TessalConfigVersion.cmake"
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Tessal)

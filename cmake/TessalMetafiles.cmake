@@ -1,0 +1,26 @@
+# SPDX-License-Identifier: MIT
+# Optional metafile readers: EMF through libemf2svg, WMF through libwmf. Both are under
+# licences stronger than MIT, so they sit behind TESSAL_METAFILES.
+set(TESSAL_HAVE_EMF OFF)
+set(TESSAL_HAVE_WMF OFF)
+if(TESSAL_METAFILES)
+  find_path(EMF2SVG_INCLUDE_DIR emf2svg.h)
+  find_library(EMF2SVG_LIBRARY emf2svg)
+  if(EMF2SVG_INCLUDE_DIR AND EMF2SVG_LIBRARY)
+    add_library(Tessal_emf2svg UNKNOWN IMPORTED)
+    set_target_properties(Tessal_emf2svg PROPERTIES IMPORTED_LOCATION "${EMF2SVG_LIBRARY}"
+                          INTERFACE_INCLUDE_DIRECTORIES "${EMF2SVG_INCLUDE_DIR}")
+    set(TESSAL_HAVE_EMF ON)
+  else()
+    message(STATUS "Tessal: libemf2svg not found, EMF pictures are not read")
+  endif()
+  find_package(PkgConfig QUIET)
+  if(PkgConfig_FOUND)
+    pkg_check_modules(LIBWMF IMPORTED_TARGET libwmf)
+  endif()
+  if(LIBWMF_FOUND)
+    set(TESSAL_HAVE_WMF ON)
+  else()
+    message(STATUS "Tessal: libwmf not found, WMF pictures are not read")
+  endif()
+endif()

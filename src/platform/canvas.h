@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: MIT
+// A drawing surface in the manner of a device context, over QPainter on a QImage.
+#pragma once
+
+#include <tessal/platform/bitmap.h>
+#include <tessal/platform/graphics.h>
+#include <tessal/platform/types.h>
+
+#include <QImage>
+#include <QPainterPath>
+#include <QRegion>
+#include <QTransform>
+
+#include <memory>
+#include <span>
+#include <vector>
+
+class QPainter;
+
+namespace tessal {
+
+// A polygon region for hit tests, fills and clipping, with either fill rule.
+class TRegion
+{
+public:
+    TRegion() = default;
+    TRegion(std::span<const TPoint> polygon, TFillMode mode);
+    static TRegion FromRect(const TRect &r);
+
+    bool IsEmpty() const { return m_Path.isEmpty(); }
+    // Whether the pixel at p is inside, as a point-in-region test of the platform.
+    bool Contains(TPoint p) const;
+    TRect Bounds() const;
+    const QPainterPath &Path() const { return m_Path; }
+
+private:
+    QPainterPath m_Path;
+};
+
+// Logical font construction: what the platform's font-creation call receives. Height is
+// in pixels (negative: character height; positive: cell height); escapement and
+// orientation are in tenths of a degree, counter-clockwise.
+struct TLogFont
+{
+    std::int32_t Height = 0;
+    std::int32_t Weight = 400;
+    bool Italic = false;
+    bool Underline = false;
+    bool StrikeOut = false;
+    std::uint8_t Charset = TFont::DEFAULT_CHARSET;
+    QString FaceName;
+    std::int32_t Escapement = 0;
+    std::int32_t Orientation = 0;
+    TColor Color = clBlack;
+};
+
+// TCanvas keeps a current pen, brush, font and pen mode and draws with them. Pen modes are
+// raster operations; they only take effect on image-backed canvases, which is why every
+// drawing of the component happens on images. Coordinates are pixels; the world transform
+// applies to everything drawn.
+class TCanvas
+{
+public:
+    // Draws on the given image, which must outlive the canvas (its format is kept).
+    explicit TCanvas(QImage *target);
+    TCanvas(const TCanvas &) = delete;
+    TCanvas &operator=(const TCanvas &) = delete;
+    ~TCanvas();
+
+    QImage *Target() const { return m_Target; }
+    // The painter, for the rare drawing that has no canvas operation.
+    QPainter &Painter();
+
+    // Current drawing objects; changes apply to the next drawing call.
+    TPen &Pen() { return m_Pen; }
+    TBrush &Brush() { return m_Brush; }
+    TFont &Font() { return m_Font; }
+    void SetPen(const TPen &pen) { m_Pen = pen; }
+    void SetBrush(const TBrush &brush) { m_Brush = brush; }
+    void SetFont(const TFont &font);
+
+    // Geometric pen: used by the path strokes and by lines while set; ClearGeometricPen
+    // returns to the cosmetic pen (square ends, mitre joins as a plain pen draws them).
+    void SetGeometricPen(TPenJoin join, TPenEndCap cap);
+    void ClearGeometricPen();
+    bool HasGeometricPen() const { return m_Geometric; }
+
+    // Printer canvases scale pen widths and may be black and white (colour count 2).
+    bool IsPrinter() const { return m_IsPrinter; }
+    void SetPrinter(bool printer, int colorCount = 0);
+    int PrinterColorCount() const { return m_PrinterColors; }
+
+    // Primitives. Rectangles and ellipses follow device-context rules: the right and bottom
+    // edges are exclusive.
+    void MoveTo(std::int32_t x, std::int32_t y);
+    void LineTo(std::int32_t x, std::int32_t y);
+    TPoint PenPos() const { return m_PenPos; }
+    void Polyline(std::span<const TPoint> points);
+    void Polygon(std::span<const TPoint> points);
+    void Rectangle(const TRect &r);
+    void Ellipse(const TRect &r);
+    void FillRect(const TRect &r);  // brush only
+    void FrameRect(const TRect &r); // one-pixel frame in the brush colour
+    TColor GetPixel(std::int32_t x, std::int32_t y) const;
+    void SetPixel(std::int32_t x, std::int32_t y, TColor color);
+    void Draw(std::int32_t x, std::int32_t y, const QImage &image);
+    void StretchDraw(const TRect &dest, const QImage &image);
+    void CopyRect(const TRect &dest, const QImage &source, const TRect &sourceRect);
+
+    // Paths: BeginPath starts recording, drawing calls add to the path instead of drawing,
+    // EndPath stops recording. FlattenPath turns curves into line segments.
+    void BeginPath();
+    void EndPath();
+    void CloseFigure();
+    void AbortPath();
+    void FlattenPath();
+    std::vector<TPoint> GetPathPoints() const;
+    void StrokePath();
+    void FillPath();
+    void StrokeAndFillPath();
+    bool InPath() const { return m_Recording; }
+
+    // Regions.
+    void FillRgn(const TRegion &region, const TBrush &brush);
+    void SelectClipRgn(const TRegion *region); // nullptr removes the clipping
+    void SelectClipRect(const TRect *rect);
+
+    // World transform (applies to subsequent drawing).
+    void SetWorldTransform(const QTransform &t);
+    void ResetWorldTransform();
+    QTransform WorldTransform() const;
+
+    // Text. TextOut draws with the text cell's top-left at (x, y) in the font colour with a
+    // transparent background when SetBkModeTransparent(true), else on the brush colour.
+    void SelectLogFont(const TLogFont &font);
+    const TLogFont &LogFont() const { return m_LogFont; }
+    void SetBkModeTransparent(bool transparent) { m_BkTransparent = transparent; }
+    void SetTextCharacterExtra(std::int32_t extra) { m_CharExtra = extra; }
+    void TextOut(std::int32_t x, std::int32_t y, const QString &text);
+    TPoint TextExtent(const QString &text) const; // X = width, Y = height
+    std::int32_t TextWidth(const QString &text) const { return TextExtent(text).X; }
+    std::int32_t TextHeight(const QString &text) const { return TextExtent(text).Y; }
+
+    // Finishes pending painting so that the target image can be read.
+    void Flush();
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> d;
+    QImage *m_Target = nullptr;
+    TPen m_Pen;
+    TBrush m_Brush;
+    TFont m_Font;
+    TLogFont m_LogFont;
+    TPoint m_PenPos;
+    bool m_Geometric = false;
+    TPenJoin m_Join = TPenJoin::pjRound;
+    TPenEndCap m_Cap = TPenEndCap::pecRound;
+    bool m_IsPrinter = false;
+    int m_PrinterColors = 0;
+    bool m_Recording = false;
+    bool m_BkTransparent = false;
+    std::int32_t m_CharExtra = 0;
+};
+
+} // namespace tessal

@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: MIT
+// What a shape needs from the surface that owns it. TMyCAD implements this interface; the
+// shapes layer sees nothing else of the surface, which keeps dependencies one-way.
+#pragma once
+
+#include <tessal/geometry/mypoint.h>
+#include <tessal/platform/canvas.h>
+#include <tessal/platform/graphics.h>
+#include <tessal/shapes/shapeenums.h>
+
+#include <QString>
+
+#include <cstdint>
+
+namespace tessal {
+
+class TMyShape;
+
+// The handle highlighted by the last link-point or end-point hot test, shared by all
+// shapes of one surface so that moving from one shape to another erases the old square.
+struct THotHighlight
+{
+    TMyShape *Shape = nullptr;
+    std::int32_t Number = -1;
+};
+
+class TShapeHost
+{
+public:
+    virtual ~TShapeHost() = default;
+
+    // Settings that new shapes copy at construction.
+    virtual const TPen &Pen() const = 0;
+    virtual const TBrush &Brush() const = 0;
+    virtual const TFont &Font() const = 0;
+    virtual TPenStyleJoinType PenStyleJoinType() const = 0;
+    virtual TPenStyleEndCapType PenStyleEndCapType() const = 0;
+    virtual bool DragEnable() const = 0;
+    virtual bool ResizeEnable() const = 0;
+    virtual bool RotateEnable() const = 0;
+    virtual bool HotShow() const = 0;
+
+    // View state read while drawing and measuring.
+    virtual double Zoom() const = 0;
+    virtual std::uint8_t HotSize() const = 0;
+    virtual double Ratio() const = 0;
+    virtual TUnits TheUNIT() const = 0;
+    virtual TXYMode XYMode() const = 0;
+    virtual bool ShowHotLink() const = 0;
+    virtual std::int32_t RotateConstraintDegree() const = 0;
+    virtual TDrawTool ShapeTool() const = 0;
+    virtual TActionTools ActionTool() const = 0;
+    // The control's size in pixels (for the XYMode mirror) and the screen resolution.
+    virtual std::int32_t ControlWidth() const = 0;
+    virtual std::int32_t ControlHeight() const = 0;
+    virtual std::int32_t ScreenPixelsPerInch() const = 0;
+    // True while a drawing is being read: appearance changes are not passed to children.
+    virtual bool IsLoading() const = 0;
+
+    // Document access by shape number (position in the shape list); nullptr when out of
+    // range.
+    virtual TMyShape *GetShapeByNo(std::int32_t no) const = 0;
+    virtual TMyShape *GetRootParentShape(TMyShape *shape) const = 0;
+
+    // Requests a repaint later; never paints at once.
+    virtual void RequestRepaint() = 0;
+    // Turns the shape together with its group to the absolute angle (radians) about the
+    // centre of its root group, or its own centre when ungrouped.
+    virtual void RotateShapeTo(TMyShape *shape, double angle) = 0;
+    // Locks or unlocks the shape together with its group relatives.
+    virtual void LockShape(TMyShape *shape, bool locked) = 0;
+
+    // The remembered link-point / end-point highlight.
+    virtual THotHighlight &HotHighlight() = 0;
+    // The canvas of the on-screen image, where not-xor and xor feedback is drawn so that a
+    // second drawing erases it; ScreenChanged asks for the touched rectangle to be shown.
+    // ScreenCanvas may answer nullptr when the surface has no screen image yet.
+    virtual TCanvas *ScreenCanvas() = 0;
+    virtual void ScreenChanged(const TRect &rect) = 0;
+};
+
+} // namespace tessal
