@@ -112,8 +112,11 @@ public:
     virtual void AddPointByMouse(TPoint point);
 
     // ---- Copying and public queries (virtual) ----
-    // Assign copies geometry, appearance and relations; AssignWithoutRelation leaves the
-    // relations (ChildShapes, LinkShapes, ParentNo), the layer and MultiInfo alone.
+    // Assign copies points, link points, pen, brush, font, gradient (colours, style,
+    // template), flips, Locked, Angle, Caption, Info, MultiInfo and its alignment, Tag,
+    // UserData, LayerId and the relations (ChildShapes, LinkShapes, ParentNo), but not
+    // TextPoint. AssignWithoutRelation copies the same plus TextPoint, without the
+    // relations and MultiInfo. Both then recompute the centre (GetCenterPoint).
     virtual void Assign(const TMyShape &source);
     virtual void AssignWithoutRelation(const TMyShape &source);
     // The base draws only the info text.

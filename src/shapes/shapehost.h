@@ -22,6 +22,10 @@ struct THotHighlight
 {
     TMyShape *Shape = nullptr;
     std::int32_t Number = -1;
+    // Where the square was drawn (screen), so that erasing draws exactly the same square
+    // even if the shape has moved or the zoom changed since. A repaint that recomposes the
+    // screen image removes the square; the surface then resets this memory to its defaults.
+    TMyPoint Square;
 };
 
 class TShapeHost
