@@ -34,9 +34,17 @@ struct THandleLook
     // that may rotate show them.
     bool PointTool = false;
 };
+// One handle at p (screen pixels) with the hot or locked set-up. A square of half-side h is
+// the rectangle (round(p.X - h), round(p.Y - h)) .. (round(p.X + h), round(p.Y + h)), right
+// and bottom exclusive, halves rounded to even; a circle is the ellipse in that box.
 void DrawSquare(TCanvas &canvas, TMyPoint p, const THandleLook &look);
+// A link-point mark: the two diagonals of the square of half-side 2.5 at p, in blue over
+// the hot set-up (which the canvas keeps afterwards, with the blue pen).
 void DrawLinkSquare(TCanvas &canvas, TMyPoint p);
+// The text-point diamond of half-diagonal hotSize at p, drawn with the canvas's current pen
+// and brush (the caller chooses them).
 void DrawDiamond(TCanvas &canvas, TMyPoint p, std::int32_t hotSize);
+// A straight line between the rounded points with the current pen.
 void LineDraw(TCanvas &canvas, TMyPoint a, TMyPoint b);
 
 } // namespace tessal

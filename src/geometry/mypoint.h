@@ -26,7 +26,10 @@ struct TMyRect
     friend constexpr bool operator==(const TMyRect &, const TMyRect &) = default;
 };
 
-constexpr TMyPoint MyPoint(float x, float y) { return {x, y}; }
+constexpr TMyPoint MyPoint(float x, float y)
+{
+    return {x, y};
+}
 
 using TMyPointArray = std::vector<TMyPoint>;
 

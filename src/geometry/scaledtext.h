@@ -14,7 +14,7 @@ TLogFont MakeScaledLogFont(const TCanvas &canvas, const TFont &font, double scal
 void MyLogTextOut(TCanvas &canvas, std::int32_t x, std::int32_t y, const QString &text,
                   const TFont &font, double scale, double angle);
 // Width (X) and height (Y) in pixels of text drawn by MyLogTextOut with the same arguments.
-TPoint GetTextWidthHeight(TCanvas &canvas, const QString &text, const TFont &font,
-                          double scale, double angle);
+TPoint GetTextWidthHeight(TCanvas &canvas, const QString &text, const TFont &font, double scale,
+                          double angle);
 
 } // namespace tessal

@@ -1,0 +1,254 @@
+// SPDX-License-Identifier: MIT
+// Handle marks and canvas set-ups, checked on the pixels they leave.
+#include <tessal/geometry/canvasmodes.h>
+
+#include "common/imagecompare.h"
+
+#include <gtest/gtest.h>
+
+namespace tessal {
+namespace {
+
+using test::CountPixels;
+
+constexpr unsigned White = 0xFFFFFF;
+constexpr unsigned Black = 0x000000;
+constexpr unsigned Green = 0x00FF00;
+constexpr unsigned Grey = 0x808080;
+constexpr unsigned Blue = 0x0000FF; // as 0xRRGGBB
+
+QImage WhiteImage(int w = 32, int h = 32)
+{
+    QImage image(w, h, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    return image;
+}
+
+unsigned Rgb(const QImage &image, int x, int y)
+{
+    return image.pixel(x, y) & 0xFFFFFF;
+}
+
+// Draws one handle at (10, 10) and answers the image.
+QImage Handle(const THandleLook &look, TMyPoint p = MyPoint(10, 10))
+{
+    QImage image = WhiteImage();
+    TCanvas canvas(&image);
+    DrawSquare(canvas, p, look);
+    canvas.Flush();
+    return image;
+}
+
+// A square handle of half-side h about (10, 10): frame from 10 - h to 10 + h - 1 (right and
+// bottom exclusive), fill inside.
+void ExpectSquare(const QImage &image, int h, unsigned fill)
+{
+    const int lo = 10 - h;
+    const int hi = 10 + h - 1;
+    EXPECT_EQ(Rgb(image, lo, lo), Black);
+    EXPECT_EQ(Rgb(image, hi, hi), Black);
+    EXPECT_EQ(Rgb(image, hi, lo), Black);
+    EXPECT_EQ(Rgb(image, lo - 1, 10), White);
+    EXPECT_EQ(Rgb(image, hi + 1, 10), White);
+    const int inner = 2 * h - 2;
+    EXPECT_EQ(CountPixels(image, QRect(lo + 1, lo + 1, inner, inner), fill), inner * inner);
+    EXPECT_EQ(CountPixels(image, image.rect(), fill), inner * inner);
+    EXPECT_EQ(CountPixels(image, image.rect(), Black), 4 * (2 * h - 1));
+}
+
+TEST(CanvasModes, SquareHandleSizesFollowLockAndGroup)
+{
+    THandleLook look;
+    look.HotSize = 4;
+    ExpectSquare(Handle(look), 4, Green);
+    look.Grouped = true;
+    ExpectSquare(Handle(look), 2, Green);
+
+    look = THandleLook{};
+    look.HotSize = 5;
+    look.Locked = true;
+    ExpectSquare(Handle(look), 5, Grey);
+    look.Grouped = true; // 5 / 2 = 2: integer halving
+    ExpectSquare(Handle(look), 2, Grey);
+
+    look.HotShow = false;
+    EXPECT_EQ(CountPixels(Handle(look), QRect(0, 0, 32, 32), White), 32 * 32);
+}
+
+TEST(CanvasModes, PointToolsShowCirclesOnlyForRotatableShapes)
+{
+    THandleLook look;
+    look.PointTool = true;
+    look.HotSize = 6;
+    const QImage circle = Handle(look);
+    EXPECT_EQ(Rgb(circle, 10, 10), Green);
+    EXPECT_EQ(Rgb(circle, 4, 4), White); // corner of the box: outside the circle
+    EXPECT_EQ(Rgb(circle, 15, 15), White);
+    EXPECT_NE(Rgb(circle, 4, 10), White); // left edge of the circle
+    const int circlePixels = 32 * 32 - CountPixels(circle, circle.rect(), White);
+    EXPECT_GT(circlePixels, 90);
+    EXPECT_LT(circlePixels, 12 * 12);
+
+    look.Grouped = true; // grouped: a square of half-side 3 even with a point tool
+    ExpectSquare(Handle(look), 3, Green);
+
+    look.RotateEnable = false;
+    EXPECT_EQ(CountPixels(Handle(look), QRect(0, 0, 32, 32), White), 32 * 32);
+    look.Grouped = false;
+    EXPECT_EQ(CountPixels(Handle(look), QRect(0, 0, 32, 32), White), 32 * 32);
+    look.PointTool = false; // other tools ignore RotateEnable
+    ExpectSquare(Handle(look), 6, Green);
+}
+
+TEST(CanvasModes, HandleCornersRoundToEven)
+{
+    THandleLook look;
+    look.HotSize = 4;
+    // p = 10.5: corners 6.5 -> 6 and 14.5 -> 14, the same square as at 10.
+    ExpectSquare(Handle(look, MyPoint(10.5f, 10.5f)), 4, Green);
+    // p = 11.5: corners 7.5 -> 8 and 15.5 -> 16, one pixel further.
+    const QImage shifted = Handle(look, MyPoint(11.5f, 11.5f));
+    EXPECT_EQ(Rgb(shifted, 8, 8), Black);
+    EXPECT_EQ(Rgb(shifted, 15, 15), Black);
+    EXPECT_EQ(Rgb(shifted, 7, 8), White);
+}
+
+TEST(CanvasModes, HotColourIsSharedAndSettable)
+{
+    EXPECT_EQ(HotColor(), clLime);
+    SetHotColor(clRed);
+    const QImage red = Handle(THandleLook{});
+    SetHotColor(clLime);
+    EXPECT_EQ(CountPixels(red, red.rect(), 0xFF0000), 36);
+    EXPECT_EQ(CountPixels(red, red.rect(), Green), 0);
+}
+
+TEST(CanvasModes, LinkSquareIsABlueCross)
+{
+    QImage image = WhiteImage();
+    TCanvas canvas(&image);
+    // Corners 7.5 -> 8 and 12.5 -> 12: diagonals of the square (8, 8) - (12, 12).
+    DrawLinkSquare(canvas, MyPoint(10, 10));
+    canvas.Flush();
+    for (int i : {9, 10, 11}) {
+        EXPECT_EQ(Rgb(image, i, i), Blue);
+        EXPECT_EQ(Rgb(image, 20 - i, i), Blue);
+    }
+    EXPECT_EQ(Rgb(image, 10, 8), White);
+    EXPECT_EQ(Rgb(image, 8, 10), White);
+    EXPECT_EQ(CountPixels(image, QRect(14, 0, 18, 32), White), 18 * 32);
+    EXPECT_EQ(CountPixels(image, image.rect(), Green), 0);
+    // The cross leaves the canvas with a copy-mode blue pen and the hot brush.
+    EXPECT_EQ(canvas.Pen().Color, clBlue);
+    EXPECT_EQ(canvas.Pen().Mode, TPenMode::pmCopy);
+    EXPECT_EQ(canvas.Brush().Color, HotColor());
+
+    // At 11 the corners are 8.5 -> 8 and 13.5 -> 14: a wider cross.
+    QImage wide = WhiteImage();
+    TCanvas wideCanvas(&wide);
+    DrawLinkSquare(wideCanvas, MyPoint(11, 11));
+    wideCanvas.Flush();
+    EXPECT_EQ(Rgb(wide, 13, 13), Blue);
+    EXPECT_EQ(Rgb(wide, 9, 13), Blue);
+    EXPECT_EQ(Rgb(image, 13, 13), White);
+}
+
+TEST(CanvasModes, PenAndBrushSetUps)
+{
+    QImage image = WhiteImage();
+    TCanvas canvas(&image);
+    canvas.Pen().Mode = TPenMode::pmNotXor;
+    canvas.Pen().Width = 5;
+    SetDrawLockedHotMode(canvas);
+    EXPECT_EQ(canvas.Pen(), (TPen{clBlack, TPenMode::pmCopy, TPenStyle::psSolid, 1}));
+    EXPECT_EQ(canvas.Brush().Color, clGray);
+    EXPECT_EQ(canvas.Brush().Style, TBrushStyle::bsSolid);
+
+    SetDragResizeRotateShapeMode(canvas);
+    EXPECT_EQ(canvas.Pen(), (TPen{clWhite, TPenMode::pmXor, TPenStyle::psDot, 1}));
+    EXPECT_EQ(canvas.Brush().Style, TBrushStyle::bsClear);
+
+    const TPen pen{clRed, TPenMode::pmXor, TPenStyle::psDash, 3};
+    TFont font;
+    font.Name = QStringLiteral("Serif");
+    font.SetSize(20);
+    SetDrawTriangleMode(pen, font, canvas);
+    EXPECT_EQ(canvas.Pen(), (TPen{clRed, TPenMode::pmCopy, TPenStyle::psDash, 3}));
+    EXPECT_EQ(canvas.Brush().Color, clRed);
+    EXPECT_EQ(canvas.Brush().Style, TBrushStyle::bsSolid);
+    EXPECT_EQ(canvas.Font(), font);
+}
+
+TEST(CanvasModes, RubberBandErasesItselfWhenDrawnTwice)
+{
+    QImage image(40, 30, QImage::Format_RGB32);
+    image.fill(QColor(30, 120, 200));
+    const QImage before = image.copy();
+    TCanvas canvas(&image);
+    SetDragResizeRotateShapeMode(canvas);
+    canvas.Rectangle(TRect(5, 5, 30, 20));
+    canvas.Flush();
+    EXPECT_GT(test::CompareImages(before, image).DifferingPixels, 10);
+    EXPECT_EQ(Rgb(image, 17, 12), Rgb(before, 17, 12)); // hollow: the inside is untouched
+    canvas.Rectangle(TRect(5, 5, 30, 20));
+    canvas.Flush();
+    EXPECT_TRUE(test::ImagesEqual(before, image));
+}
+
+TEST(CanvasModes, ShapeModeTurnsGreyOnBlackAndWhitePrinters)
+{
+    QImage image = WhiteImage();
+    TCanvas canvas(&image);
+    const TPen pen{RGBToColor(10, 20, 40), TPenMode::pmXor, TPenStyle::psDashDot, 2};
+    TBrush brush;
+    brush.Color = RGBToColor(200, 100, 1);
+    brush.Style = TBrushStyle::bsCross;
+
+    SetDrawShapeMode(pen, brush, canvas); // screen: as given, mode copy
+    EXPECT_EQ(canvas.Pen(), (TPen{pen.Color, TPenMode::pmCopy, TPenStyle::psDashDot, 2}));
+    EXPECT_EQ(canvas.Brush().Color, brush.Color);
+    EXPECT_EQ(canvas.Brush().Style, TBrushStyle::bsCross);
+
+    canvas.SetPrinter(true, 256);
+    SetDrawShapeMode(pen, brush, canvas);
+    EXPECT_EQ(canvas.Pen().Color, pen.Color);
+    EXPECT_EQ(canvas.Brush().Color, brush.Color);
+
+    canvas.SetPrinter(true, 2);
+    SetDrawShapeMode(pen, brush, canvas);
+    EXPECT_EQ(canvas.Pen(),
+              (TPen{RGBToColor(23, 23, 23), TPenMode::pmCopy, TPenStyle::psDashDot, 2})); // 70 / 3
+    EXPECT_EQ(canvas.Brush().Color, RGBToColor(100, 100, 100));                           // 301 / 3
+    EXPECT_EQ(canvas.Brush().Style, TBrushStyle::bsCross);
+
+    brush.Style = TBrushStyle::bsClear;
+    const TPen system{clWindowText, TPenMode::pmCopy, TPenStyle::psSolid, 1};
+    SetDrawShapeMode(system, brush, canvas);
+    EXPECT_EQ(canvas.Brush().Style, TBrushStyle::bsClear);
+    EXPECT_EQ(canvas.Pen().Color, RGBToColor(0, 0, 0)); // system colours resolve first
+}
+
+TEST(CanvasModes, DiamondAndLine)
+{
+    QImage image = WhiteImage();
+    TCanvas canvas(&image);
+    canvas.Brush().Color = clRed;
+    DrawDiamond(canvas, MyPoint(15.5f, 16), 6); // corners (10,16) (16,10) (22,16) (16,22)
+    canvas.Flush();
+    EXPECT_EQ(Rgb(image, 16, 16), 0xFF0000u);
+    EXPECT_EQ(Rgb(image, 11, 11), White);
+    EXPECT_EQ(Rgb(image, 20, 20), White);
+    EXPECT_EQ(CountPixels(image, QRect(0, 0, 9, 32), White), 9 * 32);
+    EXPECT_EQ(CountPixels(image, QRect(24, 0, 8, 32), White), 8 * 32);
+
+    QImage lineImage = WhiteImage();
+    TCanvas lineCanvas(&lineImage);
+    LineDraw(lineCanvas, MyPoint(2.5f, 4.5f), MyPoint(20.4f, 4.4f)); // y 4.5 -> 4
+    lineCanvas.Flush();
+    EXPECT_EQ(CountPixels(lineImage, QRect(3, 4, 16, 1), Black), 16);
+    EXPECT_EQ(CountPixels(lineImage, QRect(0, 5, 32, 27), White), 32 * 27);
+    EXPECT_EQ(CountPixels(lineImage, QRect(0, 0, 32, 4), White), 32 * 4);
+}
+
+} // namespace
+} // namespace tessal

@@ -1,0 +1,263 @@
+// SPDX-License-Identifier: MIT
+// LoadGraphicsFile on pictures written here: raster files through QImage, metafiles built
+// record by record from the file-format tables, and broken files.
+#include <tessal/geometry/bitmapops.h>
+
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QPainter>
+#include <QTemporaryDir>
+
+#include <cstdlib>
+#include <initializer_list>
+
+namespace tessal {
+namespace {
+
+class PictureFile : public ::testing::Test
+{
+protected:
+    QString Write(const QString &name, const QByteArray &bytes)
+    {
+        const QString path = m_Dir.filePath(name);
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+        return path;
+    }
+    QString Save(const QString &name, const QImage &image, const char *format)
+    {
+        const QString path = m_Dir.filePath(name);
+        EXPECT_TRUE(image.save(path, format));
+        return path;
+    }
+
+    QTemporaryDir m_Dir;
+};
+
+void Put16(QByteArray &b, int v)
+{
+    b.append(char(v & 0xFF));
+    b.append(char((v >> 8) & 0xFF));
+}
+
+void Put32(QByteArray &b, qint64 v)
+{
+    Put16(b, int(v & 0xFFFF));
+    Put16(b, int((v >> 16) & 0xFFFF));
+}
+
+// An enhanced metafile of 100 x 50 pixels at 96 per inch with a red rectangle from (10, 10)
+// to (60, 40): header, brush, select, rectangle, end.
+QByteArray MakeEmf()
+{
+    QByteArray f;
+    Put32(f, 1);   // EMR_HEADER
+    Put32(f, 108); // record size
+    for (int v : {0, 0, 99, 49})
+        Put32(f, v); // bounds, device pixels, inclusive
+    for (int v : {0, 0, 2645, 1322})
+        Put32(f, v); // frame, 0.01 mm
+    Put32(f, 0x464D4520);
+    Put32(f, 0x10000);
+    Put32(f, 0); // total bytes, patched below
+    Put32(f, 5); // records
+    Put16(f, 2); // handles
+    Put16(f, 0);
+    for (int v : {0, 0, 0, 1920, 1080, 508, 286, 0, 0, 0, 508000, 286000})
+        Put32(f, v); // description, palette, device size, mm, pixel format, micrometres
+    for (qint64 v : {39, 24, 1, 0, 0x0000FF, 0})
+        Put32(f, v); // EMR_CREATEBRUSHINDIRECT: solid red as 0x00BBGGRR
+    for (int v : {37, 12, 1})
+        Put32(f, v); // EMR_SELECTOBJECT
+    for (int v : {43, 24, 10, 10, 60, 40})
+        Put32(f, v); // EMR_RECTANGLE
+    for (int v : {14, 20, 0, 16, 20})
+        Put32(f, v); // EMR_EOF
+    const qint64 n = f.size();
+    for (int i = 0; i < 4; ++i)
+        f[48 + i] = char((n >> (8 * i)) & 0xFF);
+    return f;
+}
+
+void WmfRecord(QByteArray &b, int function, std::initializer_list<int> words)
+{
+    Put32(b, 3 + qint64(words.size()));
+    Put16(b, function);
+    for (int w : words)
+        Put16(b, w);
+}
+
+// A placeable metafile of 100 x 50 units at 96 per inch with the same red rectangle.
+QByteArray MakeWmf()
+{
+    QByteArray f;
+    Put32(f, 0x9AC6CDD7);
+    for (int v : {0, 0, 0, 100, 50, 96})
+        Put16(f, v); // handle, frame left, top, right, bottom, units per inch
+    Put32(f, 0);
+    int checksum = 0;
+    for (int i = 0; i < 10; ++i)
+        checksum ^= quint8(f[2 * i]) | (quint8(f[2 * i + 1]) << 8);
+    Put16(f, checksum);
+
+    // Records: size in 16-bit words, function, parameters (coordinates in reverse order).
+    QByteArray r;
+    WmfRecord(r, 0x020B, {0, 0});            // SETWINDOWORG y, x
+    WmfRecord(r, 0x020C, {50, 100});         // SETWINDOWEXT y, x
+    WmfRecord(r, 0x02FC, {0, 0x00FF, 0, 0}); // CREATEBRUSHINDIRECT solid, red, hatch
+    WmfRecord(r, 0x012D, {0});               // SELECTOBJECT
+    WmfRecord(r, 0x041B, {40, 60, 10, 10});  // RECTANGLE bottom, right, top, left
+    WmfRecord(r, 0x0000, {});                // EOF
+
+    QByteArray header;
+    Put16(header, 1);
+    Put16(header, 9);
+    Put16(header, 0x0300);
+    Put32(header, (18 + r.size()) / 2);
+    Put16(header, 1);
+    Put32(header, 7);
+    Put16(header, 0);
+    return f + header + r;
+}
+
+unsigned Rgb(const TBitmap &b, int x, int y)
+{
+    const TColor c = b.Pixel(x, y);
+    return (GetRValue(c) << 16) | (GetGValue(c) << 8) | GetBValue(c);
+}
+
+TEST_F(PictureFile, RasterFormatsByTheirLastThreeLetters)
+{
+    QImage image(7, 5, QImage::Format_RGB32);
+    image.fill(QColor(200, 30, 60));
+    image.setPixel(3, 2, qRgb(0, 0, 255));
+    QString reason = QStringLiteral("stale");
+    TBitmap bmp = LoadGraphicsFile(Save(QStringLiteral("a.bmp"), image, "BMP"), &reason);
+    ASSERT_EQ(bmp.Width(), 7);
+    ASSERT_EQ(bmp.Height(), 5);
+    EXPECT_EQ(bmp.Pixel(0, 0), RGBToColor(200, 30, 60));
+    EXPECT_EQ(bmp.Pixel(3, 2), clBlue);
+    EXPECT_TRUE(reason.isEmpty());
+    EXPECT_EQ(bmp.Image().format(), QImage::Format_BGR888);
+
+    image.fill(QColor(20, 180, 90)); // flat colour survives JPEG compression nearly intact
+    const QByteArray jpeg = [&] {
+        QFile f(Save(QStringLiteral("j.jpg"), image, "JPEG"));
+        f.open(QIODevice::ReadOnly);
+        return f.readAll();
+    }();
+    for (const QString &name :
+         {QStringLiteral("b.jpg"), QStringLiteral("c.JPEG"), QStringLiteral("d.Jpeg")}) {
+        const TBitmap j = LoadGraphicsFile(Write(name, jpeg));
+        ASSERT_EQ(j.Width(), 7) << name.toStdString();
+        EXPECT_NEAR(GetGValue(j.Pixel(3, 2)), 180, 4);
+        EXPECT_NEAR(GetRValue(j.Pixel(3, 2)), 20, 4);
+    }
+    // The name decides, not the contents: JPEG bytes named .bmp are no bitmap.
+    EXPECT_TRUE(LoadGraphicsFile(Write(QStringLiteral("e.bmp"), jpeg), &reason).IsEmpty());
+    EXPECT_TRUE(reason.contains(QStringLiteral("BMP"))) << reason.toStdString();
+}
+
+TEST_F(PictureFile, IconTransparencyBecomesWhite)
+{
+    QImage icon(16, 16, QImage::Format_ARGB32);
+    icon.fill(Qt::transparent);
+    for (int y = 4; y < 12; ++y)
+        for (int x = 4; x < 12; ++x)
+            icon.setPixel(x, y, qRgba(255, 0, 0, 255));
+    const TBitmap b = LoadGraphicsFile(Save(QStringLiteral("i.ICO"), icon, "ICO"));
+    ASSERT_EQ(b.Width(), 16);
+    ASSERT_EQ(b.Height(), 16);
+    EXPECT_EQ(b.Pixel(8, 8), clRed);
+    EXPECT_EQ(b.Pixel(1, 1), clWhite);
+    EXPECT_EQ(b.Image().format(), QImage::Format_BGR888);
+}
+
+TEST_F(PictureFile, UnknownMissingAndBrokenFilesAnswerEmpty)
+{
+    QImage image(4, 4, QImage::Format_RGB32);
+    image.fill(Qt::red);
+    QString reason;
+    EXPECT_TRUE(LoadGraphicsFile(Save(QStringLiteral("p.gif"), image, "PNG"), &reason).IsEmpty());
+    EXPECT_EQ(reason, QStringLiteral("unsupported picture format: .gif"));
+    EXPECT_TRUE(LoadGraphicsFile(m_Dir.filePath(QStringLiteral("none.bmp")), &reason).IsEmpty());
+    EXPECT_TRUE(reason.contains(QStringLiteral("none.bmp")));
+    EXPECT_TRUE(LoadGraphicsFile(m_Dir.filePath(QStringLiteral("none.bmp"))).IsEmpty());
+
+    QFile f(Save(QStringLiteral("whole.bmp"), image, "BMP"));
+    f.open(QIODevice::ReadOnly);
+    const QByteArray bmp = f.readAll();
+    for (qsizetype cut : {0, 10, 40}) { // no header, half a header, no pixel rows
+        reason.clear();
+        EXPECT_TRUE(
+            LoadGraphicsFile(Write(QStringLiteral("cut.bmp"), bmp.left(cut)), &reason).IsEmpty())
+            << cut;
+        EXPECT_FALSE(reason.isEmpty());
+    }
+    EXPECT_TRUE(LoadGraphicsFile(Write(QStringLiteral("x.jpg"), "not a jpeg")).IsEmpty());
+    EXPECT_TRUE(LoadGraphicsFile(Write(QStringLiteral("x.ico"), QByteArray(6, '\0'))).IsEmpty());
+}
+
+TEST_F(PictureFile, EnhancedMetafile)
+{
+    const QByteArray emf = MakeEmf();
+    QString reason;
+    const TBitmap b = LoadGraphicsFile(Write(QStringLiteral("r.emf"), emf), &reason);
+#if defined(TESSAL_HAVE_EMF)
+    ASSERT_FALSE(b.IsEmpty()) << reason.toStdString();
+    EXPECT_EQ(b.Width(), 100);
+    EXPECT_EQ(b.Height(), 50);
+    EXPECT_EQ(Rgb(b, 30, 25), 0xFF0000u);
+    EXPECT_EQ(Rgb(b, 5, 5), 0xFFFFFFu);
+    EXPECT_EQ(Rgb(b, 80, 45), 0xFFFFFFu);
+    EXPECT_EQ(b.Image().format(), QImage::Format_BGR888);
+    // Every truncation, a wrong signature and a record size running past the end all fail
+    // cleanly.
+    for (qsizetype cut = 0; cut < emf.size(); cut += 4) {
+        EXPECT_TRUE(LoadGraphicsFile(Write(QStringLiteral("t.emf"), emf.left(cut))).IsEmpty())
+            << cut;
+    }
+    QByteArray bad = emf;
+    bad[40] = 'X';
+    EXPECT_TRUE(LoadGraphicsFile(Write(QStringLiteral("s.emf"), bad), &reason).IsEmpty());
+    EXPECT_FALSE(reason.isEmpty());
+    bad = emf;
+    bad[108 + 4] = char(0xF0); // brush record claims 240 bytes
+    EXPECT_TRUE(LoadGraphicsFile(Write(QStringLiteral("o.emf"), bad)).IsEmpty());
+#else
+    EXPECT_TRUE(b.IsEmpty());
+    EXPECT_TRUE(reason.contains(QStringLiteral("not built in")));
+#endif
+}
+
+TEST_F(PictureFile, WindowsMetafile)
+{
+    const QByteArray wmf = MakeWmf();
+    QString reason;
+    const TBitmap b = LoadGraphicsFile(Write(QStringLiteral("r.WMF"), wmf), &reason);
+#if defined(TESSAL_HAVE_WMF)
+    ASSERT_FALSE(b.IsEmpty()) << reason.toStdString();
+    EXPECT_EQ(b.Width(), 100);
+    EXPECT_EQ(b.Height(), 50);
+    EXPECT_EQ(Rgb(b, 30, 25), 0xFF0000u);
+    EXPECT_EQ(Rgb(b, 12, 12), 0xFF0000u);
+    EXPECT_EQ(Rgb(b, 5, 5), 0xFFFFFFu);
+    EXPECT_EQ(Rgb(b, 70, 25), 0xFFFFFFu);
+    for (qsizetype cut = 0; cut < wmf.size(); cut += 2) {
+        EXPECT_TRUE(LoadGraphicsFile(Write(QStringLiteral("t.wmf"), wmf.left(cut))).IsEmpty())
+            << cut;
+    }
+    QByteArray bad = wmf;
+    bad[20] = char(bad[20] ^ 1); // checksum of the placeable header
+    EXPECT_TRUE(LoadGraphicsFile(Write(QStringLiteral("c.wmf"), bad), &reason).IsEmpty());
+    EXPECT_FALSE(reason.isEmpty());
+#else
+    EXPECT_TRUE(b.IsEmpty());
+    EXPECT_TRUE(reason.contains(QStringLiteral("not built in")));
+#endif
+}
+
+} // namespace
+} // namespace tessal
