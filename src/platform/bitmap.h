@@ -22,7 +22,10 @@ public:
     // Converts any image to 24-bit BGR.
     explicit TBitmap(const QImage &image);
 
-    bool IsEmpty() const { return m_Image.isNull() || m_Image.width() == 0 || m_Image.height() == 0; }
+    bool IsEmpty() const
+    {
+        return m_Image.isNull() || m_Image.width() == 0 || m_Image.height() == 0;
+    }
     std::int32_t Width() const { return m_Image.width(); }
     std::int32_t Height() const { return m_Image.height(); }
     // Resizes to width x height; the contents become white. Zero sizes empty the bitmap.

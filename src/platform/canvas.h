@@ -80,18 +80,24 @@ public:
     void SetFont(const TFont &font);
 
     // Geometric pen: used by the path strokes and by lines while set; ClearGeometricPen
-    // returns to the cosmetic pen (square ends, mitre joins as a plain pen draws them).
+    // returns to the plain pen (one-pixel lines without end pixel; wider lines with round
+    // ends and joins).
     void SetGeometricPen(TPenJoin join, TPenEndCap cap);
     void ClearGeometricPen();
     bool HasGeometricPen() const { return m_Geometric; }
 
-    // Printer canvases scale pen widths and may be black and white (colour count 2).
+    // Marks a printer canvas; the drawing set-ups read it (a colour count of 2 means black
+    // and white). The canvas itself draws the same either way.
     bool IsPrinter() const { return m_IsPrinter; }
     void SetPrinter(bool printer, int colorCount = 0);
     int PrinterColorCount() const { return m_PrinterColors; }
 
-    // Primitives. Rectangles and ellipses follow device-context rules: the right and bottom
-    // edges are exclusive.
+    // Primitives in logical coordinates, drawn with the pen and (for closed figures) the brush
+    // under the pen mode. Rectangles and ellipses follow device-context rules: the outline
+    // covers Left..Right-1 x Top..Bottom-1; without a pen the filled area is one pixel
+    // narrower and shorter. Lines cover their start pixel but not their end pixel. Polygons
+    // fill by the alternate rule. FillRect, FrameRect, FillRgn, SetPixel and the image
+    // operations always copy.
     void MoveTo(std::int32_t x, std::int32_t y);
     void LineTo(std::int32_t x, std::int32_t y);
     TPoint PenPos() const { return m_PenPos; }
@@ -146,6 +152,27 @@ public:
 
 private:
     struct Impl;
+    // How an outline is placed: centred on pixel centres (the normal case), already
+    // positioned in continuous coordinates (inside-frame outlines), or given as pixels.
+    enum class OutlinePlacement : std::uint8_t { PixelCentres, Exact, Area };
+
+    // Paints the fill (with the brush, when given and the brush is not clear) and then the
+    // outline (with the pen) under the current pen mode.
+    // With OutlinePlacement::Area the outline is a set of whole pixels painted in the pen
+    // colour rather than a line to stroke.
+    void Render(const QPainterPath &outline, const QPainterPath *fill,
+                OutlinePlacement placement = OutlinePlacement::PixelCentres);
+    void RenderDirect(const QPainterPath &outline, const QPainterPath *fill,
+                      OutlinePlacement placement);
+    bool DrawExactEllipse(const TRect &r);
+    // Fill and outline combined off-target, then merged pixel by pixel, so that modes which
+    // are not idempotent touch every pixel once.
+    void RenderSinglePass(const QPainterPath &outline, const QPainterPath *fill,
+                          OutlinePlacement placement);
+    QTransform OutlineTransform(OutlinePlacement placement) const;
+    void RestoreDeviceState();
+    void SyncFont();
+
     std::unique_ptr<Impl> d;
     QImage *m_Target = nullptr;
     TPen m_Pen;

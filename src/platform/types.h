@@ -17,7 +17,10 @@ struct TPoint
     std::int32_t Y = 0;
 
     constexpr TPoint() = default;
-    constexpr TPoint(std::int32_t x, std::int32_t y) : X(x), Y(y) {}
+    constexpr TPoint(std::int32_t x, std::int32_t y)
+        : X(x)
+        , Y(y)
+    {}
 
     friend constexpr bool operator==(TPoint, TPoint) = default;
     friend constexpr TPoint operator+(TPoint a, TPoint b) { return {a.X + b.X, a.Y + b.Y}; }
@@ -39,10 +42,16 @@ struct TRect
 
     constexpr TRect() = default;
     constexpr TRect(std::int32_t l, std::int32_t t, std::int32_t r, std::int32_t b)
-        : Left(l), Top(t), Right(r), Bottom(b)
+        : Left(l)
+        , Top(t)
+        , Right(r)
+        , Bottom(b)
     {}
     constexpr TRect(TPoint topLeft, TPoint bottomRight)
-        : Left(topLeft.X), Top(topLeft.Y), Right(bottomRight.X), Bottom(bottomRight.Y)
+        : Left(topLeft.X)
+        , Top(topLeft.Y)
+        , Right(bottomRight.X)
+        , Bottom(bottomRight.Y)
     {}
 
     friend constexpr bool operator==(const TRect &, const TRect &) = default;

@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: MIT
+// Little-endian reading and writing of numbers and raw bytes on a QIODevice.
+#pragma once
+
+#include <QByteArray>
+#include <QIODevice>
+
+#include <cstdint>
+#include <stdexcept>
+
+namespace tessal {
+
+// Raised by BinaryStream when the device ends early or refuses to write. File readers catch
+// it at their boundary and report the message; it never crosses the public interface.
+class TStreamError : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+// Reads and writes fixed-width little-endian values at the device's current position. The
+// stream does not own the device, which must be open in the needed mode.
+class BinaryStream
+{
+public:
+    explicit BinaryStream(QIODevice *device)
+        : m_Device(device)
+    {}
+
+    QIODevice *Device() const { return m_Device; }
+    std::int64_t Pos() const { return m_Device->pos(); }
+    // Bytes that can still be read before the end of the device.
+    std::int64_t BytesLeft() const;
+    // Throws TStreamError unless count elements of elementSize bytes can still be read; call
+    // it before allocating storage for a count read from a file. A negative count fails too.
+    void RequireBytes(std::int64_t count, std::int64_t elementSize) const;
+
+    std::int8_t ReadInt8();
+    std::uint8_t ReadUInt8();
+    std::int16_t ReadInt16();
+    std::uint16_t ReadUInt16();
+    std::int32_t ReadInt32();
+    std::uint32_t ReadUInt32();
+    std::int64_t ReadInt64();
+    std::uint64_t ReadUInt64();
+    float ReadFloat();
+    double ReadDouble();
+    // One byte; any non-zero value is true.
+    bool ReadBool();
+    // The 10-byte x87 extended format, rounded to the nearest double (halves to even);
+    // values beyond the double range become infinities.
+    double ReadExtended();
+    QByteArray ReadBytes(std::int64_t count);
+    void ReadRaw(void *data, std::int64_t count);
+    void Skip(std::int64_t count);
+
+    void WriteInt8(std::int8_t v);
+    void WriteUInt8(std::uint8_t v);
+    void WriteInt16(std::int16_t v);
+    void WriteUInt16(std::uint16_t v);
+    void WriteInt32(std::int32_t v);
+    void WriteUInt32(std::uint32_t v);
+    void WriteInt64(std::int64_t v);
+    void WriteUInt64(std::uint64_t v);
+    void WriteFloat(float v);
+    void WriteDouble(double v);
+    void WriteBool(bool v); // 0 or 1
+    void WriteExtended(double v);
+    void WriteBytes(const QByteArray &bytes);
+    void WriteRaw(const void *data, std::int64_t count);
+
+private:
+    std::uint64_t ReadLittle(int size);
+    void WriteLittle(std::uint64_t v, int size);
+
+    QIODevice *m_Device;
+};
+
+// The x87 extended encoding on its own, for callers that hold the bytes already.
+void EncodeExtended(double value, std::uint8_t out[10]);
+double DecodeExtended(const std::uint8_t in[10]);
+
+} // namespace tessal

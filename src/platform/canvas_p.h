@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+// Private state of TCanvas and the helpers its three source files share.
+#pragma once
+
+#include <tessal/platform/canvas.h>
+
+#include <QFont>
+#include <QPainter>
+#include <QPainterPath>
+
+#include <optional>
+
+namespace tessal {
+
+struct TCanvas::Impl
+{
+    QPainter Painter;
+    QTransform World;
+    // Clipping in device pixels (clip regions are not subject to the world transform).
+    std::optional<QPainterPath> Clip;
+    // The path being recorded or last recorded, in logical coordinates.
+    QPainterPath Path;
+    // The font last turned into the log font, to notice edits made through Font().
+    TFont SyncedFont;
+    QFont QtFont;
+    // A positive log-font height: the cell height that text measures, 0 otherwise.
+    int CellHeight = 0;
+};
+
+namespace canvasdetail {
+
+// The result of the pen mode for one colour channel set: how a primitive is painted.
+struct ModeSetup
+{
+    bool Draw = true; // false for the no-operation mode
+    QPainter::CompositionMode Composition = QPainter::CompositionMode_SourceOver;
+    // Black and white replace the colour and paint in copy mode.
+    std::optional<QColor> ForcedColor;
+};
+
+ModeSetup SetupForMode(TPenMode mode);
+// Whether drawing a pixel twice in this mode can give a different result than once; such
+// modes need fill and outline combined before they reach the target.
+bool ModeNeedsSinglePass(TPenMode mode);
+// The mode applied to 0xRRGGBB pen and destination values.
+std::uint32_t ApplyMode(TPenMode mode, std::uint32_t pen, std::uint32_t dest);
+
+// Qt pen for a canvas pen: cosmetic for width 0 and 1 unless geometric.
+QPen MakeQPen(const TPen &pen, bool geometric, TPenJoin join, TPenEndCap cap);
+QBrush MakeQBrush(const TBrush &brush);
+
+} // namespace canvasdetail
+
+} // namespace tessal

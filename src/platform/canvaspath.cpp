@@ -1,0 +1,172 @@
+// SPDX-License-Identifier: MIT
+// TCanvas paths, regions, clipping and world transforms.
+#include "canvas_p.h"
+
+#include <cmath>
+
+namespace tessal {
+
+TRegion::TRegion(std::span<const TPoint> polygon, TFillMode mode)
+{
+    if (polygon.size() < 3)
+        return;
+    m_Path.moveTo(polygon[0].X, polygon[0].Y);
+    for (std::size_t i = 1; i < polygon.size(); ++i)
+        m_Path.lineTo(polygon[i].X, polygon[i].Y);
+    m_Path.closeSubpath();
+    m_Path.setFillRule(mode == TFillMode::fmWinding ? Qt::WindingFill : Qt::OddEvenFill);
+}
+
+TRegion TRegion::FromRect(const TRect &r)
+{
+    TRegion region;
+    const TRect n = r.Normalized();
+    if (!n.IsEmpty())
+        region.m_Path.addRect(QRectF(n.Left, n.Top, n.Width(), n.Height()));
+    return region;
+}
+
+bool TRegion::Contains(TPoint p) const
+{
+    // A pixel belongs to the region when its centre does, which is also the pixel the
+    // region fills.
+    return m_Path.contains(QPointF(p.X + 0.5, p.Y + 0.5));
+}
+
+TRect TRegion::Bounds() const
+{
+    if (m_Path.isEmpty())
+        return {};
+    const QRectF b = m_Path.boundingRect();
+    return {int(std::floor(b.left())), int(std::floor(b.top())), int(std::ceil(b.right())),
+            int(std::ceil(b.bottom()))};
+}
+
+void TCanvas::BeginPath()
+{
+    d->Path = QPainterPath();
+    m_Recording = true;
+}
+
+void TCanvas::EndPath()
+{
+    m_Recording = false;
+}
+
+void TCanvas::CloseFigure()
+{
+    if (m_Recording)
+        d->Path.closeSubpath();
+}
+
+void TCanvas::AbortPath()
+{
+    d->Path = QPainterPath();
+    m_Recording = false;
+}
+
+void TCanvas::FlattenPath()
+{
+    if (m_Recording)
+        return;
+    QPainterPath flat;
+    for (const QPolygonF &polygon : d->Path.toSubpathPolygons()) {
+        if (polygon.isEmpty())
+            continue;
+        flat.moveTo(polygon.first());
+        for (qsizetype i = 1; i < polygon.size(); ++i)
+            flat.lineTo(polygon[i]);
+    }
+    d->Path = flat;
+}
+
+std::vector<TPoint> TCanvas::GetPathPoints() const
+{
+    std::vector<TPoint> points;
+    points.reserve(std::size_t(d->Path.elementCount()));
+    for (int i = 0; i < d->Path.elementCount(); ++i) {
+        const QPainterPath::Element e = d->Path.elementAt(i);
+        points.push_back({std::int32_t(std::nearbyint(e.x)), std::int32_t(std::nearbyint(e.y))});
+    }
+    return points;
+}
+
+// A path is used up by stroking or filling it, as the recording is meant for one drawing.
+void TCanvas::StrokePath()
+{
+    if (m_Recording)
+        return;
+    const QPainterPath path = d->Path;
+    d->Path = QPainterPath();
+    Render(path, nullptr);
+}
+
+void TCanvas::FillPath()
+{
+    if (m_Recording)
+        return;
+    const QPainterPath path = d->Path;
+    d->Path = QPainterPath();
+    const TPen pen = m_Pen;
+    m_Pen.Style = TPenStyle::psClear;
+    Render(path, &path);
+    m_Pen = pen;
+}
+
+void TCanvas::StrokeAndFillPath()
+{
+    if (m_Recording)
+        return;
+    const QPainterPath path = d->Path;
+    d->Path = QPainterPath();
+    Render(path, &path);
+}
+
+void TCanvas::FillRgn(const TRegion &region, const TBrush &brush)
+{
+    QPainter &p = d->Painter;
+    p.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    p.setPen(Qt::NoPen);
+    p.setBrush(canvasdetail::MakeQBrush(brush));
+    p.drawPath(region.Path());
+}
+
+void TCanvas::SelectClipRgn(const TRegion *region)
+{
+    if (region)
+        d->Clip = region->Path();
+    else
+        d->Clip.reset();
+    RestoreDeviceState();
+}
+
+void TCanvas::SelectClipRect(const TRect *rect)
+{
+    if (rect) {
+        QPainterPath clip;
+        const TRect n = rect->Normalized();
+        clip.addRect(QRectF(n.Left, n.Top, n.Width(), n.Height()));
+        d->Clip = clip;
+    } else {
+        d->Clip.reset();
+    }
+    RestoreDeviceState();
+}
+
+void TCanvas::SetWorldTransform(const QTransform &t)
+{
+    d->World = t;
+    d->Painter.setWorldTransform(t);
+}
+
+void TCanvas::ResetWorldTransform()
+{
+    SetWorldTransform(QTransform());
+}
+
+QTransform TCanvas::WorldTransform() const
+{
+    return d->World;
+}
+
+} // namespace tessal

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+// Small image helpers shared by the canvas tests.
+#pragma once
+
+#include <tessal/platform/types.h>
+
+#include <QImage>
+
+#include <vector>
+
+namespace tessal::test {
+
+inline QImage Filled(int w, int h, unsigned rgb, QImage::Format format = QImage::Format_RGB32)
+{
+    QImage image(w, h, format);
+    image.fill(QColor::fromRgb(rgb));
+    return image;
+}
+
+inline unsigned Rgb(const QImage &image, int x, int y)
+{
+    return image.pixel(x, y) & 0xFFFFFFu;
+}
+
+// The pixels that differ from the background, as a set of points in row order.
+inline std::vector<TPoint> Ink(const QImage &image, unsigned background)
+{
+    std::vector<TPoint> ink;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            if (Rgb(image, x, y) != background)
+                ink.push_back({x, y});
+    return ink;
+}
+
+// The smallest rectangle holding every differing pixel (Right, Bottom exclusive).
+inline TRect InkBounds(const QImage &image, unsigned background)
+{
+    const std::vector<TPoint> ink = Ink(image, background);
+    if (ink.empty())
+        return {};
+    TRect r{ink[0].X, ink[0].Y, ink[0].X + 1, ink[0].Y + 1};
+    for (TPoint p : ink)
+        r = {std::min(r.Left, p.X), std::min(r.Top, p.Y), std::max(r.Right, p.X + 1),
+             std::max(r.Bottom, p.Y + 1)};
+    return r;
+}
+
+} // namespace tessal::test

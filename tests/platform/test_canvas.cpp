@@ -1,0 +1,479 @@
+// SPDX-License-Identifier: MIT
+// Pixel rules of the canvas: pen modes, exclusive edges, styles, regions, clipping, paths
+// and world transforms.
+#include "canvas_helpers.h"
+
+#include <tessal/platform/canvas.h>
+
+#include "common/imagecompare.h"
+
+#include <gtest/gtest.h>
+
+#include <QRandomGenerator>
+
+#include <cmath>
+
+using namespace tessal;
+using namespace tessal::test;
+
+namespace {
+
+constexpr unsigned kDest = 0x123456; // as 0xRRGGBB
+constexpr QImage::Format kFormats[] = {QImage::Format_RGB32, QImage::Format_ARGB32,
+                                       QImage::Format_BGR888};
+
+// Each pen mode applied to pen 0x00FF00 over 0x123456, worked out by hand.
+struct ModeCase
+{
+    TPenMode Mode;
+    unsigned Expected;
+};
+constexpr ModeCase kModes[] = {
+    {TPenMode::pmBlack, 0x000000},       {TPenMode::pmWhite, 0xFFFFFF},
+    {TPenMode::pmNop, 0x123456},         {TPenMode::pmNot, 0xEDCBA9},
+    {TPenMode::pmCopy, 0x00FF00},        {TPenMode::pmNotCopy, 0xFF00FF},
+    {TPenMode::pmMergePenNot, 0xEDFFA9}, {TPenMode::pmMaskPenNot, 0x00CB00},
+    {TPenMode::pmMergeNotPen, 0xFF34FF}, {TPenMode::pmMaskNotPen, 0x120056},
+    {TPenMode::pmMerge, 0x12FF56},       {TPenMode::pmNotMerge, 0xED00A9},
+    {TPenMode::pmMask, 0x003400},        {TPenMode::pmNotMask, 0xFFCBFF},
+    {TPenMode::pmXor, 0x12CB56},         {TPenMode::pmNotXor, 0xED34A9},
+};
+
+TColor FromRgb(unsigned rgb)
+{
+    return RGBToColor(std::uint8_t(rgb >> 16), std::uint8_t(rgb >> 8), std::uint8_t(rgb));
+}
+
+} // namespace
+
+TEST(CanvasPenMode, EveryModeOnEveryFormat)
+{
+    for (QImage::Format format : kFormats) {
+        for (const ModeCase &c : kModes) {
+            QImage image = Filled(8, 6, kDest, format);
+            {
+                TCanvas canvas(&image);
+                canvas.Pen().Color = FromRgb(0x00FF00);
+                canvas.Pen().Mode = c.Mode;
+                canvas.MoveTo(1, 1);
+                canvas.LineTo(6, 1);
+                // A hollow rectangle goes through the same mode.
+                canvas.Brush().Style = TBrushStyle::bsClear;
+                canvas.Rectangle({1, 3, 7, 6});
+            }
+            const auto label = ::testing::Message()
+                               << "format " << format << " mode " << int(c.Mode);
+            for (int x = 1; x < 6; ++x)
+                ASSERT_EQ(Rgb(image, x, 1), c.Expected) << label << " x " << x;
+            EXPECT_EQ(Rgb(image, 0, 1), kDest) << label;
+            EXPECT_EQ(Rgb(image, 6, 1), kDest) << label << ": end pixel drawn";
+            EXPECT_EQ(Rgb(image, 6, 5), c.Expected) << label;
+            EXPECT_EQ(Rgb(image, 3, 4), kDest) << label << ": hollow inside";
+            EXPECT_EQ(CountPixels(image, QRect(0, 3, 8, 3), c.Expected),
+                      c.Expected == kDest ? 24 : 14)
+                << label;
+            if (format == QImage::Format_ARGB32) {
+                EXPECT_EQ(qAlpha(image.pixel(2, 1)), 255) << label;
+            }
+        }
+    }
+}
+
+TEST(CanvasPenMode, FilledFiguresTouchEachPixelOnce)
+{
+    // With both a pen and a brush, xor and not-xor must still give pen ^ dest on the outline
+    // and brush ^ dest inside, and a second drawing must restore the original exactly.
+    for (QImage::Format format : kFormats) {
+        for (TPenMode mode : {TPenMode::pmXor, TPenMode::pmNotXor, TPenMode::pmNot}) {
+            QImage image = Filled(40, 30, kDest, format);
+            const QImage original = image.copy();
+            TCanvas canvas(&image);
+            canvas.Pen().Color = FromRgb(0x00FF00);
+            canvas.Pen().Mode = mode;
+            canvas.Brush().Color = FromRgb(0x0000FF);
+            const TPoint star[] = {{20, 0}, {32, 28}, {2, 10}, {38, 10}, {8, 28}};
+            auto drawAll = [&] {
+                canvas.Rectangle({1, 1, 9, 7});
+                canvas.Ellipse({10, 1, 30, 9});
+                canvas.Polygon(star);
+            };
+            drawAll();
+            canvas.Flush();
+            const unsigned outline = mode == TPenMode::pmXor      ? 0x12CB56u
+                                     : mode == TPenMode::pmNotXor ? 0xED34A9u
+                                                                  : 0xEDCBA9u;
+            const unsigned inside = mode == TPenMode::pmXor ? 0x123456u ^ 0x0000FFu
+                                    : mode == TPenMode::pmNotXor
+                                        ? (~(0x123456u ^ 0x0000FFu)) & 0xFFFFFF
+                                        : 0xEDCBA9u;
+            EXPECT_EQ(Rgb(image, 1, 1), outline) << format;
+            EXPECT_EQ(Rgb(image, 8, 6), outline) << format;
+            EXPECT_EQ(Rgb(image, 4, 3), inside) << format;
+            EXPECT_EQ(Rgb(image, 9, 3), kDest) << format;
+            EXPECT_EQ(Rgb(image, 12, 4), inside) << format;
+            drawAll();
+            canvas.Flush();
+            EXPECT_TRUE(ImagesEqual(image, original))
+                << "format " << format << " mode " << int(mode);
+        }
+    }
+}
+
+TEST(CanvasLines, EndPixelIsExcludedAndPolylinesJoinOnce)
+{
+    QImage image = Filled(20, 20, 0xFFFFFF);
+    TCanvas canvas(&image);
+    canvas.MoveTo(2, 2);
+    canvas.LineTo(2, 9); // vertical
+    canvas.LineTo(12, 9);
+    canvas.MoveTo(5, 12);
+    canvas.LineTo(9, 16); // diagonal
+    EXPECT_EQ(canvas.PenPos(), TPoint(9, 16));
+    canvas.Flush();
+    EXPECT_EQ(Rgb(image, 2, 2), 0u);
+    EXPECT_EQ(Rgb(image, 2, 8), 0u);
+    EXPECT_EQ(Rgb(image, 2, 9), 0u); // the start of the second line
+    EXPECT_EQ(Rgb(image, 11, 9), 0u);
+    EXPECT_EQ(Rgb(image, 12, 9), 0xFFFFFFu);
+    for (int i = 0; i < 4; ++i)
+        EXPECT_EQ(Rgb(image, 5 + i, 12 + i), 0u);
+    EXPECT_EQ(Rgb(image, 9, 16), 0xFFFFFFu);
+    EXPECT_EQ(Ink(image, 0xFFFFFF).size(), 7u + 10u + 4u);
+
+    // A closed polyline in xor mode: every corner is drawn exactly once.
+    QImage square = Filled(10, 10, 0x000000);
+    TCanvas sq(&square);
+    sq.Pen().Color = clWhite;
+    sq.Pen().Mode = TPenMode::pmXor;
+    const TPoint pts[] = {{1, 1}, {6, 1}, {6, 6}, {1, 6}, {1, 1}};
+    sq.Polyline(pts);
+    sq.Flush();
+    EXPECT_EQ(CountPixels(square, square.rect(), 0xFFFFFF), 20);
+    EXPECT_EQ(InkBounds(square, 0), TRect(1, 1, 7, 7));
+}
+
+TEST(CanvasFigures, RightAndBottomEdgesAreExclusive)
+{
+    QImage image = Filled(30, 12, 0xFFFFFF);
+    TCanvas canvas(&image);
+    canvas.Pen().Color = clBlack;
+    canvas.Brush().Color = clRed;
+    canvas.Rectangle({2, 2, 7, 6});
+    canvas.Pen().Style = TPenStyle::psClear;
+    canvas.Rectangle({9, 2, 14, 6}); // without a pen: one pixel narrower and shorter
+    canvas.FillRect({16, 2, 21, 6});
+    canvas.Brush().Color = clBlue;
+    canvas.FrameRect({23, 2, 28, 6});
+    canvas.Flush();
+    EXPECT_EQ(CountPixels(image, QRect(0, 0, 8, 12), 0x000000), 14);
+    EXPECT_EQ(CountPixels(image, QRect(0, 0, 8, 12), 0xFF0000), 6);
+    EXPECT_EQ(InkBounds(image.copy(0, 0, 8, 12), 0xFFFFFF), TRect(2, 2, 7, 6));
+    EXPECT_EQ(InkBounds(image.copy(8, 0, 7, 12), 0xFFFFFF), TRect(1, 2, 5, 5));
+    EXPECT_EQ(InkBounds(image.copy(15, 0, 7, 12), 0xFFFFFF), TRect(1, 2, 6, 6));
+    EXPECT_EQ(CountPixels(image, QRect(15, 0, 7, 12), 0xFF0000), 20);
+    EXPECT_EQ(CountPixels(image, QRect(22, 0, 8, 12), 0x0000FF), 14);
+    EXPECT_EQ(InkBounds(image.copy(22, 0, 8, 12), 0xFFFFFF), TRect(1, 2, 6, 6));
+}
+
+TEST(CanvasFigures, EllipseIsInscribedAndSymmetric)
+{
+    QImage image = Filled(24, 16, 0xFFFFFF);
+    TCanvas canvas(&image);
+    canvas.Brush().Style = TBrushStyle::bsClear;
+    canvas.Ellipse({2, 1, 21, 14});
+    canvas.Flush();
+    EXPECT_EQ(InkBounds(image, 0xFFFFFF), TRect(2, 1, 21, 14));
+    // Mirror symmetry about the centre of pixels 2..20 and 1..13.
+    for (TPoint p : Ink(image, 0xFFFFFF)) {
+        EXPECT_EQ(Rgb(image, 22 - p.X, p.Y), 0u) << p.X << "," << p.Y;
+        EXPECT_EQ(Rgb(image, p.X, 14 - p.Y), 0u) << p.X << "," << p.Y;
+    }
+    EXPECT_EQ(Rgb(image, 11, 7), 0xFFFFFFu);
+}
+
+TEST(CanvasPens, StylesAndWidths)
+{
+    auto row = [](TPenStyle style, int width) {
+        QImage image = Filled(60, 9, 0xFFFFFF);
+        TCanvas canvas(&image);
+        canvas.Pen().Style = style;
+        canvas.Pen().Width = width;
+        canvas.MoveTo(0, 4);
+        canvas.LineTo(60, 4);
+        canvas.Flush();
+        QString bits;
+        for (int x = 0; x < 60; ++x)
+            bits += Rgb(image, x, 4) == 0 ? '#' : '.';
+        return std::pair{bits, image};
+    };
+    EXPECT_EQ(row(TPenStyle::psSolid, 1).first, QString(60, '#'));
+    EXPECT_EQ(row(TPenStyle::psSolid, 0).first, QString(60, '#'));
+    EXPECT_EQ(row(TPenStyle::psInsideFrame, 1).first, QString(60, '#'));
+    EXPECT_EQ(row(TPenStyle::psClear, 1).first, QString(60, '.'));
+    EXPECT_EQ(row(TPenStyle::psDash, 1).first.left(48),
+              QString(18, '#') + QString(6, '.') + QString(18, '#') + QString(6, '.'));
+    EXPECT_EQ(row(TPenStyle::psDot, 1).first.left(12), QStringLiteral("###...###..."));
+    EXPECT_EQ(row(TPenStyle::psDashDot, 1).first.left(24),
+              QStringLiteral("#########......###......"));
+    EXPECT_EQ(row(TPenStyle::psDashDotDot, 1).first.left(24),
+              QStringLiteral("#########...###...###..."));
+    EXPECT_EQ(row(TPenStyle::psAlternate, 1).first.left(6), QStringLiteral("#.#.#."));
+    // A wide pen is solid and centred on the line; a styled wide pen draws solid too.
+    const auto [bits, wide] = row(TPenStyle::psDash, 3);
+    EXPECT_EQ(bits.mid(2, 56), QString(56, '#'));
+    EXPECT_EQ(Rgb(wide, 30, 3), 0u);
+    EXPECT_EQ(Rgb(wide, 30, 5), 0u);
+    EXPECT_EQ(Rgb(wide, 30, 2), 0xFFFFFFu);
+    EXPECT_EQ(Rgb(wide, 30, 6), 0xFFFFFFu);
+}
+
+TEST(CanvasPens, InsideFrameKeepsAWideOutlineInsideTheBox)
+{
+    QImage frame = Filled(30, 30, 0xFFFFFF);
+    QImage centred = Filled(30, 30, 0xFFFFFF);
+    for (auto [image, style] :
+         {std::pair{&frame, TPenStyle::psInsideFrame}, std::pair{&centred, TPenStyle::psSolid}}) {
+        TCanvas canvas(image);
+        canvas.Pen().Style = style;
+        canvas.Pen().Width = 4;
+        canvas.Brush().Style = TBrushStyle::bsClear;
+        canvas.Rectangle({5, 5, 25, 25});
+    }
+    EXPECT_EQ(InkBounds(frame, 0xFFFFFF), TRect(5, 5, 25, 25));
+    EXPECT_EQ(Rgb(frame, 8, 15), 0u);
+    EXPECT_EQ(Rgb(frame, 9, 15), 0xFFFFFFu);
+    const TRect outer = InkBounds(centred, 0xFFFFFF);
+    EXPECT_LT(outer.Left, 5);
+    EXPECT_GT(outer.Right, 25);
+}
+
+TEST(CanvasPens, GeometricJoinsAndCaps)
+{
+    auto draw = [](TPenJoin join, TPenEndCap cap) {
+        QImage image = Filled(40, 40, 0xFFFFFF);
+        TCanvas canvas(&image);
+        canvas.Pen().Width = 8;
+        canvas.SetGeometricPen(join, cap);
+        const TPoint pts[] = {{10, 30}, {20, 10}, {30, 30}};
+        canvas.Polyline(pts);
+        canvas.Flush();
+        return image;
+    };
+    const QImage miter = draw(TPenJoin::pjMiter, TPenEndCap::pecFlat);
+    const QImage bevel = draw(TPenJoin::pjBevel, TPenEndCap::pecFlat);
+    const QImage round = draw(TPenJoin::pjRound, TPenEndCap::pecFlat);
+    const int nMiter = int(Ink(miter, 0xFFFFFF).size());
+    const int nBevel = int(Ink(bevel, 0xFFFFFF).size());
+    const int nRound = int(Ink(round, 0xFFFFFF).size());
+    EXPECT_GT(nMiter, nRound);
+    EXPECT_GT(nRound, nBevel);
+    EXPECT_LT(InkBounds(miter, 0xFFFFFF).Top, InkBounds(bevel, 0xFFFFFF).Top);
+    EXPECT_TRUE(ImagesEqual(draw(TPenJoin::pjMask, TPenEndCap::pecFlat), miter));
+    const int nSquare = int(Ink(draw(TPenJoin::pjMiter, TPenEndCap::pecSquare), 0xFFFFFF).size());
+    const int nRoundCap = int(Ink(draw(TPenJoin::pjMiter, TPenEndCap::pecRound), 0xFFFFFF).size());
+    EXPECT_GT(nSquare, nRoundCap);
+    EXPECT_GT(nRoundCap, nMiter);
+    EXPECT_TRUE(ImagesEqual(draw(TPenJoin::pjMiter, TPenEndCap::pecMask), miter));
+}
+
+TEST(CanvasBrushes, HatchesRunTheRightWay)
+{
+    auto fill = [](TBrushStyle style) {
+        QImage image = Filled(16, 16, 0xFFFFFF);
+        TCanvas canvas(&image);
+        canvas.Brush().Style = style;
+        canvas.Brush().Color = clBlack;
+        canvas.FillRect({0, 0, 16, 16});
+        canvas.Flush();
+        return image;
+    };
+    const QImage horizontal = fill(TBrushStyle::bsHorizontal);
+    const QImage forward = fill(TBrushStyle::bsFDiagonal);
+    const QImage backward = fill(TBrushStyle::bsBDiagonal);
+    int fullRows = 0;
+    for (int y = 0; y < 16; ++y)
+        fullRows += CountPixels(horizontal, QRect(0, y, 16, 1), 0) == 16 ? 1 : 0;
+    EXPECT_GE(fullRows, 2);
+    EXPECT_EQ(CountPixels(horizontal, horizontal.rect(), 0), fullRows * 16);
+    // Forward diagonal: down to the right; backward diagonal: up to the right.
+    for (TPoint p : Ink(forward, 0xFFFFFF))
+        if (p.X < 15 && p.Y < 15) {
+            EXPECT_EQ(Rgb(forward, p.X + 1, p.Y + 1), 0u);
+        }
+    for (TPoint p : Ink(backward, 0xFFFFFF))
+        if (p.X < 15 && p.Y > 0) {
+            EXPECT_EQ(Rgb(backward, p.X + 1, p.Y - 1), 0u);
+        }
+    EXPECT_GT(Ink(fill(TBrushStyle::bsDiagCross), 0xFFFFFF).size(), Ink(forward, 0xFFFFFF).size());
+    EXPECT_TRUE(Ink(fill(TBrushStyle::bsClear), 0xFFFFFF).empty());
+}
+
+TEST(CanvasRegions, AlternateAndWindingDifferAtTheStarCentre)
+{
+    const TPoint star[] = {{50, 0}, {79, 90}, {2, 35}, {97, 35}, {21, 90}};
+    const TRegion alternate(star, TFillMode::fmAlternate);
+    const TRegion winding(star, TFillMode::fmWinding);
+    const TPoint centre{49, 50};
+    EXPECT_FALSE(alternate.Contains(centre));
+    EXPECT_TRUE(winding.Contains(centre));
+    EXPECT_TRUE(alternate.Contains({50, 10}));
+    EXPECT_TRUE(winding.Contains({50, 10}));
+    EXPECT_FALSE(winding.Contains({5, 80}));
+    EXPECT_EQ(winding.Bounds(), TRect(2, 0, 97, 90));
+
+    // Filling a region paints exactly the pixels it contains.
+    for (const TRegion *region : {&alternate, &winding}) {
+        QImage image = Filled(100, 100, 0xFFFFFF);
+        TCanvas canvas(&image);
+        TBrush brush;
+        brush.Color = clBlack;
+        canvas.FillRgn(*region, brush);
+        canvas.Flush();
+        int mismatches = 0;
+        for (int y = 0; y < 100; ++y)
+            for (int x = 0; x < 100; ++x)
+                mismatches += (Rgb(image, x, y) == 0) != region->Contains({x, y}) ? 1 : 0;
+        EXPECT_EQ(mismatches, 0);
+    }
+    // The centre pixel of a rectangle region follows the exclusive edges.
+    const TRegion rect = TRegion::FromRect({3, 3, 6, 6});
+    EXPECT_TRUE(rect.Contains({5, 5}));
+    EXPECT_FALSE(rect.Contains({6, 5}));
+    EXPECT_FALSE(rect.Contains({2, 3}));
+}
+
+TEST(CanvasRegions, ClippingLimitsDrawingUntilRemoved)
+{
+    QImage image = Filled(20, 20, 0xFFFFFF);
+    TCanvas canvas(&image);
+    canvas.Brush().Color = clBlack;
+    const TRect clip{2, 2, 5, 5};
+    canvas.SelectClipRect(&clip);
+    canvas.FillRect({0, 0, 20, 20});
+    canvas.Flush();
+    EXPECT_EQ(InkBounds(image, 0xFFFFFF), clip);
+    EXPECT_EQ(Ink(image, 0xFFFFFF).size(), 9u);
+
+    image.fill(Qt::white);
+    const TPoint triangle[] = {{1, 1}, {18, 3}, {6, 17}};
+    const TRegion region(triangle, TFillMode::fmAlternate);
+    canvas.SelectClipRgn(&region);
+    canvas.Brush().Color = clRed;
+    canvas.Rectangle({0, 0, 20, 20});
+    canvas.Flush();
+    int mismatches = 0;
+    for (int y = 0; y < 20; ++y)
+        for (int x = 0; x < 20; ++x)
+            mismatches += (Rgb(image, x, y) != 0xFFFFFF) != region.Contains({x, y}) ? 1 : 0;
+    EXPECT_EQ(mismatches, 0);
+
+    canvas.SelectClipRgn(nullptr);
+    canvas.FillRect({0, 0, 20, 20});
+    canvas.Flush();
+    EXPECT_EQ(CountPixels(image, image.rect(), 0xFF0000), 400);
+}
+
+TEST(CanvasPaths, FlattenedEllipseLiesOnTheEllipse)
+{
+    QImage image = Filled(120, 80, 0xFFFFFF);
+    TCanvas canvas(&image);
+    canvas.BeginPath();
+    EXPECT_TRUE(canvas.InPath());
+    canvas.Ellipse({0, 0, 101, 61}); // recorded, not drawn
+    canvas.EndPath();
+    canvas.Flush();
+    EXPECT_TRUE(Ink(image, 0xFFFFFF).empty());
+    canvas.FlattenPath();
+    const std::vector<TPoint> points = canvas.GetPathPoints();
+    ASSERT_GE(points.size(), 16u);
+    for (TPoint p : points) {
+        // The figure spans pixels 0..100 x 0..60: centre (50, 30), radii 50 and 30.
+        const double u = (p.X - 50) / 50.0, v = (p.Y - 30) / 30.0;
+        EXPECT_NEAR(u * u + v * v, 1.0, 0.05) << p.X << "," << p.Y;
+    }
+    EXPECT_EQ(points.front(), points.back());
+    canvas.StrokePath();
+    canvas.Flush();
+    EXPECT_EQ(InkBounds(image, 0xFFFFFF), TRect(0, 0, 101, 61));
+    EXPECT_TRUE(canvas.GetPathPoints().empty()); // a path is used up by drawing it
+}
+
+TEST(CanvasPaths, RecordedLinesFillAndStroke)
+{
+    QImage image = Filled(30, 30, 0xFFFFFF);
+    TCanvas canvas(&image);
+    canvas.BeginPath();
+    canvas.MoveTo(5, 5);
+    canvas.LineTo(25, 5);
+    canvas.LineTo(25, 25);
+    canvas.LineTo(5, 25);
+    canvas.CloseFigure();
+    canvas.EndPath();
+    EXPECT_EQ(canvas.GetPathPoints(),
+              (std::vector<TPoint>{{5, 5}, {25, 5}, {25, 25}, {5, 25}, {5, 5}}));
+    canvas.Brush().Color = clRed;
+    canvas.FillPath();
+    canvas.Flush();
+    EXPECT_EQ(CountPixels(image, image.rect(), 0xFF0000), 400); // 5..24 both ways
+    EXPECT_EQ(CountPixels(image, image.rect(), 0), 0);
+
+    image.fill(Qt::white);
+    canvas.BeginPath();
+    const TPoint tri[] = {{2, 2}, {20, 2}, {2, 20}};
+    canvas.Polygon(tri);
+    canvas.EndPath();
+    canvas.StrokeAndFillPath();
+    canvas.Flush();
+    EXPECT_GT(CountPixels(image, image.rect(), 0xFF0000), 100);
+    EXPECT_GT(CountPixels(image, image.rect(), 0), 40);
+
+    canvas.BeginPath();
+    canvas.MoveTo(1, 1);
+    canvas.LineTo(4, 4);
+    canvas.AbortPath();
+    EXPECT_FALSE(canvas.InPath());
+    EXPECT_TRUE(canvas.GetPathPoints().empty());
+}
+
+TEST(CanvasTransforms, RotatedAndTranslatedDrawing)
+{
+    QImage image = Filled(30, 30, 0xFFFFFF);
+    TCanvas canvas(&image);
+    QTransform t;
+    t.translate(10, 10);
+    t.rotate(90); // x runs down the screen
+    canvas.SetWorldTransform(t);
+    EXPECT_EQ(canvas.WorldTransform(), t);
+    canvas.MoveTo(0, 0);
+    canvas.LineTo(6, 0);
+    canvas.SetPixel(0, -5, clRed); // lands at (15, 10)
+    EXPECT_EQ(canvas.GetPixel(0, -5), clRed);
+    canvas.Flush();
+    EXPECT_EQ(InkBounds(image.copy(0, 0, 12, 30), 0xFFFFFF), TRect(10, 10, 11, 16));
+    EXPECT_EQ(Rgb(image, 15, 10), 0xFF0000u);
+    canvas.ResetWorldTransform();
+    canvas.MoveTo(20, 20);
+    canvas.LineTo(25, 20);
+    canvas.Flush();
+    EXPECT_EQ(InkBounds(image.copy(16, 16, 14, 14), 0xFFFFFF), TRect(4, 4, 9, 5));
+    EXPECT_EQ(canvas.GetPixel(22, 20), clBlack);
+    EXPECT_EQ(canvas.GetPixel(-1, 3), clNone);
+}
+
+TEST(CanvasImages, DrawStretchAndCopy)
+{
+    QImage image = Filled(20, 20, 0xFFFFFF, QImage::Format_BGR888);
+    QImage tile = Filled(2, 2, 0x00FF00);
+    tile.setPixel(1, 1, 0xFF0000FFu);
+    TCanvas canvas(&image);
+    canvas.Draw(3, 4, tile);
+    canvas.StretchDraw({10, 10, 14, 14}, tile); // nearest pixels, doubled
+    canvas.CopyRect({0, 15, 1, 16}, tile, {1, 1, 2, 2});
+    canvas.Flush();
+    EXPECT_EQ(Rgb(image, 3, 4), 0x00FF00u);
+    EXPECT_EQ(Rgb(image, 4, 5), 0x0000FFu);
+    EXPECT_EQ(InkBounds(image.copy(0, 0, 9, 9), 0xFFFFFF), TRect(3, 4, 5, 6));
+    EXPECT_EQ(CountPixels(image, QRect(12, 12, 2, 2), 0x0000FF), 4);
+    EXPECT_EQ(CountPixels(image, QRect(10, 10, 4, 4), 0x00FF00), 12);
+    EXPECT_EQ(Rgb(image, 0, 15), 0x0000FFu);
+}
