@@ -88,7 +88,7 @@ std::int32_t TMyShape::InWhichPointHot(TMyPoint p)
     const std::int32_t last = GetPointsCount() - 1;
     const std::int32_t margin = m_Host->HotSize();
     for (std::int32_t i : {0, last}) {
-        if (i < 0)
+        if (last < 0)
             break;
         const TMyPoint at = GetPointInZoom(i);
         if (InHotSquare(at, p, margin))

@@ -1,0 +1,503 @@
+// SPDX-License-Identifier: MIT
+// Shape geometry: moving, turning, mirroring, scaling, measuring, copying and restyling.
+#include "testhost.h"
+
+#include <tessal/shapes/shapetools.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numbers>
+
+namespace tessal::test {
+namespace {
+
+constexpr double Pi = std::numbers::pi;
+constexpr double Deg = Pi / 180;
+
+void ExpectNear(TMyPoint a, TMyPoint b, double tol = 1e-3)
+{
+    EXPECT_NEAR(a.X, b.X, tol);
+    EXPECT_NEAR(a.Y, b.Y, tol);
+}
+
+// A triangle with link points, text point and a non-trivial centre.
+std::unique_ptr<TMyShape> Triangle(TTestHost &host)
+{
+    auto s = std::make_unique<TMyShape>(&host);
+    s->Points() = {{0, 0}, {10, 0}, {10, 20}};
+    s->LinkPoints() = {{5, 0}, {10, 10}};
+    s->SetTextPoint({3, 4});
+    s->SetCenterPoint({5, 10});
+    return s;
+}
+
+TEST(ShapeConstruction, CopiesTheHostSettingsAndStartsAtTheDefaults)
+{
+    TTestHost host;
+    host.HostPen.Color = clRed;
+    host.HostPen.Width = 3;
+    host.HostBrush.Style = TBrushStyle::bsCross;
+    host.HostFont.Name = "Serif";
+    host.Join = TPenStyleJoinType::psjtMITER;
+    host.Cap = TPenStyleEndCapType::psectFLAT;
+    host.Drag = false;
+    host.Rotate = false;
+    host.Hot = false;
+    TMyShape s(&host);
+    EXPECT_EQ(s.Pen(), host.HostPen);
+    EXPECT_EQ(s.Brush(), host.HostBrush);
+    EXPECT_EQ(s.Font().Name, "Serif");
+    EXPECT_EQ(s.PenStyleJoinType(), TPenStyleJoinType::psjtMITER);
+    EXPECT_EQ(s.PenStyleEndCapType(), TPenStyleEndCapType::psectFLAT);
+    EXPECT_FALSE(s.DragEnable());
+    EXPECT_TRUE(s.ResizeEnable());
+    EXPECT_FALSE(s.RotateEnable());
+    EXPECT_FALSE(s.HotShow());
+    EXPECT_EQ(s.ParentNo(), -1);
+    EXPECT_EQ(s.CurrentHot(), -1);
+    EXPECT_EQ(s.ColorBegin(), clWhite);
+    EXPECT_EQ(s.ColorEnd(), clBlack);
+    EXPECT_EQ(s.GradientStyle(), TGradientStyle::gsNone);
+    EXPECT_TRUE(s.GradientBitmap().IsEmpty());
+    EXPECT_EQ(s.MultiInfoAlignment(), TAlignment::taLeftJustify);
+    EXPECT_EQ(s.LogWidth(), 10);
+    EXPECT_EQ(s.LogHeight(), 10);
+    EXPECT_TRUE(s.CaptionShow());
+    EXPECT_TRUE(s.Visible());
+    EXPECT_EQ(s.GetMouseCursor(1, 1), crCross);
+    EXPECT_FALSE(s.IsDrawingFinished(Qt::LeftButton, {1, 1}));
+    EXPECT_EQ(s.InWhichHot({0, 0}), -1);
+    EXPECT_EQ(s.ClassName(), "TMyShape");
+}
+
+TEST(ShapeEdit, MovingByZeroChangesNothingAndMovesAreZoomed)
+{
+    TTestHost host;
+    host.ZoomValue = 2;
+    auto s = Triangle(host);
+    const auto points = s->Points();
+    s->DragChangeValuedxdy(0, 0);
+    s->DragChangeValue({7, 7}, {7, 7});
+    EXPECT_EQ(s->Points(), points);
+    EXPECT_EQ(s->CenterPoint(), (TMyPoint{5, 10}));
+    EXPECT_EQ(s->TextPoint(), (TMyPoint{3, 4}));
+
+    // 10 screen pixels at zoom 2 are 5 document units, for every kind of point.
+    s->DragChangeValue({1, 1}, {11, -5});
+    EXPECT_EQ(s->GetPoint(2), (TMyPoint{15, 17}));
+    EXPECT_EQ(s->GetLinkPoint(0), (TMyPoint{10, -3}));
+    EXPECT_EQ(s->CenterPoint(), (TMyPoint{10, 7}));
+    EXPECT_EQ(s->TextPoint(), (TMyPoint{8, 1}));
+    s->DragChangeValuedxdy(-10, 6);
+    EXPECT_EQ(s->Points(), points);
+
+    // The zoomed accessors divide and multiply by the zoom.
+    s->AddPoint({8, 4});
+    EXPECT_EQ(s->GetPoint(3), (TMyPoint{4, 2}));
+    EXPECT_EQ(s->GetPointInZoom(3), (TMyPoint{8, 4}));
+    s->SetPointXInZoom(3, 20);
+    s->PointAddY(3, 6);
+    EXPECT_EQ(s->GetPoint(3), (TMyPoint{10, 5}));
+}
+
+TEST(ShapeEdit, RotationTurnsEveryPointAndAddsToTheAngle)
+{
+    TTestHost host;
+    auto s = Triangle(host);
+    s->RotateChangeValueByAngle({0, 0}, Pi / 2);
+    ExpectNear(s->GetPoint(1), {0, 10});
+    ExpectNear(s->GetPoint(2), {-20, 10});
+    ExpectNear(s->GetLinkPoint(1), {-10, 10});
+    ExpectNear(s->TextPoint(), {-4, 3});
+    ExpectNear(s->CenterPoint(), {-10, 5});
+    EXPECT_NEAR(s->Angle(), Pi / 2, 1e-6);
+    s->RotateChangeValueByAngle({0, 0}, -Pi / 2);
+    ExpectNear(s->GetPoint(2), {10, 20});
+    EXPECT_NEAR(s->Angle(), 0, 1e-6);
+
+    // Turns beyond a full circle are brought back within it.
+    s->RotateChangeValueByAngle({0, 0}, 7);
+    EXPECT_NEAR(s->Angle(), 7 - 2 * Pi, 1e-5);
+
+    // Without points nothing turns, not even the angle.
+    TMyShape empty(&host);
+    empty.SetTextPoint({5, 5});
+    empty.RotateChangeValueByAngle({0, 0}, 1);
+    EXPECT_EQ(empty.Angle(), 0);
+    EXPECT_EQ(empty.TextPoint(), (TMyPoint{5, 5}));
+}
+
+TEST(ShapeEdit, FlipsMirrorAboutTheCentreAndTwiceRestore)
+{
+    TTestHost host;
+    auto s = Triangle(host);
+    s->SetAngleValue(0.5f);
+    s->FlipHoriz();
+    EXPECT_EQ(s->Points(), (TMyPointArray{{10, 0}, {0, 0}, {0, 20}}));
+    EXPECT_EQ(s->LinkPoints(), (TMyPointArray{{5, 0}, {0, 10}}));
+    EXPECT_EQ(s->TextPoint(), (TMyPoint{7, 4}));
+    EXPECT_EQ(s->CenterPoint(), (TMyPoint{5, 10}));
+    EXPECT_NEAR(s->Angle(), Pi - 0.5, 1e-6);
+    EXPECT_TRUE(s->IsFlipHorz());
+    EXPECT_EQ(host.Repaints, 1);
+    s->FlipHoriz();
+    EXPECT_EQ(s->Points(), (TMyPointArray{{0, 0}, {10, 0}, {10, 20}}));
+    EXPECT_EQ(s->TextPoint(), (TMyPoint{3, 4}));
+    EXPECT_NEAR(s->Angle(), 0.5, 1e-6);
+    EXPECT_FALSE(s->IsFlipHorz());
+
+    s->SetIsFlipVert(true); // the setter performs the flip
+    EXPECT_EQ(s->Points(), (TMyPointArray{{0, 20}, {10, 20}, {10, 0}}));
+    EXPECT_EQ(s->TextPoint(), (TMyPoint{3, 16}));
+    EXPECT_FLOAT_EQ(s->Angle(), -0.5f);
+    EXPECT_TRUE(s->IsFlipVert());
+    s->SetIsFlipVert(true); // equal value: nothing
+    EXPECT_TRUE(s->IsFlipVert());
+    s->FlipVert();
+    EXPECT_EQ(s->Points(), (TMyPointArray{{0, 0}, {10, 0}, {10, 20}}));
+    EXPECT_FLOAT_EQ(s->Angle(), 0.5f);
+
+    // An angle of zero stays zero (it is not turned into pi).
+    s->SetAngleValue(0);
+    s->FlipHoriz();
+    EXPECT_EQ(s->Angle(), 0);
+}
+
+TEST(ShapeEdit, FlipOfAGroupMemberUsesTheRootGroupCentre)
+{
+    TTestHost host;
+    TMyShape *root = host.Add(std::make_unique<TMyShape>(&host));
+    TMyShape *mid = host.Add(std::make_unique<TMyShape>(&host));
+    TMyShape *leaf = host.Add(Triangle(host));
+    root->SetCenterPoint({100, 100});
+    mid->SetCenterPoint({50, 50});
+    mid->SetParentNo(0);
+    leaf->SetParentNo(1);
+    leaf->FlipHoriz();
+    EXPECT_EQ(leaf->Points(), (TMyPointArray{{200, 0}, {190, 0}, {190, 20}}));
+    leaf->FlipVert();
+    EXPECT_EQ(leaf->GetPoint(2), (TMyPoint{190, 180}));
+}
+
+TEST(ShapeSetters, AngleLockAndEqualValues)
+{
+    TTestHost host;
+    TMyShape s(&host);
+    s.SetAngle(0.75f); // no points yet: stored, nothing turned, the host is not asked
+    EXPECT_FLOAT_EQ(s.Angle(), 0.75f);
+    EXPECT_TRUE(host.RotateCalls.empty());
+
+    auto t = Triangle(host);
+    t->SetAngle(Pi / 2);
+    ASSERT_EQ(host.RotateCalls.size(), 1u);
+    EXPECT_EQ(host.RotateCalls[0].first, t.get());
+    EXPECT_NEAR(t->Angle(), Pi / 2, 1e-6);
+    ExpectNear(t->GetPoint(0), {15, 5}); // turned about its centre (5, 10)
+    t->SetAngle(t->Angle());
+    EXPECT_EQ(host.RotateCalls.size(), 1u);
+
+    const int before = host.Repaints;
+    s.SetLocked(true);
+    EXPECT_TRUE(s.Locked());
+    EXPECT_EQ(host.Repaints, before + 1);
+    s.SetLocked(true);
+    s.SetTag(0);
+    s.SetCaption("");
+    s.SetPen(s.Pen());
+    EXPECT_EQ(host.Repaints, before + 1);
+    s.SetCaption("c");
+    EXPECT_EQ(host.Repaints, before + 2);
+}
+
+TEST(ShapeEdit, ScalingARotatedRectangleKeepsItARectangleAtTheSameAngle)
+{
+    TTestHost host;
+    TMyShape s(&host);
+    MakeBox(s, 0, 0, 100, 50);
+    s.SetTextPoint({50, 25});
+    s.RotateChangeValueByAngle({50, 25}, 30 * Deg);
+    const TMyPoint fixed = s.GetPoint(0);
+    s.SizeChangeValueByScale(2, 0.5, fixed, s.GetPoint(2), s.GetPoint(2));
+
+    const auto &p = s.Points();
+    ExpectNear(p[0], fixed);
+    const double ux = p[1].X - p[0].X, uy = p[1].Y - p[0].Y;
+    const double vx = p[3].X - p[0].X, vy = p[3].Y - p[0].Y;
+    EXPECT_NEAR(std::hypot(ux, uy), 200, 1e-3);
+    EXPECT_NEAR(std::hypot(vx, vy), 25, 1e-3);
+    EXPECT_NEAR(ux * vx + uy * vy, 0, 1e-2);
+    EXPECT_NEAR(std::atan2(uy, ux), 30 * Deg, 1e-5);
+    ExpectNear(p[2], {p[1].X + float(vx), p[1].Y + float(vy)});
+    EXPECT_NEAR(s.Angle(), 30 * Deg, 1e-6);
+    // The centre and text point moved with the box: still its middle.
+    ExpectNear(s.CenterPoint(), {(p[0].X + p[2].X) / 2, (p[0].Y + p[2].Y) / 2});
+    ExpectNear(s.TextPoint(), s.CenterPoint());
+    // The unrotated size is what the gradient is stretched to.
+    EXPECT_NEAR(s.GetMyWidth(), 200, 1e-2);
+    EXPECT_NEAR(s.GetMyHeight(), 25, 1e-2);
+}
+
+TEST(ShapeEdit, RotatedAngleIsNormalisedAndSnaps)
+{
+    TTestHost host;
+    TMyShape s(&host);
+    const TMyPoint c{10, 10};
+    const TMyPoint from{110, 10};
+    auto turned = [&](double deg) { return RotateAPoint(from, c, float(deg * Deg)); };
+
+    // The answer turns from onto to in the shapes' sense of rotation.
+    for (double deg : {20.0, -20.0, 135.0, -170.0, 179.0})
+        EXPECT_NEAR(s.GetRotatedAngle(c, from, turned(deg), false), deg * Deg, 1e-5) << deg;
+    // Across the zero direction of the slope angles a small drag stays a small turn.
+    EXPECT_NEAR(s.GetRotatedAngle(c, {0, 11}, {0, 9}, false), 2 * std::atan(0.1), 1e-6);
+
+    host.ConstraintDegree = 15;
+    EXPECT_NEAR(s.GetRotatedAngle(c, from, turned(20), true), 15 * Deg, 1e-9);
+    EXPECT_NEAR(s.GetRotatedAngle(c, from, turned(23), true), 30 * Deg, 1e-9);
+    EXPECT_NEAR(s.GetRotatedAngle(c, from, turned(-52), true), -45 * Deg, 1e-9);
+    EXPECT_NEAR(s.GetRotatedAngle(c, from, turned(23), false), 23 * Deg, 1e-5);
+    host.ConstraintDegree = 0;
+    EXPECT_NEAR(s.GetRotatedAngle(c, from, turned(23), true), 23 * Deg, 1e-5);
+}
+
+TEST(ShapeEdit, MagicPointPicksTheNearestSideWithTiesInOrder)
+{
+    TTestHost host;
+    TMyShape s(&host);
+    TMyShape other(&host);
+    MakeBox(other, 100, 100, 110, 110);
+    EXPECT_EQ(s.GetMagicPoint(other, {105, 105}), (TMyPoint{100, 105})); // all tie: left
+    EXPECT_EQ(s.GetMagicPoint(other, {108, 105}), (TMyPoint{110, 105})); // right
+    EXPECT_EQ(s.GetMagicPoint(other, {105, 102}), (TMyPoint{105, 100})); // top
+    EXPECT_EQ(s.GetMagicPoint(other, {105, 109}), (TMyPoint{105, 110})); // bottom
+    // Sides count as whole lines: outside the box the nearest line still wins.
+    EXPECT_EQ(s.GetMagicPoint(other, {105, 97}), (TMyPoint{105, 100}));
+    EXPECT_EQ(s.GetMagicPoint(other, {105, 95}), (TMyPoint{100, 95}));   // left, top tie
+    EXPECT_EQ(s.GetMagicPoint(other, {109, 101}), (TMyPoint{110, 101})); // right, top tie
+    EXPECT_EQ(s.GetMagicPoint(other, {135, 135}), (TMyPoint{135, 135})); // exactly 25: no
+    EXPECT_EQ(s.GetMagicPoint(other, {134.5f, 135}), (TMyPoint{110, 135}));
+
+    // At zoom 2 the box is zoomed and rounded (200.5 -> 200) and the threshold is 50.
+    host.ZoomValue = 2;
+    MakeBox(other, 100.25f, 100, 110, 110);
+    EXPECT_EQ(s.GetMagicPoint(other, {201, 210}), (TMyPoint{200, 210}));
+    EXPECT_EQ(s.GetMagicPoint(other, {265, 265}), (TMyPoint{220, 265}));
+    EXPECT_EQ(s.GetMagicPoint(other, {271, 271}), (TMyPoint{271, 271}));
+}
+
+TEST(ShapeMeasure, LengthTextsForEveryUnit)
+{
+    TTestHost host;
+    TMyShape s(&host);
+    const struct
+    {
+        TUnits Unit;
+        const char *Text;
+    } rows[] = {
+        {TUnits::pixel, "       96 pixel(s)"},
+        {TUnits::mm, "    25.40 mm"},
+        {TUnits::cm, "     2.54 cm"},
+        {TUnits::dm, "     0.25 dm"},
+        {TUnits::m, "     0.03 m"},
+        {TUnits::inch, "     1.00 in"},
+    };
+    for (const auto &row : rows) {
+        host.Unit = row.Unit;
+        EXPECT_EQ(s.GetLengthByUnit({0, 0}, {96, 0}), QString::fromLatin1(row.Text));
+    }
+
+    // Pixels at Ratio 1 and Zoom 2 are half the screen distance; printf rounds the exact
+    // tie 2.5 to even.
+    host.Unit = TUnits::pixel;
+    host.ZoomValue = 2;
+    host.Ppi = 80; // keeps the arithmetic exact
+    EXPECT_EQ(s.GetLengthByUnit({10, 10}, {40, 50}), "       25 pixel(s)");
+    EXPECT_EQ(s.GetLengthByUnit({0, 0}, {0, 5}), "        2 pixel(s)");
+    // Ratio scales, the screen resolution turns pixels into inches.
+    host.Unit = TUnits::mm;
+    host.RatioValue = 10;
+    host.Ppi = 254;
+    EXPECT_EQ(s.GetLengthByUnit({0, 0}, {0, 200}), "   100.00 mm");
+    host.RatioValue = 1e6;
+    EXPECT_EQ(s.GetLengthByUnit({0, 0}, {0, 254}), "12700000.00 mm"); // wider than 9
+}
+
+TEST(ShapePoints, BoundsCentresAndMirroredReports)
+{
+    TTestHost host(300, 200);
+    TMyShape s(&host);
+    EXPECT_EQ(s.GetLeftTop(), (TMyPoint{0, 0}));
+    EXPECT_EQ(s.GetPointInZoomWithMode(0), (TMyPoint{0, 0}));
+    s.Points() = {{30, 40}, {10, 60}, {20, 50}};
+    s.SetCenterPoint({1, 2});
+    EXPECT_EQ(s.GetLeftTop(), (TMyPoint{10, 40}));
+    EXPECT_EQ(s.GetRightTop(), (TMyPoint{30, 40}));
+    EXPECT_EQ(s.GetLeftBottom(), (TMyPoint{10, 60}));
+    EXPECT_EQ(s.GetRightBottom(), (TMyPoint{30, 60}));
+    EXPECT_EQ(s.GetWidth(), 20);
+    EXPECT_EQ(s.GetHeight(), 20);
+    EXPECT_EQ(s.ComputeCenterPoint(0), (TMyPoint{10, 40}));
+    EXPECT_EQ(s.ComputeCenterPoint(1), (TMyPoint{30, 40}));
+    EXPECT_EQ(s.ComputeCenterPoint(2), (TMyPoint{30, 60}));
+    EXPECT_EQ(s.ComputeCenterPoint(3), (TMyPoint{10, 60}));
+    EXPECT_EQ(s.ComputeCenterPoint(4), (TMyPoint{20, 50}));
+    EXPECT_EQ(s.ComputeCenterPoint(5), (TMyPoint{1, 2}));
+
+    host.ZoomValue = 2;
+    const TMyPoint expected[] = {{60, 80}, {60, 200 - 80}, {300 - 60, 200 - 80}, {300 - 60, 80}};
+    for (int mode = 0; mode < 4; ++mode) {
+        host.Mode = TXYMode(mode);
+        EXPECT_EQ(s.GetPointInZoomWithMode(0), expected[mode]) << mode;
+        EXPECT_EQ(s.GetPointInZoomWithMode(3), (TMyPoint{0, 0}));
+        EXPECT_EQ(s.GetPointInZoomWithMode(-1), (TMyPoint{0, 0}));
+    }
+}
+
+TEST(ShapeCopy, AssignAndAssignWithoutRelationFieldByField)
+{
+    TTestHost host;
+    TMyShape src(&host);
+    MakeBox(src, 1, 2, 3, 4);
+    src.LinkPoints() = {{9, 9}};
+    TPen pen;
+    pen.Color = clRed;
+    src.SetPen(pen);
+    TBrush brush;
+    brush.Color = clBlue;
+    src.SetBrush(brush);
+    TFont font;
+    font.Name = "Mono";
+    src.SetFont(font);
+    src.SetColorBegin(clRed);
+    src.SetGradientStyle(TGradientStyle::gsLinearH);
+    src.SetFlipFlags(true, true);
+    src.SetLockedFlag(true);
+    src.SetAngleValue(0.25f);
+    src.SetCaption("cap");
+    src.SetInfo("info");
+    src.SetMultiInfo({"l1", "l2"});
+    src.SetMultiInfoAlignment(TAlignment::taRightJustify);
+    src.SetTag(42);
+    src.UserData().AddKeyandValue("k", "v");
+    src.SetLayerId(3);
+    src.ChildShapes() = {4, 5};
+    src.LinkShapes() = {6};
+    src.SetParentNo(7);
+    src.SetTextPoint({8, 8});
+    src.SetCaptionShow(false); // not copied by either
+    src.SetVisible(false);
+    src.SetLogUse(true);
+
+    auto checkCommon = [&](const TMyShape &d) {
+        EXPECT_EQ(d.Points(), src.Points());
+        EXPECT_EQ(d.LinkPoints(), src.LinkPoints());
+        EXPECT_EQ(d.Pen(), src.Pen());
+        EXPECT_EQ(d.Brush(), src.Brush());
+        EXPECT_EQ(d.Font(), src.Font());
+        EXPECT_EQ(d.ColorBegin(), clRed);
+        EXPECT_EQ(d.GradientStyle(), TGradientStyle::gsLinearH);
+        EXPECT_EQ(d.GradientBitmap(), src.GradientBitmap());
+        EXPECT_TRUE(d.IsFlipHorz() && d.IsFlipVert() && d.Locked());
+        EXPECT_EQ(d.Angle(), 0.25f);
+        EXPECT_EQ(d.Caption(), "cap");
+        EXPECT_EQ(d.Info(), "info");
+        EXPECT_EQ(d.MultiInfoAlignment(), TAlignment::taRightJustify);
+        EXPECT_EQ(d.Tag(), 42);
+        EXPECT_EQ(d.UserData(), src.UserData());
+        EXPECT_EQ(d.LayerId(), 3);
+        EXPECT_EQ(d.CenterPoint(), (TMyPoint{2, 3}));
+        EXPECT_TRUE(d.CaptionShow() && d.Visible() && !d.LogUse());
+    };
+
+    TMyShape full(&host);
+    full.Assign(src);
+    checkCommon(full);
+    EXPECT_EQ(full.MultiInfo(), src.MultiInfo());
+    EXPECT_EQ(full.ChildShapes(), src.ChildShapes());
+    EXPECT_EQ(full.LinkShapes(), src.LinkShapes());
+    EXPECT_EQ(full.ParentNo(), 7);
+    EXPECT_EQ(full.TextPoint(), (TMyPoint{0, 0}));
+
+    TMyShape bare(&host);
+    bare.ChildShapes() = {1};
+    bare.Assign(bare); // self-assignment keeps everything
+    EXPECT_EQ(bare.ChildShapes(), (std::vector<std::int32_t>{1}));
+    bare.AssignWithoutRelation(src);
+    checkCommon(bare);
+    EXPECT_TRUE(bare.MultiInfo().isEmpty());
+    EXPECT_EQ(bare.ChildShapes(), (std::vector<std::int32_t>{1}));
+    EXPECT_TRUE(bare.LinkShapes().empty());
+    EXPECT_EQ(bare.ParentNo(), -1);
+    EXPECT_EQ(bare.TextPoint(), (TMyPoint{8, 8}));
+}
+
+TEST(ShapeSetters, RestylingAGroupRestylesItsMembersRecursively)
+{
+    TTestHost host;
+    TMyShape *group = host.Add(std::make_unique<TMyShape>(&host));
+    TMyShape *a = host.Add(std::make_unique<TMyShape>(&host));
+    TMyShape *inner = host.Add(std::make_unique<TMyShape>(&host));
+    TMyShape *b = host.Add(std::make_unique<TMyShape>(&host));
+    group->ChildShapes() = {1, 2, 99}; // 99 does not exist and is skipped
+    inner->ChildShapes() = {3};
+
+    TPen pen;
+    pen.Color = clGreen;
+    pen.Width = 5;
+    group->SetPen(pen);
+    for (TMyShape *s : {a, inner, b})
+        EXPECT_EQ(s->Pen(), pen);
+
+    TBrush brush;
+    brush.Style = TBrushStyle::bsClear;
+    group->SetBrush(brush);
+    group->SetGradientStyle(TGradientStyle::gsDiamond);
+    group->SetColorEnd(clBlue);
+    for (TMyShape *s : {a, inner, b}) {
+        EXPECT_EQ(s->Brush(), brush);
+        EXPECT_EQ(s->GradientStyle(), TGradientStyle::gsDiamond);
+        EXPECT_EQ(s->ColorEnd(), clBlue);
+        EXPECT_EQ(s->GradientBitmap(), group->GradientBitmap());
+    }
+    TFont font;
+    font.Name = "Other";
+    group->SetFont(font);
+    EXPECT_EQ(b->Font().Name, "Other");
+
+    // While a drawing is read the members keep what the file says.
+    host.Loading = true;
+    pen.Color = clRed;
+    group->SetPen(pen);
+    EXPECT_EQ(group->Pen().Color, clRed);
+    EXPECT_EQ(a->Pen().Color, clGreen);
+}
+
+TEST(ShapeTools, PointListsAndConnectorLists)
+{
+    TTestHost host;
+    auto s = Triangle(host);
+    OffsetAllPoints(*s, 1.5f, -2);
+    EXPECT_EQ(s->GetPoint(2), (TMyPoint{11.5f, 18}));
+    EXPECT_EQ(s->GetLinkPoint(0), (TMyPoint{6.5f, -2}));
+    EXPECT_EQ(s->TextPoint(), (TMyPoint{4.5f, 2}));
+    EXPECT_EQ(s->CenterPoint(), (TMyPoint{5, 10})); // callers recompute it
+
+    AddLinklineShape(*s, 4);
+    AddLinklineShape(*s, 8);
+    AddLinklineShape(*s, 4);
+    EXPECT_EQ(s->LinkShapes(), (std::vector<std::int32_t>{4, 8}));
+    EXPECT_TRUE(s->HasLinkShapes());
+    s->LinkShapes() = {4, 8, 4, 9};
+    RemoveLinklineShape(*s, 4);
+    EXPECT_EQ(s->LinkShapes(), (std::vector<std::int32_t>{4, 8, 9}));
+    RemoveLinklineShape(*s, 5);
+    EXPECT_EQ(s->LinkShapes().size(), 3u);
+
+    RemoveAllPoints(*s);
+    EXPECT_EQ(s->GetPointsCount(), 0);
+    EXPECT_EQ(s->GetLinkPointsCount(), 2);
+}
+
+} // namespace
+} // namespace tessal::test
