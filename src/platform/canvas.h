@@ -107,6 +107,7 @@ public:
     void Ellipse(const TRect &r);
     void FillRect(const TRect &r);  // brush only
     void FrameRect(const TRect &r); // one-pixel frame in the brush colour
+    // clNone outside the image.
     TColor GetPixel(std::int32_t x, std::int32_t y) const;
     void SetPixel(std::int32_t x, std::int32_t y, TColor color);
     void Draw(std::int32_t x, std::int32_t y, const QImage &image);
@@ -114,7 +115,9 @@ public:
     void CopyRect(const TRect &dest, const QImage &source, const TRect &sourceRect);
 
     // Paths: BeginPath starts recording, drawing calls add to the path instead of drawing,
-    // EndPath stops recording. FlattenPath turns curves into line segments.
+    // EndPath stops recording. FlattenPath turns curves into line segments. GetPathPoints
+    // answers the path's points (curve control points too) in logical coordinates. Stroking
+    // or filling uses the path up; filling closes open figures and uses the alternate rule.
     void BeginPath();
     void EndPath();
     void CloseFigure();
@@ -126,7 +129,8 @@ public:
     void StrokeAndFillPath();
     bool InPath() const { return m_Recording; }
 
-    // Regions.
+    // Regions. FillRgn paints in logical coordinates; clip regions are in device pixels and
+    // do not follow the world transform.
     void FillRgn(const TRegion &region, const TBrush &brush);
     void SelectClipRgn(const TRegion *region); // nullptr removes the clipping
     void SelectClipRect(const TRect *rect);
@@ -136,8 +140,13 @@ public:
     void ResetWorldTransform();
     QTransform WorldTransform() const;
 
-    // Text. TextOut draws with the text cell's top-left at (x, y) in the font colour with a
-    // transparent background when SetBkModeTransparent(true), else on the brush colour.
+    // Text. TextOut draws with the text cell's top-left at (x, y), turned counter-clockwise
+    // about that corner by the escapement, in Font().Color, with a transparent background
+    // when SetBkModeTransparent(true), else on a solid brush's colour. SelectLogFont also
+    // sets Font().Color from the log font; changing only the colour keeps the selected font,
+    // any other edit of Font() replaces it (without escapement) at the next text call. A
+    // positive log-font height is the cell height that TextExtent reports. Glyphs are aliased.
+    // SetTextCharacterExtra adds pixels after every character, measured text included.
     void SelectLogFont(const TLogFont &font);
     const TLogFont &LogFont() const { return m_LogFont; }
     void SetBkModeTransparent(bool transparent) { m_BkTransparent = transparent; }

@@ -100,11 +100,8 @@ void TCanvas::SelectLogFont(const TLogFont &lf)
 
 void TCanvas::SyncFont()
 {
-    if (!SameShape(m_Font, d->SyncedFont)) {
-        const TColor color = m_Font.Color;
+    if (!SameShape(m_Font, d->SyncedFont))
         SetFont(m_Font);
-        m_Font.Color = color;
-    }
 }
 
 TPoint TCanvas::TextExtent(const QString &text) const
