@@ -103,7 +103,7 @@ QByteArray TBitmap::SaveToBmp() const
     Put16(out, 24);                      // bits per pixel
     Put32(out, 0);                       // no compression
     Put32(out, pixelBytes);
-    Put32(out, 0); // horizontal and vertical resolution: unspecified
+    Put32(out, 0); // horizontal and vertical resolution: none given
     Put32(out, 0);
     Put32(out, 0); // no palette
     Put32(out, 0);

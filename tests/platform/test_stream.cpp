@@ -179,7 +179,7 @@ TEST(Extended, DecodesWithOneRoundingToNearestEven)
     EXPECT_EQ(FromExtended(ExtendedBytes(0x8000000000000000, 16383 - 1076)), 0.0);
     EXPECT_EQ(FromExtended(ExtendedBytes(0x8000000000000001, 16383 - 1075)),
               std::ldexp(1.0, -1074));
-    // Beyond the double range, and the special values.
+    // Beyond the double range, and the infinities and NaNs.
     EXPECT_EQ(FromExtended(ExtendedBytes(0x8000000000000000, 0x7FFE)),
               std::numeric_limits<double>::infinity());
     EXPECT_EQ(FromExtended(ExtendedBytes(0x8000000000000000, 0xFFFF)),
@@ -192,15 +192,15 @@ TEST(Extended, DecodesWithOneRoundingToNearestEven)
 
 TEST(Extended, RoundTripsEveryKindOfDouble)
 {
-    const double specials[] = {1.0,
-                               -2.5,
-                               0.0,
-                               1e-310,
-                               std::numeric_limits<double>::max(),
-                               std::numeric_limits<double>::min(),
-                               std::numeric_limits<double>::denorm_min(),
-                               123456.789e200};
-    for (double v : specials)
+    const double samples[] = {1.0,
+                              -2.5,
+                              0.0,
+                              1e-310,
+                              std::numeric_limits<double>::max(),
+                              std::numeric_limits<double>::min(),
+                              std::numeric_limits<double>::denorm_min(),
+                              123456.789e200};
+    for (double v : samples)
         EXPECT_EQ(FromExtended(Extended(v)), v) << v;
     EXPECT_TRUE(std::isinf(FromExtended(Extended(-INFINITY))));
     EXPECT_TRUE(std::isnan(FromExtended(Extended(NAN))));
