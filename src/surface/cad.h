@@ -1,0 +1,623 @@
+// SPDX-License-Identifier: MIT
+// TMyCAD: the drawing surface widget that owns a document of layers and shapes.
+#pragma once
+
+#include <tessal/geometry/mypoint.h>
+#include <tessal/platform/bitmap.h>
+#include <tessal/platform/canvas.h>
+#include <tessal/platform/enums.h>
+#include <tessal/platform/graphics.h>
+#include <tessal/platform/types.h>
+#include <tessal/shapes/shapeenums.h>
+#include <tessal/shapes/shapehost.h>
+#include <tessal/shapes/userdata.h>
+#include <tessal/surface/cadevents.h>
+#include <tessal/surface/gridobject.h>
+#include <tessal/surface/surfaceenums.h>
+
+#include <QImage>
+#include <QLabel>
+#include <QRegion>
+#include <QString>
+#include <QVariant>
+#include <QWidget>
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace tessal {
+
+class TMyShape;
+
+// One entry of the layer table. Layers are identified by Id, which is never reused.
+struct TLayer
+{
+    QString Name;
+    std::int32_t Id = 0;
+    bool Visible = true;
+    friend bool operator==(const TLayer &, const TLayer &) = default;
+};
+
+// The surface. Document geometry is in pixels at zoom 1; the widget's own coordinates
+// (mouse positions, repaint rectangles) are screen pixels, i.e. document values x Zoom.
+// Page sizes are millimetres. The surface owns every shape in its list, its layer table,
+// the grid settings, the background bitmap, pen, brush, fonts and user data.
+//
+// Published properties are the Q_PROPERTYs below, in their published order. Property
+// setters store and invalidate; painting happens later in paintEvent. Enabled and Visible
+// are the component's capitalised counterparts of QWidget's enabled and visible.
+class TMyCAD : public QWidget, public TShapeHost
+{
+    Q_OBJECT
+    Q_PROPERTY(tessal::ShapeEnums::TArcMode ArcMode READ ArcMode WRITE SetArcMode)
+    Q_PROPERTY(int ArrowAngle READ ArrowAngle WRITE SetArrowAngle)
+    Q_PROPERTY(std::uint8_t ArrowLength READ ArrowLength WRITE SetArrowLength)
+    Q_PROPERTY(std::uint8_t ArrowOffset READ ArrowOffset WRITE SetArrowOffset)
+    Q_PROPERTY(tessal::ShapeEnums::TArrowStyle ArrowStyle READ ArrowStyle WRITE SetArrowStyle)
+    Q_PROPERTY(tessal::TBitmap BkBitmap READ BkBitmap WRITE SetBkBitmap)
+    Q_PROPERTY(
+        tessal::SurfaceEnums::TBkBitmapMode BkBitmapMode READ BkBitmapMode WRITE SetBkBitmapMode)
+    Q_PROPERTY(tessal::TBrush Brush READ Brush WRITE SetBrush)
+    Q_PROPERTY(tessal::TColor ColorOfBackGround READ ColorOfBackGround WRITE SetColorOfBackGround)
+    Q_PROPERTY(tessal::TColor ColorOfHot READ ColorOfHot WRITE SetColorOfHot)
+    Q_PROPERTY(bool CrossLine READ CrossLine WRITE SetCrossLine)
+    Q_PROPERTY(bool DragEnable READ DragEnable WRITE SetDragEnable)
+    Q_PROPERTY(tessal::SurfaceEnums::TDragMode DragMode READ DragMode WRITE SetDragShapeMode)
+    Q_PROPERTY(bool DragTrace READ DragTrace WRITE SetDragTrace)
+    Q_PROPERTY(bool DisableTextInput READ DisableTextInput WRITE SetDisableTextInput)
+    Q_PROPERTY(bool Enabled READ Enabled WRITE SetEnabled)
+    Q_PROPERTY(tessal::TFont Font READ Font WRITE SetFont)
+    Q_PROPERTY(tessal::TGridObject *GridOperation READ GridOperation WRITE SetGridOperation)
+    Q_PROPERTY(bool HotShow READ HotShow WRITE SetHotShow)
+    Q_PROPERTY(std::uint8_t HotSize READ HotSize WRITE SetHotSize)
+    Q_PROPERTY(QLabel *LabelValue READ LabelValue WRITE SetLabelValue)
+    Q_PROPERTY(QLabel *LabelXY READ LabelXY WRITE SetLabelXY)
+    Q_PROPERTY(bool LinklineAroundShape READ LinklineAroundShape WRITE SetLinklineAroundShape)
+    Q_PROPERTY(tessal::ShapeEnums::TLinkLineDrawStyle LinkLineDrawStyle READ LinkLineDrawStyle WRITE
+                   SetLinkLineDrawStyle)
+    Q_PROPERTY(bool LockBound READ LockBound WRITE SetLockBound)
+    Q_PROPERTY(bool MouseEffect READ MouseEffect WRITE SetMouseEffect)
+    Q_PROPERTY(tessal::TActionToolToSelecting OnActionToolToSelecting READ OnActionToolToSelecting
+                   WRITE SetOnActionToolToSelecting)
+    Q_PROPERTY(tessal::TChildhapeSelected OnChildShapeSelected READ OnChildShapeSelected WRITE
+                   SetOnChildShapeSelected)
+    Q_PROPERTY(tessal::TNotifyEvent OnClick READ OnClick WRITE SetOnClick)
+    Q_PROPERTY(tessal::TNotifyEvent OnDblClick READ OnDblClick WRITE SetOnDblClick)
+    Q_PROPERTY(tessal::TDeleteLayer OnDeleteLayer READ OnDeleteLayer WRITE SetOnDeleteLayer)
+    Q_PROPERTY(tessal::TDragDropEvent OnDragDrop READ OnDragDrop WRITE SetOnDragDrop)
+    Q_PROPERTY(tessal::TDragOverEvent OnDragOver READ OnDragOver WRITE SetOnDragOver)
+    Q_PROPERTY(tessal::TMouseEvent OnMouseDown READ OnMouseDown WRITE SetOnMouseDown)
+    Q_PROPERTY(tessal::TNotifyEvent OnMouseEnter READ OnMouseEnter WRITE SetOnMouseEnter)
+    Q_PROPERTY(tessal::TEnterLeaveShape OnMouseEnterShape READ OnMouseEnterShape WRITE
+                   SetOnMouseEnterShape)
+    Q_PROPERTY(tessal::TNotifyEvent OnMouseLeave READ OnMouseLeave WRITE SetOnMouseLeave)
+    Q_PROPERTY(tessal::TEnterLeaveShape OnMouseLeaveShape READ OnMouseLeaveShape WRITE
+                   SetOnMouseLeaveShape)
+    Q_PROPERTY(tessal::TMouseMoveEvent OnMouseMove READ OnMouseMove WRITE SetOnMouseMove)
+    Q_PROPERTY(tessal::TMouseEvent OnMouseUp READ OnMouseUp WRITE SetOnMouseUp)
+    Q_PROPERTY(tessal::TNewLayer OnNewLayer READ OnNewLayer WRITE SetOnNewLayer)
+    Q_PROPERTY(tessal::TNodeAdded OnNodeAdded READ OnNodeAdded WRITE SetOnNodeAdded)
+    Q_PROPERTY(tessal::TNodeDeleted OnNodeDeleted READ OnNodeDeleted WRITE SetOnNodeDeleted)
+    Q_PROPERTY(tessal::TNotifyEvent OnPaint READ OnPaint WRITE SetOnPaint)
+    Q_PROPERTY(tessal::TShapeAdded OnShapeAdded READ OnShapeAdded WRITE SetOnShapeAdded)
+    Q_PROPERTY(tessal::TShapeCodeDragging OnShapeCodeDragging READ OnShapeCodeDragging WRITE
+                   SetOnShapeCodeDragging)
+    Q_PROPERTY(tessal::TShapeCodeRotating OnShapeCodeRotating READ OnShapeCodeRotating WRITE
+                   SetOnShapeCodeRotating)
+    Q_PROPERTY(tessal::TShapeDeleted OnShapeDeleted READ OnShapeDeleted WRITE SetOnShapeDeleted)
+    Q_PROPERTY(tessal::TShapeMouseDraggingSizingRotating OnShapeMouseDragged READ
+                   OnShapeMouseDragged WRITE SetOnShapeMouseDragged)
+    Q_PROPERTY(tessal::TShapeMouseDraggingSizingRotating OnShapeMouseDragging READ
+                   OnShapeMouseDragging WRITE SetOnShapeMouseDragging)
+    Q_PROPERTY(tessal::TShapeMouseDraggingSizingRotating OnShapeMouseResized READ
+                   OnShapeMouseResized WRITE SetOnShapeMouseResized)
+    Q_PROPERTY(tessal::TShapeMouseDraggingSizingRotating OnShapeMouseResizeFinished READ
+                   OnShapeMouseResizeFinished WRITE SetOnShapeMouseResizeFinished)
+    Q_PROPERTY(tessal::TShapeMouseDraggingSizingRotating OnShapeMouseResizing READ
+                   OnShapeMouseResizing WRITE SetOnShapeMouseResizing)
+    Q_PROPERTY(tessal::TShapeMouseDraggingSizingRotating OnShapeMouseRotated READ
+                   OnShapeMouseRotated WRITE SetOnShapeMouseRotated)
+    Q_PROPERTY(tessal::TShapeMouseDraggingSizingRotating OnShapeMouseRotating READ
+                   OnShapeMouseRotating WRITE SetOnShapeMouseRotating)
+    Q_PROPERTY(tessal::TShapeSelected OnShapeSelected READ OnShapeSelected WRITE SetOnShapeSelected)
+    Q_PROPERTY(
+        tessal::TWholeDragOperation OnWholeDragged READ OnWholeDragged WRITE SetOnWholeDragged)
+    Q_PROPERTY(bool OperateAllLayer READ OperateAllLayer WRITE SetOperateAllLayer)
+    Q_PROPERTY(QString PageFoot READ PageFoot WRITE SetPageFoot)
+    Q_PROPERTY(tessal::PlatformEnums::TAlignment PageFootAlignment READ PageFootAlignment WRITE
+                   SetPageFootAlignment)
+    Q_PROPERTY(tessal::TFont PageFootFont READ PageFootFont WRITE SetPageFootFont)
+    Q_PROPERTY(std::uint8_t PageFootToBottom READ PageFootToBottom WRITE SetPageFootToBottom)
+    Q_PROPERTY(QString PageHead READ PageHead WRITE SetPageHead)
+    Q_PROPERTY(tessal::PlatformEnums::TAlignment PageHeadAlignment READ PageHeadAlignment WRITE
+                   SetPageHeadAlignment)
+    Q_PROPERTY(tessal::TFont PageHeadFont READ PageHeadFont WRITE SetPageHeadFont)
+    Q_PROPERTY(std::uint8_t PageHeadToTop READ PageHeadToTop WRITE SetPageHeadToTop)
+    Q_PROPERTY(std::uint32_t PageHeight READ PageHeight WRITE SetPageHeight)
+    Q_PROPERTY(tessal::SurfaceEnums::TPrinterOrientation PageOrientation READ PageOrientation WRITE
+                   SetPageOrientation)
+    Q_PROPERTY(tessal::SurfaceEnums::TPageStyle PageStyle READ PageStyle WRITE SetPageStyle)
+    Q_PROPERTY(std::uint32_t PageWidth READ PageWidth WRITE SetPageWidth)
+    Q_PROPERTY(tessal::TPen Pen READ Pen WRITE SetPen)
+    Q_PROPERTY(tessal::ShapeEnums::TPenStyleJoinType PenStyleJoinType READ PenStyleJoinType WRITE
+                   SetPenStyleJoinType)
+    Q_PROPERTY(tessal::ShapeEnums::TPenStyleEndCapType PenStyleEndCapType READ PenStyleEndCapType
+                   WRITE SetPenStyleEndCapType)
+    Q_PROPERTY(bool PrintABorder READ PrintABorder WRITE SetPrintABorder)
+    Q_PROPERTY(
+        std::uint8_t PrintABordertoBottom READ PrintABordertoBottom WRITE SetPrintABordertoBottom)
+    Q_PROPERTY(std::uint8_t PrintABordertoLeft READ PrintABordertoLeft WRITE SetPrintABordertoLeft)
+    Q_PROPERTY(
+        std::uint8_t PrintABordertoRight READ PrintABordertoRight WRITE SetPrintABordertoRight)
+    Q_PROPERTY(std::uint8_t PrintABordertoTop READ PrintABordertoTop WRITE SetPrintABordertoTop)
+    Q_PROPERTY(bool PrintBackground READ PrintBackground WRITE SetPrintBackground)
+    Q_PROPERTY(double Ratio READ Ratio WRITE SetRatio)
+    Q_PROPERTY(bool ResizeEnable READ ResizeEnable WRITE SetResizeEnable)
+    Q_PROPERTY(bool ReturnToSelecting READ ReturnToSelecting WRITE SetReturnToSelecting)
+    Q_PROPERTY(
+        int RotateConstraintDegree READ RotateConstraintDegree WRITE SetRotateConstraintDegree)
+    Q_PROPERTY(bool RotateEnable READ RotateEnable WRITE SetRotateEnable)
+    Q_PROPERTY(tessal::ShapeEnums::TDrawTool ShapeTool READ ShapeTool WRITE SetShapeTool)
+    Q_PROPERTY(bool ShowHint READ ShowHint WRITE SetShowHint)
+    Q_PROPERTY(bool ShowHotLink READ ShowHotLink WRITE SetShowHotLink)
+    Q_PROPERTY(bool Snap READ Snap WRITE SetSnap)
+    // Never written by property streaming: the snap distance is a per-session setting.
+    Q_PROPERTY(std::uint8_t SnapPixels READ SnapPixels WRITE SetSnapPixels STORED false)
+    Q_PROPERTY(bool SnapShape READ SnapShape WRITE SetSnapShape)
+    Q_PROPERTY(int Tag READ Tag WRITE SetTag)
+    Q_PROPERTY(tessal::GeometryEnums::TUnits TheUNIT READ TheUNIT WRITE SetTheUNIT)
+    Q_PROPERTY(std::uint8_t UndoRedoSize READ UndoRedoSize WRITE SetUndoRedoSize)
+    Q_PROPERTY(tessal::TUserData UserData READ UserData WRITE SetUserData)
+    Q_PROPERTY(QString Version READ Version)
+    Q_PROPERTY(bool Visible READ Visible WRITE SetVisible)
+    Q_PROPERTY(tessal::ShapeEnums::TXYMode XYMode READ XYMode WRITE SetXYMode)
+    Q_PROPERTY(double Zoom READ Zoom WRITE SetZoom)
+
+public:
+    explicit TMyCAD(QWidget *parent = nullptr);
+    ~TMyCAD() override;
+
+    // The default marker of a published property: the value that property streaming
+    // leaves out. Invalid for properties without a marker. The marker may differ from the
+    // construction value (PageFootAlignment starts right-justified, its marker is centre).
+    static QVariant DefaultMarker(const char *property);
+
+    // ---- Layers ----
+    // Appends a layer and makes it current; answers its ID, or -1 when the name (compared
+    // case-sensitively) is taken or the table already holds MaxLayers layers.
+    std::int32_t NewLayer(const QString &name, bool visible);
+    std::int32_t GetLayersCount() const { return std::int32_t(m_Layers.size()); }
+    // The ID of the last layer in the table, -1 without layers.
+    std::int32_t GetMaxLayerId() const;
+    // Look-ups answer -1 (IDs, numbers), an empty name or false when nothing matches.
+    std::int32_t GetLayerIdByName(const QString &name) const;
+    std::int32_t GetLayerIdByNo(std::int32_t no) const;
+    QString GetLayerNameByID(std::int32_t id) const;
+    std::int32_t GetLayerNoById(std::int32_t id) const;
+    std::int32_t GetLayerNoByName(const QString &name) const;
+    bool IsVisibleLayerByID(std::int32_t id) const;
+    std::int32_t CurrentLayerId() const { return m_CurrentLayerId; }
+    const std::vector<TLayer> &Layers() const { return m_Layers; }
+    // Layer counts are stored in a byte.
+    static constexpr std::int32_t MaxLayers = 255;
+
+    // ---- Shapes ----
+    // Takes ownership of shape and appends it: unless keepLayer it joins the current
+    // layer; unless noIdCount the identity counter advances. False for no shape; without
+    // any layer the user is told and the application asked to quit (the caller then keeps
+    // the shape).
+    bool AddShape(TMyShape *shape, bool keepLayer, bool noIdCount);
+    std::int32_t GetShapesCount() const { return std::int32_t(m_Shapes.size()); }
+    TMyShape *GetShapeByNo(std::int32_t no) const override;
+    // Follows ParentNo up to the shape that has no parent; nullptr for nullptr.
+    TMyShape *GetRootParentShape(TMyShape *shape) const override;
+    // The identity the next created shape receives.
+    std::int32_t ShapeIdCounter() const { return m_ShapeIdCounter; }
+
+    // ---- Page and zoom ----
+    // Selects a paper size; for named styles PageWidth and PageHeight come from the style's
+    // table (swapped in landscape) and the control takes the page's screen size.
+    void SetPageStyle(TPageStyle style);
+    // The named style whose size is (w, h) in the current orientation, else CustomerPage.
+    TPageStyle GetPageStyleByWH(std::uint32_t w, std::uint32_t h) const;
+    void SetPageWidth(std::uint32_t mm);
+    void SetPageHeight(std::uint32_t mm);
+    // Changing the orientation swaps the page's width and height.
+    void SetPageOrientation(TPrinterOrientation orientation);
+    // A zoom equal to the current one changes nothing, not even the previous zoom.
+    void SetZoom(double zoom);
+    double PreZoom() const { return m_PreZoom; }
+    void SetPreZoom(double zoom) { m_PreZoom = zoom; }
+    void SetRatio(double ratio);
+    // The control's size in screen pixels for a page size in millimetres at the current
+    // zoom and screen resolution: round(mm x Zoom x dpi / 25.4), halves to even.
+    std::int32_t PageMmToPixels(std::uint32_t mm) const;
+    // True while a repaint, a zoom change or a page-style change is under way.
+    bool IsBusy() const { return m_Busy; }
+
+    // ---- Interaction state ----
+    TActionTools ActionTool() const override { return m_ActionTool; }
+    void SetLoading(bool loading) { m_IsLoading = loading; }
+    bool IsLoading() const override { return m_IsLoading; }
+    // A control point (x, y) as events report it under XYMode: mirrored in Y (Mode1), in
+    // both axes (Mode2) or in X (Mode3) against the control's width and height.
+    TPoint ReportPoint(std::int32_t x, std::int32_t y) const;
+    // The newest drawing-file version, the one drawings are written in.
+    const QString &FileVersion() const { return m_FileVersion; }
+
+    // ---- Repaint ----
+    // Marks the whole control (or rect, in control pixels) for recomposition.
+    void Invalidate();
+    void InvalidateRect(const TRect &rect);
+    // The image shown on screen (logical size = control size, device pixel ratio of the
+    // widget); empty before the first paint or resize.
+    const QImage &ScreenImage() const { return m_ScreenImage; }
+    QSize sizeHint() const override;
+
+    // ---- TShapeHost ----
+    std::int32_t ControlWidth() const override { return width(); }
+    std::int32_t ControlHeight() const override { return height(); }
+    std::int32_t ScreenPixelsPerInch() const override { return logicalDpiX(); }
+    void RequestRepaint() override { Invalidate(); }
+    void RotateShapeTo(TMyShape *shape, double angle) override;
+    void LockShape(TMyShape *shape, bool locked) override;
+    THotHighlight &HotHighlight() override { return m_HotHighlight; }
+    TCanvas *ScreenCanvas() override;
+    void ScreenChanged(const TRect &rect) override;
+
+    // ---- Published properties ----
+    TArcMode ArcMode() const { return m_ArcMode; }
+    void SetArcMode(TArcMode value);
+    std::int32_t ArrowAngle() const { return m_ArrowAngle; }
+    void SetArrowAngle(std::int32_t value);
+    std::uint8_t ArrowLength() const { return m_ArrowLength; }
+    void SetArrowLength(std::uint8_t value);
+    std::uint8_t ArrowOffset() const { return m_ArrowOffset; }
+    void SetArrowOffset(std::uint8_t value);
+    TArrowStyle ArrowStyle() const { return m_ArrowStyle; }
+    void SetArrowStyle(TArrowStyle value);
+    const TBitmap &BkBitmap() const { return m_BkBitmap; }
+    void SetBkBitmap(const TBitmap &value);
+    TBkBitmapMode BkBitmapMode() const { return m_BkBitmapMode; }
+    void SetBkBitmapMode(TBkBitmapMode value);
+    const TBrush &Brush() const override { return m_Brush; }
+    void SetBrush(const TBrush &value);
+    TColor ColorOfBackGround() const { return m_ColorOfBackGround; }
+    void SetColorOfBackGround(TColor value);
+    TColor ColorOfHot() const { return m_ColorOfHot; }
+    // Also makes value the process-wide handle colour.
+    void SetColorOfHot(TColor value);
+    bool CrossLine() const { return m_CrossLine; }
+    void SetCrossLine(bool value);
+    bool DragEnable() const override { return m_DragEnable; }
+    void SetDragEnable(bool value);
+    TDragMode DragMode() const { return m_DragMode; }
+    void SetDragShapeMode(TDragMode value) { m_DragMode = value; }
+    bool DragTrace() const { return m_DragTrace; }
+    void SetDragTrace(bool value);
+    bool DisableTextInput() const { return m_DisableTextInput; }
+    void SetDisableTextInput(bool value);
+    bool Enabled() const { return isEnabled(); }
+    void SetEnabled(bool value);
+    const TFont &Font() const override { return m_Font; }
+    void SetFont(const TFont &value);
+    // The owned grid settings; the setter copies from value.
+    TGridObject *GridOperation() const { return m_Grid; }
+    void SetGridOperation(TGridObject *value);
+    bool HotShow() const override { return m_HotShow; }
+    void SetHotShow(bool value);
+    std::uint8_t HotSize() const override { return m_HotSize; }
+    void SetHotSize(std::uint8_t value);
+    // Labels that show the mouse position and length readouts; not owned.
+    QLabel *LabelValue() const { return m_LabelValue; }
+    void SetLabelValue(QLabel *value) { m_LabelValue = value; }
+    QLabel *LabelXY() const { return m_LabelXY; }
+    void SetLabelXY(QLabel *value) { m_LabelXY = value; }
+    bool LinklineAroundShape() const { return m_LinklineAroundShape; }
+    void SetLinklineAroundShape(bool value);
+    TLinkLineDrawStyle LinkLineDrawStyle() const { return m_LinkLineDrawStyle; }
+    void SetLinkLineDrawStyle(TLinkLineDrawStyle value);
+    bool LockBound() const { return m_LockBound; }
+    void SetLockBound(bool value);
+    bool MouseEffect() const { return m_MouseEffect; }
+    void SetMouseEffect(bool value);
+
+    const TActionToolToSelecting &OnActionToolToSelecting() const
+    {
+        return m_OnActionToolToSelecting;
+    }
+    void SetOnActionToolToSelecting(const TActionToolToSelecting &h)
+    {
+        m_OnActionToolToSelecting = h;
+    }
+    const TChildhapeSelected &OnChildShapeSelected() const { return m_OnChildShapeSelected; }
+    void SetOnChildShapeSelected(const TChildhapeSelected &h) { m_OnChildShapeSelected = h; }
+    const TNotifyEvent &OnClick() const { return m_OnClick; }
+    void SetOnClick(const TNotifyEvent &h) { m_OnClick = h; }
+    const TNotifyEvent &OnDblClick() const { return m_OnDblClick; }
+    void SetOnDblClick(const TNotifyEvent &h) { m_OnDblClick = h; }
+    const TDeleteLayer &OnDeleteLayer() const { return m_OnDeleteLayer; }
+    void SetOnDeleteLayer(const TDeleteLayer &h) { m_OnDeleteLayer = h; }
+    const TDragDropEvent &OnDragDrop() const { return m_OnDragDrop; }
+    void SetOnDragDrop(const TDragDropEvent &h) { m_OnDragDrop = h; }
+    const TDragOverEvent &OnDragOver() const { return m_OnDragOver; }
+    void SetOnDragOver(const TDragOverEvent &h) { m_OnDragOver = h; }
+    const TMouseEvent &OnMouseDown() const { return m_OnMouseDown; }
+    void SetOnMouseDown(const TMouseEvent &h) { m_OnMouseDown = h; }
+    const TNotifyEvent &OnMouseEnter() const { return m_OnMouseEnter; }
+    void SetOnMouseEnter(const TNotifyEvent &h) { m_OnMouseEnter = h; }
+    const TEnterLeaveShape &OnMouseEnterShape() const { return m_OnMouseEnterShape; }
+    void SetOnMouseEnterShape(const TEnterLeaveShape &h) { m_OnMouseEnterShape = h; }
+    const TNotifyEvent &OnMouseLeave() const { return m_OnMouseLeave; }
+    void SetOnMouseLeave(const TNotifyEvent &h) { m_OnMouseLeave = h; }
+    const TEnterLeaveShape &OnMouseLeaveShape() const { return m_OnMouseLeaveShape; }
+    void SetOnMouseLeaveShape(const TEnterLeaveShape &h) { m_OnMouseLeaveShape = h; }
+    const TMouseMoveEvent &OnMouseMove() const { return m_OnMouseMove; }
+    void SetOnMouseMove(const TMouseMoveEvent &h) { m_OnMouseMove = h; }
+    const TMouseEvent &OnMouseUp() const { return m_OnMouseUp; }
+    void SetOnMouseUp(const TMouseEvent &h) { m_OnMouseUp = h; }
+    const TNewLayer &OnNewLayer() const { return m_OnNewLayer; }
+    void SetOnNewLayer(const TNewLayer &h) { m_OnNewLayer = h; }
+    const TNodeAdded &OnNodeAdded() const { return m_OnNodeAdded; }
+    void SetOnNodeAdded(const TNodeAdded &h) { m_OnNodeAdded = h; }
+    const TNodeDeleted &OnNodeDeleted() const { return m_OnNodeDeleted; }
+    void SetOnNodeDeleted(const TNodeDeleted &h) { m_OnNodeDeleted = h; }
+    const TNotifyEvent &OnPaint() const { return m_OnPaint; }
+    void SetOnPaint(const TNotifyEvent &h) { m_OnPaint = h; }
+    const TShapeAdded &OnShapeAdded() const { return m_OnShapeAdded; }
+    void SetOnShapeAdded(const TShapeAdded &h) { m_OnShapeAdded = h; }
+    const TShapeCodeDragging &OnShapeCodeDragging() const { return m_OnShapeCodeDragging; }
+    void SetOnShapeCodeDragging(const TShapeCodeDragging &h) { m_OnShapeCodeDragging = h; }
+    const TShapeCodeRotating &OnShapeCodeRotating() const { return m_OnShapeCodeRotating; }
+    void SetOnShapeCodeRotating(const TShapeCodeRotating &h) { m_OnShapeCodeRotating = h; }
+    const TShapeDeleted &OnShapeDeleted() const { return m_OnShapeDeleted; }
+    void SetOnShapeDeleted(const TShapeDeleted &h) { m_OnShapeDeleted = h; }
+    using TGesture = TShapeMouseDraggingSizingRotating;
+    const TGesture &OnShapeMouseDragged() const { return m_OnShapeMouseDragged; }
+    void SetOnShapeMouseDragged(const TGesture &h) { m_OnShapeMouseDragged = h; }
+    const TGesture &OnShapeMouseDragging() const { return m_OnShapeMouseDragging; }
+    void SetOnShapeMouseDragging(const TGesture &h) { m_OnShapeMouseDragging = h; }
+    const TGesture &OnShapeMouseResized() const { return m_OnShapeMouseResized; }
+    void SetOnShapeMouseResized(const TGesture &h) { m_OnShapeMouseResized = h; }
+    const TGesture &OnShapeMouseResizeFinished() const { return m_OnShapeMouseResizeFinished; }
+    void SetOnShapeMouseResizeFinished(const TGesture &h) { m_OnShapeMouseResizeFinished = h; }
+    const TGesture &OnShapeMouseResizing() const { return m_OnShapeMouseResizing; }
+    void SetOnShapeMouseResizing(const TGesture &h) { m_OnShapeMouseResizing = h; }
+    const TGesture &OnShapeMouseRotated() const { return m_OnShapeMouseRotated; }
+    void SetOnShapeMouseRotated(const TGesture &h) { m_OnShapeMouseRotated = h; }
+    const TGesture &OnShapeMouseRotating() const { return m_OnShapeMouseRotating; }
+    void SetOnShapeMouseRotating(const TGesture &h) { m_OnShapeMouseRotating = h; }
+    const TShapeSelected &OnShapeSelected() const { return m_OnShapeSelected; }
+    void SetOnShapeSelected(const TShapeSelected &h) { m_OnShapeSelected = h; }
+    const TWholeDragOperation &OnWholeDragged() const { return m_OnWholeDragged; }
+    void SetOnWholeDragged(const TWholeDragOperation &h) { m_OnWholeDragged = h; }
+
+    bool OperateAllLayer() const { return m_OperateAllLayer; }
+    void SetOperateAllLayer(bool value);
+    const QString &PageFoot() const { return m_PageFoot; }
+    void SetPageFoot(const QString &value);
+    TAlignment PageFootAlignment() const { return m_PageFootAlignment; }
+    void SetPageFootAlignment(TAlignment value);
+    const TFont &PageFootFont() const { return m_PageFootFont; }
+    void SetPageFootFont(const TFont &value);
+    std::uint8_t PageFootToBottom() const { return m_PageFootToBottom; }
+    void SetPageFootToBottom(std::uint8_t value);
+    const QString &PageHead() const { return m_PageHead; }
+    void SetPageHead(const QString &value);
+    TAlignment PageHeadAlignment() const { return m_PageHeadAlignment; }
+    void SetPageHeadAlignment(TAlignment value);
+    const TFont &PageHeadFont() const { return m_PageHeadFont; }
+    void SetPageHeadFont(const TFont &value);
+    std::uint8_t PageHeadToTop() const { return m_PageHeadToTop; }
+    void SetPageHeadToTop(std::uint8_t value);
+    std::uint32_t PageHeight() const { return m_PageHeight; }
+    TPrinterOrientation PageOrientation() const { return m_PageOrientation; }
+    TPageStyle PageStyle() const { return m_PageStyle; }
+    std::uint32_t PageWidth() const { return m_PageWidth; }
+    const TPen &Pen() const override { return m_Pen; }
+    void SetPen(const TPen &value);
+    TPenStyleJoinType PenStyleJoinType() const override { return m_PenStyleJoinType; }
+    void SetPenStyleJoinType(TPenStyleJoinType value);
+    TPenStyleEndCapType PenStyleEndCapType() const override { return m_PenStyleEndCapType; }
+    void SetPenStyleEndCapType(TPenStyleEndCapType value);
+    bool PrintABorder() const { return m_PrintABorder; }
+    void SetPrintABorder(bool value);
+    std::uint8_t PrintABordertoBottom() const { return m_PrintABordertoBottom; }
+    void SetPrintABordertoBottom(std::uint8_t value);
+    std::uint8_t PrintABordertoLeft() const { return m_PrintABordertoLeft; }
+    void SetPrintABordertoLeft(std::uint8_t value);
+    std::uint8_t PrintABordertoRight() const { return m_PrintABordertoRight; }
+    void SetPrintABordertoRight(std::uint8_t value);
+    std::uint8_t PrintABordertoTop() const { return m_PrintABordertoTop; }
+    void SetPrintABordertoTop(std::uint8_t value);
+    bool PrintBackground() const { return m_PrintBackground; }
+    void SetPrintBackground(bool value);
+    double Ratio() const override { return m_Ratio; }
+    bool ResizeEnable() const override { return m_ResizeEnable; }
+    void SetResizeEnable(bool value);
+    bool ReturnToSelecting() const { return m_ReturnToSelecting; }
+    void SetReturnToSelecting(bool value);
+    std::int32_t RotateConstraintDegree() const override { return m_RotateConstraintDegree; }
+    void SetRotateConstraintDegree(std::int32_t value);
+    bool RotateEnable() const override { return m_RotateEnable; }
+    void SetRotateEnable(bool value);
+    TDrawTool ShapeTool() const override { return m_ShapeTool; }
+    void SetShapeTool(TDrawTool value);
+    bool ShowHint() const { return m_ShowHint; }
+    void SetShowHint(bool value);
+    bool ShowHotLink() const override { return m_ShowHotLink; }
+    void SetShowHotLink(bool value);
+    bool Snap() const { return m_Snap; }
+    void SetSnap(bool value);
+    std::uint8_t SnapPixels() const { return m_SnapPixels; }
+    void SetSnapPixels(std::uint8_t value);
+    bool SnapShape() const { return m_SnapShape; }
+    void SetSnapShape(bool value);
+    std::int32_t Tag() const { return m_Tag; }
+    void SetTag(std::int32_t value);
+    TUnits TheUNIT() const override { return m_TheUNIT; }
+    void SetTheUNIT(TUnits value);
+    std::uint8_t UndoRedoSize() const { return m_UndoRedoSize; }
+    void SetUndoRedoSize(std::uint8_t value);
+    // The drawing's own key/value data, edited in place by applications.
+    const TUserData &UserData() const { return m_UserData; }
+    TUserData &UserData() { return m_UserData; }
+    void SetUserData(const TUserData &value) { m_UserData.Assign(value); }
+    QString Version() const { return QStringLiteral("2013"); }
+    // Visible is true unless the control was hidden explicitly (QWidget's visible also
+    // needs every parent shown).
+    bool Visible() const;
+    void SetVisible(bool value);
+    TXYMode XYMode() const override { return m_XYMode; }
+    void SetXYMode(TXYMode value);
+    double Zoom() const override { return m_Zoom; }
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    // Stores value and invalidates the control.
+    template <typename T>
+    void Store(T &field, const T &value)
+    {
+        field = value;
+        Invalidate();
+    }
+    // The page's screen size, applied to the control.
+    void ResizeToPage();
+    // Off-screen composition of rect (control pixels) into m_Offscreen.
+    void DrawAll(const TRect &rect);
+    void FillBackground(QImage &image, const TRect &rect);
+    void EnsureScreenImage();
+    void ForgetCoveredHighlight(const QRect &recomposed);
+    void RotateTree(TMyShape *shape, TMyPoint centre, double delta, std::int32_t depth);
+    void LockTree(TMyShape *shape, bool locked, std::int32_t depth);
+
+    // Document.
+    std::vector<std::unique_ptr<TMyShape>> m_Shapes;
+    std::int32_t m_ShapeIdCounter = 0;
+    std::vector<TLayer> m_Layers;
+    std::int32_t m_LayerIdCounter = 0;
+    std::int32_t m_CurrentLayerId = -1;
+    QString m_FileVersion = QStringLiteral("XP.j");
+
+    // Owned objects.
+    TGridObject *m_Grid = nullptr; // QObject child of the surface
+    TBitmap m_BkBitmap;
+    TPen m_Pen;
+    TBrush m_Brush;
+    TFont m_Font;
+    TFont m_PageHeadFont;
+    TFont m_PageFootFont;
+    TUserData m_UserData;
+
+    // Published values, with their construction values.
+    TArcMode m_ArcMode = TArcMode::amCircle;
+    std::int32_t m_ArrowAngle = 10;
+    std::uint8_t m_ArrowLength = 30;
+    std::uint8_t m_ArrowOffset = 0;
+    TArrowStyle m_ArrowStyle = TArrowStyle::ANone;
+    TBkBitmapMode m_BkBitmapMode = TBkBitmapMode::Center;
+    TColor m_ColorOfBackGround = clWhite;
+    // Stored without SetColorOfHot at construction: the process-wide handle colour keeps
+    // its own initial value until an application sets this property.
+    TColor m_ColorOfHot = clGray;
+    bool m_CrossLine = true;
+    bool m_DragEnable = true;
+    TDragMode m_DragMode = TDragMode::dgBoth;
+    bool m_DragTrace = true;
+    bool m_DisableTextInput = false;
+    bool m_HotShow = true;
+    std::uint8_t m_HotSize = 4;
+    QLabel *m_LabelValue = nullptr;
+    QLabel *m_LabelXY = nullptr;
+    bool m_LinklineAroundShape = true;
+    TLinkLineDrawStyle m_LinkLineDrawStyle = TLinkLineDrawStyle::lldsHV;
+    bool m_LockBound = false;
+    bool m_MouseEffect = true;
+    bool m_OperateAllLayer = true;
+    QString m_PageFoot;
+    TAlignment m_PageFootAlignment = TAlignment::taRightJustify;
+    std::uint8_t m_PageFootToBottom = 15;
+    QString m_PageHead;
+    TAlignment m_PageHeadAlignment = TAlignment::taCenter;
+    std::uint8_t m_PageHeadToTop = 15;
+    std::uint32_t m_PageHeight = 0;
+    TPrinterOrientation m_PageOrientation = TPrinterOrientation::poPortrait;
+    TPageStyle m_PageStyle = TPageStyle::CustomerPage;
+    std::uint32_t m_PageWidth = 0;
+    TPenStyleJoinType m_PenStyleJoinType = TPenStyleJoinType::psjtROUND;
+    TPenStyleEndCapType m_PenStyleEndCapType = TPenStyleEndCapType::psectROUND;
+    bool m_PrintABorder = true;
+    std::uint8_t m_PrintABordertoBottom = 20;
+    std::uint8_t m_PrintABordertoLeft = 20;
+    std::uint8_t m_PrintABordertoRight = 20;
+    std::uint8_t m_PrintABordertoTop = 20;
+    bool m_PrintBackground = false;
+    double m_Ratio = 1.0;
+    bool m_ResizeEnable = true;
+    bool m_ReturnToSelecting = true;
+    std::int32_t m_RotateConstraintDegree = 0;
+    bool m_RotateEnable = true;
+    TDrawTool m_ShapeTool = TDrawTool::SpSelecting;
+    bool m_ShowHint = false;
+    bool m_ShowHotLink = true;
+    bool m_Snap = true;
+    std::uint8_t m_SnapPixels = 4;
+    bool m_SnapShape = false;
+    std::int32_t m_Tag = 0;
+    TUnits m_TheUNIT = TUnits::mm;
+    std::uint8_t m_UndoRedoSize = 10;
+    TXYMode m_XYMode = TXYMode::Mode0;
+    double m_Zoom = 1.0;
+    double m_PreZoom = 1.0;
+
+    // Events.
+    TActionToolToSelecting m_OnActionToolToSelecting;
+    TChildhapeSelected m_OnChildShapeSelected;
+    TNotifyEvent m_OnClick;
+    TNotifyEvent m_OnDblClick;
+    TDeleteLayer m_OnDeleteLayer;
+    TDragDropEvent m_OnDragDrop;
+    TDragOverEvent m_OnDragOver;
+    TMouseEvent m_OnMouseDown;
+    TNotifyEvent m_OnMouseEnter;
+    TEnterLeaveShape m_OnMouseEnterShape;
+    TNotifyEvent m_OnMouseLeave;
+    TEnterLeaveShape m_OnMouseLeaveShape;
+    TMouseMoveEvent m_OnMouseMove;
+    TMouseEvent m_OnMouseUp;
+    TNewLayer m_OnNewLayer;
+    TNodeAdded m_OnNodeAdded;
+    TNodeDeleted m_OnNodeDeleted;
+    TNotifyEvent m_OnPaint;
+    TShapeAdded m_OnShapeAdded;
+    TShapeCodeDragging m_OnShapeCodeDragging;
+    TShapeCodeRotating m_OnShapeCodeRotating;
+    TShapeDeleted m_OnShapeDeleted;
+    TGesture m_OnShapeMouseDragged;
+    TGesture m_OnShapeMouseDragging;
+    TGesture m_OnShapeMouseResized;
+    TGesture m_OnShapeMouseResizeFinished;
+    TGesture m_OnShapeMouseResizing;
+    TGesture m_OnShapeMouseRotated;
+    TGesture m_OnShapeMouseRotating;
+    TShapeSelected m_OnShapeSelected;
+    TWholeDragOperation m_OnWholeDragged;
+
+    // Interaction and repaint state.
+    TActionTools m_ActionTool = TActionTools::dtSelecting;
+    bool m_IsLoading = false;
+    bool m_Busy = false;
+    THotHighlight m_HotHighlight;
+    // Control pixels whose composition is out of date. Areas outside it are shown from the
+    // screen image as they are, so that xor feedback drawn there survives a plain expose.
+    QRegion m_Dirty;
+    QImage m_Offscreen;
+    QImage m_ScreenImage;
+    std::unique_ptr<TCanvas> m_ScreenCanvas;
+};
+
+} // namespace tessal
