@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+// tessal-editor entry point. Without a display it writes a screenshot and exits.
+#include "mainwindow.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QGuiApplication>
+#include <QPixmap>
+#include <QTextStream>
+
+int main(int argc, char **argv)
+{
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("tessal-editor"));
+
+    tessal::MainWindow window;
+    const QStringList args = QApplication::arguments();
+    if (args.size() > 1)
+        window.OpenFile(args.at(1));
+    window.show();
+
+    if (QGuiApplication::platformName() == QLatin1String("offscreen")) {
+        // Let layout and the first paint happen before taking the picture.
+        QApplication::processEvents();
+        const QString path = QDir::current().absoluteFilePath(QStringLiteral("tessal-editor.png"));
+        if (!window.grab().save(path)) {
+            QTextStream(stderr) << "could not write " << path << "\n";
+            return 1;
+        }
+        QTextStream(stdout) << "screenshot written to " << path << "\n";
+        return 0;
+    }
+    return QApplication::exec();
+}
