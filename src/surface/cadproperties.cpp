@@ -301,7 +301,7 @@ void TMyCAD::SetSnapShape(bool value)
 
 void TMyCAD::SetTag(std::int32_t value)
 {
-    m_Tag = value;
+    Store(m_Tag, value);
 }
 
 void TMyCAD::SetTheUNIT(TUnits value)

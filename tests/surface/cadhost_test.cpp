@@ -165,29 +165,6 @@ TEST(CadHost, LockShapeLocksTheShapeAndItsMembers)
         EXPECT_FALSE(s->Locked());
 }
 
-TEST(CadHost, ViewStateAndHighlight)
-{
-    TMyCAD cad;
-    TShapeHost &host = cad;
-    cad.SetZoom(3);
-    cad.SetHotSize(9);
-    cad.SetRatio(0.5);
-    cad.SetTheUNIT(TUnits::cm);
-    cad.SetShapeTool(TDrawTool::SpLine);
-    cad.SetLoading(true);
-    EXPECT_EQ(host.Zoom(), 3.0);
-    EXPECT_EQ(host.HotSize(), 9);
-    EXPECT_EQ(host.Ratio(), 0.5);
-    EXPECT_EQ(host.TheUNIT(), TUnits::cm);
-    EXPECT_EQ(host.ShapeTool(), TDrawTool::SpLine);
-    EXPECT_EQ(host.ActionTool(), TActionTools::dtSelecting);
-    EXPECT_TRUE(host.IsLoading());
-    TMyShape shape(&cad);
-    host.HotHighlight() = {&shape, 3, {}};
-    EXPECT_EQ(cad.HotHighlight().Shape, &shape);
-    EXPECT_EQ(cad.HotHighlight().Number, 3);
-}
-
 // What is drawn on the screen canvas stays on screen through plain exposes; only an
 // invalidated area is composed afresh, and only that area.
 TEST(CadHost, ScreenImageKeepsFeedbackUntilInvalidated)
