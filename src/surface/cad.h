@@ -80,7 +80,7 @@ class TMyCAD : public QWidget, public TShapeHost
     Q_PROPERTY(bool MouseEffect READ MouseEffect WRITE SetMouseEffect)
     Q_PROPERTY(tessal::TActionToolToSelecting OnActionToolToSelecting READ OnActionToolToSelecting
                    WRITE SetOnActionToolToSelecting)
-    Q_PROPERTY(tessal::TChildhapeSelected OnChildShapeSelected READ OnChildShapeSelected WRITE
+    Q_PROPERTY(tessal::TChildShapeSelected OnChildShapeSelected READ OnChildShapeSelected WRITE
                    SetOnChildShapeSelected)
     Q_PROPERTY(tessal::TNotifyEvent OnClick READ OnClick WRITE SetOnClick)
     Q_PROPERTY(tessal::TNotifyEvent OnDblClick READ OnDblClick WRITE SetOnDblClick)
@@ -331,8 +331,8 @@ public:
     {
         m_OnActionToolToSelecting = h;
     }
-    const TChildhapeSelected &OnChildShapeSelected() const { return m_OnChildShapeSelected; }
-    void SetOnChildShapeSelected(const TChildhapeSelected &h) { m_OnChildShapeSelected = h; }
+    const TChildShapeSelected &OnChildShapeSelected() const { return m_OnChildShapeSelected; }
+    void SetOnChildShapeSelected(const TChildShapeSelected &h) { m_OnChildShapeSelected = h; }
     const TNotifyEvent &OnClick() const { return m_OnClick; }
     void SetOnClick(const TNotifyEvent &h) { m_OnClick = h; }
     const TNotifyEvent &OnDblClick() const { return m_OnDblClick; }
@@ -576,7 +576,7 @@ private:
 
     // Events.
     TActionToolToSelecting m_OnActionToolToSelecting;
-    TChildhapeSelected m_OnChildShapeSelected;
+    TChildShapeSelected m_OnChildShapeSelected;
     TNotifyEvent m_OnClick;
     TNotifyEvent m_OnDblClick;
     TDeleteLayer m_OnDeleteLayer;

@@ -27,7 +27,7 @@ using TActionToolToSelecting = TNotifyEvent;
 using TWholeDragOperation = TNotifyEvent;
 
 // A press on a member of a selected group; clearing accept keeps the group selected.
-using TChildhapeSelected = std::function<void(TMyCAD *sender, TMyShape *child, bool &accept)>;
+using TChildShapeSelected = std::function<void(TMyCAD *sender, TMyShape *child, bool &accept)>;
 
 // A layer made or removed: its identity, name and visibility.
 using TLayerEvent =
@@ -77,7 +77,7 @@ using TShapeMouseDraggingSizingRotating =
 } // namespace tessal
 
 Q_DECLARE_METATYPE(tessal::TNotifyEvent)
-Q_DECLARE_METATYPE(tessal::TChildhapeSelected)
+Q_DECLARE_METATYPE(tessal::TChildShapeSelected)
 Q_DECLARE_METATYPE(tessal::TLayerEvent)
 Q_DECLARE_METATYPE(tessal::TDragDropEvent)
 Q_DECLARE_METATYPE(tessal::TDragOverEvent)

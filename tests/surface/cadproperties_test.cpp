@@ -476,8 +476,8 @@ std::map<std::string, TWalkRow> WalkTable(TMyCAD *cad, TGridObject *grid, QLabel
         {"OnActionToolToSelecting", notify},
         {"OnChildShapeSelected",
          Handler(
-             n, TChildhapeSelected([n](TMyCAD *, TMyShape *, bool &) { ++*n; }),
-             [cad, shape, accept](const TChildhapeSelected &f) mutable { f(cad, shape, accept); })},
+             n, TChildShapeSelected([n](TMyCAD *, TMyShape *, bool &) { ++*n; }),
+             [cad, shape, accept](const TChildShapeSelected &f) mutable { f(cad, shape, accept); })},
         {"OnClick", notify},
         {"OnDblClick", notify},
         {"OnDeleteLayer", layer},
