@@ -89,9 +89,10 @@ TBitmap ReadEmfPicture(const QByteArray &bytes, QString &reason)
         return {};
     }
     QByteArray data = bytes.left(length); // the converter takes a non-const buffer
-    char nameSpace[] = "svg";
+    // No namespace prefix: plain SVG elements, and the converter then has no prefix string
+    // to allocate (and leak) per call.
     generatorOptions options{};
-    options.nameSpace = nameSpace;
+    options.nameSpace = nullptr;
     options.svgDelimiter = true;
     options.imgWidth = double(width);
     options.imgHeight = double(height);

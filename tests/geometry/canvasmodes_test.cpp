@@ -157,13 +157,6 @@ TEST(CanvasModes, PenAndBrushSetUps)
 {
     QImage image = WhiteImage();
     TCanvas canvas(&image);
-    canvas.Pen().Mode = TPenMode::pmNotXor;
-    canvas.Pen().Width = 5;
-    SetDrawLockedHotMode(canvas);
-    EXPECT_EQ(canvas.Pen(), (TPen{clBlack, TPenMode::pmCopy, TPenStyle::psSolid, 1}));
-    EXPECT_EQ(canvas.Brush().Color, clGray);
-    EXPECT_EQ(canvas.Brush().Style, TBrushStyle::bsSolid);
-
     SetDragResizeRotateShapeMode(canvas);
     EXPECT_EQ(canvas.Pen(), (TPen{clWhite, TPenMode::pmXor, TPenStyle::psDot, 1}));
     EXPECT_EQ(canvas.Brush().Style, TBrushStyle::bsClear);
