@@ -102,16 +102,38 @@ Q_ENUM_NS(TArcMode)
 enum class TLinkLineDrawStyle : std::uint8_t { lldsHV, lldsFree };
 Q_ENUM_NS(TLinkLineDrawStyle)
 
+// How an elliptic arc is closed: the bare arc, the chord between its ends, or the pie
+// through the centre.
+enum class TArcStyle : std::uint8_t { asArc, asChord, asPie };
+Q_ENUM_NS(TArcStyle)
+
+enum class TVAlignment : std::uint8_t { vaTop, vaCenter, vaBottom };
+Q_ENUM_NS(TVAlignment)
+
+// Where a measuring line draws its ticks: none, on both sides of the line, or on the side
+// above (tsTop) or below (tsBottom) it as seen with the line running left to right.
+enum class TTickStyle : std::uint8_t { tsNone, tsBoth, tsTop, tsBottom };
+Q_ENUM_NS(TTickStyle)
+
+// How an image picks its transparent colour: from its bottom-left pixel (tmAuto) or the
+// TransparentColor property (tmFixed). Files store the ordinal as a 32-bit integer.
+enum class TTransparentMode : std::uint8_t { tmAuto, tmFixed };
+Q_ENUM_NS(TTransparentMode)
+
 } // namespace ShapeEnums
 
 using ShapeEnums::TActionTools;
 using ShapeEnums::TArcMode;
+using ShapeEnums::TArcStyle;
 using ShapeEnums::TArrowStyle;
 using ShapeEnums::TDrawTool;
 using ShapeEnums::TGradientStyle;
 using ShapeEnums::TLinkLineDrawStyle;
 using ShapeEnums::TPenStyleEndCapType;
 using ShapeEnums::TPenStyleJoinType;
+using ShapeEnums::TTickStyle;
+using ShapeEnums::TTransparentMode;
+using ShapeEnums::TVAlignment;
 using ShapeEnums::TXYMode;
 
 } // namespace tessal

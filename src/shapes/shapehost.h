@@ -44,6 +44,15 @@ public:
     virtual bool RotateEnable() const = 0;
     virtual bool HotShow() const = 0;
 
+    // Defaults that new lines, connectors and arcs copy at construction. They are not
+    // abstract so that a host without these settings gives the surface's own defaults.
+    virtual std::int32_t ArrowAngle() const { return 10; }
+    virtual std::uint8_t ArrowLength() const { return 30; }
+    virtual std::uint8_t ArrowOffset() const { return 0; }
+    virtual TArrowStyle ArrowStyle() const { return TArrowStyle::ANone; }
+    virtual TArcMode ArcMode() const { return TArcMode::amCircle; }
+    virtual TLinkLineDrawStyle LinkLineDrawStyle() const { return TLinkLineDrawStyle::lldsHV; }
+
     // View state read while drawing and measuring.
     virtual double Zoom() const = 0;
     virtual std::uint8_t HotSize() const = 0;

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+// TMyText: lines of text laid out in a rectangle.
+#pragma once
+
+#include <tessal/shapes/rectangle.h>
+
+namespace tessal {
+
+// The text is Lines, laid out inside the four corners by the two alignments. A new text
+// shape has no border, a clear background, top-left alignment and no word wrap. The
+// setters store and ask for a repaint.
+class TMyText : public TMyRectangle
+{
+    Q_GADGET
+    Q_PROPERTY(bool IsBorder READ IsBorder WRITE SetIsBorder)
+    Q_PROPERTY(bool IsSolid READ IsSolid WRITE SetIsSolid)
+    Q_PROPERTY(QStringList Lines READ Lines WRITE SetLines)
+    Q_PROPERTY(tessal::ShapeEnums::TVAlignment VAlignment READ VAlignment WRITE SetVAlignment)
+    Q_PROPERTY(tessal::PlatformEnums::TAlignment HAlignment READ HAlignment WRITE SetHAlignment)
+    Q_PROPERTY(bool WordWrap READ WordWrap WRITE SetWordWrap)
+
+public:
+    using TMyRectangle::TMyRectangle;
+
+    const QMetaObject *MetaObject() const override { return &staticMetaObject; }
+    QString ClassName() const override { return QStringLiteral("TMyText"); }
+
+    void Assign(const TMyShape &source) override;
+    void AssignWithoutRelation(const TMyShape &source) override;
+
+    // The outline is drawn with the shape's pen.
+    bool IsBorder() const { return m_IsBorder; }
+    void SetIsBorder(bool on);
+    // The rectangle is filled with the shape's brush behind the text.
+    bool IsSolid() const { return m_IsSolid; }
+    void SetIsSolid(bool on);
+    const QStringList &Lines() const { return m_Lines; }
+    void SetLines(const QStringList &lines);
+    TVAlignment VAlignment() const { return m_VAlignment; }
+    void SetVAlignment(TVAlignment alignment);
+    TAlignment HAlignment() const { return m_HAlignment; }
+    void SetHAlignment(TAlignment alignment);
+    bool WordWrap() const { return m_WordWrap; }
+    void SetWordWrap(bool on);
+
+private:
+    void CopyTextFields(const TMyShape &source);
+
+    bool m_IsBorder = false;
+    bool m_IsSolid = false;
+    QStringList m_Lines;
+    TVAlignment m_VAlignment = TVAlignment::vaTop;
+    TAlignment m_HAlignment = TAlignment::taLeftJustify;
+    bool m_WordWrap = false;
+};
+
+} // namespace tessal
