@@ -23,12 +23,26 @@
 #include <QWidget>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <span>
 #include <vector>
 
 namespace tessal {
 
 class TMyShape;
+class TShapeIndex; // spatial index of the shapes (private to the surface)
+
+// The action names of undo records.
+inline const QString ACT_ADD = QStringLiteral("ACT_ADD");
+inline const QString ACT_CHANGE = QStringLiteral("ACT_CHANGE");
+inline const QString ACT_DELETE = QStringLiteral("ACT_DELETE");
+inline const QString ACT_GROUP = QStringLiteral("ACT_GROUP");
+inline const QString ACT_UNGROUP = QStringLiteral("ACT_UNGROUP");
+inline const QString ACT_BRINGTOFRONT = QStringLiteral("ACT_BRINGTOFRONT");
+inline const QString ACT_SENDTOBACK = QStringLiteral("ACT_SENDTOBACK");
+inline const QString ACT_BRINGTOFRONTBYSTEP = QStringLiteral("ACT_BRINGTOFRONTBYSTEP");
+inline const QString ACT_SENDTOBACKBYSTEP = QStringLiteral("ACT_SENDTOBACKBYSTEP");
 
 // One entry of the layer table. Layers are identified by Id, which is never reused.
 struct TLayer
@@ -205,8 +219,7 @@ public:
     // ---- Shapes ----
     // Takes ownership of shape and appends it: unless keepLayer it joins the current
     // layer; unless noIdCount the identity counter advances. False for no shape; without
-    // any layer the user is told and the application asked to quit (the caller then keeps
-    // the shape).
+    // any layer the no-layer handler runs and the caller keeps the shape.
     bool AddShape(TMyShape *shape, bool keepLayer, bool noIdCount);
     std::int32_t GetShapesCount() const { return std::int32_t(m_Shapes.size()); }
     TMyShape *GetShapeByNo(std::int32_t no) const override;
@@ -214,6 +227,196 @@ public:
     TMyShape *GetRootParentShape(TMyShape *shape) const override;
     // The identity the next created shape receives.
     std::int32_t ShapeIdCounter() const { return m_ShapeIdCounter; }
+
+    // ---- Document ----
+    // Layer edits answer false for an unknown layer and repaint otherwise. A rename is
+    // refused when another layer already has the name (names stay unique, as NewLayer
+    // keeps them).
+    bool SetLayerNameByID(std::int32_t id, const QString &name);
+    bool SetLayerNameByName(const QString &oldName, const QString &newName);
+    bool VisibleLayerByID(std::int32_t id);
+    bool VisibleLayerByName(const QString &name);
+    bool InVisibleLayerByID(std::int32_t id);
+    bool InVisibleLayerByName(const QString &name);
+    void VisibleAllLayer();
+    bool SetCurrentLayerId(std::int32_t id);
+    // Removing a layer removes every shape on it, locked ones included and without undo
+    // records, through the renumbering of DeleteShapeById, so relations stay valid: a group
+    // on the layer takes its members with it even where they lie on other layers, a member
+    // on the layer leaves its group, and a connector on another layer that was bound to a
+    // removed shape keeps its place with that end set free. OnShapeDeleted fires for each
+    // removed top-level shape, then OnDeleteLayer for the layer. When the current layer goes,
+    // the last layer of the table becomes current (-1 when none is left). Layer IDs are
+    // never reused.
+    bool DeleteLayerByID(std::int32_t id);
+    bool DeleteLayerByName(const QString &name);
+    void DeleteAllLayers();
+    // Moves every shape of layer from onto layer to, keeping list places and relations, and
+    // removes from (OnDeleteLayer fires); to becomes current if from was. Refused for an
+    // unknown layer or from == to.
+    bool MergeLayers(std::int32_t from, std::int32_t to);
+    // Shapes whose LayerId is id, in list order (members of groups included).
+    std::vector<TMyShape *> GetShapesByLayerId(std::int32_t id) const;
+    std::int32_t GetShapesCountInALayer(std::int32_t id) const;
+    // The working shapes become the roots of the layer's shapes, in list order.
+    void SelectAllShapesByLayerId(std::int32_t id);
+
+    // What AddShape does when there is no layer at all. The default shows the message
+    // "Error!There is no Layer!" and asks the application to quit; tests install their
+    // own. An empty handler restores the default. Answers the previous handler.
+    using TNoLayerHandler = std::function<void(TMyCAD *surface)>;
+    static TNoLayerHandler SetNoLayerHandler(TNoLayerHandler handler);
+
+    // A new shape of the stored class name (one of the seventeen) or of a drawing tool, for
+    // owner (this surface when nullptr); not yet in the document. Nullptr for other names
+    // and for tools that make no shape.
+    std::unique_ptr<TMyShape> CreateShapeByName(const QString &className,
+                                                TShapeHost *owner = nullptr);
+    std::unique_ptr<TMyShape> CreateShapeBySpTool(TDrawTool tool, TShapeHost *owner = nullptr);
+    // Creates, copies source (when given) and adds a shape with the next identity; its name
+    // and caption are "Shape" followed by the identity. Nullptr when nothing was added.
+    TMyShape *CreateAddShapeByName(const QString &className, const TMyShape *source = nullptr);
+    // Draws a shape by code on this surface (points in document units) and answers its
+    // identity, or -1 when the tool makes no shape, the points do not suit it or no layer
+    // exists. How the points become the shape's points:
+    //  - SpRectangle, SpEllipse, SpText, SpImage, SpLinkPoint, SpLineLinkLine: two opposite
+    //    corners p, q give the four corners in the rectangle's order p, (q.X, p.Y), q,
+    //    (p.X, q.Y); four points are taken as they are (an already turned box).
+    //  - SpLine, SpRuleLine, SpLinkLine, SpPolyLine, SpFreeLine, SpBLine, SpElliArc: at
+    //    least two points, taken as given. SpPolyBezier: 1 + 3k points (k >= 1).
+    //  - SpPolygon: at least three points; the closing repeat of point 0 is appended when
+    //    the last point differs from the first.
+    // The centre is the middle of the points' box; the text point is the centre for chains
+    // and 10 units below the box's bottom edge, at the centre's X, for boxes. Then the shape
+    // turns to angle (radians), SpText shapes take text as Info and as their lines, the
+    // caption is set, the shape is added (name "Shape" + ID), recorded as "ACT_ADD",
+    // becomes the only working shape and the current shape, and OnShapeAdded fires.
+    std::int32_t AddShapeByCode(TDrawTool tool, const QString &caption,
+                                std::span<const TMyPoint> points, double angle,
+                                const QString &text);
+    // The same from a box: point is its left-top corner, width and height its size. Boxes
+    // and lines use the two corners point and point + (width, height). The third integer,
+    // count, is the number of vertices for SpPolyLine, SpPolygon, SpFreeLine and SpBLine,
+    // spread evenly around the ellipse inscribed in the box, clockwise from its top (at
+    // least 2, 3 for polygons); SpPolyBezier makes count pieces (at least 1) whose points
+    // run along the box's top edge. Other tools ignore count.
+    std::int32_t AddShapeByCode2(TDrawTool tool, const QString &caption, TMyPoint point,
+                                 std::int32_t width, std::int32_t height, std::int32_t count,
+                                 double angle, const QString &text);
+    // A TMyImage whose left-top corner is point and whose size is the picture's: loaded
+    // from file when file names a readable picture, else bitmap. -1 when neither gives a
+    // picture. Recorded and announced like AddShapeByCode.
+    std::int32_t AddImageShapeByCode(const QString &file, TMyPoint point, const TBitmap &bitmap);
+
+    // Look-ups answer nullptr or -1 when nothing matches. GetShapeByID refuses identities
+    // outside 0 .. ShapeIdCounter() - 1 without searching.
+    TMyShape *GetShapeByID(std::int32_t id) const;
+    TMyShape *GetShapeByName(const QString &name) const;
+    std::int32_t GetShapeNoById(std::int32_t id) const;
+    std::int32_t GetShapeNoInMyShapes(const TMyShape *shape) const;
+    // Only when old != new, a shape is named old and none is named new.
+    bool RenameShapeName(const QString &oldName, const QString &newName);
+    // Removes the shape and its group members (members first; a locked member stays, with
+    // its subtree, and becomes top-level). Connectors bound to a removed shape are set free
+    // at that end; a removed connector leaves its shapes' connector lists. Every remaining
+    // shape number (ParentNo, ChildShapes, LinkShapes, connector ends, ShapeNo) is
+    // renumbered so that numbers equal list positions. A locked shape is not removed
+    // (false). A group whose last member goes stays, empty, until it is removed itself.
+    // OnShapeDeleted fires with the shape before anything changes; with withUndo the shape
+    // and its members are recorded as "ACT_DELETE". The working shapes are emptied.
+    bool DeleteShapeById(std::int32_t id, bool withUndo);
+    // The unlocked working shapes, recorded together as one "ACT_DELETE" step.
+    void DeleteSelectedShapes();
+    // Every shape, locked ones too, without undo records; the identity counter keeps its
+    // value. OnShapeDeleted fires for each top-level shape.
+    void DeleteAllShapes();
+    // Two different shapes that are both members of groups with the same root group.
+    bool areTheyBrother(TMyShape *a, TMyShape *b) const;
+    // The nearest shape after (before) number no that has no parent: an ungrouped shape or
+    // the root of a group. Nullptr when there is none.
+    TMyShape *GetNextSingleorRootShape(std::int32_t no) const;
+    TMyShape *GetPrevSingleorRootShape(std::int32_t no) const;
+
+    // The working shapes: the ordered selection of top-level shapes (a group member is
+    // represented by its root group, once). The current shape is the one the last gesture
+    // or command concerned. Deleting shapes and taking steps back empty both.
+    const std::vector<TMyShape *> &WorkingShapes() const { return m_WorkingShapes; }
+    void SetWorkingShapes(std::span<TMyShape *const> shapes);
+    void AddWorkingShape(TMyShape *shape);
+    void ClearWorkingShapes();
+    bool IsWorkingShape(const TMyShape *shape) const;
+    TMyShape *CurrentShape() const { return m_CurrentShape; }
+    void SetCurrentShape(TMyShape *shape);
+
+    // ---- Undo ----
+    // One recorded shape of a step. Copy is a detached shape of the same class with the
+    // recorded state: identity, name, list number (ShapeNo), geometry, appearance and
+    // relations, with an empty connector list. ParentId and ChildIds name the shapes that
+    // ParentNo and ChildShapes pointed at when recorded, so that a restored shape finds its
+    // relatives by identity however the list was renumbered in between.
+    struct TUndoRecord
+    {
+        std::int32_t Step = 0;
+        QString ShapeName;
+        std::unique_ptr<TMyShape> Copy;
+        QString Action;
+        std::int32_t ParentId = -1;
+        std::vector<std::int32_t> ChildIds;
+    };
+    // Records one step for shapes[0 .. highIndex] (see the action names below): the oldest
+    // step is evicted when the newest step number equals UndoRedoSize - 1.
+    void PushtoUndoRedoShapeList(std::span<TMyShape *const> shapes, std::int32_t highIndex,
+                                 const QString &action);
+    // Takes back the newest step; answers its number less one, or -1 when nothing was
+    // taken back. Deleted shapes come back after the present ones with their identities
+    // and names; restored connectors are unbound. A relative of a restored shape that was
+    // restored in the same step is renumbered to its new place; one that still exists takes
+    // the shape back (a live group lists it again, a live top-level member rejoins it); one
+    // that is gone is dropped (ParentNo -1, left out of the child list).
+    std::int32_t PopFromUndoRedoShapeList();
+    void ClearAllUndoStuff();
+    const std::vector<TUndoRecord> &UndoRedoShapeList() const { return m_UndoList; }
+
+    // ---- Commands ----
+    // Groups the roots of the given shapes (nullptrs and duplicates ignored) under a new
+    // TMyGroup on their layer and answers its identity; -1, changing nothing, for no shape,
+    // shapes on two layers or an invisible shape. The group becomes the only working shape
+    // and the current shape.
+    std::int32_t GroupShapes(std::span<TMyShape *const> shapes, bool record);
+    std::int32_t GroupWorkingShape();
+    // Dissolves a top-level, unlocked group; members keep their places. IsUngrouping() is
+    // true meanwhile, and OnShapeDeleted does not fire for the dissolved group.
+    void UnGroupShape(TMyShape *group, bool record);
+    bool IsUngrouping() const { return m_Ungrouping; }
+    // Align the working shapes' boxes (two or more shapes), recorded as "ACT_CHANGE".
+    void AlignLeft();
+    void AlignRight();
+    void AlignTop();
+    void AlignBottom();
+    void AlignHorizontalCenter();
+    void AlignVerticalCenter();
+    // Stacking order among top-level shapes, by swapping with the next (previous) root.
+    void BringToFront(TMyShape *shape, bool record);
+    void SendToBack(TMyShape *shape, bool record);
+    void BringToFrontByStep(TMyShape *shape, bool record);
+    void SendToBackByStep(TMyShape *shape, bool record);
+    // Exchanges two list places. Every number naming either place (ParentNo, child lists,
+    // connector lists, connector ends) is changed to the other, so relations, connectors
+    // included, stay with the same shapes.
+    void SwapShape(TMyShape *a, TMyShape *b);
+    // Mirrors the shape and its members (members first) about their root group's centre;
+    // locked shapes stay as they are. Connectors are never flipped directly.
+    void FlipHoriz(TMyShape *shape);
+    void FlipVert(TMyShape *shape);
+    void LockUnLockforShapes(TMyShape *shape, bool locked);
+    // Turns the shape (with its group) to angle radians; not recorded.
+    void Rotate(TMyShape *shape, float angle);
+    // The turn of a drag from -> to about centre (document units), applied to the shape and
+    // its members; answers the angle. Not recorded.
+    float Tilt(TMyShape *shape, TMyPoint centre, TMyPoint from, TMyPoint to, bool constrained);
+    void RotateChangeValueforShapes(TMyShape *shape, TMyPoint centre, double angle);
+    // Lets the connectors bound to the shape follow it.
+    void ChangeLinkShapes(TMyShape *shape);
 
     // ---- Page and zoom ----
     // Selects a paper size; for named styles PageWidth and PageHeight come from the style's
@@ -543,6 +746,39 @@ private:
     std::uint8_t m_PageFootToBottom = 15;
     QString m_PageHead;
     TAlignment m_PageHeadAlignment = TAlignment::taCenter;
+    // Document (document.cpp, layers.cpp).
+    void CollectDeletion(TMyShape *shape, bool honourLocks, std::vector<std::int32_t> &ids,
+                         std::int32_t depth);
+    void DetachLinks(TMyShape *shape);
+    void RemoveShapeAt(std::int32_t no);
+    void RemoveShapeTree(TMyShape *shape, bool honourLocks);
+    // Gives every shape number n in the relations of all shapes the number map(n); a
+    // negative answer removes the reference.
+    void RenumberRelations(const std::function<std::int32_t(std::int32_t)> &map);
+    void ForgetShape(const TMyShape *shape);
+    void RemoveLayerAt(std::int32_t no);
+    std::int32_t FinishShapeByCode(std::unique_ptr<TMyShape> shape, const QString &caption,
+                                   double angle);
+    std::vector<TMyShape *> m_WorkingShapes;
+    TMyShape *m_CurrentShape = nullptr;
+
+    // Undo (undo.cpp).
+    void RecordTree(TMyShape *shape, std::int32_t step, const QString &action,
+                    bool childrenOnlyFromTop, std::int32_t depth);
+    void RecordShape(TMyShape *shape, std::int32_t step, const QString &action);
+    void TakeBackChange(const TUndoRecord &record);
+    void TakeBackReorder(const TUndoRecord &record);
+    void Regroup(std::vector<TMyShape *> &members, const TUndoRecord *formerGroup);
+    void RestoreShapes(const std::vector<const TUndoRecord *> &records);
+    std::vector<TUndoRecord> m_UndoList;
+
+    // Commands (commands.cpp).
+    void MoveTree(TMyShape *shape, double dx, double dy, std::int32_t depth);
+    void FlipTree(TMyShape *shape, bool horizontal, std::int32_t depth);
+    void Align(std::int32_t edge);
+    void FlipShape(TMyShape *shape, bool horizontal);
+    bool m_Ungrouping = false;
+
     std::uint8_t m_PageHeadToTop = 15;
     std::uint32_t m_PageHeight = 0;
     TPrinterOrientation m_PageOrientation = TPrinterOrientation::poPortrait;
