@@ -706,6 +706,39 @@ private:
     std::int32_t m_CurrentLayerId = -1;
     QString m_FileVersion = QStringLiteral("XP.j");
 
+    // Document (document.cpp, layers.cpp).
+    void CollectDeletion(TMyShape *shape, bool honourLocks, std::vector<std::int32_t> &ids,
+                         std::int32_t depth);
+    void DetachLinks(TMyShape *shape);
+    void RemoveShapeAt(std::int32_t no);
+    void RemoveShapeTree(TMyShape *shape, bool honourLocks);
+    // Gives every shape number n in the relations of all shapes the number map(n); a
+    // negative answer removes the reference.
+    void RenumberRelations(const std::function<std::int32_t(std::int32_t)> &map);
+    void ForgetShape(const TMyShape *shape);
+    void RemoveLayerAt(std::int32_t no);
+    std::int32_t FinishShapeByCode(std::unique_ptr<TMyShape> shape, const QString &caption,
+                                   double angle);
+    std::vector<TMyShape *> m_WorkingShapes;
+    TMyShape *m_CurrentShape = nullptr;
+
+    // Undo (undo.cpp).
+    void RecordTree(TMyShape *shape, std::int32_t step, const QString &action,
+                    bool childrenOnlyFromTop, std::int32_t depth);
+    void RecordShape(TMyShape *shape, std::int32_t step, const QString &action);
+    void TakeBackChange(const TUndoRecord &record);
+    void TakeBackReorder(const TUndoRecord &record);
+    void Regroup(std::vector<TMyShape *> &members, const TUndoRecord *formerGroup);
+    void RestoreShapes(const std::vector<const TUndoRecord *> &records);
+    std::vector<TUndoRecord> m_UndoList;
+
+    // Commands (commands.cpp).
+    void MoveTree(TMyShape *shape, double dx, double dy, std::int32_t depth);
+    void FlipTree(TMyShape *shape, bool horizontal, std::int32_t depth);
+    void Align(std::int32_t edge);
+    void FlipShape(TMyShape *shape, bool horizontal);
+    bool m_Ungrouping = false;
+
     // Owned objects.
     TGridObject *m_Grid = nullptr; // QObject child of the surface
     TBitmap m_BkBitmap;
@@ -746,39 +779,6 @@ private:
     std::uint8_t m_PageFootToBottom = 15;
     QString m_PageHead;
     TAlignment m_PageHeadAlignment = TAlignment::taCenter;
-    // Document (document.cpp, layers.cpp).
-    void CollectDeletion(TMyShape *shape, bool honourLocks, std::vector<std::int32_t> &ids,
-                         std::int32_t depth);
-    void DetachLinks(TMyShape *shape);
-    void RemoveShapeAt(std::int32_t no);
-    void RemoveShapeTree(TMyShape *shape, bool honourLocks);
-    // Gives every shape number n in the relations of all shapes the number map(n); a
-    // negative answer removes the reference.
-    void RenumberRelations(const std::function<std::int32_t(std::int32_t)> &map);
-    void ForgetShape(const TMyShape *shape);
-    void RemoveLayerAt(std::int32_t no);
-    std::int32_t FinishShapeByCode(std::unique_ptr<TMyShape> shape, const QString &caption,
-                                   double angle);
-    std::vector<TMyShape *> m_WorkingShapes;
-    TMyShape *m_CurrentShape = nullptr;
-
-    // Undo (undo.cpp).
-    void RecordTree(TMyShape *shape, std::int32_t step, const QString &action,
-                    bool childrenOnlyFromTop, std::int32_t depth);
-    void RecordShape(TMyShape *shape, std::int32_t step, const QString &action);
-    void TakeBackChange(const TUndoRecord &record);
-    void TakeBackReorder(const TUndoRecord &record);
-    void Regroup(std::vector<TMyShape *> &members, const TUndoRecord *formerGroup);
-    void RestoreShapes(const std::vector<const TUndoRecord *> &records);
-    std::vector<TUndoRecord> m_UndoList;
-
-    // Commands (commands.cpp).
-    void MoveTree(TMyShape *shape, double dx, double dy, std::int32_t depth);
-    void FlipTree(TMyShape *shape, bool horizontal, std::int32_t depth);
-    void Align(std::int32_t edge);
-    void FlipShape(TMyShape *shape, bool horizontal);
-    bool m_Ungrouping = false;
-
     std::uint8_t m_PageHeadToTop = 15;
     std::uint32_t m_PageHeight = 0;
     TPrinterOrientation m_PageOrientation = TPrinterOrientation::poPortrait;
