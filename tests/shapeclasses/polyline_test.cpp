@@ -1,0 +1,265 @@
+// SPDX-License-Identifier: MIT
+// Polylines, polygons and free lines: how drawing ends, mirrored appending, the closed
+// outline, the area text and the free line's hit test.
+#include "classhost.h"
+
+#include <tessal/geometry/canvasmodes.h>
+#include <tessal/geometry/geometry.h>
+#include <tessal/shapes/polyline.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+namespace tessal::test {
+namespace {
+
+// Presses as the surface gives them: each appends a point, each release asks whether the
+// shape is finished.
+bool Click(TMyShape &shape, TPoint p)
+{
+    shape.AddPointByMouse(p);
+    return shape.IsDrawingFinished(Qt::LeftButton, p);
+}
+
+TEST(PolyLineDrawing, EndsOnTheRepeatedClickAndDropsTheDuplicate)
+{
+    TClassHost host;
+    host.ZoomValue = 2;
+    TMyPolyLine poly(&host);
+    EXPECT_FALSE(Click(poly, {20, 20}));
+    // Two points that coincide are not yet a polyline.
+    EXPECT_FALSE(Click(poly, {20, 20}));
+    EXPECT_EQ(poly.GetPointsCount(), 2);
+
+    TMyPolyLine second(&host);
+    EXPECT_FALSE(Click(second, {20, 20}));
+    EXPECT_FALSE(Click(second, {60, 20}));
+    EXPECT_FALSE(Click(second, {60, 80}));
+    EXPECT_FALSE(Click(second, {61, 80})); // near is not the same spot
+    EXPECT_TRUE(Click(second, {61, 80}));
+    EXPECT_EQ(second.Points(), (TMyPointArray{{10, 10}, {30, 10}, {30, 40}, {30.5f, 40}}));
+
+    // Three clicks of which the last two coincide make a finished two-point polyline.
+    TMyPolyLine shortest(&host);
+    Click(shortest, {0, 0});
+    Click(shortest, {40, 0});
+    EXPECT_TRUE(Click(shortest, {40, 0}));
+    EXPECT_EQ(shortest.GetPointsCount(), 2);
+}
+
+TEST(PolyLineDrawing, AppendPointMirrorsByTheXYMode)
+{
+    TClassHost host(200, 150);
+    host.ZoomValue = 2;
+    const struct
+    {
+        TXYMode Mode;
+        TMyPoint Stored;
+    } rows[] = {
+        {TXYMode::Mode0, {15, 20}},
+        {TXYMode::Mode1, {15, 55}},
+        {TXYMode::Mode2, {85, 55}},
+        {TXYMode::Mode3, {85, 20}},
+    };
+    for (const auto &row : rows) {
+        host.Mode = row.Mode;
+        TMyPolyLine poly(&host);
+        poly.AppendPoint({30, 40});
+        ASSERT_EQ(poly.GetPointsCount(), 1);
+        EXPECT_EQ(poly.GetPoint(0), row.Stored) << int(row.Mode);
+    }
+}
+
+TEST(PolygonDrawing, ClosesWithinHotSizeOfTheFirstOrTheLastCorner)
+{
+    TClassHost host;
+    auto start = [&] {
+        auto poly = std::make_unique<TMyPolygon>(&host);
+        EXPECT_FALSE(Click(*poly, {10, 10}));
+        EXPECT_FALSE(Click(*poly, {100, 10}));
+        return poly;
+    };
+    // Three points cannot close, even on the first corner.
+    auto three = start();
+    EXPECT_FALSE(Click(*three, {11, 11}));
+    EXPECT_EQ(three->GetPointsCount(), 3);
+
+    auto closing = start();
+    EXPECT_FALSE(Click(*closing, {100, 100}));
+    EXPECT_TRUE(Click(*closing, {13, 7})); // 3 away in x and y, HotSize 4
+    EXPECT_EQ(closing->GetPointsCount(), 4);
+    EXPECT_EQ(closing->GetPoint(3), closing->GetPoint(0));
+
+    auto apart = start();
+    EXPECT_FALSE(Click(*apart, {100, 100}));
+    EXPECT_FALSE(Click(*apart, {14, 10})); // exactly HotSize away does not close
+    EXPECT_EQ(apart->GetPoint(3), (TMyPoint{14, 10}));
+
+    // A repeated click on the last corner closes too, back to point 0.
+    auto repeated = start();
+    EXPECT_FALSE(Click(*repeated, {100, 100}));
+    EXPECT_TRUE(Click(*repeated, {102, 97}));
+    EXPECT_EQ(repeated->Points(), (TMyPointArray{{10, 10}, {100, 10}, {100, 100}, {10, 10}}));
+
+    // At zoom 3 the corners are compared on the screen: HotSize stays 4 screen pixels.
+    host.ZoomValue = 3;
+    auto zoomed = start();
+    EXPECT_FALSE(Click(*zoomed, {100, 100}));
+    EXPECT_FALSE(Click(*zoomed, {5, 10}));
+    EXPECT_TRUE(Click(*zoomed, {7, 10}));
+    EXPECT_EQ(zoomed->GetPoint(4), (TMyPoint{10 / 3.0f, 10 / 3.0f}));
+}
+
+TEST(PolygonEdit, HandlesSkipTheClosingPointAndMovingACornerKeepsItClosed)
+{
+    TClassHost host;
+    TMyPolygon poly(&host);
+    poly.Points() = {{10, 10}, {100, 10}, {100, 100}, {10, 10}};
+    // Point 0 and the closing point lie together; only point 0 answers.
+    EXPECT_EQ(poly.InWhichHot({10, 10}), 0);
+    EXPECT_EQ(poly.InWhichHot({100, 100}), 2);
+    EXPECT_EQ(poly.InWhichHot({50, 50}), -1);
+
+    poly.SetCurrentHot(0);
+    poly.SizeChangeValue({10, 10}, {20, 0});
+    EXPECT_EQ(poly.Points(), (TMyPointArray{{20, 0}, {100, 10}, {100, 100}, {20, 0}}));
+    EXPECT_EQ(poly.CenterPoint(), (TMyPoint{60, 50}));
+    poly.SetCurrentHot(3);
+    poly.SizeChangeValue({0, 0}, {-10, 0});
+    EXPECT_EQ(poly.Points(), (TMyPointArray{{10, 0}, {100, 10}, {100, 100}, {10, 0}}));
+    poly.SetCurrentHot(1);
+    poly.SizeChangeValue({0, 0}, {0, 10});
+    EXPECT_EQ(poly.Points(), (TMyPointArray{{10, 0}, {100, 20}, {100, 100}, {10, 0}}));
+
+    // The preview of moving point 0 shows its two segments, the closing one included,
+    // and erases itself.
+    TCanvas &canvas = *host.ScreenCanvas();
+    const QImage blank = host.Screen().copy();
+    SetDragResizeRotateShapeMode(canvas);
+    poly.SetCurrentHot(0);
+    poly.Sizing(canvas, {10, 0}, {10, 60});
+    auto dark = [&](int x, int y) {
+        return CountPixels(host.Screen(), QRect(x - 1, y - 1, 3, 3), 0xFFFFFF) < 9;
+    };
+    EXPECT_TRUE(dark(55, 40));  // (10, 60) to (100, 20)
+    EXPECT_TRUE(dark(55, 80));  // (100, 100) to (10, 60)
+    EXPECT_FALSE(dark(55, 10)); // the old first side is not drawn
+    EXPECT_FALSE(dark(100, 60));
+    poly.Sizing(canvas, {10, 0}, {10, 60});
+    EXPECT_TRUE(host.Screen() == blank);
+}
+
+TEST(PolygonDraw, FilledOutlineWithoutHeadsAndARegionHitTest)
+{
+    TClassHost host;
+    host.ArrowStyleValue = TArrowStyle::ADouble;
+    host.ArrowAngleValue = 45;
+    TMyPolygon poly(&host);
+    poly.Points() = {{20, 20}, {180, 20}, {180, 180}, {20, 180}, {20, 20}};
+    poly.SetArrowStyle(TArrowStyle::ADouble);
+    TBrush brush;
+    brush.Color = clBlue;
+    poly.SetBrush(brush);
+    poly.Draw(*host.ScreenCanvas());
+    const QImage &img = host.Screen();
+    EXPECT_EQ(img.pixel(100, 100) & 0xFFFFFF, 0x0000FFu);
+    EXPECT_EQ(img.pixel(100, 20) & 0xFFFFFF, 0x000000u);
+    EXPECT_EQ(img.pixel(30, 24) & 0xFFFFFF, 0x0000FFu); // no arrow head at point 0
+    EXPECT_TRUE(IsWhite(img, 10, 100));
+
+    TCanvas &canvas = *host.ScreenCanvas();
+    EXPECT_TRUE(poly.IsClickedMe(canvas, {100, 100}));
+    EXPECT_TRUE(poly.IsClickedMe(canvas, {21, 21}));
+    EXPECT_FALSE(poly.IsClickedMe(canvas, {15, 100})); // no band outside
+    EXPECT_FALSE(poly.IsClickedMe(canvas, {190, 100}));
+}
+
+TEST(PolygonInfo, AreaTextByteForByte)
+{
+    TClassHost host;
+    TMyPolygon rect(&host);
+    rect.Points() = {{0, 0}, {100, 0}, {100, 50}, {0, 50}, {0, 0}};
+    TMyPolygon triangle(&host);
+    triangle.Points() = {{0, 0}, {0, 96}, {96, 96}, {0, 0}}; // 4608 px, half a square inch
+    const struct
+    {
+        TMyPolygon *Shape;
+        TUnits Unit;
+        double Ratio;
+        const char *Text;
+    } rows[] = {
+        {&rect, TUnits::pixel, 1, "Area=  5000.00pixel(s)2"},
+        {&rect, TUnits::pixel, 2, "Area= 20000.00pixel(s)2"},
+        {&triangle, TUnits::inch, 1, "Area=     0.50inch2"},
+        {&triangle, TUnits::mm, 1, "Area=   322.58mm2"},
+        {&triangle, TUnits::cm, 1, "Area=     3.23cm2"},
+        {&triangle, TUnits::dm, 1, "Area=     0.03dm2"},
+        {&triangle, TUnits::m, 1, "Area=     0.00m2"},
+        {&triangle, TUnits::mm, 2, "Area=  1290.32mm2"},
+    };
+    for (const auto &row : rows) {
+        host.Unit = row.Unit;
+        host.RatioValue = row.Ratio;
+        EXPECT_EQ(row.Shape->GetInfo(), QString(row.Text));
+        EXPECT_EQ(row.Shape->Info(), QString(row.Text));
+    }
+    // The area does not depend on the zoom or on the way round the outline runs.
+    host.Unit = TUnits::pixel;
+    host.RatioValue = 1;
+    host.ZoomValue = 3;
+    std::reverse(rect.Points().begin(), rect.Points().end());
+    EXPECT_EQ(rect.GetInfo(), QString("Area=  5000.00pixel(s)2"));
+}
+
+struct TGradientProbe : TMyPolygon
+{
+    using TMyPolygon::GradientLeftTop;
+    using TMyPolygon::TMyPolygon;
+};
+
+TEST(PolygonDraw, GradientCornerComesFromTheUprightBoxTurnedForward)
+{
+    TClassHost host;
+    TGradientProbe poly(&host);
+    // An upright diamond in the box (0, 0)-(40, 40) turned by 45 degrees about (20, 20) is
+    // an axis-parallel square; the gradient still covers the whole turned box.
+    const TMyPoint c{20, 20};
+    const float a = float(std::numbers::pi / 4);
+    for (TMyPoint p : TMyPointArray{{20, 0}, {40, 20}, {20, 40}, {0, 20}, {20, 0}})
+        poly.Points().push_back(RotateAPoint(p, c, a));
+    poly.SetCenterPoint(c);
+    poly.SetAngleValue(a);
+    const float half = float(20 * std::numbers::sqrt2);
+    EXPECT_NEAR(poly.GradientLeftTop().X, 20 - half, 1e-4);
+    EXPECT_NEAR(poly.GradientLeftTop().Y, 20 - half, 1e-4);
+    EXPECT_NEAR(poly.GetLeftTop().X, 20 - half / 2, 1e-4);
+}
+
+TEST(FreeLine, EndsAtReleaseAndIsHitNearAnyOfItsPieces)
+{
+    TClassHost host;
+    TMyFreeLine free(&host);
+    free.AddPointByMouse({20, 20});
+    EXPECT_FALSE(free.IsDrawingFinished(Qt::LeftButton, {20, 20}));
+    for (int i = 1; i <= 40; ++i)
+        free.AddPointByMouse({20 + 2 * i, 20 + (i % 3)});
+    EXPECT_TRUE(free.IsDrawingFinished(Qt::LeftButton, {100, 21}));
+    EXPECT_EQ(free.GetPointsCount(), 41);
+
+    TCanvas &canvas = *host.ScreenCanvas();
+    EXPECT_TRUE(free.IsClickedMe(canvas, {61, 29})); // 8 below a piece
+    EXPECT_FALSE(free.IsClickedMe(canvas, {61, 31}));
+    EXPECT_TRUE(free.IsClickedMe(canvas, {105, 21})); // round past the last end
+    EXPECT_FALSE(free.IsClickedMe(canvas, {110, 21}));
+
+    // Only the two ends have handles.
+    EXPECT_EQ(free.InWhichHot({20, 20}), 0);
+    EXPECT_EQ(free.InWhichHot({100, 21}), 40);
+    EXPECT_EQ(free.InWhichHot({60, 20}), -1);
+}
+
+} // namespace
+} // namespace tessal::test
