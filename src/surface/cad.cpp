@@ -3,6 +3,7 @@
 #include <tessal/surface/cad.h>
 
 #include <tessal/shapes/shape.h>
+#include <tessal/surface/spatialindex_p.h>
 
 #include <QPaintEvent>
 #include <QPainter>
@@ -107,14 +108,21 @@ void TMyCAD::ScreenChanged(const TRect &rect)
 
 // ---- Repaint ----
 
+// A full invalidation is how document changes announce themselves, so it also schedules a
+// rebuild of the spatial index. Nothing repaints while the grid is being drawn.
 void TMyCAD::Invalidate()
 {
+    if (m_GridDrawing)
+        return;
+    ShapesRenumbered();
     m_Dirty = QRegion(rect());
     update();
 }
 
 void TMyCAD::InvalidateRect(const TRect &rect)
 {
+    if (m_GridDrawing)
+        return;
     m_Dirty += rect.ToQRect();
     update(rect.ToQRect());
 }
@@ -145,30 +153,14 @@ void TMyCAD::resizeEvent(QResizeEvent *event)
     EnsureScreenImage();
 }
 
+// Only the stale part of the exposed region is composed again; the rest is shown from the
+// screen image as it is, with any feedback drawn on it.
 void TMyCAD::paintEvent(QPaintEvent *event)
 {
     EnsureScreenImage();
     if (m_ScreenImage.isNull())
         return;
-    if (!m_Busy) {
-        m_Busy = true;
-        const QRect stale = (m_Dirty & event->region()).boundingRect();
-        if (!stale.isEmpty()) {
-            const TRect clip = TRect::FromQRect(stale);
-            DrawAll(clip);
-            // The screen canvas keeps a painter open on the screen image; it is made again
-            // on demand after the copy.
-            m_ScreenCanvas.reset();
-            QPainter screen(&m_ScreenImage);
-            screen.setCompositionMode(QPainter::CompositionMode_Source);
-            screen.drawImage(stale.topLeft(), m_Offscreen);
-            m_Dirty -= stale;
-            ForgetCoveredHighlight(stale);
-        }
-        if (m_OnPaint)
-            m_OnPaint(this);
-        m_Busy = false;
-    }
+    Paint(TRect::FromQRect((m_Dirty & event->region()).boundingRect()));
     if (m_ScreenCanvas)
         m_ScreenCanvas->Flush();
     QPainter painter(this);
@@ -190,28 +182,6 @@ void TMyCAD::ForgetCoveredHighlight(const QRect &recomposed)
     const QRect square(centre - QPoint(reach, reach), QSize(2 * reach + 1, 2 * reach + 1));
     if (square.intersects(recomposed))
         m_HotHighlight = {};
-}
-
-// Composes rect (control pixels) in an image of that size, so that the composition of a
-// small invalidation stays small. For now the composition is the background fill.
-void TMyCAD::DrawAll(const TRect &rect)
-{
-    const qreal dpr = devicePixelRatioF();
-    const QSize device = (QSizeF(rect.Width(), rect.Height()) * dpr).toSize();
-    if (m_Offscreen.size() != device || m_Offscreen.devicePixelRatio() != dpr) {
-        m_Offscreen = QImage(device, QImage::Format_RGB32);
-        m_Offscreen.setDevicePixelRatio(dpr);
-    }
-    FillBackground(m_Offscreen, rect);
-}
-
-void TMyCAD::FillBackground(QImage &image, const TRect &rect)
-{
-    TCanvas canvas(&image);
-    canvas.Brush().Color = m_ColorOfBackGround;
-    canvas.Brush().Style = TBrushStyle::bsSolid;
-    canvas.FillRect(TRect(0, 0, rect.Width(), rect.Height()));
-    canvas.Flush();
 }
 
 } // namespace tessal

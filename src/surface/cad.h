@@ -298,8 +298,9 @@ public:
     // and lines use the two corners point and point + (width, height). The third integer,
     // count, is the number of vertices for SpPolyLine, SpPolygon, SpFreeLine and SpBLine,
     // spread evenly around the ellipse inscribed in the box, clockwise from its top (at
-    // least 2, 3 for polygons); SpPolyBezier makes count pieces (at least 1) whose points
-    // run along the box's top edge. Other tools ignore count.
+    // least 2, 3 for polygons); SpPolyBezier makes count pieces (at least 1) across the box,
+    // joined on its middle line, each with its first control point on the top edge and its
+    // second on the bottom edge. Other tools ignore count.
     std::int32_t AddShapeByCode2(TDrawTool tool, const QString &caption, TMyPoint point,
                                  std::int32_t width, std::int32_t height, std::int32_t count,
                                  double angle, const QString &text);
@@ -457,6 +458,49 @@ public:
     // widget); empty before the first paint or resize.
     const QImage &ScreenImage() const { return m_ScreenImage; }
     QSize sizeHint() const override;
+
+    // ---- Rendering ----
+    // Show the mouse position and the length readout in the attached labels, when set.
+    void UpdateLabelXY(std::int32_t x, std::int32_t y);
+    void UpdateLabelValue(const QString &text);
+    // One repaint of clip (control pixels): composes it off-screen, copies it onto the
+    // screen image, draws the working shapes' handles there and fires OnPaint. Does nothing
+    // while the surface is busy.
+    void Paint(const TRect &clip);
+    // Composes rect (control pixels) into OffscreenImage(), an image of rect's size whose
+    // origin is rect's corner: background, background picture, grid, shapes.
+    void DrawAll(const TRect &rect);
+    const QImage &OffscreenImage() const { return m_Offscreen; }
+    void FillBackground(QImage &image, const TRect &rect);
+    // The background picture placed on a page whose top-left corner is (dx, dy) of image;
+    // the page is the control, or the whole image when printing.
+    void DrawBkBitmap(QImage &image, std::int32_t dx, std::int32_t dy, bool printing);
+    // The grid of rect (control pixels) into image, whose origin is rect's corner.
+    void DrawGrid(QImage &image, const TRect &rect);
+    // Printing aids, drawn on an image of the whole page (any resolution): the border
+    // frame and the head and foot texts. The screen shows neither.
+    void DrawBorder(QImage &image);
+    void DrawHeadFoot(QImage &image);
+    // The shapes reaching into rect onto canvas, whose origin is rect's corner. The
+    // document is not touched: the canvas is translated instead.
+    void DrawAllShape(TCanvas &canvas, const TRect &rect);
+    // True while the grid is drawn; setters that fire meanwhile do not repaint.
+    bool IsGridDrawing() const { return m_GridDrawing; }
+    // The shape numbers drawn by the last DrawAllShape, in list order.
+    const std::vector<std::int32_t> &DrawList() const { return m_DrawList; }
+    // The top-level shapes of visible layers whose drawing reaches into rect (control
+    // pixels), in list order: through the spatial index, and by a plain scan of the list.
+    // Both answer the same.
+    std::vector<std::int32_t> ShapesInRect(const TRect &rect);
+    std::vector<std::int32_t> ShapesInRectLinear(const TRect &rect) const;
+    // The control pixels that the shape (with its group) can paint.
+    TRect ShapeScreenRect(TMyShape *shape) const;
+    // Keeping the spatial index current. A full Invalidate() rebuilds it before the next
+    // query; code that changes shapes and repaints only part of the control reports the
+    // change here: ShapeGeometryChanged after points, pen, texts or a new last shape,
+    // ShapesRenumbered after the list's order or length or the group relations changed.
+    void ShapeGeometryChanged(TMyShape *shape);
+    void ShapesRenumbered();
 
     // ---- TShapeHost ----
     std::int32_t ControlWidth() const override { return width(); }
@@ -690,9 +734,6 @@ private:
     }
     // The page's screen size, applied to the control.
     void ResizeToPage();
-    // Off-screen composition of rect (control pixels) into m_Offscreen.
-    void DrawAll(const TRect &rect);
-    void FillBackground(QImage &image, const TRect &rect);
     void EnsureScreenImage();
     void ForgetCoveredHighlight(const QRect &recomposed);
     void RotateTree(TMyShape *shape, TMyPoint centre, double delta, std::int32_t depth);
@@ -707,10 +748,10 @@ private:
     QString m_FileVersion = QStringLiteral("XP.j");
 
     // Document (document.cpp, layers.cpp).
-    void CollectDeletion(TMyShape *shape, bool honourLocks, std::vector<std::int32_t> &ids,
+    void CollectDeletion(TMyShape *shape, bool honourLocks, std::vector<TMyShape *> &list,
                          std::int32_t depth);
     void DetachLinks(TMyShape *shape);
-    void RemoveShapeAt(std::int32_t no);
+    void RemoveShapes(const std::vector<TMyShape *> &shapes);
     void RemoveShapeTree(TMyShape *shape, bool honourLocks);
     // Gives every shape number n in the relations of all shapes the number map(n); a
     // negative answer removes the reference.
@@ -854,6 +895,17 @@ private:
     QImage m_Offscreen;
     QImage m_ScreenImage;
     std::unique_ptr<TCanvas> m_ScreenCanvas;
+
+    // Rendering (render.cpp).
+    void CollectDrawList(const TRect &rect);
+    void DrawShapeTree(TCanvas &canvas, TMyShape *shape, std::int32_t depth);
+    void DrawLinkHotTree(TCanvas &canvas, TMyShape *shape, std::int32_t depth);
+    void DrawGridDots(TCanvas &canvas, QSize size, double sx, double sy);
+    void DrawGridLines(TCanvas &canvas, QSize size, double sx, double sy, const TRect &rect);
+    void EnsureIndex();
+    bool m_GridDrawing = false;
+    std::vector<std::int32_t> m_DrawList;
+    std::unique_ptr<TShapeIndex> m_Index;
 };
 
 } // namespace tessal

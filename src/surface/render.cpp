@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: MIT
+// The repaint pipeline: off-screen composition of a rectangle, the copy to the screen image,
+// the handles on top, and the drawing of the shapes in list order.
+#include <tessal/surface/cad.h>
+
+#include <tessal/shapes/shape.h>
+#include <tessal/shapes/shapetools.h>
+
+#include <QPainter>
+
+namespace tessal {
+
+void TMyCAD::UpdateLabelXY(std::int32_t x, std::int32_t y)
+{
+    if (m_LabelXY)
+        m_LabelXY->setText(QStringLiteral("%1, %2").arg(x).arg(y));
+}
+
+void TMyCAD::UpdateLabelValue(const QString &text)
+{
+    if (m_LabelValue)
+        m_LabelValue->setText(text);
+}
+
+void TMyCAD::Paint(const TRect &clip)
+{
+    if (m_Busy)
+        return;
+    EnsureScreenImage();
+    if (m_ScreenImage.isNull())
+        return;
+    m_Busy = true;
+    const TRect area = clip.Intersected(TRect(0, 0, width(), height()));
+    if (!area.IsEmpty()) {
+        DrawAll(area);
+        // The screen canvas keeps a painter open on the screen image; it is made again on
+        // demand after the copy.
+        m_ScreenCanvas.reset();
+        {
+            QPainter screen(&m_ScreenImage);
+            screen.setCompositionMode(QPainter::CompositionMode_Source);
+            screen.drawImage(QPoint(area.Left, area.Top), m_Offscreen);
+        }
+        m_Dirty -= area.ToQRect();
+        ForgetCoveredHighlight(area.ToQRect());
+    }
+    if (m_OnPaint)
+        m_OnPaint(this);
+    m_Busy = false;
+}
+
+// The off-screen image is only as big as rect, so the composition of a small invalidation
+// stays small; it keeps its allocation while consecutive repaints have the same size.
+void TMyCAD::DrawAll(const TRect &rect)
+{
+    const qreal dpr = devicePixelRatioF();
+    const QSize device = (QSizeF(rect.Width(), rect.Height()) * dpr).toSize();
+    if (m_Offscreen.size() != device || m_Offscreen.devicePixelRatio() != dpr) {
+        m_Offscreen = QImage(device, QImage::Format_RGB32);
+        m_Offscreen.setDevicePixelRatio(dpr);
+    }
+    if (m_Offscreen.isNull())
+        return;
+    FillBackground(m_Offscreen, rect);
+    DrawBkBitmap(m_Offscreen, -rect.Left, -rect.Top, false);
+    DrawGrid(m_Offscreen, rect);
+    TCanvas canvas(&m_Offscreen);
+    DrawAllShape(canvas, rect);
+    canvas.Flush();
+}
+
+void TMyCAD::FillBackground(QImage &image, const TRect &rect)
+{
+    TCanvas canvas(&image);
+    canvas.Brush().Color = m_ColorOfBackGround;
+    canvas.Brush().Style = TBrushStyle::bsSolid;
+    canvas.FillRect(TRect(0, 0, rect.Width(), rect.Height()));
+    canvas.Flush();
+}
+
+// Shapes are drawn with the ordinary screen rule (stored value x Zoom, rounded) on a canvas
+// translated by the rectangle's corner. Moving the shapes instead would round differently
+// at the rectangle's edge and leave float residue in the document after moving them back.
+void TMyCAD::DrawAllShape(TCanvas &canvas, const TRect &rect)
+{
+    CollectDrawList(rect);
+    const QTransform saved = canvas.WorldTransform();
+    canvas.SetWorldTransform(QTransform::fromTranslate(-rect.Left, -rect.Top) * saved);
+    for (const std::int32_t no : m_DrawList) {
+        TMyShape *shape = m_Shapes[std::size_t(no)].get();
+        if (shape->Visible())
+            DrawShapeTree(canvas, shape, 0);
+    }
+    for (const std::int32_t no : m_DrawList)
+        DrawLinkHotTree(canvas, m_Shapes[std::size_t(no)].get(), 0);
+    canvas.SetWorldTransform(saved);
+}
+
+void TMyCAD::CollectDrawList(const TRect &rect)
+{
+    m_DrawList = ShapesInRect(rect);
+}
+
+// Members come before their group, in the group's child order; a hidden member is skipped
+// with everything it contains. The depth bound stops a corrupt child list that leads back
+// to an ancestor.
+void TMyCAD::DrawShapeTree(TCanvas &canvas, TMyShape *shape, std::int32_t depth)
+{
+    if (depth > GetShapesCount())
+        return;
+    for (const std::int32_t no : shape->ChildShapes()) {
+        TMyShape *child = GetShapeByNo(no);
+        if (child && child->Visible())
+            DrawShapeTree(canvas, child, depth + 1);
+    }
+    shape->Draw(canvas);
+}
+
+void TMyCAD::DrawLinkHotTree(TCanvas &canvas, TMyShape *shape, std::int32_t depth)
+{
+    if (depth > GetShapesCount())
+        return;
+    for (const std::int32_t no : shape->ChildShapes()) {
+        if (TMyShape *child = GetShapeByNo(no))
+            DrawLinkHotTree(canvas, child, depth + 1);
+    }
+    DrawLinkHot(*shape, canvas);
+}
+
+} // namespace tessal

@@ -1,0 +1,250 @@
+// SPDX-License-Identifier: MIT
+// Which shapes a repaint rectangle needs: the extent of a shape and the spatial index.
+#include <tessal/surface/cad.h>
+#include <tessal/surface/spatialindex_p.h>
+
+#include <tessal/shapes/line.h>
+#include <tessal/shapes/shape.h>
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+
+namespace tessal {
+
+namespace {
+
+// A scratch canvas for measuring info texts, made only when a shape has one.
+class TTextMeasure
+{
+public:
+    TCanvas &Canvas()
+    {
+        if (!m_Canvas) {
+            m_Image = QImage(1, 1, QImage::Format_RGB32);
+            m_Canvas.emplace(&m_Image);
+        }
+        return *m_Canvas;
+    }
+
+private:
+    QImage m_Image;
+    std::optional<TCanvas> m_Canvas;
+};
+
+class TExtentBuilder
+{
+public:
+    TExtentBuilder(const TMyCAD &cad, TTextMeasure &measure)
+        : m_Cad(cad)
+        , m_Measure(measure)
+    {}
+
+    TShapeExtent Of(TMyShape *shape)
+    {
+        m_Extent = {};
+        Add(shape, 0);
+        return m_Extent;
+    }
+
+private:
+    void Add(TMyShape *shape, std::int32_t depth);
+    void AddPoint(TMyPoint p);
+    void AddInfoText(TMyShape *shape);
+    void AddPad(std::int32_t pad) { m_Extent.Pad = std::max(m_Extent.Pad, pad); }
+
+    const TMyCAD &m_Cad;
+    TTextMeasure &m_Measure;
+    TShapeExtent m_Extent;
+};
+
+void TExtentBuilder::AddPoint(TMyPoint p)
+{
+    TMyRect &b = m_Extent.Box;
+    if (!m_Extent.Indexed) {
+        b = {p.X, p.Y, p.X, p.Y};
+        m_Extent.Indexed = true;
+        return;
+    }
+    b.Left = std::min(b.Left, p.X);
+    b.Top = std::min(b.Top, p.Y);
+    b.Right = std::max(b.Right, p.X);
+    b.Bottom = std::max(b.Bottom, p.Y);
+}
+
+// What a shape can paint: its points with the pen around them (a miter join reaches up to
+// two pen widths out), arrow heads, link-point marks, and its info text; a group adds its
+// members. Curves stay inside the polygon of their control points, so points suffice.
+void TExtentBuilder::Add(TMyShape *shape, std::int32_t depth)
+{
+    if (!shape || depth > m_Cad.GetShapesCount())
+        return;
+    for (std::int32_t i = 0; i < shape->GetPointsCount(); ++i)
+        AddPoint(shape->GetPoint(i));
+    AddPad(2 * std::max(shape->Pen().Width, 1) + 2);
+    for (std::int32_t i = 0; i < shape->GetLinkPointsCount(); ++i)
+        AddPoint(shape->GetLinkPoint(i));
+    if (shape->GetLinkPointsCount() > 0)
+        AddPad(4);
+    if (const auto *line = dynamic_cast<const TMyLine *>(shape);
+        line && line->ArrowStyle() != TArrowStyle::ANone) {
+        // The zoomed side of a head is carried in a byte.
+        AddPad(std::int32_t(std::uint8_t(std::nearbyint(m_Cad.Zoom() * line->ArrowLength()))) + 2);
+    }
+    AddInfoText(shape);
+    for (const std::int32_t no : shape->ChildShapes())
+        Add(m_Cad.GetShapeByNo(no), depth + 1);
+}
+
+// The text box is measured at the current zoom: text does not scale exactly with it.
+void TExtentBuilder::AddInfoText(TMyShape *shape)
+{
+    if (!shape->CaptionShow() || (shape->Info().isEmpty() && shape->MultiInfo().isEmpty()))
+        return;
+    const double z = m_Cad.Zoom();
+    TCanvas &canvas = m_Measure.Canvas();
+    std::int32_t w = 0;
+    std::int32_t h = 0;
+    const QStringList lines =
+        shape->Info().isEmpty() ? shape->MultiInfo() : QStringList{shape->Info()};
+    for (const QString &line : lines) {
+        const TPoint size = shape->GetTextWidthHeight(canvas, line, shape->Font(), z, 0);
+        w = std::max(w, size.X);
+        h += size.Y;
+    }
+    const double ax = std::nearbyint(shape->TextPoint().X * z);
+    const double ay = std::nearbyint(shape->TextPoint().Y * z);
+    const double left = std::nearbyint(ax - w / 2.0);
+    const double top = std::nearbyint(ay - h / 2.0);
+    AddPoint({float(left / z), float(top / z)});
+    AddPoint({float((left + w) / z), float((top + h) / z)});
+    AddPad(3);
+}
+
+// The visible layers of a query, for look-ups by ID without walking the table each time.
+std::vector<std::int32_t> VisibleLayerIds(const std::vector<TLayer> &layers)
+{
+    std::vector<std::int32_t> ids;
+    for (const TLayer &layer : layers)
+        if (layer.Visible)
+            ids.push_back(layer.Id);
+    std::sort(ids.begin(), ids.end());
+    return ids;
+}
+
+bool Contains(const std::vector<std::int32_t> &sorted, std::int32_t id)
+{
+    return std::binary_search(sorted.begin(), sorted.end(), id);
+}
+
+} // namespace
+
+// The rule of a repaint: a shape is drawn when it is not a group member, its layer is
+// visible, and the pixels it can paint meet rect. (A vertex inside rect, or a box around
+// rect, are both cases of the last condition; testing the extent itself also catches an
+// outline that crosses rect with no vertex inside it.)
+std::vector<std::int32_t> TMyCAD::ShapesInRectLinear(const TRect &rect) const
+{
+    std::vector<std::int32_t> numbers;
+    if (rect.IsEmpty())
+        return numbers;
+    const std::vector<std::int32_t> layers = VisibleLayerIds(m_Layers);
+    TTextMeasure measure;
+    TExtentBuilder builder(*this, measure);
+    for (std::int32_t no = 0; no < GetShapesCount(); ++no) {
+        TMyShape *shape = m_Shapes[std::size_t(no)].get();
+        if (shape->ParentNo() != -1 || !Contains(layers, shape->LayerId()))
+            continue;
+        const TShapeExtent extent = builder.Of(shape);
+        if (extent.Indexed && extent.ScreenRect(m_Zoom).Intersects(rect))
+            numbers.push_back(no);
+    }
+    return numbers;
+}
+
+std::vector<std::int32_t> TMyCAD::ShapesInRect(const TRect &rect)
+{
+    std::vector<std::int32_t> numbers;
+    if (rect.IsEmpty())
+        return numbers;
+    EnsureIndex();
+    // One pixel more on every side than rect: the tree's boxes are not rounded.
+    const double z = m_Zoom;
+    const TMyRect query{float((rect.Left - 1) / z), float((rect.Top - 1) / z),
+                        float((rect.Right + 1) / z), float((rect.Bottom + 1) / z)};
+    m_Index->Query(query, numbers);
+    const std::vector<std::int32_t> layers = VisibleLayerIds(m_Layers);
+    std::erase_if(numbers, [&](std::int32_t no) {
+        const TShapeIndex::TEntry &entry = m_Index->Entry(no);
+        const TMyShape *shape = m_Shapes[std::size_t(no)].get();
+        return shape->ParentNo() != -1 || !Contains(layers, shape->LayerId()) ||
+               !entry.Extent.ScreenRect(z).Intersects(rect);
+    });
+    std::sort(numbers.begin(), numbers.end());
+    return numbers;
+}
+
+TRect TMyCAD::ShapeScreenRect(TMyShape *shape) const
+{
+    if (!shape)
+        return {};
+    TTextMeasure measure;
+    const TShapeExtent extent = TExtentBuilder(*this, measure).Of(GetRootParentShape(shape));
+    return extent.Indexed ? extent.ScreenRect(m_Zoom) : TRect{};
+}
+
+// A rebuild is due after a full invalidation, a zoom change (pads and texts are measured at
+// the zoom) or any change of the list that was not reported; shapes appended since the last
+// query are added one by one.
+void TMyCAD::EnsureIndex()
+{
+    if (!m_Index)
+        m_Index = std::make_unique<TShapeIndex>();
+    TTextMeasure measure;
+    TExtentBuilder builder(*this, measure);
+    const std::int32_t count = GetShapesCount();
+    if (!m_Index->IsStale() && m_Index->Zoom() == m_Zoom && m_Index->Count() <= count) {
+        for (std::int32_t no = m_Index->Count(); no < count; ++no) {
+            TMyShape *shape = m_Shapes[std::size_t(no)].get();
+            TShapeExtent extent = builder.Of(shape);
+            extent.Indexed = extent.Indexed && shape->ParentNo() == -1;
+            m_Index->Append({shape, extent});
+        }
+        return;
+    }
+    std::vector<TShapeIndex::TEntry> entries(static_cast<std::size_t>(count));
+    for (std::int32_t no = 0; no < count; ++no) {
+        TMyShape *shape = m_Shapes[std::size_t(no)].get();
+        entries[std::size_t(no)].Shape = shape;
+        if (shape->ParentNo() == -1)
+            entries[std::size_t(no)].Extent = builder.Of(shape);
+    }
+    m_Index->Rebuild(std::move(entries), m_Zoom);
+}
+
+void TMyCAD::ShapeGeometryChanged(TMyShape *shape)
+{
+    if (!shape || !m_Index || m_Index->IsStale())
+        return;
+    TMyShape *root = GetRootParentShape(shape);
+    const std::int32_t no = m_Index->NumberOf(root);
+    if (no < 0) {
+        // Not indexed yet: appended shapes are picked up by the next query.
+        return;
+    }
+    if (no >= GetShapesCount() || m_Shapes[std::size_t(no)].get() != root ||
+        root->ParentNo() != -1) {
+        m_Index->MarkStale();
+        return;
+    }
+    TTextMeasure measure;
+    m_Index->Replace(no, TExtentBuilder(*this, measure).Of(root));
+}
+
+void TMyCAD::ShapesRenumbered()
+{
+    if (m_Index)
+        m_Index->MarkStale();
+}
+
+} // namespace tessal

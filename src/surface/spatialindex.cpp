@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: MIT
+// The spatial index of a surface: bulk-loaded, then kept current one entry at a time.
+#include <tessal/surface/spatialindex_p.h>
+
+#include <boost/geometry.hpp>
+#include <boost/geometry/geometries/box.hpp>
+#include <boost/geometry/geometries/point.hpp>
+#include <boost/geometry/index/rtree.hpp>
+#include <boost/iterator/function_output_iterator.hpp>
+
+#include <cmath>
+
+namespace tessal {
+
+namespace bg = boost::geometry;
+namespace bgi = boost::geometry::index;
+
+struct TShapeIndex::TTree
+{
+    using TPoint2 = bg::model::point<float, 2, bg::cs::cartesian>;
+    using TBox2 = bg::model::box<TPoint2>;
+    using TValue = std::pair<TBox2, std::int32_t>;
+
+    static TBox2 Box(const TMyRect &r) { return {{r.Left, r.Top}, {r.Right, r.Bottom}}; }
+
+    bgi::rtree<TValue, bgi::rstar<16>> Tree;
+    std::vector<TMyRect> Boxes;
+};
+
+TShapeIndex::TShapeIndex()
+    : m_Tree(std::make_unique<TTree>())
+{}
+
+TShapeIndex::~TShapeIndex() = default;
+
+TRect TShapeExtent::ScreenRect(double zoom) const
+{
+    const auto px = [zoom](float v) { return std::int32_t(std::nearbyint(double(v) * zoom)); };
+    return {px(Box.Left) - Pad, px(Box.Top) - Pad, px(Box.Right) + Pad + 1,
+            px(Box.Bottom) + Pad + 1};
+}
+
+// One more pixel than the pad covers the rounding of the zoomed box, so the tree never
+// answers less than the exact test accepts.
+TMyRect TShapeIndex::PaddedBox(const TShapeExtent &extent) const
+{
+    const float pad = float((extent.Pad + 1) / m_Zoom);
+    const TMyRect &b = extent.Box;
+    return {b.Left - pad, b.Top - pad, b.Right + pad, b.Bottom + pad};
+}
+
+void TShapeIndex::Rebuild(std::vector<TEntry> entries, double zoom)
+{
+    m_Zoom = zoom;
+    m_Entries = std::move(entries);
+    m_Tree->Boxes.assign(m_Entries.size(), TMyRect());
+    m_Numbers.clear();
+    m_Numbers.reserve(m_Entries.size());
+    std::vector<TTree::TValue> values;
+    values.reserve(m_Entries.size());
+    for (std::size_t i = 0; i < m_Entries.size(); ++i) {
+        m_Numbers.insert_or_assign(m_Entries[i].Shape, std::int32_t(i));
+        if (!m_Entries[i].Extent.Indexed)
+            continue;
+        m_Tree->Boxes[i] = PaddedBox(m_Entries[i].Extent);
+        values.emplace_back(TTree::Box(m_Tree->Boxes[i]), std::int32_t(i));
+    }
+    // The packing constructor builds a better tree than repeated insertion, and faster.
+    m_Tree->Tree = decltype(m_Tree->Tree)(values.begin(), values.end());
+    m_Stale = false;
+}
+
+void TShapeIndex::Replace(std::int32_t no, const TShapeExtent &extent)
+{
+    const auto i = std::size_t(no);
+    if (m_Entries[i].Extent.Indexed)
+        m_Tree->Tree.remove(TTree::TValue(TTree::Box(m_Tree->Boxes[i]), no));
+    m_Entries[i].Extent = extent;
+    if (extent.Indexed) {
+        m_Tree->Boxes[i] = PaddedBox(extent);
+        m_Tree->Tree.insert(TTree::TValue(TTree::Box(m_Tree->Boxes[i]), no));
+    }
+}
+
+void TShapeIndex::Append(const TEntry &entry)
+{
+    const auto no = std::int32_t(m_Entries.size());
+    m_Entries.push_back({entry.Shape, TShapeExtent{}});
+    m_Tree->Boxes.emplace_back();
+    m_Numbers.insert_or_assign(entry.Shape, no);
+    Replace(no, entry.Extent);
+}
+
+std::int32_t TShapeIndex::NumberOf(const TMyShape *shape) const
+{
+    const auto it = m_Numbers.find(shape);
+    return it == m_Numbers.end() ? -1 : it->second;
+}
+
+void TShapeIndex::Query(const TMyRect &box, std::vector<std::int32_t> &numbers) const
+{
+    m_Tree->Tree.query(bgi::intersects(TTree::Box(box)),
+                       boost::make_function_output_iterator(
+                           [&numbers](const TTree::TValue &v) { numbers.push_back(v.second); }));
+}
+
+} // namespace tessal

@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: MIT
+// The spatial index of a surface: an R-tree over the boxes of its top-level shapes.
+#pragma once
+
+#include <tessal/geometry/mypoint.h>
+#include <tessal/platform/types.h>
+
+#include <cstdint>
+#include <memory>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+namespace tessal {
+
+class TMyShape;
+
+// Where a top-level shape (with all its group members) can paint: a box in document units
+// and a margin in screen pixels that does not grow with the zoom (pen widths, link marks).
+struct TShapeExtent
+{
+    TMyRect Box;
+    std::int32_t Pad = 0;
+    // False for group members and shapes without anything to draw; they are not indexed.
+    bool Indexed = false;
+
+    // The control pixels covered at zoom: the rounded zoomed box grown by Pad, Right and
+    // Bottom exclusive.
+    TRect ScreenRect(double zoom) const;
+};
+
+// The index only narrows the candidates of a query: it answers every shape whose extent
+// might meet the query box, and the caller applies the exact test. Entries are kept per
+// shape number, so a change of numbering needs a rebuild.
+class TShapeIndex
+{
+public:
+    TShapeIndex();
+    ~TShapeIndex();
+    TShapeIndex(const TShapeIndex &) = delete;
+    TShapeIndex &operator=(const TShapeIndex &) = delete;
+
+    struct TEntry
+    {
+        const TMyShape *Shape = nullptr;
+        TShapeExtent Extent;
+    };
+
+    // Replaces everything: entries[i] belongs to shape number i. Pads are turned into
+    // document units at zoom, which is why a zoom change needs a rebuild.
+    void Rebuild(std::vector<TEntry> entries, double zoom);
+    void Replace(std::int32_t no, const TShapeExtent &extent);
+    void Append(const TEntry &entry);
+    void MarkStale() { m_Stale = true; }
+    bool IsStale() const { return m_Stale; }
+
+    double Zoom() const { return m_Zoom; }
+    std::int32_t Count() const { return std::int32_t(m_Entries.size()); }
+    const TEntry &Entry(std::int32_t no) const { return m_Entries[std::size_t(no)]; }
+    // The number of an entry's shape, -1 when the shape is not in the index.
+    std::int32_t NumberOf(const TMyShape *shape) const;
+    // Shape numbers whose padded box meets box (document units, edges included), in no
+    // particular order.
+    void Query(const TMyRect &box, std::vector<std::int32_t> &numbers) const;
+
+private:
+    // The tree and the box each indexed entry was inserted with (so that it can be removed
+    // exactly); kept out of this header, which the whole surface includes.
+    struct TTree;
+
+    TMyRect PaddedBox(const TShapeExtent &extent) const;
+
+    std::unique_ptr<TTree> m_Tree;
+    std::vector<TEntry> m_Entries;
+    std::unordered_map<const TMyShape *, std::int32_t> m_Numbers;
+    double m_Zoom = 1.0;
+    bool m_Stale = true;
+};
+
+} // namespace tessal
