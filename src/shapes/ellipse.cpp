@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: MIT
+// TMyEllipse: the inscribed ellipse as a 72-chord polygon, its previews and its area text.
+#include <tessal/geometry/canvasmodes.h>
+#include <tessal/geometry/geometry.h>
+#include <tessal/shapes/rectangle.h>
+#include <tessal/shapes/shapetools.h>
+
+#include <cmath>
+#include <numbers>
+
+namespace tessal {
+
+std::array<TPoint, 73> TMyEllipse::OutlinePoints() const
+{
+    const double z = Zoom();
+    const double a = z * GetMyWidth() / 2;
+    const double b = z * GetMyHeight() / 2;
+    const double c = std::cos(double(Angle()));
+    const double s = std::sin(double(Angle()));
+    const TMyPoint centre = GetCenterPointInZoom();
+    std::array<TPoint, 73> pts;
+    // Point 0 is the bottom of the upright ellipse; point 72 closes the figure on it.
+    for (std::size_t i = 0; i < pts.size(); ++i) {
+        const double t = double(i) * std::numbers::pi / 36;
+        const double u = a * std::sin(t);
+        const double v = b * std::cos(t);
+        pts[i] = {std::int32_t(std::nearbyint(u * c - v * s + centre.X)),
+                  std::int32_t(std::nearbyint(u * s + v * c + centre.Y))};
+    }
+    return pts;
+}
+
+void TMyEllipse::Draw(TCanvas &canvas)
+{
+    SetDrawShapeMode(*this, canvas);
+    if (GetPointsCount() >= 4)
+        PowerDrawShape(canvas, OutlinePoints(), true);
+    DrawInfo(canvas);
+}
+
+void TMyEllipse::Drawing(TCanvas &canvas, TPoint from, TPoint to)
+{
+    SetDragResizeRotateShapeMode(canvas);
+    canvas.Ellipse(PtToARect(from, to));
+}
+
+void TMyEllipse::Draging(TCanvas &canvas, TPoint from, TPoint to)
+{
+    if (GetPointsCount() < 4)
+        return;
+    std::array<TPoint, 73> pts = OutlinePoints();
+    const TPoint d = to - from;
+    for (TPoint &p : pts)
+        p = p + d;
+    canvas.Polyline(pts);
+}
+
+QString TMyEllipse::GetInfo() const
+{
+    return AreaText(std::numbers::pi * (GetMyWidth() / 2.0) * (GetMyHeight() / 2.0));
+}
+
+} // namespace tessal
