@@ -1,0 +1,257 @@
+// SPDX-License-Identifier: MIT
+// Drawing a rectangle with the mouse, its computed points and resizing by its handles.
+#include "common/imagecompare.h"
+#include "recthelpers.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numbers>
+#include <random>
+
+namespace tessal::test {
+namespace {
+
+constexpr double kPi = std::numbers::pi;
+
+void ExpectNear(TMyPoint actual, TMyPoint expected, double tolerance, const char *what)
+{
+    EXPECT_NEAR(actual.X, expected.X, tolerance) << what;
+    EXPECT_NEAR(actual.Y, expected.Y, tolerance) << what;
+}
+
+TEST(RectangleCreation, CornerOrderFollowsTheDragFromEachDirection)
+{
+    TTestHost host;
+    struct TCase
+    {
+        TPoint Second;
+    } cases[] = {{{90, 70}}, {{10, 70}}, {{90, 10}}, {{10, 10}}};
+    for (const TCase &c : cases) {
+        auto r = DrawnBy<TMyRectangle>(host, {50, 40}, c.Second);
+        ASSERT_EQ(r->GetPointsCount(), 4);
+        const float x = float(c.Second.X), y = float(c.Second.Y);
+        const TMyPointArray expected = {{50, 40}, {x, 40}, {x, y}, {50, y}};
+        EXPECT_EQ(r->Points(), expected) << c.Second.X << "," << c.Second.Y;
+        EXPECT_TRUE(r->IsDrawingFinished(Qt::LeftButton, c.Second));
+        EXPECT_EQ(r->GetCenterPoint(), (TMyPoint{(50 + x) / 2, (40 + y) / 2}));
+    }
+}
+
+TEST(RectangleCreation, ScreenPointsAreStoredUnzoomed)
+{
+    TTestHost host;
+    host.ZoomValue = 2;
+    auto r = DrawnBy<TMyRectangle>(host, {100, 80}, {40, 160});
+    const TMyPointArray expected = {{50, 40}, {20, 40}, {20, 80}, {50, 80}};
+    EXPECT_EQ(r->Points(), expected);
+    EXPECT_EQ(r->GetCenterPointInZoom(), (TMyPoint{70, 120}));
+}
+
+TEST(RectangleCreation, SecondPointOnTheSameRowOrColumnIsRefused)
+{
+    TTestHost host;
+    TMyRectangle r(&host);
+    EXPECT_FALSE(r.IsDrawingFinished(Qt::LeftButton, {0, 0}));
+    r.AddPointByMouse({30, 30});
+    EXPECT_FALSE(r.IsDrawingFinished(Qt::LeftButton, {30, 30}));
+    r.AddPointByMouse({30, 90}); // same column
+    r.AddPointByMouse({80, 30}); // same row
+    r.AddPointByMouse({30, 30}); // same point
+    EXPECT_EQ(r.GetPointsCount(), 1);
+    EXPECT_FALSE(r.IsDrawingFinished(Qt::LeftButton, {80, 30}));
+    // Drawing goes on: a proper second corner still finishes the shape.
+    r.AddPointByMouse({80, 90});
+    EXPECT_EQ(r.GetPointsCount(), 4);
+    EXPECT_TRUE(r.IsDrawingFinished(Qt::LeftButton, {80, 90}));
+    // A finished rectangle takes no further corner.
+    r.AddPointByMouse({120, 120});
+    EXPECT_EQ(r.GetPointsCount(), 4);
+}
+
+TEST(RectanglePoints, SideMiddlesAndZeroPointFollowTheRotation)
+{
+    TTestHost host;
+    auto r = DrawnBy<TMyRectangle>(host, {40, 40}, {160, 100});
+    EXPECT_EQ(r->GetPoint(-1), (TMyPoint{0, 0}));
+    EXPECT_EQ(r->GetPoint(4), (TMyPoint{100, 40}));
+    EXPECT_EQ(r->GetPoint(5), (TMyPoint{160, 70}));
+    EXPECT_EQ(r->GetPoint(6), (TMyPoint{100, 100}));
+    EXPECT_EQ(r->GetPoint(7), (TMyPoint{40, 70}));
+    // The flags decide which handles exist, not which points can be read.
+    r->SetShowSideHot(false);
+    EXPECT_EQ(r->GetPoint(5), (TMyPoint{160, 70}));
+
+    const TMyPoint c{100, 70};
+    r->RotateChangeValueByAngle(c, kPi / 2);
+    ExpectNear(r->GetPoint(0), RotateAPoint({40, 40}, c, float(kPi / 2)), 1e-3, "corner 0");
+    ExpectNear(r->GetPoint(4), {130, 70}, 1e-3, "top middle");
+    ExpectNear(r->GetPoint(5), {100, 130}, 1e-3, "right middle");
+    ExpectNear(r->GetPoint(6), {70, 70}, 1e-3, "bottom middle");
+    ExpectNear(r->GetPoint(7), {100, 10}, 1e-3, "left middle");
+    EXPECT_FLOAT_EQ(r->GetMyWidth(), 120);
+    EXPECT_FLOAT_EQ(r->GetMyHeight(), 60);
+}
+
+TEST(RectangleResize, CornerAndSideHandlesOfAnUprightRectangle)
+{
+    TTestHost host;
+    struct TCase
+    {
+        int Hot;
+        TMyPoint To;
+        TMyPointArray Expected;
+    } cases[] = {
+        // Corner 2 to a new place: its neighbours follow on one axis each.
+        {2, {80, 50}, {{20, 20}, {80, 20}, {80, 50}, {20, 50}}},
+        {0, {10, 5}, {{10, 5}, {60, 5}, {60, 40}, {10, 40}}},
+        {3, {30, 70}, {{30, 20}, {60, 20}, {60, 70}, {30, 70}}},
+        // Side handles move their side across only; the other coordinate of the mouse is
+        // ignored.
+        {5, {90, 35}, {{20, 20}, {90, 20}, {90, 40}, {20, 40}}},
+        {4, {25, 5}, {{20, 5}, {60, 5}, {60, 40}, {20, 40}}},
+        {6, {55, 60}, {{20, 20}, {60, 20}, {60, 60}, {20, 60}}},
+        {7, {0, 30}, {{0, 20}, {60, 20}, {60, 40}, {0, 40}}},
+        // Dragging through the opposite side would turn the rectangle inside out: refused.
+        {2, {10, 50}, {{20, 20}, {60, 20}, {60, 40}, {20, 40}}},
+        {0, {70, 10}, {{20, 20}, {60, 20}, {60, 40}, {20, 40}}},
+        {5, {15, 30}, {{20, 20}, {60, 20}, {60, 40}, {20, 40}}},
+        {4, {40, 45}, {{20, 20}, {60, 20}, {60, 40}, {20, 40}}},
+        // The side handle's refusal also looks at the free coordinate: the mouse must stay
+        // on the handle's side of the opposite corner on both axes.
+        {5, {90, 45}, {{20, 20}, {60, 20}, {60, 40}, {20, 40}}},
+        // Reaching the opposite side exactly is allowed (the tests are inclusive).
+        {5, {20, 30}, {{20, 20}, {20, 20}, {20, 40}, {20, 40}}},
+    };
+    for (const TCase &c : cases) {
+        auto r = DrawnBy<TMyRectangle>(host, {20, 20}, {60, 40});
+        r->SetCurrentHot(c.Hot);
+        r->SizeChangeValue({0, 0}, c.To);
+        EXPECT_EQ(r->Points(), c.Expected) << "hot " << c.Hot << " to " << c.To.X << "," << c.To.Y;
+        const TMyRect box = GetPointsLTRB(c.Expected);
+        EXPECT_EQ(r->CenterPoint(),
+                  (TMyPoint{(box.Left + box.Right) / 2, (box.Top + box.Bottom) / 2}));
+    }
+}
+
+TEST(RectangleResize, TargetIsReadInScreenPixels)
+{
+    TTestHost host;
+    host.ZoomValue = 2;
+    auto r = DrawnBy<TMyRectangle>(host, {40, 40}, {120, 80}); // document 20,20 .. 60,40
+    r->SetCurrentHot(2);
+    r->SizeChangeValue({120, 80}, {160, 100});
+    const TMyPointArray expected = {{20, 20}, {80, 20}, {80, 50}, {20, 50}};
+    EXPECT_EQ(r->Points(), expected);
+}
+
+TEST(RectangleResize, SideHandleOfARotatedRectangleKeepsShapeAndAngle)
+{
+    TTestHost host;
+    auto r = DrawnBy<TMyRectangle>(host, {40, 40}, {160, 100});
+    const TMyPoint c{100, 70};
+    const float a = float(kPi / 6);
+    r->RotateChangeValueByAngle(c, kPi / 6);
+    // The mouse goes to (190, 80) of the upright frame: the right side follows across only.
+    r->SetCurrentHot(5);
+    r->SizeChangeValue({0, 0}, RotateAPoint({190, 80}, c, a));
+    EXPECT_FLOAT_EQ(r->Angle(), a);
+    const TMyPoint upright[] = {{40, 40}, {190, 40}, {190, 100}, {40, 100}};
+    for (int i = 0; i < 4; ++i)
+        ExpectNear(r->GetPoint(i), RotateAPoint(upright[i], c, a), 2e-3, "corner");
+    ExpectNear(r->CenterPoint(), RotateAPoint({115, 70}, c, a), 2e-3, "centre");
+    EXPECT_NEAR(r->GetMyWidth(), 150, 2e-3);
+    EXPECT_NEAR(r->GetMyHeight(), 60, 2e-3);
+}
+
+// Side of the opposite corner o that p lies on, per axis, inclusive.
+bool SameSide(float p, float target, float o)
+{
+    return (double(p) - o) * (double(target) - o) >= 0;
+}
+
+// Every handle of random turned rectangles dragged to random places: either nothing
+// changes (and the target lies beyond the opposite corner) or the result is a rectangle of
+// the same angle whose far side or corner stayed where it was; the Sizing preview always
+// shows exactly the rectangle the resize produces.
+TEST(RectangleResize, RandomDragsStayRectanglesAndMatchTheirPreview)
+{
+    TTestHost host(300, 300);
+    std::mt19937 rng(20240611);
+    std::uniform_real_distribution<float> coord(60, 240);
+    std::uniform_real_distribution<float> angle(-3.1f, 3.1f);
+    std::uniform_int_distribution<int> hot(0, 7), target(20, 280);
+    int refused = 0, accepted = 0;
+    for (int n = 0; n < 300; ++n) {
+        const TPoint p0{int(coord(rng)), int(coord(rng))}, p2{int(coord(rng)), int(coord(rng))};
+        if (std::abs(p0.X - p2.X) < 4 || std::abs(p0.Y - p2.Y) < 4)
+            continue;
+        auto r = DrawnBy<TMyRectangle>(host, p0, p2);
+        const float a = angle(rng);
+        r->RotateChangeValueByAngle(r->GetCenterPoint(), a);
+        const TMyPoint c = r->GetCenterPoint();
+        const TMyPointArray before = r->Points();
+        const int h = hot(rng);
+        const int m = h % 4;
+        const TPoint to{target(rng), target(rng)};
+        // Upright frame: the moved corner, the opposite corner and the target.
+        const TMyPoint pm = RotateAPoint(before[m], c, -a);
+        const TMyPoint po = RotateAPoint(before[(m + 2) % 4], c, -a);
+        const TMyPoint tu = RotateAPoint(PtToMyPt(to), c, -a);
+        if (std::abs(tu.X - po.X) < 0.05f || std::abs(tu.Y - po.Y) < 0.05f)
+            continue; // too close to the boundary for float rounding to decide
+
+        TMyRectangle copy(&host);
+        copy.Assign(*r);
+        copy.SetCurrentHot(h);
+        QImage preview = WhiteImage(300, 300), result = WhiteImage(300, 300);
+        {
+            TCanvas canvas(&preview);
+            r->SetCurrentHot(h);
+            r->Sizing(canvas, {0, 0}, to);
+        }
+        r->SizeChangeValue({0, 0}, PtToMyPt(to));
+        {
+            TCanvas canvas(&result);
+            std::array<TPoint, 4> pts;
+            for (int i = 0; i < 4; ++i)
+                pts[std::size_t(i)] = MyPtToPt(r->GetPointInZoom(i));
+            r->DrawRectangle(canvas, pts);
+        }
+        EXPECT_TRUE(ImagesEqual(preview, result)) << "case " << n << " hot " << h;
+
+        const bool expectAccepted = SameSide(pm.X, tu.X, po.X) && SameSide(pm.Y, tu.Y, po.Y);
+        if (!expectAccepted) {
+            ++refused;
+            EXPECT_EQ(r->Points(), before) << "case " << n;
+            continue;
+        }
+        ++accepted;
+        EXPECT_FLOAT_EQ(r->Angle(), copy.Angle());
+        TMyPoint u[4];
+        for (int i = 0; i < 4; ++i)
+            u[i] = RotateAPoint(r->Points()[std::size_t(i)], c, -a);
+        const double tol = 0.02;
+        EXPECT_NEAR(u[0].Y, u[1].Y, tol) << "case " << n;
+        EXPECT_NEAR(u[1].X, u[2].X, tol) << "case " << n;
+        EXPECT_NEAR(u[2].Y, u[3].Y, tol) << "case " << n;
+        EXPECT_NEAR(u[3].X, u[0].X, tol) << "case " << n;
+        // The corner or side across from the handle stays.
+        for (int k : {2, 3}) {
+            if (h < 4 && k == 3)
+                break;
+            const std::size_t f = std::size_t((m + k) % 4);
+            ExpectNear(r->Points()[f], before[f], tol, "fixed corner");
+        }
+        if (h < 4)
+            ExpectNear(r->Points()[std::size_t(m)], PtToMyPt(to), tol, "dragged corner");
+        else
+            ExpectNear(u[m], h == 4 || h == 6 ? TMyPoint{pm.X, tu.Y} : TMyPoint{tu.X, pm.Y}, tol,
+                       "dragged side");
+    }
+    EXPECT_GT(refused, 20);
+    EXPECT_GT(accepted, 60);
+}
+
+} // namespace
+} // namespace tessal::test

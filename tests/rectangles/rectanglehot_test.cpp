@@ -1,0 +1,212 @@
+// SPDX-License-Identifier: MIT
+// Rectangle handles (numbering, side-handle switches, rotation states), their drawing, the
+// cursors they ask for and the region hit test.
+#include "common/imagecompare.h"
+#include "recthelpers.h"
+
+#include <gtest/gtest.h>
+
+#include <numbers>
+
+namespace tessal::test {
+namespace {
+
+constexpr double kPi = std::numbers::pi;
+
+TEST(RectangleHandles, EachHandleAnswersItsNumberAndIsRemembered)
+{
+    TActionHost host;
+    auto r = DrawnBy<TMyRectangle>(host, {20, 20}, {120, 70});
+    const TPoint at[8] = {{20, 20}, {120, 20}, {120, 70}, {20, 70},
+                          {70, 20}, {120, 45}, {70, 70},  {20, 45}};
+    for (int i = 0; i < 8; ++i) {
+        EXPECT_EQ(r->InWhichHot(at[i]), i);
+        EXPECT_EQ(r->CurrentHot(), i);
+    }
+    EXPECT_EQ(r->InWhichHot({70, 45}), -1);
+    EXPECT_EQ(r->CurrentHot(), -1);
+    // HotSize 4: the handle square reaches 4 pixels up and left, 3 down and right.
+    EXPECT_EQ(r->InWhichHot({16, 16}), 0);
+    EXPECT_EQ(r->InWhichHot({23, 23}), 0);
+    EXPECT_EQ(r->InWhichHot({24, 20}), -1);
+    EXPECT_EQ(r->InWhichHot({15, 20}), -1);
+    host.HotSizeValue = 8;
+    EXPECT_EQ(r->InWhichHot({27, 13}), 0);
+}
+
+TEST(RectangleHandles, HandlesOfAZoomedRotatedRectangle)
+{
+    TActionHost host;
+    host.ZoomValue = 2;
+    auto r = DrawnBy<TMyRectangle>(host, {40, 40}, {200, 120}); // document 20,20 .. 100,60
+    r->RotateChangeValueByAngle({60, 40}, kPi / 2);
+    // Turned a quarter about (60, 40): corner 0 goes to (80, 0), the top side becomes the
+    // right-hand one; on screen everything doubles.
+    EXPECT_EQ(r->InWhichHot({160, 0}), 0);
+    EXPECT_EQ(r->InWhichHot({160, 160}), 1);
+    EXPECT_EQ(r->InWhichHot({160, 80}), 4);
+    EXPECT_EQ(r->InWhichHot({120, 160}), 5);
+    EXPECT_EQ(r->InWhichHot({80, 80}), 6);
+    EXPECT_EQ(r->InWhichHot({120, 0}), 7);
+    EXPECT_EQ(r->InWhichHot({40, 40}), -1); // where corner 0 was before the turn
+}
+
+// A 4 x 4 rectangle has all eight handles on top of each other: the highest number in use
+// wins, and switching handles off or rotating hands the point to the next lower one.
+TEST(RectangleHandles, OverlappingHandlesAnswerTheHighestNumberInUse)
+{
+    TActionHost host;
+    auto r = DrawnBy<TMyRectangle>(host, {50, 50}, {54, 54});
+    const TPoint p{52, 52};
+    EXPECT_EQ(r->InWhichHot(p), 7);
+    r->SetShowHorizontalSideHot(false);
+    EXPECT_EQ(r->InWhichHot(p), 6);
+    r->SetShowVerticalSideHot(false);
+    EXPECT_EQ(r->InWhichHot(p), 3);
+    r->SetShowHorizontalSideHot(true);
+    EXPECT_EQ(r->InWhichHot(p), 7);
+    r->SetShowVerticalSideHot(true);
+    r->SetShowSideHot(false); // off wins over both specific switches
+    EXPECT_EQ(r->InWhichHot(p), 3);
+    r->SetShowSideHot(true);
+    for (TActionTools state : {TActionTools::dtRotating, TActionTools::dtRotateSelecting}) {
+        host.Action = state;
+        EXPECT_EQ(r->InWhichHot(p), 3);
+    }
+    for (TActionTools state : {TActionTools::dtResizing, TActionTools::dtDragging}) {
+        host.Action = state;
+        EXPECT_EQ(r->InWhichHot(p), 7);
+    }
+    // Above and right of the cluster only corner 1 still reaches.
+    host.Action = TActionTools::dtSelecting;
+    EXPECT_EQ(r->InWhichHot({57, 47}), 1);
+}
+
+struct TDrawnHandles
+{
+    bool Corner[4];
+    bool Side[4];
+    bool Diamond;
+};
+
+// Which handle centres (and the text-point diamond) DrawHot painted.
+TDrawnHandles DrawnHandles(TActionHost &host, TMyRectangle &r)
+{
+    QImage image = WhiteImage();
+    {
+        TCanvas canvas(&image);
+        r.DrawHot(canvas);
+    }
+    const TPoint at[8] = {{20, 20}, {120, 20}, {120, 70}, {20, 70},
+                          {70, 20}, {120, 45}, {70, 70},  {20, 45}};
+    TDrawnHandles d{};
+    for (int i = 0; i < 8; ++i) {
+        const bool lime = PixelAt(image, at[i].X, at[i].Y) == kLime;
+        (i < 4 ? d.Corner[i] : d.Side[i - 4]) = lime;
+    }
+    d.Diamond = PixelAt(image, 70, 100) == kYellow;
+    (void)host;
+    return d;
+}
+
+TEST(RectangleHandles, DrawHotShowsTheHandlesInUseAndTheTextDiamond)
+{
+    TActionHost host;
+    auto r = DrawnBy<TMyRectangle>(host, {20, 20}, {120, 70});
+    r->SetTextPoint({70, 100});
+    r->SetInfo("label");
+    struct TCase
+    {
+        bool SideHot, Horizontal, Vertical;
+        TActionTools State;
+        bool Side[4]; // 4, 5, 6, 7
+    } cases[] = {
+        {true, true, true, TActionTools::dtSelecting, {true, true, true, true}},
+        {true, false, true, TActionTools::dtSelecting, {true, false, true, false}},
+        {true, true, false, TActionTools::dtSelecting, {false, true, false, true}},
+        {false, true, true, TActionTools::dtSelecting, {false, false, false, false}},
+        {true, true, true, TActionTools::dtRotating, {false, false, false, false}},
+        {true, true, true, TActionTools::dtRotateSelecting, {false, false, false, false}},
+    };
+    for (const TCase &c : cases) {
+        r->SetShowSideHot(c.SideHot);
+        r->SetShowHorizontalSideHot(c.Horizontal);
+        r->SetShowVerticalSideHot(c.Vertical);
+        host.Action = c.State;
+        const TDrawnHandles d = DrawnHandles(host, *r);
+        for (int i = 0; i < 4; ++i) {
+            EXPECT_TRUE(d.Corner[i]) << i;
+            EXPECT_EQ(d.Side[i], c.Side[i]) << "handle " << i + 4 << " case " << &c - cases;
+        }
+        EXPECT_TRUE(d.Diamond);
+    }
+    // The surface's HotShow switches every handle off.
+    host.Action = TActionTools::dtSelecting;
+    host.Hot = false;
+    const TDrawnHandles none = DrawnHandles(host, *r);
+    EXPECT_FALSE(none.Corner[0] || none.Side[0] || none.Diamond);
+}
+
+TEST(RectangleCursor, SideHandlesBySideCornersByPositionElseCross)
+{
+    TActionHost host;
+    auto r = DrawnBy<TMyRectangle>(host, {20, 20}, {120, 70});
+    EXPECT_EQ(r->GetMouseCursor(20, 20), crSizeNWSE);
+    EXPECT_EQ(r->GetMouseCursor(120, 20), crSizeNESW);
+    EXPECT_EQ(r->GetMouseCursor(121, 71), crSizeNWSE);
+    EXPECT_EQ(r->GetMouseCursor(20, 70), crSizeNESW);
+    EXPECT_EQ(r->GetMouseCursor(70, 20), crSizeNS);
+    EXPECT_EQ(r->GetMouseCursor(70, 70), crSizeNS);
+    EXPECT_EQ(r->GetMouseCursor(120, 45), crSizeWE);
+    EXPECT_EQ(r->GetMouseCursor(18, 45), crSizeWE);
+    EXPECT_EQ(r->GetMouseCursor(70, 45), crCross);
+    EXPECT_EQ(r->GetMouseCursor(5, 5), crCross);
+    // A hidden side handle is no handle: the cross again.
+    r->SetShowVerticalSideHot(false);
+    EXPECT_EQ(r->GetMouseCursor(70, 20), crCross);
+
+    // Turned a quarter, corner 0 sits right-top of the centre: the cursor follows the
+    // position, the side handles keep their numbers' cursors.
+    r->SetShowVerticalSideHot(true);
+    r->RotateChangeValueByAngle(r->GetCenterPoint(), kPi / 2);
+    const TMyPoint c0 = r->GetPointInZoom(0);
+    EXPECT_EQ(r->GetMouseCursor(MyPtToPt(c0).X, MyPtToPt(c0).Y), crSizeNESW);
+    const TPoint side4 = MyPtToPt(r->GetPointInZoom(4));
+    EXPECT_EQ(r->GetMouseCursor(side4.X, side4.Y), crSizeNS);
+
+    // At zoom 2 the corner test compares document positions with the document centre.
+    TActionHost zoomed;
+    zoomed.ZoomValue = 2;
+    auto z = DrawnBy<TMyRectangle>(zoomed, {40, 40}, {240, 140});
+    EXPECT_EQ(z->GetMouseCursor(240, 40), crSizeNESW);
+    EXPECT_EQ(z->GetMouseCursor(240, 140), crSizeNWSE);
+}
+
+TEST(RectangleHitTest, InsideTheTurnedOutlineOnly)
+{
+    TTestHost host;
+    auto r = DrawnBy<TMyRectangle>(host, {40, 40}, {160, 80});
+    QImage image = WhiteImage();
+    TCanvas canvas(&image);
+    EXPECT_TRUE(r->IsClickedMe(canvas, {100, 60}));
+    EXPECT_TRUE(r->IsClickedMe(canvas, {60, 75}));
+    EXPECT_TRUE(r->IsClickedMe(canvas, {41, 41}));
+    EXPECT_FALSE(r->IsClickedMe(canvas, {39, 60}));
+    EXPECT_FALSE(r->IsClickedMe(canvas, {100, 85}));
+
+    r->RotateChangeValueByAngle({100, 60}, kPi / 4);
+    EXPECT_TRUE(r->IsClickedMe(canvas, {100, 60}));
+    // 55 pixels out along the long axis (half length 60): inside.
+    EXPECT_TRUE(r->IsClickedMe(canvas, {139, 99}));
+    // Inside the upright rectangle, 39 pixels off the long axis (half width 20): outside.
+    EXPECT_FALSE(r->IsClickedMe(canvas, {60, 75}));
+    EXPECT_FALSE(r->IsClickedMe(canvas, {45, 45}));
+    // A hollow rectangle is hit anywhere inside too: the region ignores the brush.
+    TBrush hollow = r->Brush();
+    hollow.Style = TBrushStyle::bsClear;
+    r->SetBrush(hollow);
+    EXPECT_TRUE(r->IsClickedMe(canvas, {100, 60}));
+}
+
+} // namespace
+} // namespace tessal::test

@@ -1,0 +1,226 @@
+// SPDX-License-Identifier: MIT
+// Rectangles and ellipses on the canvas: filled outlines pixel by pixel, info text, and the
+// rubber-band previews of drawing, dragging and rotating.
+#include "common/imagecompare.h"
+#include "recthelpers.h"
+
+#include <tessal/geometry/canvasmodes.h>
+
+#include <gtest/gtest.h>
+
+#include <numbers>
+
+namespace tessal::test {
+namespace {
+
+constexpr double kPi = std::numbers::pi;
+
+// A host whose new shapes draw with a blue pen of the given width over a red brush.
+void BlueOnRed(TTestHost &host, int penWidth = 1)
+{
+    host.HostPen.Color = clBlue;
+    host.HostPen.Width = penWidth;
+    host.HostBrush.Color = clRed;
+    host.HostBrush.Style = TBrushStyle::bsSolid;
+}
+
+QImage Painted(TMyShape &shape, int w = 200, int h = 200)
+{
+    QImage image = WhiteImage(w, h);
+    TCanvas canvas(&image);
+    shape.Draw(canvas);
+    canvas.Flush();
+    return image;
+}
+
+bool AllWhite(const QImage &image)
+{
+    return CountPixels(image, image.rect(), kWhite) == image.width() * image.height();
+}
+
+TEST(RectanglePaint, UprightOutlineAndFill)
+{
+    TTestHost host;
+    BlueOnRed(host);
+    auto r = DrawnBy<TMyRectangle>(host, {100, 60}, {20, 20});
+    const QImage image = Painted(*r);
+    EXPECT_EQ(PixelAt(image, 60, 40), kRed);
+    for (TPoint p : {TPoint{60, 20}, TPoint{100, 40}, TPoint{60, 60}, TPoint{20, 40},
+                     TPoint{20, 20}, TPoint{100, 60}})
+        EXPECT_EQ(PixelAt(image, p.X, p.Y), kBlue) << p.X << "," << p.Y;
+    for (TPoint p : {TPoint{60, 18}, TPoint{102, 40}, TPoint{60, 62}, TPoint{18, 40}})
+        EXPECT_EQ(PixelAt(image, p.X, p.Y), kWhite) << p.X << "," << p.Y;
+    EXPECT_EQ(CountPixels(image, QRect(22, 22, 77, 37), kRed), 77 * 37);
+}
+
+TEST(RectanglePaint, TurnedRectangleIsTurnedOnScreen)
+{
+    TTestHost host;
+    BlueOnRed(host, 3);
+    auto r = DrawnBy<TMyRectangle>(host, {40, 60}, {160, 100});
+    const TMyPoint c{100, 80};
+    const float a = float(kPi / 6);
+    r->RotateChangeValueByAngle(c, a);
+    const QImage image = Painted(*r);
+    EXPECT_EQ(PixelAt(image, 100, 80), kRed);
+    // The middles of the four turned sides carry the pen.
+    for (TMyPoint m :
+         {TMyPoint{100, 60}, TMyPoint{160, 80}, TMyPoint{100, 100}, TMyPoint{40, 80}}) {
+        const TPoint p = MyPtToPt(RotateAPoint(m, c, a));
+        EXPECT_EQ(PixelAt(image, p.X, p.Y), kBlue) << p.X << "," << p.Y;
+    }
+    // Two corners of the upright rectangle lie outside the turned one.
+    EXPECT_EQ(PixelAt(image, 42, 98), kWhite);
+    EXPECT_EQ(PixelAt(image, 158, 62), kWhite);
+}
+
+TEST(RectanglePaint, InfoTextUnlessCaptionHiddenOrATextShape)
+{
+    TTestHost host;
+    BlueOnRed(host);
+    auto r = DrawnBy<TMyRectangle>(host, {20, 20}, {60, 40});
+    r->SetTextPoint({120, 120});
+    r->SetInfo("XX");
+    const QRect around(100, 105, 40, 30);
+    EXPECT_LT(CountPixels(Painted(*r), around, kWhite), 40 * 30);
+    r->SetCaptionShow(false);
+    EXPECT_EQ(CountPixels(Painted(*r), around, kWhite), 40 * 30);
+
+    // Text shapes draw their own text: the rectangle's drawing leaves it out.
+    struct TTextLike : TMyRectangle
+    {
+        using TMyRectangle::TMyRectangle;
+        QString ClassName() const override { return QStringLiteral("TMyText"); }
+    } text(&host);
+    text.Assign(*r);
+    text.SetTextPoint({120, 120});
+    text.SetCaptionShow(true);
+    const QImage image = Painted(text);
+    EXPECT_EQ(CountPixels(image, around, kWhite), 40 * 30);
+    EXPECT_EQ(PixelAt(image, 40, 30), kRed);
+}
+
+// The ellipse in the box 20,20 .. 100,60 (document): pen on the four extreme points,
+// brush at the centre, the box corners untouched, at zoom 1 and 2 (pen widths do not
+// grow with the zoom on screen).
+TEST(EllipsePaint, OutlineFillAndUntouchedCornersAtTwoZooms)
+{
+    for (double zoom : {1.0, 2.0}) {
+        TTestHost host(240, 240);
+        host.ZoomValue = zoom;
+        BlueOnRed(host);
+        const int z = int(zoom);
+        auto e = DrawnBy<TMyEllipse>(host, {20 * z, 20 * z}, {100 * z, 60 * z});
+        const QImage image = Painted(*e, 240, 240);
+        for (TPoint p : {TPoint{60, 60}, TPoint{100, 40}, TPoint{60, 20}, TPoint{20, 40}})
+            EXPECT_EQ(PixelAt(image, p.X * z, p.Y * z), kBlue) << zoom << ": " << p.X << "," << p.Y;
+        EXPECT_EQ(PixelAt(image, 60 * z, 40 * z), kRed);
+        EXPECT_EQ(PixelAt(image, 84 * z, 50 * z), kRed);
+        for (TPoint p : {TPoint{22, 22}, TPoint{98, 22}, TPoint{22, 58}, TPoint{98, 58}})
+            EXPECT_EQ(PixelAt(image, p.X * z, p.Y * z), kWhite)
+                << zoom << ": " << p.X << "," << p.Y;
+        // Nothing outside the box.
+        EXPECT_EQ(CountPixels(image, QRect(0, 0, 240, 20 * z - 1), kWhite), 240 * (20 * z - 1));
+    }
+}
+
+TEST(EllipsePaint, OutlineFollowsTheAngleNotTheStoredCorners)
+{
+    TTestHost host;
+    BlueOnRed(host);
+    auto e = DrawnBy<TMyEllipse>(host, {20, 20}, {100, 60});
+    e->RotateChangeValueByAngle({60, 40}, kPi / 2);
+    const QImage image = Painted(*e);
+    EXPECT_EQ(PixelAt(image, 80, 40), kBlue);
+    EXPECT_EQ(PixelAt(image, 40, 40), kBlue);
+    EXPECT_EQ(PixelAt(image, 60, 80), kBlue);
+    EXPECT_EQ(PixelAt(image, 60, 40), kRed);
+    EXPECT_EQ(PixelAt(image, 95, 40), kWhite);
+}
+
+// Drawing previews select the rubber band themselves: a second call erases the first.
+TEST(ShapePreview, DrawingIsExclusiveOrAndCoversTheBox)
+{
+    TTestHost host;
+    for (bool ellipse : {false, true}) {
+        std::unique_ptr<TMyRectangle> shape;
+        if (ellipse)
+            shape = std::make_unique<TMyEllipse>(&host);
+        else
+            shape = std::make_unique<TMyRectangle>(&host);
+        shape->AddPointByMouse({150, 100});
+        QImage image = WhiteImage();
+        TCanvas canvas(&image);
+        shape->Drawing(canvas, {150, 100}, {50, 40});
+        canvas.Flush();
+        // The top and the left of the box are marked by either figure.
+        const int top = 101 * 5 - CountPixels(image, QRect(50, 38, 101, 5), kWhite);
+        const int left = 5 * 61 - CountPixels(image, QRect(48, 40, 5, 61), kWhite);
+        EXPECT_GT(top, 10) << ellipse;
+        EXPECT_GT(left, 5) << ellipse;
+        // The ellipse leaves the box corner alone, the rectangle does not.
+        EXPECT_EQ(CountPixels(image, QRect(50, 40, 3, 3), kWhite) == 9, ellipse);
+        shape->Drawing(canvas, {150, 100}, {50, 40});
+        canvas.Flush();
+        EXPECT_TRUE(AllWhite(image)) << ellipse;
+    }
+}
+
+// The drag and rotate previews of a rectangle show exactly the outline that the shape has
+// after the edit, drawn by DrawRectangle; at zoom 2 the rotation centre is a screen point.
+TEST(ShapePreview, DragAndRotatePreviewsMatchTheEditedRectangle)
+{
+    TTestHost host(300, 300);
+    host.ZoomValue = 2;
+    auto r = DrawnBy<TMyRectangle>(host, {60, 60}, {180, 140});
+    r->RotateChangeValueByAngle(r->GetCenterPoint(), 0.3);
+    auto outline = [](TMyRectangle &shape) {
+        QImage image = WhiteImage(300, 300);
+        TCanvas canvas(&image);
+        std::array<TPoint, 4> pts;
+        for (int i = 0; i < 4; ++i)
+            pts[std::size_t(i)] = MyPtToPt(shape.GetPointInZoom(i));
+        shape.DrawRectangle(canvas, pts);
+        canvas.Flush();
+        return image;
+    };
+    QImage dragPreview = WhiteImage(300, 300), turnPreview = WhiteImage(300, 300);
+    {
+        TCanvas canvas(&dragPreview);
+        r->Draging(canvas, {10, 10}, {37, 2});
+    }
+    const TMyPoint centre{150, 120};
+    {
+        TCanvas canvas(&turnPreview);
+        r->Rotating(canvas, centre, 0.7);
+    }
+    TMyRectangle moved(&host), turned(&host);
+    moved.Assign(*r);
+    turned.Assign(*r);
+    moved.DragChangeValue({10, 10}, {37, 2});
+    turned.RotateChangeValueByAngle({75, 60}, 0.7);
+    EXPECT_TRUE(ImagesEqual(dragPreview, outline(moved)));
+    EXPECT_TRUE(ImagesEqual(turnPreview, outline(turned)));
+    EXPECT_FALSE(ImagesEqual(dragPreview, outline(*r)));
+}
+
+TEST(ShapePreview, EllipseDragShowsTheMovedOutlineOnly)
+{
+    TTestHost host;
+    auto e = DrawnBy<TMyEllipse>(host, {20, 20}, {100, 60});
+    QImage image = WhiteImage();
+    TCanvas canvas(&image);
+    canvas.Pen().Color = clBlack;
+    canvas.Brush().Style = TBrushStyle::bsClear;
+    e->Draging(canvas, {0, 0}, {30, 50});
+    canvas.Flush();
+    for (TPoint p : {TPoint{90, 110}, TPoint{130, 90}, TPoint{90, 70}, TPoint{50, 90}})
+        EXPECT_EQ(PixelAt(image, p.X, p.Y), kBlack) << p.X << "," << p.Y;
+    EXPECT_EQ(PixelAt(image, 60, 60), kWhite);     // the unmoved bottom point
+    EXPECT_EQ(PixelAt(image, 90, 90), kWhite);     // no fill
+    EXPECT_EQ(PixelAt(image, 52, 72), kWhite);     // the moved box's corner
+    EXPECT_EQ(e->Points()[0], (TMyPoint{20, 20})); // previews change nothing
+}
+
+} // namespace
+} // namespace tessal::test
