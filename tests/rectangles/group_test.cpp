@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Groups and combined shapes: nothing of their own on the canvas but the info text, hit
-// inside their box or on any member, and the rectangle's handles and resizing.
+// Groups and combined shapes: nothing of their own on the canvas but the info text, and hit
+// inside their box or on any member.
 #include "common/imagecompare.h"
 #include "recthelpers.h"
 
@@ -87,17 +87,6 @@ TEST(GroupHitTest, InsideTheBoxOrOnAnyMember)
         group->ChildShapes() = {2, 0};
         EXPECT_FALSE(group->IsClickedMe(canvas, {150, 150}));
     }
-}
-
-TEST(GroupEdit, RectangleHandlesAndResizeApply)
-{
-    TGroupFixture f(false);
-    EXPECT_EQ(f.Group->InWhichHot({120, 50}), 5);
-    EXPECT_EQ(f.Group->GetMouseCursor(120, 50), crSizeWE);
-    f.Group->SizeChangeValue({120, 50}, {150, 10});
-    const TMyPointArray expected = {{20, 20}, {150, 20}, {150, 80}, {20, 80}};
-    EXPECT_EQ(f.Group->Points(), expected);
-    EXPECT_EQ(f.Group->ClassName(), QLatin1String("TMyGroup"));
 }
 
 } // namespace
