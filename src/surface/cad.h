@@ -900,6 +900,7 @@ private:
     void CollectDrawList(const TRect &rect);
     void DrawShapeTree(TCanvas &canvas, TMyShape *shape, std::int32_t depth);
     void DrawLinkHotTree(TCanvas &canvas, TMyShape *shape, std::int32_t depth);
+    void DrawWorkingHandles(const TRect &clip);
     void DrawGridDots(TCanvas &canvas, QSize size, double sx, double sy);
     void DrawGridLines(TCanvas &canvas, QSize size, double sx, double sy, const TRect &rect);
     void EnsureIndex();

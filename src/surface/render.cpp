@@ -43,6 +43,7 @@ void TMyCAD::Paint(const TRect &clip)
         }
         m_Dirty -= area.ToQRect();
         ForgetCoveredHighlight(area.ToQRect());
+        DrawWorkingHandles(area);
     }
     if (m_OnPaint)
         m_OnPaint(this);
@@ -125,6 +126,19 @@ void TMyCAD::DrawLinkHotTree(TCanvas &canvas, TMyShape *shape, std::int32_t dept
             DrawLinkHotTree(canvas, child, depth + 1);
     }
     DrawLinkHot(*shape, canvas);
+}
+
+// The handles are drawn on the screen image only, clipped to the recomposed area: outside
+// it the screen still shows them from an earlier repaint.
+void TMyCAD::DrawWorkingHandles(const TRect &clip)
+{
+    if (m_WorkingShapes.empty())
+        return;
+    TCanvas canvas(&m_ScreenImage);
+    canvas.SelectClipRect(&clip);
+    for (TMyShape *shape : m_WorkingShapes)
+        shape->DrawHot(canvas);
+    canvas.Flush();
 }
 
 } // namespace tessal
