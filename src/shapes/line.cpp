@@ -200,10 +200,9 @@ void TMyLine::Drawing(TCanvas &canvas, TPoint from, TPoint to)
     canvas.LineTo(to.X, to.Y);
 }
 
-void TMyLine::Drawed(TPoint, TPoint &to)
+void TMyLine::Drawed(TPoint from, TPoint &to)
 {
-    SetCenterPoint(ComputeCenterPoint(4));
-    SetTextPoint(CenterPoint());
+    TMyShape::Drawed(from, to);
     // Only plain lines are joined end to end; polylines, connectors and measuring lines
     // keep their own ends.
     if (ClassName() == QLatin1String("TMyLine"))

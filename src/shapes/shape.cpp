@@ -24,8 +24,14 @@ TMyShape::~TMyShape() = default;
 
 void TMyShape::Draging(TCanvas &, TPoint, TPoint)
 {}
+// A finished drawing gets its rotation centre and puts its caption anchor on it.
 void TMyShape::Drawed(TPoint, TPoint &)
-{}
+{
+    if (m_Points.empty())
+        return;
+    m_CenterPoint = ComputeCenterPoint(4);
+    m_TextPoint = m_CenterPoint;
+}
 void TMyShape::DrawHot(TCanvas &)
 {}
 void TMyShape::Drawing(TCanvas &, TPoint, TPoint)
