@@ -187,43 +187,7 @@ double TMyPolygon::EnclosedArea() const
 
 QString TMyPolygon::GetInfo() const
 {
-    const double r = Host()->Ratio() * Host()->Ratio();
-    const double ppi = Host()->ScreenPixelsPerInch();
-    const double p = ppi * ppi;
-    const double area = EnclosedArea();
-    const double mm = r / p * area * 25.4 * 25.4;
-    double value = 0;
-    const char *suffix = "";
-    switch (Host()->TheUNIT()) {
-    case TUnits::pixel:
-        value = r * area;
-        suffix = "pixel(s)2";
-        break;
-    case TUnits::mm:
-        value = mm;
-        suffix = "mm2";
-        break;
-    case TUnits::cm:
-        value = mm / 100;
-        suffix = "cm2";
-        break;
-    case TUnits::dm:
-        value = mm / 10000;
-        suffix = "dm2";
-        break;
-    case TUnits::m:
-        value = mm / 1000000;
-        suffix = "m2";
-        break;
-    case TUnits::inch:
-        value = r / p * area;
-        suffix = "inch2";
-        break;
-    }
-    char buffer[64];
-    std::snprintf(buffer, sizeof buffer, "%9.2f", value);
-    const QString text =
-        QStringLiteral("Area=") + QString::fromLatin1(buffer) + QLatin1String(suffix);
+    const QString text = AreaInfoText(*Host(), EnclosedArea());
     const_cast<TMyPolygon *>(this)->SetInfo(text);
     return text;
 }

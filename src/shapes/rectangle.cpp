@@ -346,40 +346,7 @@ void TMyRectangle::Sizing(TCanvas &canvas, TPoint, TPoint to)
 
 QString TMyRectangle::AreaText(double area) const
 {
-    const TShapeHost *host = Host();
-    const double r = host->Ratio() * host->Ratio();
-    const double ppi = host->ScreenPixelsPerInch();
-    const double p = ppi * ppi;
-    const double mm2 = r / p * area * 25.4 * 25.4;
-    double value = 0;
-    const char *suffix = "";
-    switch (host->TheUNIT()) {
-    case TUnits::pixel:
-        value = r * area;
-        suffix = "pixel(s)2";
-        break;
-    case TUnits::mm:
-        value = mm2;
-        suffix = "mm2";
-        break;
-    case TUnits::cm:
-        value = mm2 / 100;
-        suffix = "cm2";
-        break;
-    case TUnits::dm:
-        value = mm2 / 10000;
-        suffix = "dm2";
-        break;
-    case TUnits::m:
-        value = mm2 / 1000000;
-        suffix = "m2";
-        break;
-    case TUnits::inch:
-        value = r / p * area;
-        suffix = "inch2";
-        break;
-    }
-    const QString text = QStringLiteral("Area=") + Formatted(value) + QLatin1String(suffix);
+    const QString text = AreaInfoText(*Host(), area);
     // Asking for the text also stores it: the surface shows a shape's info as its label.
     const_cast<TMyRectangle *>(this)->SetInfo(text);
     return text;

@@ -4,6 +4,8 @@
 #include <tessal/geometry/geometry.h>
 #include <tessal/shapes/shapetools.h>
 
+#include <cstdio>
+
 namespace tessal {
 
 void OffsetAllPoints(TMyShape &shape, float dx, float dy)
@@ -79,6 +81,46 @@ void DrawDiamond(const TMyShape &shape, TCanvas &canvas, TMyPoint p, TColor colo
 void LineDraw(const TMyShape &, TCanvas &canvas, TMyPoint a, TMyPoint b)
 {
     LineDraw(canvas, a, b);
+}
+
+QString AreaInfoText(const TShapeHost &host, double area)
+{
+    const double r = host.Ratio() * host.Ratio();
+    const double ppi = host.ScreenPixelsPerInch();
+    const double p = ppi * ppi;
+    const double mm2 = r / p * area * 25.4 * 25.4;
+    double value = 0;
+    const char *suffix = "";
+    switch (host.TheUNIT()) {
+    case TUnits::pixel:
+        value = r * area;
+        suffix = "pixel(s)2";
+        break;
+    case TUnits::mm:
+        value = mm2;
+        suffix = "mm2";
+        break;
+    case TUnits::cm:
+        value = mm2 / 100;
+        suffix = "cm2";
+        break;
+    case TUnits::dm:
+        value = mm2 / 10000;
+        suffix = "dm2";
+        break;
+    case TUnits::m:
+        value = mm2 / 1000000;
+        suffix = "m2";
+        break;
+    case TUnits::inch:
+        value = r / p * area;
+        suffix = "inch2";
+        break;
+    }
+    // The C library's formatting, so that ties round and the padding come out as printf's.
+    char buffer[64];
+    std::snprintf(buffer, sizeof buffer, "%9.2f", value);
+    return QStringLiteral("Area=") + QString::fromLatin1(buffer) + QLatin1String(suffix);
 }
 
 } // namespace tessal

@@ -28,4 +28,8 @@ void DrawLinkHot(const TMyShape &shape, TCanvas &canvas);
 void DrawDiamond(const TMyShape &shape, TCanvas &canvas, TMyPoint p, TColor colour);
 void LineDraw(const TMyShape &shape, TCanvas &canvas, TMyPoint a, TMyPoint b);
 
+// The area readout of closed shapes: "Area=" followed by the area (square document pixels)
+// in the host's unit squared, "%9.2f" and a suffix such as "mm2" or "pixel(s)2".
+QString AreaInfoText(const TShapeHost &host, double area);
+
 } // namespace tessal
