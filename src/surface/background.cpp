@@ -48,18 +48,25 @@ QImage StretchPart(const QImage &picture, QSize page, const QRect &part)
 // Nothing is drawn outside the page. The picture is copied as it is, without blending.
 void TMyCAD::DrawBkBitmap(QImage &image, std::int32_t dx, std::int32_t dy, bool printing)
 {
+    const QSize imageSize = image.deviceIndependentSize().toSize();
+    DrawBkBitmapPart(image, QRect(QPoint(dx, dy), printing ? imageSize : size()),
+                     QRect(QPoint(0, 0), imageSize));
+}
+
+// Draws only what falls into clip, so that a small repaint copies few pixels.
+void TMyCAD::DrawBkBitmapPart(QImage &image, QRect page, QRect clip)
+{
     if (m_BkBitmap.IsEmpty() || image.isNull())
         return;
     const QImage &picture = m_BkBitmap.Image();
-    const QSize imageSize = image.deviceIndependentSize().toSize();
-    const QSize page = printing ? imageSize : size();
-    const QRect pageRect(QPoint(dx, dy), page);
-    const QRect visible = pageRect & QRect(QPoint(0, 0), imageSize);
+    const QRect visible = page & clip & QRect(QPoint(0, 0), image.deviceIndependentSize().toSize());
     if (visible.isEmpty())
         return;
     QPainter painter(&image);
     painter.setCompositionMode(QPainter::CompositionMode_Source);
     painter.setClipRect(visible);
+    const std::int32_t dx = page.left();
+    const std::int32_t dy = page.top();
     const std::int32_t w = picture.width();
     const std::int32_t h = picture.height();
     switch (m_BkBitmapMode) {
@@ -74,11 +81,11 @@ void TMyCAD::DrawBkBitmap(QImage &image, std::int32_t dx, std::int32_t dy, bool 
     }
     case TBkBitmapMode::Stretch:
         painter.drawImage(visible.topLeft(),
-                          StretchPart(picture, page, visible.translated(-dx, -dy)));
+                          StretchPart(picture, page.size(), visible.translated(-dx, -dy)));
         break;
     case TBkBitmapMode::Center:
-        painter.drawImage(QPoint(dx + (page.width() - w) / 2, dy + (page.height() - h) / 2),
-                          picture);
+        painter.drawImage(
+            QPoint(dx + (page.width() - w) / 2, dy + (page.height() - h) / 2), picture);
         break;
     case TBkBitmapMode::LeftTop:
         painter.drawImage(QPoint(dx, dy), picture);
@@ -89,7 +96,8 @@ void TMyCAD::DrawBkBitmap(QImage &image, std::int32_t dx, std::int32_t dy, bool 
 // Steps that are not positive draw nothing (a negative step would never reach the edge).
 // Lines keep the page's phase, so a line lies on the same control column whichever
 // rectangle is repainted, as long as the step is a whole number of pixels; dots start at
-// the image's own corner in every repaint.
+// rect's corner in every repaint, so that they only line up across repaints of rectangles
+// whose corners lie on the dot grid.
 void TMyCAD::DrawGrid(QImage &image, const TRect &rect)
 {
     const TGridObject &grid = *m_Grid;
@@ -102,7 +110,10 @@ void TMyCAD::DrawGrid(QImage &image, const TRect &rect)
         return;
     m_GridDrawing = true;
     if (grid.GridShow()) {
+        // The grid is laid out from rect's corner, as if rect were an image of its own.
         TCanvas canvas(&image);
+        canvas.SelectClipRect(&rect);
+        canvas.SetWorldTransform(QTransform::fromTranslate(rect.Left, rect.Top));
         const QSize size(rect.Width(), rect.Height());
         if (grid.GridType() == TGridType::gPixel)
             DrawGridDots(canvas, size, sx, sy);

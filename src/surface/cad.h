@@ -467,22 +467,24 @@ public:
     // screen image, draws the working shapes' handles there and fires OnPaint. Does nothing
     // while the surface is busy.
     void Paint(const TRect &clip);
-    // Composes rect (control pixels) into OffscreenImage(), an image of rect's size whose
-    // origin is rect's corner: background, background picture, grid, shapes.
+    // Composes rect (control pixels) in OffscreenImage(): background, background picture,
+    // grid, shapes. The off-screen image has the control's size and only rect is painted;
+    // the rest keeps what earlier repaints left there.
     void DrawAll(const TRect &rect);
     const QImage &OffscreenImage() const { return m_Offscreen; }
+    // Fills rect (pixels of image) with ColorOfBackGround.
     void FillBackground(QImage &image, const TRect &rect);
     // The background picture placed on a page whose top-left corner is (dx, dy) of image;
     // the page is the control, or the whole image when printing.
     void DrawBkBitmap(QImage &image, std::int32_t dx, std::int32_t dy, bool printing);
-    // The grid of rect (control pixels) into image, whose origin is rect's corner.
+    // The grid of rect (control pixels) into the same pixels of image.
     void DrawGrid(QImage &image, const TRect &rect);
     // Printing aids, drawn on an image of the whole page (any resolution): the border
     // frame and the head and foot texts. The screen shows neither.
     void DrawBorder(QImage &image);
     void DrawHeadFoot(QImage &image);
-    // The shapes reaching into rect onto canvas, whose origin is rect's corner. The
-    // document is not touched: the canvas is translated instead.
+    // The shapes reaching into rect, drawn on canvas in control coordinates (the caller
+    // clips to rect). Painting never changes the document.
     void DrawAllShape(TCanvas &canvas, const TRect &rect);
     // True while the grid is drawn; setters that fire meanwhile do not repaint.
     bool IsGridDrawing() const { return m_GridDrawing; }
@@ -901,6 +903,7 @@ private:
     void DrawShapeTree(TCanvas &canvas, TMyShape *shape, std::int32_t depth);
     void DrawLinkHotTree(TCanvas &canvas, TMyShape *shape, std::int32_t depth);
     void DrawWorkingHandles(const TRect &clip);
+    void DrawBkBitmapPart(QImage &image, QRect page, QRect clip);
     void DrawGridDots(TCanvas &canvas, QSize size, double sx, double sy);
     void DrawGridLines(TCanvas &canvas, QSize size, double sx, double sy, const TRect &rect);
     void EnsureIndex();

@@ -39,7 +39,10 @@ void TMyCAD::Paint(const TRect &clip)
         {
             QPainter screen(&m_ScreenImage);
             screen.setCompositionMode(QPainter::CompositionMode_Source);
-            screen.drawImage(QPoint(area.Left, area.Top), m_Offscreen);
+            const QRect r = area.ToQRect();
+            const qreal dpr = m_Offscreen.devicePixelRatio();
+            screen.drawImage(r, m_Offscreen,
+                             QRectF(QPointF(r.topLeft()) * dpr, QSizeF(r.size()) * dpr));
         }
         m_Dirty -= area.ToQRect();
         ForgetCoveredHighlight(area.ToQRect());
@@ -50,23 +53,30 @@ void TMyCAD::Paint(const TRect &clip)
     m_Busy = false;
 }
 
-// The off-screen image is only as big as rect, so the composition of a small invalidation
-// stays small; it keeps its allocation while consecutive repaints have the same size.
+// The off-screen image has the size of the control and a repaint clips to its rectangle.
+// Composing in an image only as big as the rectangle, with the painter shifted, would not
+// give the same pixels: the rasteriser clips strokes against the image's bounds before
+// drawing them, and a closed outline cut by the bounds loses pixels at its joins. With the
+// control's size every shape meets the same bounds in every repaint, and a partial repaint
+// equals the same part of a full one.
 void TMyCAD::DrawAll(const TRect &rect)
 {
     const qreal dpr = devicePixelRatioF();
-    const QSize device = (QSizeF(rect.Width(), rect.Height()) * dpr).toSize();
+    const QSize device = (QSizeF(size()) * dpr).toSize();
     if (m_Offscreen.size() != device || m_Offscreen.devicePixelRatio() != dpr) {
         m_Offscreen = QImage(device, QImage::Format_RGB32);
         m_Offscreen.setDevicePixelRatio(dpr);
+        m_Offscreen.fill(Qt::white);
     }
-    if (m_Offscreen.isNull())
+    const TRect area = rect.Intersected(TRect(0, 0, width(), height()));
+    if (m_Offscreen.isNull() || area.IsEmpty())
         return;
-    FillBackground(m_Offscreen, rect);
-    DrawBkBitmap(m_Offscreen, -rect.Left, -rect.Top, false);
-    DrawGrid(m_Offscreen, rect);
+    FillBackground(m_Offscreen, area);
+    DrawBkBitmapPart(m_Offscreen, QRect(QPoint(0, 0), size()), area.ToQRect());
+    DrawGrid(m_Offscreen, area);
     TCanvas canvas(&m_Offscreen);
-    DrawAllShape(canvas, rect);
+    canvas.SelectClipRect(&area);
+    DrawAllShape(canvas, area);
     canvas.Flush();
 }
 
@@ -75,18 +85,15 @@ void TMyCAD::FillBackground(QImage &image, const TRect &rect)
     TCanvas canvas(&image);
     canvas.Brush().Color = m_ColorOfBackGround;
     canvas.Brush().Style = TBrushStyle::bsSolid;
-    canvas.FillRect(TRect(0, 0, rect.Width(), rect.Height()));
+    canvas.FillRect(rect);
     canvas.Flush();
 }
 
-// Shapes are drawn with the ordinary screen rule (stored value x Zoom, rounded) on a canvas
-// translated by the rectangle's corner. Moving the shapes instead would round differently
-// at the rectangle's edge and leave float residue in the document after moving them back.
+// Shapes draw themselves with the ordinary screen rule (stored value x Zoom, rounded) in
+// control coordinates, so nothing needs shifting: the document is only read.
 void TMyCAD::DrawAllShape(TCanvas &canvas, const TRect &rect)
 {
     CollectDrawList(rect);
-    const QTransform saved = canvas.WorldTransform();
-    canvas.SetWorldTransform(QTransform::fromTranslate(-rect.Left, -rect.Top) * saved);
     for (const std::int32_t no : m_DrawList) {
         TMyShape *shape = m_Shapes[std::size_t(no)].get();
         if (shape->Visible())
@@ -94,7 +101,6 @@ void TMyCAD::DrawAllShape(TCanvas &canvas, const TRect &rect)
     }
     for (const std::int32_t no : m_DrawList)
         DrawLinkHotTree(canvas, m_Shapes[std::size_t(no)].get(), 0);
-    canvas.SetWorldTransform(saved);
 }
 
 void TMyCAD::CollectDrawList(const TRect &rect)

@@ -172,6 +172,7 @@ TEST(CadHost, ScreenImageKeepsFeedbackUntilInvalidated)
     TMyCAD cad;
     cad.SetPageWidth(20);
     cad.SetPageHeight(10);
+    cad.GridOperation()->SetGridType(TGridType::gNone);
     const QRect all = cad.rect();
     const int pixels = all.width() * all.height();
     ASSERT_GT(pixels, 400);

@@ -1,0 +1,174 @@
+// SPDX-License-Identifier: MIT
+// The spatial index against a plain scan of the shape list, on random drawings that change.
+#include "rendertestshapes.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+using namespace tessal;
+using namespace tessal::test;
+
+namespace {
+
+class TRandomDrawing
+{
+public:
+    explicit TRandomDrawing(std::uint32_t seed)
+        : m_Rng(seed)
+    {
+        m_Cad.SetPageStyle(TPageStyle::A3);
+        m_Cad.NewLayer(QStringLiteral("Hidden"), false);
+        m_Cad.NewLayer(QStringLiteral("Shown"), true);
+    }
+
+    TMyCAD &Cad() { return m_Cad; }
+    std::mt19937 &Rng() { return m_Rng; }
+
+    TFillShape *AddRandomShape()
+    {
+        std::uniform_real_distribution<float> pos(-100, 1400);
+        std::uniform_real_distribution<float> size(0, 60);
+        const float x = pos(m_Rng);
+        const float y = pos(m_Rng);
+        // Some shapes are large, so that query rectangles lie inside them with no vertex.
+        const float scale = m_Rng() % 20 == 0 ? 12.0f : 1.0f;
+        auto *shape =
+            AddFill(m_Cad, {x, y, x + size(m_Rng) * scale, y + size(m_Rng) * scale}, clRed);
+        shape->SetLayerId(m_Cad.GetLayerIdByNo(std::int32_t(m_Rng() % 3)));
+        if (m_Rng() % 7 == 0)
+            shape->SetInfo(QStringLiteral("text %1").arg(m_Rng() % 1000));
+        if (m_Rng() % 9 == 0)
+            shape->LinkPoints() = {{x - 15, y - 15}};
+        return shape;
+    }
+
+    // Makes the last two shapes members of a new group shape placed elsewhere, so that the
+    // group's extent must include its members.
+    void GroupLastTwo()
+    {
+        const std::int32_t n = m_Cad.GetShapesCount();
+        TFillShape *group = AddRandomShape();
+        for (std::int32_t no : {n - 2, n - 1}) {
+            group->ChildShapes().push_back(no);
+            m_Cad.GetShapeByNo(no)->SetParentNo(n);
+        }
+        m_Cad.ShapesRenumbered();
+    }
+
+    TRect RandomRect()
+    {
+        std::uniform_int_distribution<int> pos(-50, m_Cad.width());
+        std::uniform_int_distribution<int> size(1, 300);
+        const int l = pos(m_Rng);
+        const int t = pos(m_Rng);
+        return {l, t, l + size(m_Rng), t + size(m_Rng)};
+    }
+
+    // Every query agrees with the plain scan; answers the number of shapes found in all.
+    int ExpectAgreement(int queries)
+    {
+        int found = 0;
+        for (int q = 0; q < queries; ++q) {
+            const TRect r = RandomRect();
+            const std::vector<std::int32_t> linear = m_Cad.ShapesInRectLinear(r);
+            EXPECT_EQ(m_Cad.ShapesInRect(r), linear)
+                << r.Left << "," << r.Top << "," << r.Right << "," << r.Bottom;
+            found += int(linear.size());
+        }
+        return found;
+    }
+
+private:
+    TMyCAD m_Cad;
+    std::mt19937 m_Rng;
+};
+
+} // namespace
+
+TEST(ShapeIndex, AnswersWhatTheScanAnswersOnRandomDrawings)
+{
+    for (const std::uint32_t seed : {1u, 77u, 4242u}) {
+        TRandomDrawing drawing(seed);
+        TMyCAD &cad = drawing.Cad();
+        for (int i = 0; i < 1500; ++i) {
+            drawing.AddRandomShape();
+            if (i % 50 == 49)
+                drawing.GroupLastTwo();
+        }
+        // The queries must hit something, or agreement would prove nothing.
+        EXPECT_GT(drawing.ExpectAgreement(60), 200);
+        cad.SetZoom(seed % 2 ? 0.63 : 2.5);
+        EXPECT_GT(drawing.ExpectAgreement(60), 60);
+    }
+}
+
+// Moves reported one by one update single entries; appended shapes join without a rebuild;
+// full invalidations rebuild. Each step is checked against the scan.
+TEST(ShapeIndex, StaysCurrentThroughReportedChanges)
+{
+    TRandomDrawing drawing(99);
+    TMyCAD &cad = drawing.Cad();
+    for (int i = 0; i < 800; ++i)
+        drawing.AddRandomShape();
+    drawing.GroupLastTwo();
+    TMyShape *member = cad.GetShapeByNo(cad.GetShapesCount() - 2);
+    ASSERT_NE(member->ParentNo(), -1);
+    drawing.ExpectAgreement(20);
+    std::mt19937 &rng = drawing.Rng();
+    std::uniform_real_distribution<double> step(-400, 400);
+    for (int round = 0; round < 6; ++round) {
+        for (int k = 0; k < 40; ++k) {
+            TMyShape *shape = cad.GetShapeByNo(std::int32_t(rng() % cad.GetShapesCount()));
+            shape->DragChangeValuedxdy(step(rng), step(rng));
+            cad.ShapeGeometryChanged(shape);
+        }
+        // A member moved: its group's extent grows with it.
+        member->DragChangeValuedxdy(step(rng), step(rng));
+        cad.ShapeGeometryChanged(member);
+        for (int k = 0; k < 10; ++k)
+            drawing.AddRandomShape();
+        drawing.ExpectAgreement(25);
+    }
+    // A moved shape found where it went and no longer where it was.
+    TMyShape *shape = cad.GetShapeByNo(5);
+    shape->SetLayerId(cad.GetLayerIdByName(QStringLiteral("Shown")));
+    shape->Points() = {{100, 100}, {110, 100}, {110, 110}, {100, 110}};
+    shape->SetInfo(QString());
+    shape->LinkPoints().clear();
+    cad.ShapeGeometryChanged(shape);
+    const auto has = [&](const TRect &r) {
+        const std::vector<std::int32_t> found = cad.ShapesInRect(r);
+        return std::find(found.begin(), found.end(), 5) != found.end();
+    };
+    EXPECT_TRUE(has(TRect(104, 104, 106, 106)));
+    shape->DragChangeValuedxdy(500, 0);
+    cad.ShapeGeometryChanged(shape);
+    EXPECT_FALSE(has(TRect(104, 104, 106, 106)));
+    EXPECT_TRUE(has(TRect(604, 104, 606, 106)));
+    // A pen change goes through the shape's setter, which invalidates the surface.
+    shape->SetPen(TPen{clRed, TPenMode::pmCopy, TPenStyle::psSolid, 40});
+    EXPECT_TRUE(has(TRect(520, 104, 530, 106)));
+    drawing.ExpectAgreement(20);
+    // The layer's visibility is read at query time.
+    cad.Invalidate();
+    drawing.ExpectAgreement(10);
+}
+
+// A repaint draws exactly the shapes of the scan, in list order.
+TEST(ShapeIndex, DrawListOfARepaintIsTheScan)
+{
+    TRandomDrawing drawing(5);
+    TMyCAD &cad = drawing.Cad();
+    for (int i = 0; i < 400; ++i)
+        drawing.AddRandomShape();
+    QImage image(1, 1, QImage::Format_RGB32);
+    TCanvas canvas(&image);
+    for (int q = 0; q < 20; ++q) {
+        const TRect r = drawing.RandomRect();
+        cad.DrawAllShape(canvas, r);
+        EXPECT_EQ(cad.DrawList(), cad.ShapesInRectLinear(r));
+        EXPECT_TRUE(std::is_sorted(cad.DrawList().begin(), cad.DrawList().end()));
+    }
+    EXPECT_TRUE(cad.ShapesInRect(TRect(10, 10, 10, 50)).empty()); // an empty rectangle
+}

@@ -1,0 +1,471 @@
+// SPDX-License-Identifier: MIT
+// Rendering: control size, grid pixels, background picture modes, composition order,
+// partial repaints against full ones, the repaint guard and the printing aids.
+#include "rendertestshapes.h"
+
+#include <common/imagecompare.h>
+
+#include <tessal/shapes/line.h>
+#include <tessal/shapes/rectangle.h>
+
+#include <gtest/gtest.h>
+
+#include <QLabel>
+
+#include <random>
+#include <set>
+
+using namespace tessal;
+using namespace tessal::test;
+
+namespace {
+
+// A small custom page so that full compositions stay quick: 60 x 40 mm.
+void UseSmallPage(TMyCAD &cad)
+{
+    cad.SetPageStyle(TPageStyle::CustomerPage);
+    cad.SetPageWidth(60);
+    cad.SetPageHeight(40);
+}
+
+void NoGrid(TMyCAD &cad)
+{
+    cad.GridOperation()->SetGridType(TGridType::gNone);
+}
+
+// The columns of row y whose pixel has colour rgb.
+std::set<int> ColumnsOf(const QImage &image, int y, unsigned rgb)
+{
+    std::set<int> xs;
+    for (int x = 0; x < image.width(); ++x)
+        if (PixelRgb(image, x, y) == rgb)
+            xs.insert(x);
+    return xs;
+}
+
+// A picture whose every pixel differs: red = x, green = y.
+TBitmap Gradient(int w, int h)
+{
+    TBitmap bitmap(w, h);
+    for (int y = 0; y < h; ++y)
+        for (int x = 0; x < w; ++x)
+            bitmap.SetPixel(x, y, RGBToColor(std::uint8_t(x * 10), std::uint8_t(y * 10), 77));
+    return bitmap;
+}
+
+unsigned PictureRgb(const TBitmap &bitmap, int x, int y)
+{
+    return Rgb(bitmap.Pixel(x, y));
+}
+
+} // namespace
+
+TEST(Render, ControlSizeFollowsPageZoomAndResolution)
+{
+    TMyCAD cad;
+    const int dpi = cad.logicalDpiX();
+    cad.SetZoom(2);
+    // round(210 x 2 x dpi / 25.4): 1587 at 96 dpi.
+    EXPECT_EQ(cad.width(), int(std::nearbyint(210 * 2 * dpi / 25.4)));
+    if (dpi == 96) {
+        EXPECT_EQ(cad.width(), 1587);
+    }
+    cad.SetPageOrientation(TPrinterOrientation::poLandscape);
+    cad.SetPageStyle(TPageStyle::A4);
+    EXPECT_EQ(cad.size(), QSize(int(std::nearbyint(297 * 2 * dpi / 25.4)),
+                                int(std::nearbyint(210 * 2 * dpi / 25.4))));
+    if (dpi == 96) {
+        EXPECT_EQ(cad.size(), QSize(2245, 1587));
+    }
+    EXPECT_EQ(cad.PreZoom(), 1.0);
+    EXPECT_FALSE(cad.IsBusy());
+}
+
+TEST(Render, GridLinesKeepThePagePhaseWithHalvesToEven)
+{
+    TMyCAD cad;
+    UseSmallPage(cad);
+    TGridObject &grid = *cad.GridOperation();
+    const unsigned silver = Rgb(clSilver);
+    // Step 20: columns on multiples of 20 of the control, whatever rectangle is composed.
+    const QImage full = Compose(cad, ControlRect(cad));
+    EXPECT_EQ(ColumnsOf(full, 5, silver),
+              (std::set<int>{0, 20, 40, 60, 80, 100, 120, 140, 160, 180, 200, 220}));
+    for (const TRect &r : {TRect(7, 3, 90, 50), TRect(30, 10, 75, 31), TRect(10, 10, 60, 60)}) {
+        const QImage part = Compose(cad, r);
+        std::set<int> expected;
+        for (int x = 0; x < r.Width(); ++x)
+            if ((x + r.Left) % 20 == 0)
+                expected.insert(x);
+        EXPECT_EQ(ColumnsOf(part, 1, silver), expected) << r.Left;
+        EXPECT_TRUE(ImagesEqual(part, full.copy(r.ToQRect())));
+    }
+    // A step of 12.5 (25 at zoom 0.5 with GridInZoom): positions round halves to even.
+    grid.SetGridInZoom(true);
+    grid.SetGridWidth(25);
+    cad.SetZoom(0.5);
+    const QImage half = Compose(cad, TRect(0, 0, 101, 20));
+    EXPECT_EQ(ColumnsOf(half, 5, silver), (std::set<int>{0, 12, 25, 38, 50, 62, 75, 88, 100}));
+    // Horizontal lines follow GridHeight, not scaled by the zoom without GridInZoom.
+    grid.SetGridInZoom(false);
+    grid.SetGridHeight(15);
+    const QImage rows = Compose(cad, TRect(0, 0, 4, 50));
+    std::set<int> ys;
+    for (int y = 0; y < rows.height(); ++y)
+        if (PixelRgb(rows, 1, y) == silver)
+            ys.insert(y);
+    EXPECT_EQ(ys, (std::set<int>{0, 15, 30, 45}));
+}
+
+TEST(Render, GridDotsStartAtTheImageCorner)
+{
+    TMyCAD cad;
+    UseSmallPage(cad);
+    TGridObject &grid = *cad.GridOperation();
+    grid.SetGridType(TGridType::gPixel);
+    grid.SetGridColor(clRed);
+    // A dot is the square (x - 1, y - 1) .. (x + 1, y + 1): its outline covers two by two
+    // pixels up and left of each grid point.
+    const TRect rect(13, 7, 63, 48);
+    const QImage image = Compose(cad, rect);
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x) {
+            const bool dot = ((x + 1) % 20 <= 1) && ((y + 1) % 20 <= 1);
+            ASSERT_EQ(PixelRgb(image, x, y), dot ? Rgb(clRed) : Rgb(clWhite)) << x << "," << y;
+        }
+    // Pen size 3: squares (x - 3, y - 3) .. (x + 3, y + 3) with a 3-pixel outline.
+    grid.SetGridPenSize(3);
+    const QImage big = Compose(cad, TRect(0, 0, 40, 40));
+    QRect dot;
+    for (int y = 10; y < 30; ++y)
+        for (int x = 10; x < 30; ++x)
+            if (PixelRgb(big, x, y) == Rgb(clRed))
+                dot |= QRect(x, y, 1, 1);
+    EXPECT_TRUE(dot.contains(QRect(17, 17, 6, 6))) << dot.x() << "," << dot.width();
+    EXPECT_TRUE(QRect(15, 15, 10, 10).contains(dot)) << dot.x() << "," << dot.width();
+    EXPECT_EQ(PixelRgb(big, 10, 10), Rgb(clWhite));
+}
+
+TEST(Render, GridSwitchesThatDrawNothing)
+{
+    TMyCAD cad;
+    UseSmallPage(cad);
+    TGridObject &grid = *cad.GridOperation();
+    const TRect r(0, 0, 60, 60);
+    const auto blank = [&] { return CountPixels(Compose(cad, r), r.ToQRect(), 0xFFFFFF); };
+    ASSERT_LT(blank(), 3600);
+    grid.SetGridShow(false);
+    EXPECT_EQ(blank(), 3600);
+    grid.SetGridShow(true);
+    grid.SetGridWidth(0);
+    EXPECT_EQ(blank(), 3600);
+    grid.SetGridWidth(-20);
+    EXPECT_EQ(blank(), 3600);
+    grid.SetGridWidth(20);
+    grid.SetGridType(TGridType::gNone);
+    EXPECT_EQ(blank(), 3600);
+    grid.SetGridType(TGridType::gPixel);
+    grid.SetGridHeight(0);
+    EXPECT_EQ(blank(), 3600);
+    // The grid-drawing flag is down again, and setters invalidate as before.
+    EXPECT_FALSE(cad.IsGridDrawing());
+}
+
+TEST(Render, BackgroundPictureModes)
+{
+    TMyCAD cad;
+    UseSmallPage(cad);
+    NoGrid(cad);
+    const TBitmap picture = Gradient(7, 5);
+    cad.SetBkBitmap(picture);
+    const int W = cad.width();
+    const int H = cad.height();
+    const TRect all = ControlRect(cad);
+
+    cad.SetBkBitmapMode(TBkBitmapMode::Tiled);
+    QImage image = Compose(cad, all);
+    for (int y = 0; y < H; y += 3)
+        for (int x = 0; x < W; x += 2)
+            ASSERT_EQ(PixelRgb(image, x, y), PictureRgb(picture, x % 7, y % 5)) << x << "," << y;
+
+    cad.SetBkBitmapMode(TBkBitmapMode::Stretch);
+    image = Compose(cad, all);
+    for (int y = 0; y < H; ++y)
+        for (int x = 0; x < W; ++x)
+            ASSERT_EQ(PixelRgb(image, x, y), PictureRgb(picture, x * 7 / W, y * 5 / H));
+
+    cad.SetBkBitmapMode(TBkBitmapMode::Center);
+    image = Compose(cad, all);
+    const int cx = (W - 7) / 2;
+    const int cy = (H - 5) / 2;
+    EXPECT_EQ(PixelRgb(image, cx, cy), PictureRgb(picture, 0, 0));
+    EXPECT_EQ(PixelRgb(image, cx + 6, cy + 4), PictureRgb(picture, 6, 4));
+    EXPECT_EQ(CountPixels(image, all.ToQRect(), 0xFFFFFF), W * H - 35);
+
+    cad.SetBkBitmapMode(TBkBitmapMode::LeftTop);
+    image = Compose(cad, all);
+    EXPECT_EQ(PixelRgb(image, 6, 4), PictureRgb(picture, 6, 4));
+    EXPECT_EQ(CountPixels(image, all.ToQRect(), 0xFFFFFF), W * H - 35);
+    // The picture stays on the page: a composition of a rectangle further in shows the
+    // same picture pixels at shifted positions.
+    image = Compose(cad, TRect(3, 2, 20, 20));
+    EXPECT_EQ(PixelRgb(image, 0, 0), PictureRgb(picture, 3, 2));
+    EXPECT_EQ(PixelRgb(image, 4, 3), Rgb(clWhite));
+
+    // Nothing outside the page: an image larger than the control keeps its own pixels.
+    cad.SetBkBitmapMode(TBkBitmapMode::Tiled);
+    QImage larger(W + 30, H + 20, QImage::Format_RGB32);
+    larger.fill(Qt::black);
+    cad.DrawBkBitmap(larger, 10, 5, false);
+    EXPECT_EQ(PixelRgb(larger, 9, 5), 0u);
+    EXPECT_EQ(PixelRgb(larger, 10, 5), PictureRgb(picture, 0, 0));
+    EXPECT_EQ(PixelRgb(larger, 10 + W, 5 + H - 1), 0u);
+    EXPECT_EQ(PixelRgb(larger, 10 + W - 1, 5 + H - 1),
+              PictureRgb(picture, (W - 1) % 7, (H - 1) % 5));
+    // Printing: the page is the whole image.
+    larger.fill(Qt::black);
+    cad.SetBkBitmapMode(TBkBitmapMode::Stretch);
+    cad.DrawBkBitmap(larger, 0, 0, true);
+    EXPECT_EQ(PixelRgb(larger, W + 29, H + 19), PictureRgb(picture, 6, 4));
+}
+
+TEST(Render, CompositionOrder)
+{
+    TMyCAD cad;
+    UseSmallPage(cad);
+    cad.SetBkBitmap(Gradient(4, 4));
+    cad.SetBkBitmapMode(TBkBitmapMode::Tiled);
+    const unsigned silver = Rgb(clSilver);
+    // Grid over the picture: row 20 is a grid line across the tiles.
+    QImage image = Compose(cad, ControlRect(cad));
+    EXPECT_EQ(PixelRgb(image, 3, 20), silver);
+    EXPECT_EQ(PixelRgb(image, 3, 21), Rgb(Gradient(4, 4).Pixel(3, 1)));
+
+    // Shapes over the grid, later shapes over earlier ones.
+    AddFill(cad, {10, 10, 50, 50}, clRed);
+    AddFill(cad, {30, 30, 70, 70}, clBlue);
+    image = Compose(cad, ControlRect(cad));
+    EXPECT_EQ(PixelRgb(image, 20, 25), Rgb(clRed)); // on the grid column 20
+    EXPECT_EQ(PixelRgb(image, 40, 40), Rgb(clBlue));
+    EXPECT_EQ(PixelRgb(image, 60, 60), Rgb(clBlue));
+
+    // Members before their group: the group paints over its member although the member
+    // comes later in the list.
+    TFillShape *group = AddFill(cad, {100, 10, 140, 50}, clLime);
+    TFillShape *member = AddFill(cad, {120, 30, 160, 70}, clYellow);
+    group->ChildShapes() = {cad.GetShapesCount() - 1};
+    member->SetParentNo(cad.GetShapesCount() - 2);
+    cad.Invalidate();
+    image = Compose(cad, ControlRect(cad));
+    EXPECT_EQ(PixelRgb(image, 130, 40), Rgb(clLime));
+    EXPECT_EQ(PixelRgb(image, 150, 60), Rgb(clYellow));
+    // The member is reached only through its group: the draw list holds the group alone.
+    EXPECT_EQ(cad.DrawList(), (std::vector<std::int32_t>{0, 1, 2}));
+    // A hidden member is skipped, a hidden group hides its members too.
+    member->SetVisible(false);
+    image = Compose(cad, ControlRect(cad));
+    EXPECT_NE(PixelRgb(image, 150, 60), Rgb(clYellow));
+    member->SetVisible(true);
+    group->SetVisible(false);
+    image = Compose(cad, ControlRect(cad));
+    EXPECT_EQ(CountPixels(image, QRect(100, 10, 61, 61), Rgb(clYellow)), 0);
+    EXPECT_EQ(CountPixels(image, QRect(100, 10, 61, 61), Rgb(clLime)), 0);
+
+    // Shapes of hidden layers are not drawn.
+    const std::int32_t second = cad.NewLayer(QStringLiteral("Second"), false);
+    TFillShape *hidden = AddFill(cad, {10, 100, 40, 130}, clFuchsia);
+    EXPECT_EQ(hidden->LayerId(), second);
+    image = Compose(cad, ControlRect(cad));
+    EXPECT_EQ(CountPixels(image, ControlRect(cad).ToQRect(), Rgb(clFuchsia)), 0);
+}
+
+TEST(Render, PaintingLeavesTheDocumentUntouched)
+{
+    TMyCAD cad;
+    UseSmallPage(cad);
+    cad.SetZoom(1.37);
+    TFillShape *shape = AddFill(cad, {10.3f, 12.7f, 53.1f, 41.9f}, clRed);
+    const TMyPointArray before = shape->Points();
+    const TMyPoint text = shape->TextPoint();
+    for (const TRect &r : {TRect(3, 7, 50, 50), TRect(17, 1, 90, 33), TRect(0, 0, 80, 80)})
+        Compose(cad, r);
+    EXPECT_EQ(shape->Points(), before); // bit for bit, no residue of a shift and back
+    EXPECT_EQ(shape->TextPoint(), text);
+}
+
+// The heart of the repaint design: any rectangle composed on its own equals the same
+// rectangle of a full composition, pixel for pixel, with real shape classes, texts, arrows,
+// a tiled picture and the line grid, at a zoom that is not a whole number.
+TEST(Render, PartialRepaintEqualsFullRepaint)
+{
+    TMyCAD cad;
+    cad.SetPageStyle(TPageStyle::CustomerPage);
+    cad.SetPageWidth(90);
+    cad.SetPageHeight(70);
+    cad.SetBkBitmap(Gradient(9, 6));
+    cad.SetBkBitmapMode(TBkBitmapMode::Tiled);
+    std::mt19937 rng(20240611);
+    std::uniform_real_distribution<float> pos(-20, 300);
+    std::uniform_real_distribution<float> len(2, 80);
+    const TDrawTool tools[] = {TDrawTool::SpRectangle, TDrawTool::SpEllipse, TDrawTool::SpLine,
+                               TDrawTool::SpRectangle};
+    for (int i = 0; i < 60; ++i) {
+        const TDrawTool tool = tools[i % 4];
+        const TMyPoint a{pos(rng), pos(rng)};
+        const TMyPoint b{a.X + len(rng), a.Y + len(rng)};
+        const TMyPoint pts[2] = {a, b};
+        const std::int32_t id = cad.AddShapeByCode(tool, QString(), pts, 0, QString());
+        ASSERT_GE(id, 0);
+        TMyShape *shape = cad.GetShapeByID(id);
+        shape->SetPen(TPen{RGBToColor(std::uint8_t(i * 37), 40, 200), TPenMode::pmCopy,
+                           TPenStyle::psSolid, 1 + i % 4});
+        shape->SetBrush(
+            TBrush{RGBToColor(200, std::uint8_t(i * 53), 90), TBrushStyle::bsSolid, {}});
+        if (i % 5 == 0)
+            shape->SetInfo(QStringLiteral("Label %1").arg(i));
+        if (auto *line = dynamic_cast<TMyLine *>(shape))
+            line->SetArrowStyle(TArrowStyle::ADouble);
+    }
+    cad.ClearWorkingShapes();
+    for (const double zoom : {1.0, 1.37}) {
+        cad.SetZoom(zoom);
+        const QImage full = Compose(cad, ControlRect(cad));
+        std::uniform_int_distribution<int> x(0, cad.width() - 1);
+        std::uniform_int_distribution<int> y(0, cad.height() - 1);
+        for (int n = 0; n < 12; ++n) {
+            const int l = x(rng);
+            const int t = y(rng);
+            const TRect r(l, t, std::min(cad.width(), l + 1 + x(rng) / 3),
+                          std::min(cad.height(), t + 1 + y(rng) / 3));
+            const QImage part = Compose(cad, r);
+            EXPECT_TRUE(ImagesEqual(part, full.copy(r.ToQRect())))
+                << "zoom " << zoom << " rect " << r.Left << "," << r.Top << "," << r.Right << ","
+                << r.Bottom;
+        }
+    }
+}
+
+TEST(Render, PaintCopiesDrawsHandlesAndFiresOnPaint)
+{
+    TMyCAD cad;
+    UseSmallPage(cad);
+    NoGrid(cad);
+    const TMyPoint pts[2] = {{20, 20}, {80, 60}};
+    const std::int32_t id =
+        cad.AddShapeByCode(TDrawTool::SpRectangle, QString(), pts, 0, QString());
+    TMyShape *shape = cad.GetShapeByID(id);
+    ASSERT_TRUE(cad.IsWorkingShape(shape));
+    int fired = 0;
+    bool busyInside = false;
+    cad.SetOnPaint([&](TMyCAD *sender) {
+        ++fired;
+        busyInside = sender->IsBusy();
+        // A nested repaint is refused while the first one runs.
+        sender->Paint(TRect(0, 0, 10, 10));
+    });
+    cad.Paint(ControlRect(cad));
+    EXPECT_EQ(fired, 1);
+    EXPECT_TRUE(busyInside);
+    EXPECT_FALSE(cad.IsBusy());
+    const QImage withHandles = cad.ScreenImage().copy();
+    // The handles are on the screen image only, on top of the shape.
+    const QImage composed = Compose(cad, ControlRect(cad));
+    const test::ImageDiff diff = CompareImages(withHandles, composed);
+    EXPECT_GT(diff.DifferingPixels, 0);
+    // The corner handle sits on the shape's corner (20, 20) in the hot colour.
+    EXPECT_NE(PixelRgb(withHandles, 20, 20), PixelRgb(composed, 20, 20));
+    // Without working shapes the screen shows exactly the composition.
+    cad.ClearWorkingShapes();
+    cad.Paint(ControlRect(cad));
+    EXPECT_TRUE(ImagesEqual(cad.ScreenImage(), composed));
+    EXPECT_EQ(fired, 2);
+    // A clip outside the control composes nothing but still reports the paint.
+    cad.Paint(TRect(-50, -50, -10, -10));
+    EXPECT_EQ(fired, 3);
+}
+
+TEST(Render, LabelsShowPositionAndReadout)
+{
+    TMyCAD cad;
+    cad.UpdateLabelXY(3, 4); // no labels attached: nothing to show
+    QLabel xy;
+    QLabel value;
+    cad.SetLabelXY(&xy);
+    cad.SetLabelValue(&value);
+    cad.UpdateLabelXY(-12, 340);
+    cad.UpdateLabelValue(QStringLiteral("    12.70 mm"));
+    EXPECT_EQ(xy.text(), QStringLiteral("-12, 340"));
+    EXPECT_EQ(value.text(), QStringLiteral("    12.70 mm"));
+}
+
+namespace {
+
+// Bounding box of the pixels that are not white.
+QRect InkBox(const QImage &image)
+{
+    QRect box;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            if (PixelRgb(image, x, y) != 0xFFFFFF)
+                box |= QRect(x, y, 1, 1);
+    return box;
+}
+
+} // namespace
+
+TEST(Render, BorderAndHeadFootOnAPageImage)
+{
+    TMyCAD cad;
+    cad.SetPageStyle(TPageStyle::CustomerPage);
+    cad.SetPageWidth(100);
+    cad.SetPageHeight(50);
+    // Ten pixels per millimetre.
+    QImage page(1000, 500, QImage::Format_RGB32);
+    page.fill(Qt::white);
+    cad.DrawBorder(page);
+    // Border distances of 20 mm: the frame covers 200..799 x 200..299.
+    EXPECT_EQ(InkBox(page), QRect(QPoint(200, 200), QPoint(799, 299)));
+    EXPECT_EQ(PixelRgb(page, 200, 250), 0u);
+    EXPECT_EQ(PixelRgb(page, 799, 250), 0u);
+    EXPECT_EQ(PixelRgb(page, 500, 250), 0xFFFFFFu);
+    page.fill(Qt::white);
+    cad.SetPrintABorder(false);
+    cad.DrawBorder(page);
+    EXPECT_TRUE(InkBox(page).isNull());
+
+    // Head 15 mm below the top, left-justified at the left distance.
+    cad.SetPageHead(QStringLiteral("HEAD"));
+    cad.SetPageHeadAlignment(TAlignment::taLeftJustify);
+    cad.DrawHeadFoot(page);
+    const QRect head = InkBox(page);
+    ASSERT_FALSE(head.isNull());
+    EXPECT_GE(head.top(), 150);
+    EXPECT_LT(head.bottom(), 250);
+    EXPECT_GE(head.left(), 200);
+    EXPECT_LT(head.left(), 210);
+    // Right-justified: the text ends at the right distance.
+    page.fill(Qt::white);
+    cad.SetPageHeadAlignment(TAlignment::taRightJustify);
+    cad.DrawHeadFoot(page);
+    const QRect right = InkBox(page);
+    EXPECT_LE(right.right(), 799);
+    EXPECT_GT(right.right(), 780);
+    EXPECT_EQ(right.width(), head.width());
+    // Foot centred, its cell ending 15 mm above the bottom.
+    page.fill(Qt::white);
+    cad.SetPageHead(QString());
+    cad.SetPageFoot(QStringLiteral("FOOT"));
+    cad.SetPageFootAlignment(TAlignment::taCenter);
+    cad.DrawHeadFoot(page);
+    const QRect foot = InkBox(page);
+    ASSERT_FALSE(foot.isNull());
+    EXPECT_LE(foot.bottom(), 349);
+    EXPECT_GT(foot.bottom(), 300);
+    EXPECT_NEAR(foot.center().x(), 500, 6);
+    // The screen composition shows neither.
+    cad.SetPageHead(QStringLiteral("HEAD"));
+    NoGrid(cad);
+    const QImage screen = Compose(cad, ControlRect(cad));
+    EXPECT_EQ(CountPixels(screen, ControlRect(cad).ToQRect(), 0xFFFFFF),
+              cad.width() * cad.height());
+}
