@@ -5,11 +5,24 @@
 #include <tessal/platform/bitmap.h>
 #include <tessal/shapes/rectangle.h>
 
+#include <optional>
+#include <span>
+
 namespace tessal {
 
 // The picture is kept as loaded; brightness, contrast and grey scale are applied when it
 // is drawn, so changing them back restores the original. The setters store and ask for a
 // repaint.
+//
+// Drawing: the picture is stretched to the rectangle's upright size at the zoom, turned with
+// Angle, and shown through the rectangle's outline (clipped to it). The adjusted copy is
+// made once and kept until the picture or a setting changes: brightness first, then
+// contrast, then grey scale, then the mirror of IsFlipHorz (left-right) and IsFlipVert
+// (top-bottom) in the shape's own frame. With Transparent, the pixels of the adjusted copy
+// that have the transparent colour are left out: under tmAuto that colour is the adjusted
+// picture's bottom-left pixel (before mirroring), under tmFixed it is TransparentColor.
+// Border outlines the rectangle with the pen; an image without a picture always shows its
+// outline so that it can be found and selected.
 class TMyImage : public TMyRectangle
 {
     Q_GADGET
@@ -31,6 +44,15 @@ public:
 
     void Assign(const TMyShape &source) override;
     void AssignWithoutRelation(const TMyShape &source) override;
+    void Draw(TCanvas &canvas) override;
+
+    // Reads the picture (BMP, JPEG, icon, EMF, WMF) and takes it; false, the picture left
+    // unchanged and reason set when the file cannot be read.
+    bool LoadFromFile(const QString &fileName, QString *reason = nullptr);
+    // The picture as shown before stretching and turning: adjusted and mirrored.
+    TBitmap AdjustedBitmap() const;
+    // The colour left out while Transparent is on.
+    TColor TransparentKey() const;
 
     const TBitmap &Bitmap() const { return m_Bitmap; }
     void SetBitmap(const TBitmap &bitmap);
@@ -54,6 +76,21 @@ public:
 
 private:
     void CopyImageFields(const TMyShape &source);
+    void RefreshCache() const;
+    // The turned picture placed about the centre, clipped to the outline.
+    void DrawPicture(TCanvas &canvas, std::span<const TPoint> corners);
+
+    // What the cached copy was made from.
+    struct TCacheKey
+    {
+        qint64 Picture = 0;
+        std::int32_t Brightness = 0, Contrast = 0;
+        bool GrayScale = false, FlipHorz = false, FlipVert = false;
+        friend bool operator==(const TCacheKey &, const TCacheKey &) = default;
+    };
+    mutable std::optional<TCacheKey> m_CacheKey;
+    mutable TBitmap m_Adjusted;
+    mutable TColor m_AutoKey = clWhite;
 
     TBitmap m_Bitmap;
     std::int32_t m_Brightness = 0;

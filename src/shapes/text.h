@@ -9,6 +9,16 @@ namespace tessal {
 // The text is Lines, laid out inside the four corners by the two alignments. A new text
 // shape has no border, a clear background, top-left alignment and no word wrap. The
 // setters store and ask for a repaint.
+//
+// Layout happens in the shape's own upright frame, at the zoom: the font's size is scaled
+// by Zoom, the lines keep an inner margin of 2 document pixels from the sides, every line is
+// as high as the font's cell, and the block of lines is placed by VAlignment and each line
+// by HAlignment. The block is then turned with Angle about the rectangle's centre, and the
+// glyphs with it. With WordWrap a line wider than the room between the margins is broken
+// after the last word that fits (a word wider than the room on its own is broken between
+// characters); without it, and for text that does not fit vertically, the text runs beyond
+// the rectangle. IsSolid fills the rectangle with the brush, IsBorder outlines it with the
+// pen; the info texts are not drawn (the text shape is its own text).
 class TMyText : public TMyRectangle
 {
     Q_GADGET
@@ -27,6 +37,11 @@ public:
 
     void Assign(const TMyShape &source) override;
     void AssignWithoutRelation(const TMyShape &source) override;
+    void Draw(TCanvas &canvas) override;
+
+    // The lines as they are shown at the current zoom: Lines, broken where word wrap breaks
+    // them. The canvas is used for measuring.
+    QStringList LaidOutLines(TCanvas &canvas) const;
 
     // The outline is drawn with the shape's pen.
     bool IsBorder() const { return m_IsBorder; }
@@ -44,6 +59,15 @@ public:
     void SetWordWrap(bool on);
 
 private:
+    struct TFrame
+    {
+        TMyPoint Centre;                                 // screen
+        double Left = 0, Top = 0, Right = 0, Bottom = 0; // the upright box, screen
+    };
+    TFrame UprightFrame() const;
+    std::int32_t Margin() const;
+    QStringList WrapLine(TCanvas &canvas, const QString &line, double room) const;
+    void DrawLines(TCanvas &canvas);
     void CopyTextFields(const TMyShape &source);
 
     bool m_IsBorder = false;
