@@ -309,9 +309,14 @@ void TMyCAD::SetTheUNIT(TUnits value)
     Store(m_TheUNIT, value);
 }
 
+// 0 switches the history off and discards it; a smaller limit keeps a longer history.
 void TMyCAD::SetUndoRedoSize(std::uint8_t value)
 {
-    Store(m_UndoRedoSize, value);
+    if (value == m_UndoRedoSize)
+        return;
+    m_UndoRedoSize = value;
+    if (value == 0)
+        ClearAllUndoStuff();
 }
 
 bool TMyCAD::Visible() const

@@ -1,23 +1,52 @@
 // SPDX-License-Identifier: MIT
-// The shape list of a surface: adding, access by number, group roots.
+// The shape list of a surface: adding, look-ups, deletion with renumbering, relations and
+// the working shapes.
 #include <tessal/surface/cad.h>
 
 #include <tessal/platform/message.h>
+#include <tessal/shapes/link.h>
 #include <tessal/shapes/shape.h>
+#include <tessal/shapes/shapetools.h>
 
 #include <QCoreApplication>
 
+#include <algorithm>
+#include <unordered_map>
+#include <unordered_set>
+
 namespace tessal {
+
+namespace {
+
+// A shape without any layer would be invisible and unreachable, so by default the
+// application is ended: a surface has a layer unless the application deleted them all.
+void DefaultNoLayer(TMyCAD *)
+{
+    ShowMessage(QStringLiteral("Error!There is no Layer!"));
+    QCoreApplication::exit(1);
+}
+
+TMyCAD::TNoLayerHandler &NoLayerHandler()
+{
+    static TMyCAD::TNoLayerHandler handler = &DefaultNoLayer;
+    return handler;
+}
+
+} // namespace
+
+TMyCAD::TNoLayerHandler TMyCAD::SetNoLayerHandler(TNoLayerHandler handler)
+{
+    TNoLayerHandler old = NoLayerHandler();
+    NoLayerHandler() = handler ? std::move(handler) : TNoLayerHandler(&DefaultNoLayer);
+    return old;
+}
 
 bool TMyCAD::AddShape(TMyShape *shape, bool keepLayer, bool noIdCount)
 {
     if (!shape)
         return false;
     if (m_Layers.empty()) {
-        // A surface always has a layer unless the application deleted them all; a shape
-        // without a layer would be invisible and unreachable, so this ends the program.
-        ShowMessage(QStringLiteral("Error!There is no Layer!"));
-        QCoreApplication::exit(1);
+        NoLayerHandler()(this);
         return false;
     }
     m_Shapes.emplace_back(shape);
@@ -28,12 +57,61 @@ bool TMyCAD::AddShape(TMyShape *shape, bool keepLayer, bool noIdCount)
     return true;
 }
 
+// ---- Look-ups ----
+
 TMyShape *TMyCAD::GetShapeByNo(std::int32_t no) const
 {
     if (no < 0 || no >= GetShapesCount())
         return nullptr;
     return m_Shapes[std::size_t(no)].get();
 }
+
+TMyShape *TMyCAD::GetShapeByID(std::int32_t id) const
+{
+    // Identities are handed out by the counter, so nothing outside its range can exist.
+    if (id < 0 || id >= m_ShapeIdCounter)
+        return nullptr;
+    return GetShapeByNo(GetShapeNoById(id));
+}
+
+TMyShape *TMyCAD::GetShapeByName(const QString &name) const
+{
+    for (const auto &shape : m_Shapes)
+        if (shape->Name() == name)
+            return shape.get();
+    return nullptr;
+}
+
+std::int32_t TMyCAD::GetShapeNoById(std::int32_t id) const
+{
+    for (std::size_t i = 0; i < m_Shapes.size(); ++i)
+        if (m_Shapes[i]->ShapeId() == id)
+            return std::int32_t(i);
+    return -1;
+}
+
+std::int32_t TMyCAD::GetShapeNoInMyShapes(const TMyShape *shape) const
+{
+    if (!shape)
+        return -1;
+    for (std::size_t i = 0; i < m_Shapes.size(); ++i)
+        if (m_Shapes[i].get() == shape)
+            return std::int32_t(i);
+    return -1;
+}
+
+bool TMyCAD::RenameShapeName(const QString &oldName, const QString &newName)
+{
+    if (oldName == newName || GetShapeByName(newName))
+        return false;
+    TMyShape *shape = GetShapeByName(oldName);
+    if (!shape)
+        return false;
+    shape->SetName(newName);
+    return true;
+}
+
+// ---- Relations ----
 
 TMyShape *TMyCAD::GetRootParentShape(TMyShape *shape) const
 {
@@ -47,6 +125,238 @@ TMyShape *TMyCAD::GetRootParentShape(TMyShape *shape) const
         shape = parent;
     }
     return shape;
+}
+
+bool TMyCAD::areTheyBrother(TMyShape *a, TMyShape *b) const
+{
+    if (!a || !b || a == b || !a->HasParentShape() || !b->HasParentShape())
+        return false;
+    return GetRootParentShape(a) == GetRootParentShape(b);
+}
+
+TMyShape *TMyCAD::GetNextSingleorRootShape(std::int32_t no) const
+{
+    for (std::int32_t i = std::max(no + 1, 0); i < GetShapesCount(); ++i)
+        if (m_Shapes[std::size_t(i)]->ParentNo() == -1)
+            return m_Shapes[std::size_t(i)].get();
+    return nullptr;
+}
+
+TMyShape *TMyCAD::GetPrevSingleorRootShape(std::int32_t no) const
+{
+    for (std::int32_t i = std::min(no, GetShapesCount()) - 1; i >= 0; --i)
+        if (m_Shapes[std::size_t(i)]->ParentNo() == -1)
+            return m_Shapes[std::size_t(i)].get();
+    return nullptr;
+}
+
+void TMyCAD::RenumberRelations(const std::function<std::int32_t(std::int32_t)> &map)
+{
+    const auto remap = [&map](std::vector<std::int32_t> &numbers) {
+        std::vector<std::int32_t> kept;
+        kept.reserve(numbers.size());
+        for (std::int32_t n : numbers)
+            if (const std::int32_t m = map(n); m >= 0)
+                kept.push_back(m);
+        numbers = std::move(kept);
+    };
+    for (const auto &shape : m_Shapes) {
+        if (shape->ParentNo() >= 0)
+            shape->SetParentNo(std::max(map(shape->ParentNo()), -1));
+        remap(shape->ChildShapes());
+        remap(shape->LinkShapes());
+        if (auto *link = dynamic_cast<TMyLinkLine *>(shape.get())) {
+            if (link->StartSpNo() >= 0) {
+                const std::int32_t m = map(link->StartSpNo());
+                link->SetStartSpNo(std::max(m, -1));
+                if (m < 0)
+                    link->SetStartSpPtId(-1);
+            }
+            if (link->EndSpNo() >= 0) {
+                const std::int32_t m = map(link->EndSpNo());
+                link->SetEndSpNo(std::max(m, -1));
+                if (m < 0)
+                    link->SetEndSpPtId(-1);
+            }
+        }
+    }
+}
+
+// ---- Deletion ----
+
+// Members first, so that a group is removed after everything it holds. Depth guards a
+// corrupt child list that leads back to an ancestor.
+void TMyCAD::CollectDeletion(TMyShape *shape, bool honourLocks, std::vector<TMyShape *> &list,
+                             std::int32_t depth)
+{
+    if (!shape || depth > GetShapesCount())
+        return;
+    if (std::find(list.begin(), list.end(), shape) != list.end())
+        return;
+    const std::vector<std::int32_t> children = shape->ChildShapes();
+    for (std::int32_t no : children) {
+        TMyShape *child = GetShapeByNo(no);
+        if (child && child != shape && !(honourLocks && child->Locked()))
+            CollectDeletion(child, honourLocks, list, depth + 1);
+    }
+    DetachLinks(shape);
+    list.push_back(shape);
+}
+
+// A connector bound to the shape lets go of it and stays; a connector that goes leaves the
+// connector lists of the shapes it was bound to.
+void TMyCAD::DetachLinks(TMyShape *shape)
+{
+    const std::int32_t no = GetShapeNoInMyShapes(shape);
+    for (std::int32_t k : shape->LinkShapes()) {
+        auto *link = dynamic_cast<TMyLinkLine *>(GetShapeByNo(k));
+        if (!link)
+            continue;
+        if (link->StartSpNo() == no) {
+            link->SetStartSpNo(-1);
+            link->SetStartSpPtId(-1);
+        }
+        if (link->EndSpNo() == no) {
+            link->SetEndSpNo(-1);
+            link->SetEndSpPtId(-1);
+        }
+    }
+    if (auto *link = dynamic_cast<TMyLinkLine *>(shape)) {
+        if (TMyShape *start = GetShapeByNo(link->StartSpNo()))
+            RemoveLinklineShape(*start, no);
+        if (TMyShape *end = GetShapeByNo(link->EndSpNo()))
+            RemoveLinklineShape(*end, no);
+    }
+}
+
+// Removing the shapes one by one, each time lowering every number above the removed one,
+// gives the same numbers as this single pass: a remaining shape's new number is its old
+// one less the removed shapes below it. A reference to a removed shape is dropped (a
+// member whose group went becomes top-level, a connector end bound to it is set free).
+void TMyCAD::RemoveShapes(const std::vector<TMyShape *> &shapes)
+{
+    if (shapes.empty())
+        return;
+    const std::unordered_set<const TMyShape *> gone(shapes.begin(), shapes.end());
+    std::vector<std::int32_t> newNo(m_Shapes.size(), -1);
+    std::int32_t next = 0;
+    for (std::size_t i = 0; i < m_Shapes.size(); ++i)
+        if (!gone.contains(m_Shapes[i].get()))
+            newNo[i] = next++;
+    for (const TMyShape *shape : shapes)
+        ForgetShape(shape);
+    RenumberRelations([&newNo](std::int32_t n) {
+        return n >= 0 && std::size_t(n) < newNo.size() ? newNo[std::size_t(n)] : -1;
+    });
+    std::erase_if(m_Shapes, [&gone](const auto &shape) { return gone.contains(shape.get()); });
+    for (std::size_t i = 0; i < m_Shapes.size(); ++i)
+        m_Shapes[i]->SetShapeNo(std::int32_t(i));
+}
+
+void TMyCAD::RemoveShapeTree(TMyShape *shape, bool honourLocks)
+{
+    std::vector<TMyShape *> list;
+    CollectDeletion(shape, honourLocks, list, 0);
+    RemoveShapes(list);
+}
+
+void TMyCAD::ForgetShape(const TMyShape *shape)
+{
+    std::erase(m_WorkingShapes, shape);
+    if (m_CurrentShape == shape)
+        m_CurrentShape = nullptr;
+    if (m_HotHighlight.Shape == shape)
+        m_HotHighlight = {};
+}
+
+bool TMyCAD::DeleteShapeById(std::int32_t id, bool withUndo)
+{
+    TMyShape *shape = GetShapeByID(id);
+    if (!shape || shape->Locked())
+        return false;
+    if (m_OnShapeDeleted && !m_Ungrouping) {
+        m_OnShapeDeleted(this, shape);
+        // The handler may have changed the document.
+        shape = GetShapeByID(id);
+        if (!shape || shape->Locked())
+            return false;
+    }
+    if (withUndo) {
+        TMyShape *const one[] = {shape};
+        PushtoUndoRedoShapeList(one, 0, ACT_DELETE);
+    }
+    RemoveShapeTree(shape, true);
+    ClearWorkingShapes();
+    Invalidate();
+    return true;
+}
+
+void TMyCAD::DeleteSelectedShapes()
+{
+    std::vector<TMyShape *> shapes;
+    for (TMyShape *shape : m_WorkingShapes)
+        if (!shape->Locked())
+            shapes.push_back(shape);
+    if (!shapes.empty())
+        PushtoUndoRedoShapeList(shapes, std::int32_t(shapes.size()) - 1, ACT_DELETE);
+    // By identity: the handlers of earlier deletions may have removed later shapes.
+    std::vector<std::int32_t> ids;
+    for (TMyShape *shape : shapes)
+        ids.push_back(shape->ShapeId());
+    for (std::int32_t id : ids)
+        DeleteShapeById(id, false);
+    ClearWorkingShapes();
+    Invalidate();
+}
+
+void TMyCAD::DeleteAllShapes()
+{
+    if (m_OnShapeDeleted)
+        for (const auto &shape : m_Shapes)
+            if (!shape->HasParentShape())
+                m_OnShapeDeleted(this, shape.get());
+    m_WorkingShapes.clear();
+    m_CurrentShape = nullptr;
+    m_HotHighlight = {};
+    m_Shapes.clear();
+    Invalidate();
+}
+
+// ---- Working shapes ----
+
+void TMyCAD::SetWorkingShapes(std::span<TMyShape *const> shapes)
+{
+    m_WorkingShapes.clear();
+    for (TMyShape *shape : shapes)
+        AddWorkingShape(shape);
+    Invalidate();
+}
+
+void TMyCAD::AddWorkingShape(TMyShape *shape)
+{
+    if (GetShapeNoInMyShapes(shape) < 0)
+        return;
+    TMyShape *root = GetRootParentShape(shape);
+    if (!IsWorkingShape(root))
+        m_WorkingShapes.push_back(root);
+    Invalidate();
+}
+
+void TMyCAD::ClearWorkingShapes()
+{
+    m_WorkingShapes.clear();
+    Invalidate();
+}
+
+bool TMyCAD::IsWorkingShape(const TMyShape *shape) const
+{
+    return std::find(m_WorkingShapes.begin(), m_WorkingShapes.end(), shape) !=
+           m_WorkingShapes.end();
+}
+
+void TMyCAD::SetCurrentShape(TMyShape *shape)
+{
+    m_CurrentShape = GetShapeNoInMyShapes(shape) < 0 ? nullptr : shape;
 }
 
 } // namespace tessal

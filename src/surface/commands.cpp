@@ -1,0 +1,379 @@
+// SPDX-License-Identifier: MIT
+// Editing commands of the surface: grouping, alignment, stacking order, flipping, locking
+// and turning.
+#include <tessal/surface/cad.h>
+
+#include <tessal/shapes/link.h>
+#include <tessal/shapes/rectangle.h>
+#include <tessal/shapes/shape.h>
+
+#include <algorithm>
+#include <limits>
+
+namespace tessal {
+
+namespace {
+
+enum TAlignEdge : std::int32_t {
+    AlignEdgeLeft,
+    AlignEdgeRight,
+    AlignEdgeTop,
+    AlignEdgeBottom,
+    AlignEdgeHCenter,
+    AlignEdgeVCenter
+};
+
+// The bounding box of the points of the shapes (document units); shapes without points
+// add nothing.
+struct TBox
+{
+    float Left = std::numeric_limits<float>::max();
+    float Top = std::numeric_limits<float>::max();
+    float Right = std::numeric_limits<float>::lowest();
+    float Bottom = std::numeric_limits<float>::lowest();
+
+    void Add(const TMyShape &shape)
+    {
+        if (shape.GetPointsCount() == 0)
+            return;
+        const TMyPoint lt = shape.GetLeftTop();
+        const TMyPoint rb = shape.GetRightBottom();
+        Left = std::min(Left, lt.X);
+        Top = std::min(Top, lt.Y);
+        Right = std::max(Right, rb.X);
+        Bottom = std::max(Bottom, rb.Y);
+    }
+    bool IsEmpty() const { return Left > Right; }
+};
+
+// How far a shape with box own moves to meet the common box all along edge (document).
+TMyPoint AlignOffset(std::int32_t edge, const TBox &own, const TBox &all)
+{
+    switch (edge) {
+    case AlignEdgeLeft:
+        return {all.Left - own.Left, 0};
+    case AlignEdgeRight:
+        return {all.Right - own.Right, 0};
+    case AlignEdgeTop:
+        return {0, all.Top - own.Top};
+    case AlignEdgeBottom:
+        return {0, all.Bottom - own.Bottom};
+    case AlignEdgeHCenter:
+        return {(all.Right - all.Left) / 2 + all.Left - (own.Left + own.Right) / 2, 0};
+    case AlignEdgeVCenter:
+        return {0, (all.Bottom - all.Top) / 2 + all.Top - (own.Top + own.Bottom) / 2};
+    default:
+        return {0, 0};
+    }
+}
+
+} // namespace
+
+// ---- Grouping ----
+
+std::int32_t TMyCAD::GroupShapes(std::span<TMyShape *const> shapes, bool record)
+{
+    std::vector<TMyShape *> roots;
+    std::vector<TMyShape *> given;
+    for (TMyShape *shape : shapes) {
+        if (GetShapeNoInMyShapes(shape) < 0)
+            continue;
+        given.push_back(shape);
+        TMyShape *root = GetRootParentShape(shape);
+        if (std::find(roots.begin(), roots.end(), root) == roots.end())
+            roots.push_back(root);
+    }
+    if (roots.empty())
+        return -1;
+    const std::int32_t layer = given.front()->LayerId();
+    for (const std::vector<TMyShape *> *list : {&given, &roots})
+        for (const TMyShape *shape : *list)
+            if (shape->LayerId() != layer || !shape->Visible())
+                return -1;
+
+    TBox box;
+    for (const TMyShape *root : roots)
+        box.Add(*root);
+    if (box.IsEmpty())
+        box = TBox{0, 0, 0, 0};
+    std::unique_ptr<TMyShape> group = CreateShapeByName(QStringLiteral("TMyGroup"));
+    // The corners go in as zoomed pixels, the way AddPoint takes them.
+    const double zoom = Zoom();
+    const float l = float(box.Left * zoom), t = float(box.Top * zoom);
+    const float r = float(box.Right * zoom), b = float(box.Bottom * zoom);
+    for (TMyPoint corner : {TMyPoint{l, t}, TMyPoint{r, t}, TMyPoint{r, b}, TMyPoint{l, b}})
+        group->AddPoint(corner);
+    const std::int32_t no = GetShapesCount();
+    const std::int32_t id = m_ShapeIdCounter;
+    group->SetShapeNo(no);
+    group->SetShapeId(id);
+    group->SetName(QStringLiteral("Shape") + QString::number(id));
+    const TMyPoint centre = group->ComputeCenterPoint(4);
+    group->SetCenterPoint(centre);
+    group->SetTextPoint({centre.X, group->GetLeftBottom().Y + 10});
+    group->SetParentNo(-1);
+    // The group lies on its members' layer, whatever layer is current.
+    group->SetLayerId(layer);
+    TMyShape *added = group.get();
+    if (!AddShape(added, true, false))
+        return -1;
+    group.release();
+    for (TMyShape *root : roots) {
+        added->ChildShapes().push_back(GetShapeNoInMyShapes(root));
+        root->SetParentNo(no);
+    }
+    std::sort(added->ChildShapes().begin(), added->ChildShapes().end());
+    if (record) {
+        TMyShape *const one[] = {added};
+        PushtoUndoRedoShapeList(one, 0, ACT_GROUP);
+    }
+    m_WorkingShapes = {added};
+    m_CurrentShape = added;
+    Invalidate();
+    return id;
+}
+
+std::int32_t TMyCAD::GroupWorkingShape()
+{
+    const std::vector<TMyShape *> shapes = m_WorkingShapes;
+    return GroupShapes(shapes, true);
+}
+
+// A locked group is left alone: its deletion would be refused after its members had been
+// let go.
+void TMyCAD::UnGroupShape(TMyShape *group, bool record)
+{
+    if (!group || group->HasParentShape() || group->Locked() || !dynamic_cast<TMyGroup *>(group))
+        return;
+    const std::int32_t no = GetShapeNoInMyShapes(group);
+    if (no < 0)
+        return;
+    m_Ungrouping = true;
+    ClearWorkingShapes();
+    if (record) {
+        TMyShape *const one[] = {group};
+        PushtoUndoRedoShapeList(one, 0, ACT_UNGROUP);
+    }
+    for (std::int32_t member : group->ChildShapes())
+        if (TMyShape *shape = GetShapeByNo(member); shape && shape->ParentNo() == no)
+            shape->SetParentNo(-1);
+    group->ChildShapes().clear();
+    DeleteShapeById(group->ShapeId(), false);
+    m_Ungrouping = false;
+    Invalidate();
+}
+
+// ---- Alignment ----
+
+void TMyCAD::MoveTree(TMyShape *shape, double dx, double dy, std::int32_t depth)
+{
+    if (!shape || depth > GetShapesCount())
+        return;
+    shape->DragChangeValuedxdy(dx, dy);
+    for (std::int32_t no : shape->ChildShapes()) {
+        TMyShape *child = GetShapeByNo(no);
+        if (child && child != shape)
+            MoveTree(child, dx, dy, depth + 1);
+    }
+}
+
+void TMyCAD::Align(std::int32_t edge)
+{
+    if (m_WorkingShapes.size() < 2)
+        return;
+    const std::vector<TMyShape *> shapes = m_WorkingShapes;
+    PushtoUndoRedoShapeList(shapes, std::int32_t(shapes.size()) - 1, ACT_CHANGE);
+    TBox all;
+    for (const TMyShape *shape : shapes)
+        all.Add(*shape);
+    const double zoom = Zoom();
+    for (TMyShape *shape : shapes) {
+        TBox own;
+        own.Add(*shape);
+        if (own.IsEmpty())
+            continue;
+        const TMyPoint d = AlignOffset(edge, own, all);
+        MoveTree(shape, d.X * zoom, d.Y * zoom, 0);
+    }
+    for (TMyShape *shape : shapes)
+        ChangeLinkShapes(shape);
+    Invalidate();
+}
+
+void TMyCAD::AlignLeft()
+{
+    Align(AlignEdgeLeft);
+}
+
+void TMyCAD::AlignRight()
+{
+    Align(AlignEdgeRight);
+}
+
+void TMyCAD::AlignTop()
+{
+    Align(AlignEdgeTop);
+}
+
+void TMyCAD::AlignBottom()
+{
+    Align(AlignEdgeBottom);
+}
+
+void TMyCAD::AlignHorizontalCenter()
+{
+    Align(AlignEdgeHCenter);
+}
+
+void TMyCAD::AlignVerticalCenter()
+{
+    Align(AlignEdgeVCenter);
+}
+
+// ---- Stacking order ----
+
+void TMyCAD::BringToFront(TMyShape *shape, bool record)
+{
+    if (GetShapeNoInMyShapes(shape) < 0)
+        return;
+    if (record) {
+        TMyShape *const one[] = {shape};
+        PushtoUndoRedoShapeList(one, 0, ACT_BRINGTOFRONT);
+    }
+    while (TMyShape *next = GetNextSingleorRootShape(GetShapeNoInMyShapes(shape)))
+        SwapShape(shape, next);
+    Invalidate();
+}
+
+void TMyCAD::SendToBack(TMyShape *shape, bool record)
+{
+    if (GetShapeNoInMyShapes(shape) < 0)
+        return;
+    if (record) {
+        TMyShape *const one[] = {shape};
+        PushtoUndoRedoShapeList(one, 0, ACT_SENDTOBACK);
+    }
+    while (TMyShape *prev = GetPrevSingleorRootShape(GetShapeNoInMyShapes(shape)))
+        SwapShape(shape, prev);
+    Invalidate();
+}
+
+void TMyCAD::BringToFrontByStep(TMyShape *shape, bool record)
+{
+    if (GetShapeNoInMyShapes(shape) < 0)
+        return;
+    if (record) {
+        TMyShape *const one[] = {shape};
+        PushtoUndoRedoShapeList(one, 0, ACT_BRINGTOFRONTBYSTEP);
+    }
+    if (TMyShape *next = GetNextSingleorRootShape(GetShapeNoInMyShapes(shape)))
+        SwapShape(shape, next);
+    Invalidate();
+}
+
+void TMyCAD::SendToBackByStep(TMyShape *shape, bool record)
+{
+    if (GetShapeNoInMyShapes(shape) < 0)
+        return;
+    if (record) {
+        TMyShape *const one[] = {shape};
+        PushtoUndoRedoShapeList(one, 0, ACT_SENDTOBACKBYSTEP);
+    }
+    if (TMyShape *prev = GetPrevSingleorRootShape(GetShapeNoInMyShapes(shape)))
+        SwapShape(shape, prev);
+    Invalidate();
+}
+
+// Child lists are kept ascending, which an exchange of two numbers can upset.
+void TMyCAD::SwapShape(TMyShape *a, TMyShape *b)
+{
+    const std::int32_t na = GetShapeNoInMyShapes(a);
+    const std::int32_t nb = GetShapeNoInMyShapes(b);
+    if (na < 0 || nb < 0 || na == nb)
+        return;
+    std::swap(m_Shapes[std::size_t(na)], m_Shapes[std::size_t(nb)]);
+    a->SetShapeNo(nb);
+    b->SetShapeNo(na);
+    RenumberRelations([na, nb](std::int32_t n) { return n == na ? nb : (n == nb ? na : n); });
+    for (const auto &shape : m_Shapes)
+        std::sort(shape->ChildShapes().begin(), shape->ChildShapes().end());
+    Invalidate();
+}
+
+// ---- Flipping, locking, turning ----
+
+void TMyCAD::FlipTree(TMyShape *shape, bool horizontal, std::int32_t depth)
+{
+    if (!shape || depth > GetShapesCount())
+        return;
+    for (std::int32_t no : shape->ChildShapes()) {
+        TMyShape *child = GetShapeByNo(no);
+        if (child && child != shape)
+            FlipTree(child, horizontal, depth + 1);
+    }
+    if (shape->Locked())
+        return;
+    if (horizontal)
+        shape->FlipHoriz();
+    else
+        shape->FlipVert();
+    ChangeLinkShapes(shape);
+}
+
+void TMyCAD::FlipShape(TMyShape *shape, bool horizontal)
+{
+    if (GetShapeNoInMyShapes(shape) < 0 || dynamic_cast<TMyLinkLine *>(shape))
+        return;
+    TMyShape *const one[] = {shape};
+    PushtoUndoRedoShapeList(one, 0, ACT_CHANGE);
+    FlipTree(shape, horizontal, 0);
+    Invalidate();
+}
+
+void TMyCAD::FlipHoriz(TMyShape *shape)
+{
+    FlipShape(shape, true);
+}
+
+void TMyCAD::FlipVert(TMyShape *shape)
+{
+    FlipShape(shape, false);
+}
+
+void TMyCAD::LockUnLockforShapes(TMyShape *shape, bool locked)
+{
+    if (shape)
+        LockShape(shape, locked);
+}
+
+void TMyCAD::Rotate(TMyShape *shape, float angle)
+{
+    if (!shape)
+        return;
+    if (m_OnShapeCodeRotating)
+        m_OnShapeCodeRotating(this, shape, angle);
+    shape->SetAngle(angle);
+    ChangeLinkShapes(shape);
+    Invalidate();
+}
+
+float TMyCAD::Tilt(TMyShape *shape, TMyPoint centre, TMyPoint from, TMyPoint to, bool constrained)
+{
+    if (!shape)
+        return 0;
+    const double angle = shape->GetRotatedAngle(centre, from, to, constrained);
+    RotateChangeValueforShapes(shape, centre, angle);
+    ChangeLinkShapes(shape);
+    return float(angle);
+}
+
+void TMyCAD::RotateChangeValueforShapes(TMyShape *shape, TMyPoint centre, double angle)
+{
+    RotateTree(shape, centre, angle, 0);
+    Invalidate();
+}
+
+// ChangeLinkShapes, which re-routes the connectors of moved shapes, lives with the other
+// connector operations in routing.cpp.
+
+} // namespace tessal

@@ -1,0 +1,321 @@
+// SPDX-License-Identifier: MIT
+// The undo history: recording steps as shape copies and taking the newest step back.
+#include <tessal/surface/cad.h>
+
+#include <tessal/shapes/line.h>
+#include <tessal/shapes/link.h>
+#include <tessal/shapes/shape.h>
+#include <tessal/shapes/shapetools.h>
+
+#include <algorithm>
+#include <unordered_map>
+
+namespace tessal {
+
+namespace {
+
+// Everything a step must be able to give back. Assign carries geometry, appearance and
+// relations but leaves out the text point, the identity and a few flags; a line's Assign
+// also keeps the copy's own arrow offset.
+void CopyWholeState(TMyShape &to, const TMyShape &from)
+{
+    to.Assign(from);
+    to.SetTextPoint(from.TextPoint());
+    to.SetShapeId(from.ShapeId());
+    to.SetShapeNo(from.ShapeNo());
+    to.SetName(from.Name());
+    to.SetVisible(from.Visible());
+    to.SetCaptionShow(from.CaptionShow());
+    to.SetHotShow(from.HotShow());
+    to.SetDragEnable(from.DragEnable());
+    to.SetResizeEnable(from.ResizeEnable());
+    to.SetRotateEnable(from.RotateEnable());
+    to.SetLogUse(from.LogUse());
+    to.SetLogHeight(from.LogHeight());
+    to.SetLogWidth(from.LogWidth());
+    to.SetPenStyleJoinType(from.PenStyleJoinType());
+    to.SetPenStyleEndCapType(from.PenStyleEndCapType());
+    const auto *fromLine = dynamic_cast<const TMyLine *>(&from);
+    if (auto *toLine = dynamic_cast<TMyLine *>(&to); toLine && fromLine)
+        toLine->SetArrowOffset(fromLine->ArrowOffset());
+}
+
+bool IsKnownAction(const QString &action)
+{
+    for (const QString *known :
+         {&ACT_ADD, &ACT_CHANGE, &ACT_DELETE, &ACT_GROUP, &ACT_UNGROUP, &ACT_BRINGTOFRONT,
+          &ACT_SENDTOBACK, &ACT_BRINGTOFRONTBYSTEP, &ACT_SENDTOBACKBYSTEP})
+        if (action == *known)
+            return true;
+    return false;
+}
+
+void ReplaceId(std::int32_t &id, std::int32_t from, std::int32_t to)
+{
+    if (id == from)
+        id = to;
+}
+
+} // namespace
+
+// ---- Recording ----
+
+void TMyCAD::RecordShape(TMyShape *shape, std::int32_t step, const QString &action)
+{
+    TUndoRecord record;
+    record.Copy = CreateShapeByName(shape->ClassName());
+    if (!record.Copy)
+        return;
+    CopyWholeState(*record.Copy, *shape);
+    record.Copy->SetShapeNo(GetShapeNoInMyShapes(shape));
+    // Connectors are not brought back with the shapes they were bound to.
+    record.Copy->LinkShapes().clear();
+    record.Step = step;
+    record.ShapeName = shape->Name().left(255);
+    record.Action = action;
+    if (const TMyShape *parent = GetShapeByNo(shape->ParentNo()))
+        record.ParentId = parent->ShapeId();
+    for (std::int32_t no : shape->ChildShapes())
+        if (const TMyShape *child = GetShapeByNo(no))
+            record.ChildIds.push_back(child->ShapeId());
+    m_UndoList.push_back(std::move(record));
+}
+
+// The shape, then its members depth first. Depth guards a corrupt child list.
+void TMyCAD::RecordTree(TMyShape *shape, std::int32_t step, const QString &action,
+                        bool childrenOnlyFromTop, std::int32_t depth)
+{
+    if (!shape || depth > GetShapesCount())
+        return;
+    RecordShape(shape, step, action);
+    if (childrenOnlyFromTop && shape->HasParentShape())
+        return;
+    for (std::int32_t no : shape->ChildShapes()) {
+        TMyShape *child = GetShapeByNo(no);
+        if (child && child != shape)
+            RecordTree(child, step, action, childrenOnlyFromTop, depth + 1);
+    }
+}
+
+void TMyCAD::PushtoUndoRedoShapeList(std::span<TMyShape *const> shapes, std::int32_t highIndex,
+                                     const QString &action)
+{
+    const std::int32_t last = std::min(highIndex, std::int32_t(shapes.size()) - 1);
+    if (m_UndoRedoSize == 0 || last < 0 || !IsKnownAction(action))
+        return;
+    // Tested by equality on purpose: a history longer than a reduced limit is kept.
+    if (!m_UndoList.empty() && m_UndoList.back().Step == m_UndoRedoSize - 1) {
+        const std::int32_t oldest = m_UndoList.front().Step;
+        const auto kept = std::find_if(m_UndoList.begin(), m_UndoList.end(),
+                                       [oldest](const TUndoRecord &r) { return r.Step != oldest; });
+        m_UndoList.erase(m_UndoList.begin(), kept);
+        for (TUndoRecord &record : m_UndoList)
+            --record.Step;
+    }
+    const std::int32_t step = m_UndoList.empty() ? 0 : m_UndoList.back().Step + 1;
+    if (action == ACT_UNGROUP) {
+        RecordTree(shapes[0], step, action, true, 0);
+    } else if (action == ACT_DELETE || action == ACT_CHANGE) {
+        for (std::int32_t i = last; i >= 0; --i)
+            RecordTree(shapes[std::size_t(i)], step, action, false, 0);
+    } else if (action == ACT_ADD) {
+        for (std::int32_t i = last; i >= 0; --i)
+            if (shapes[std::size_t(i)])
+                RecordShape(shapes[std::size_t(i)], step, action);
+    } else if (shapes[0]) {
+        RecordShape(shapes[0], step, action);
+    }
+}
+
+void TMyCAD::ClearAllUndoStuff()
+{
+    m_UndoList.clear();
+}
+
+// ---- Taking back ----
+
+std::int32_t TMyCAD::PopFromUndoRedoShapeList()
+{
+    if (m_UndoRedoSize == 0 || m_UndoList.empty())
+        return -1;
+    ClearWorkingShapes();
+    const std::int32_t step = m_UndoList.back().Step;
+    std::size_t first = m_UndoList.size();
+    while (first > 0 && m_UndoList[first - 1].Step == step)
+        --first;
+
+    std::vector<TMyShape *> regroup;
+    const TUndoRecord *formerGroup = nullptr;
+    std::vector<const TUndoRecord *> restore;
+    for (std::size_t i = m_UndoList.size(); i-- > first;) {
+        const TUndoRecord &record = m_UndoList[i];
+        const std::int32_t id = record.Copy->ShapeId();
+        if (record.Action == ACT_ADD) {
+            DeleteShapeById(id, false);
+        } else if (record.Action == ACT_DELETE) {
+            restore.push_back(&record);
+        } else if (record.Action == ACT_CHANGE) {
+            TakeBackChange(record);
+        } else if (record.Action == ACT_GROUP) {
+            UnGroupShape(GetShapeByID(id), false);
+        } else if (record.Action == ACT_UNGROUP) {
+            // A former member comes back into a new group only if it still exists: a copy
+            // outside the document cannot be a member.
+            if (record.Copy->HasParentShape() || !record.Copy->HasChildShapes()) {
+                if (TMyShape *live = GetShapeByID(id))
+                    regroup.push_back(live);
+            } else {
+                formerGroup = &record;
+            }
+        } else {
+            TakeBackReorder(record);
+        }
+    }
+    if (!regroup.empty())
+        Regroup(regroup, formerGroup);
+    if (!restore.empty())
+        RestoreShapes(restore);
+    m_UndoList.erase(m_UndoList.begin() + std::ptrdiff_t(first), m_UndoList.end());
+    Invalidate();
+    return step - 1;
+}
+
+// The live shape takes the recorded state but keeps its place in the document: its name,
+// number and relations are those of now. A connector whose ends differ is re-bound, so
+// that the shapes' connector lists keep naming exactly the connectors bound to them.
+void TMyCAD::TakeBackChange(const TUndoRecord &record)
+{
+    TMyShape *live = GetShapeByID(record.Copy->ShapeId());
+    if (!live)
+        return;
+    const std::int32_t parent = live->ParentNo();
+    const std::vector<std::int32_t> children = live->ChildShapes();
+    const std::vector<std::int32_t> links = live->LinkShapes();
+    const QString name = live->Name();
+    const std::int32_t shapeNo = live->ShapeNo();
+    auto *link = dynamic_cast<TMyLinkLine *>(live);
+    const std::int32_t oldStart = link ? link->StartSpNo() : -1;
+    const std::int32_t oldEnd = link ? link->EndSpNo() : -1;
+
+    CopyWholeState(*live, *record.Copy);
+    live->SetParentNo(parent);
+    live->ChildShapes() = children;
+    live->LinkShapes() = links;
+    live->SetName(name);
+    live->SetShapeNo(shapeNo);
+    if (link) {
+        const std::int32_t self = GetShapeNoInMyShapes(link);
+        if (!GetShapeByNo(link->StartSpNo())) {
+            link->SetStartSpNo(-1);
+            link->SetStartSpPtId(-1);
+        }
+        if (!GetShapeByNo(link->EndSpNo())) {
+            link->SetEndSpNo(-1);
+            link->SetEndSpPtId(-1);
+        }
+        for (std::int32_t old : {oldStart, oldEnd})
+            if (old != link->StartSpNo() && old != link->EndSpNo())
+                if (TMyShape *shape = GetShapeByNo(old))
+                    RemoveLinklineShape(*shape, self);
+        for (std::int32_t now : {link->StartSpNo(), link->EndSpNo()})
+            if (TMyShape *shape = GetShapeByNo(now))
+                AddLinklineShape(*shape, self);
+    }
+    ChangeLinkShapes(live);
+}
+
+void TMyCAD::TakeBackReorder(const TUndoRecord &record)
+{
+    TMyShape *live = GetShapeByID(record.Copy->ShapeId());
+    if (!live)
+        return;
+    if (record.Action == ACT_BRINGTOFRONT)
+        SendToBack(live, false);
+    else if (record.Action == ACT_SENDTOBACK)
+        BringToFront(live, false);
+    else if (record.Action == ACT_BRINGTOFRONTBYSTEP)
+        SendToBackByStep(live, false);
+    else if (record.Action == ACT_SENDTOBACKBYSTEP)
+        BringToFrontByStep(live, false);
+}
+
+// The new group has a new identity; the records left in the history that named the former
+// group are made to name it, so that older steps still find it.
+void TMyCAD::Regroup(std::vector<TMyShape *> &members, const TUndoRecord *formerGroup)
+{
+    const std::int32_t newId = GroupShapes(members, false);
+    TMyShape *group = GetShapeByID(newId);
+    if (!group || !formerGroup)
+        return;
+    group->SetUserData(formerGroup->Copy->UserData());
+    group->SetName(formerGroup->ShapeName);
+    const std::int32_t oldId = formerGroup->Copy->ShapeId();
+    for (TUndoRecord &record : m_UndoList) {
+        if (&record == formerGroup)
+            continue;
+        if (record.Copy->ShapeId() == oldId)
+            record.Copy->SetShapeId(newId);
+        ReplaceId(record.ParentId, oldId, newId);
+        for (std::int32_t &child : record.ChildIds)
+            ReplaceId(child, oldId, newId);
+    }
+}
+
+// Deleted shapes come back after the present ones, in the order visited. Relations are
+// resolved by identity once all of them are in the list.
+void TMyCAD::RestoreShapes(const std::vector<const TUndoRecord *> &records)
+{
+    std::unordered_map<std::int32_t, std::int32_t> newNo;
+    std::vector<const TUndoRecord *> todo;
+    std::int32_t next = GetShapesCount();
+    for (const TUndoRecord *record : records) {
+        const std::int32_t id = record->Copy->ShapeId();
+        // A locked member spared by the deletion is still here.
+        if (GetShapeByID(id) || newNo.contains(id))
+            continue;
+        newNo[id] = next++;
+        todo.push_back(record);
+    }
+    for (const TUndoRecord *record : todo) {
+        std::unique_ptr<TMyShape> shape = CreateShapeByName(record->Copy->ClassName());
+        CopyWholeState(*shape, *record->Copy);
+        shape->SetName(record->ShapeName);
+        shape->LinkShapes().clear();
+        shape->SetParentNo(-1);
+        shape->ChildShapes().clear();
+        if (auto *link = dynamic_cast<TMyLinkLine *>(shape.get())) {
+            link->SetStartSpNo(-1);
+            link->SetStartSpPtId(-1);
+            link->SetEndSpNo(-1);
+            link->SetEndSpPtId(-1);
+        }
+        shape->SetShapeNo(GetShapesCount());
+        if (GetLayerNoById(shape->LayerId()) < 0)
+            shape->SetLayerId(m_CurrentLayerId);
+        if (!AddShape(shape.get(), true, true))
+            return;
+        shape.release();
+    }
+    for (const TUndoRecord *record : todo) {
+        const std::int32_t no = newNo.at(record->Copy->ShapeId());
+        TMyShape *shape = GetShapeByNo(no);
+        if (auto it = newNo.find(record->ParentId); it != newNo.end()) {
+            shape->SetParentNo(it->second);
+        } else if (TMyShape *parent = GetShapeByID(record->ParentId)) {
+            shape->SetParentNo(GetShapeNoInMyShapes(parent));
+            parent->ChildShapes().push_back(no);
+            std::sort(parent->ChildShapes().begin(), parent->ChildShapes().end());
+        }
+        for (std::int32_t childId : record->ChildIds) {
+            if (auto it = newNo.find(childId); it != newNo.end()) {
+                shape->ChildShapes().push_back(it->second);
+            } else if (TMyShape *child = GetShapeByID(childId); child && !child->HasParentShape()) {
+                child->SetParentNo(no);
+                shape->ChildShapes().push_back(GetShapeNoInMyShapes(child));
+            }
+        }
+        std::sort(shape->ChildShapes().begin(), shape->ChildShapes().end());
+    }
+}
+
+} // namespace tessal
