@@ -1,0 +1,412 @@
+// SPDX-License-Identifier: MIT
+// The document: identities and names, creation by class, tool and code, deletion with its
+// renumbering, and the layer operations with the shapes on them.
+#include "documenthelpers.h"
+
+#include <tessal/shapes/image.h>
+#include <tessal/shapes/shapefactory.h>
+#include <tessal/shapes/text.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numbers>
+
+using namespace tessal;
+using namespace tessal::test;
+
+namespace {
+
+// Installs a no-layer handler that counts its calls, for the lifetime of the object.
+struct TNoLayerSpy
+{
+    int Calls = 0;
+    TMyCAD::TNoLayerHandler Old;
+    TNoLayerSpy()
+    {
+        Old = TMyCAD::SetNoLayerHandler([this](TMyCAD *) { ++Calls; });
+    }
+    ~TNoLayerSpy() { TMyCAD::SetNoLayerHandler(Old); }
+};
+
+} // namespace
+
+TEST(Document, IdentitiesNamesAndLookUps)
+{
+    TMyCAD cad;
+    TMyShape *first = cad.CreateAddShapeByName(QStringLiteral("TMyEllipse"));
+    ASSERT_NE(first, nullptr);
+    EXPECT_EQ(first->ClassName(), QStringLiteral("TMyEllipse"));
+    EXPECT_EQ(first->Name(), QStringLiteral("Shape0"));
+    EXPECT_EQ(first->Caption(), QStringLiteral("Shape0"));
+    EXPECT_EQ(first->ShapeId(), 0);
+    EXPECT_EQ(first->LayerId(), 0);
+    for (int i = 1; i < 4; ++i)
+        cad.CreateAddShapeByName(QStringLiteral("TMyRectangle"), first);
+    // A copy takes the source's state but its own identity.
+    EXPECT_EQ(cad.GetShapeByNo(2)->Name(), QStringLiteral("Shape2"));
+    EXPECT_EQ(cad.GetShapeByNo(2)->ClassName(), QStringLiteral("TMyRectangle"));
+    EXPECT_EQ(cad.CreateAddShapeByName(QStringLiteral("TMyNothing")), nullptr);
+    EXPECT_EQ(cad.ShapeIdCounter(), 4);
+
+    // Identities are never reused after deletions.
+    EXPECT_TRUE(cad.DeleteShapeById(3, false));
+    EXPECT_TRUE(cad.DeleteShapeById(1, false));
+    const TMyPoint box[] = {{0, 0}, {5, 5}};
+    EXPECT_EQ(cad.AddShapeByCode(TDrawTool::SpRectangle, {}, box, 0, {}), 4);
+    EXPECT_EQ(cad.GetShapeByNo(2)->Name(), QStringLiteral("Shape4"));
+    EXPECT_EQ(cad.GetShapeByID(1), nullptr);
+    EXPECT_EQ(cad.GetShapeNoById(4), 2);
+    EXPECT_EQ(cad.GetShapeByName(QStringLiteral("Shape2")), cad.GetShapeByNo(1));
+    EXPECT_EQ(cad.GetShapeNoInMyShapes(cad.GetShapeByID(2)), 1);
+    EXPECT_EQ(cad.GetShapeByName(QStringLiteral("Shape1")), nullptr);
+
+    // A shape holding the counter's value (added without counting) is found by number but
+    // not by identity: the counter bounds the search.
+    auto stray = cad.CreateShapeByName(QStringLiteral("TMyLine"));
+    stray->SetShapeId(cad.ShapeIdCounter());
+    ASSERT_TRUE(cad.AddShape(stray.release(), false, true));
+    EXPECT_EQ(cad.GetShapeNoById(5), 3);
+    EXPECT_EQ(cad.GetShapeByID(5), nullptr);
+    EXPECT_EQ(cad.GetShapeByID(-1), nullptr);
+
+    EXPECT_FALSE(cad.RenameShapeName(QStringLiteral("Shape0"), QStringLiteral("Shape0")));
+    EXPECT_FALSE(cad.RenameShapeName(QStringLiteral("Shape0"), QStringLiteral("Shape2")));
+    EXPECT_FALSE(cad.RenameShapeName(QStringLiteral("Nope"), QStringLiteral("Door")));
+    EXPECT_EQ(first->Name(), QStringLiteral("Shape0"));
+    EXPECT_TRUE(cad.RenameShapeName(QStringLiteral("Shape0"), QStringLiteral("Door")));
+    EXPECT_EQ(cad.GetShapeByName(QStringLiteral("Door")), first);
+}
+
+TEST(Document, CreationByClassAndTool)
+{
+    TMyCAD cad;
+    for (const QString &name : ShapeClassNames()) {
+        const auto shape = cad.CreateShapeByName(name);
+        ASSERT_NE(shape, nullptr) << name.toStdString();
+        EXPECT_EQ(shape->ClassName(), name);
+        EXPECT_EQ(shape->Host(), &cad);
+    }
+    EXPECT_EQ(ShapeClassNames().size(), 17);
+    EXPECT_EQ(cad.CreateShapeByName(QStringLiteral("tmyline")), nullptr);
+
+    const std::pair<TDrawTool, const char *> tools[] = {
+        {TDrawTool::SpLinkLine, "TMyLinkLine"},
+        {TDrawTool::SpLine, "TMyLine"},
+        {TDrawTool::SpRuleLine, "TMyRuleLine"},
+        {TDrawTool::SpPolyLine, "TMyPolyLine"},
+        {TDrawTool::SpRectangle, "TMyRectangle"},
+        {TDrawTool::SpLinkPoint, "TMyLinkPoint"},
+        {TDrawTool::SpLineLinkLine, "TMyLineLinkLine"},
+        {TDrawTool::SpEllipse, "TMyEllipse"},
+        {TDrawTool::SpText, "TMyText"},
+        {TDrawTool::SpImage, "TMyImage"},
+        {TDrawTool::SpPolygon, "TMyPolygon"},
+        {TDrawTool::SpPolyBezier, "TMyPolyBezier"},
+        {TDrawTool::SpElliArc, "TMyElliArc"},
+        {TDrawTool::SpFreeLine, "TMyFreeLine"},
+        {TDrawTool::SpBLine, "TMyBLine"}};
+    for (const auto &[tool, name] : tools) {
+        const auto shape = cad.CreateShapeBySpTool(tool);
+        ASSERT_NE(shape, nullptr) << name;
+        EXPECT_EQ(shape->ClassName(), QLatin1String(name));
+    }
+    for (TDrawTool tool : {TDrawTool::SpSelecting, TDrawTool::SpRotateSelecting, TDrawTool::SpClose,
+                           TDrawTool::SpDragWhole, TDrawTool::SpBrowse})
+        EXPECT_EQ(cad.CreateShapeBySpTool(tool), nullptr);
+}
+
+TEST(Document, AddShapeByCodePoints)
+{
+    TMyCAD cad;
+    std::vector<std::pair<TMyShape *, std::int32_t>> added;
+    cad.SetOnShapeAdded([&added](TMyCAD *, TMyShape *shape, std::int32_t count) {
+        added.push_back({shape, count});
+    });
+
+    // Two opposite corners make the four corners in drawing order.
+    const TMyPoint corners[] = {{30, 40}, {10, 5}};
+    const std::int32_t rect =
+        cad.AddShapeByCode(TDrawTool::SpRectangle, QStringLiteral("Box"), corners, 0, {});
+    TMyShape *r = cad.GetShapeByID(rect);
+    ASSERT_NE(r, nullptr);
+    EXPECT_EQ(r->Points(), (TMyPointArray{{30, 40}, {10, 40}, {10, 5}, {30, 5}}));
+    EXPECT_EQ(r->CenterPoint(), (TMyPoint{20, 22.5f}));
+    EXPECT_EQ(r->TextPoint(), (TMyPoint{20, 50}));
+    EXPECT_EQ(r->Caption(), QStringLiteral("Box"));
+    EXPECT_EQ(r->Name(), QStringLiteral("Shape0"));
+    ASSERT_EQ(added.size(), 1u);
+    EXPECT_EQ(added[0], (std::pair<TMyShape *, std::int32_t>{r, 1}));
+    EXPECT_EQ(cad.WorkingShapes(), std::vector<TMyShape *>{r});
+    EXPECT_EQ(cad.CurrentShape(), r);
+    ASSERT_EQ(cad.UndoRedoShapeList().size(), 1u);
+    EXPECT_EQ(cad.UndoRedoShapeList()[0].Action, ACT_ADD);
+
+    // A polygon is closed by a repeat of its first point; a polyline keeps what it is given.
+    const TMyPoint tri[] = {{0, 0}, {10, 0}, {0, 10}};
+    TMyShape *poly = cad.GetShapeByID(cad.AddShapeByCode(TDrawTool::SpPolygon, {}, tri, 0, {}));
+    EXPECT_EQ(poly->Points(), (TMyPointArray{{0, 0}, {10, 0}, {0, 10}, {0, 0}}));
+    TMyShape *chain = cad.GetShapeByID(cad.AddShapeByCode(TDrawTool::SpPolyLine, {}, tri, 0, {}));
+    EXPECT_EQ(chain->Points(), (TMyPointArray(std::begin(tri), std::end(tri))));
+    EXPECT_EQ(chain->TextPoint(), (TMyPoint{5, 5}));
+
+    // Refusals: no shape for the tool, too few points, a Bezier without whole pieces.
+    const std::size_t before = added.size();
+    EXPECT_EQ(cad.AddShapeByCode(TDrawTool::SpSelecting, {}, tri, 0, {}), -1);
+    EXPECT_EQ(cad.AddShapeByCode(TDrawTool::SpLine, {}, std::span(tri, 1), 0, {}), -1);
+    EXPECT_EQ(cad.AddShapeByCode(TDrawTool::SpRectangle, {}, tri, 0, {}), -1);
+    EXPECT_EQ(cad.AddShapeByCode(TDrawTool::SpPolyBezier, {}, tri, 0, {}), -1);
+    EXPECT_EQ(added.size(), before);
+    EXPECT_EQ(cad.ShapeIdCounter(), 3);
+
+    // Text takes the text; the angle turns the shape about its centre.
+    const TMyPoint box[] = {{0, 0}, {20, 10}};
+    auto *text = dynamic_cast<TMyText *>(cad.GetShapeByID(
+        cad.AddShapeByCode(TDrawTool::SpText, {}, box, 0, QStringLiteral("a\nb"))));
+    ASSERT_NE(text, nullptr);
+    EXPECT_EQ(text->Info(), QStringLiteral("a\nb"));
+    EXPECT_EQ(text->Lines(), (QStringList{QStringLiteral("a"), QStringLiteral("b")}));
+    TMyShape *turned = cad.GetShapeByID(
+        cad.AddShapeByCode(TDrawTool::SpPolyLine, {}, box, std::numbers::pi / 2, {}));
+    EXPECT_FLOAT_EQ(turned->Angle(), float(std::numbers::pi / 2));
+    EXPECT_NEAR(turned->GetPoint(0).X, 15, 1e-4);
+    EXPECT_NEAR(turned->GetPoint(0).Y, -5, 1e-4);
+}
+
+TEST(Document, AddShapeByBoxAndImage)
+{
+    TMyCAD cad;
+    // Four vertices on the ellipse of the box, clockwise from the top, then the closing
+    // repeat.
+    TMyShape *diamond = cad.GetShapeByID(
+        cad.AddShapeByCode2(TDrawTool::SpPolygon, {}, {10, 20}, 100, 50, 4, 0, {}));
+    ASSERT_NE(diamond, nullptr);
+    const TMyPointArray expected{{60, 20}, {110, 45}, {60, 70}, {10, 45}, {60, 20}};
+    ASSERT_EQ(diamond->GetPointsCount(), 5);
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        EXPECT_NEAR(diamond->Points()[i].X, expected[i].X, 1e-4) << i;
+        EXPECT_NEAR(diamond->Points()[i].Y, expected[i].Y, 1e-4) << i;
+    }
+    TMyShape *line =
+        cad.GetShapeByID(cad.AddShapeByCode2(TDrawTool::SpLine, {}, {1, 2}, 30, -2, 9, 0, {}));
+    EXPECT_EQ(line->Points(), (TMyPointArray{{1, 2}, {31, 0}}));
+    TMyShape *wave = cad.GetShapeByID(
+        cad.AddShapeByCode2(TDrawTool::SpPolyBezier, {}, {0, 0}, 60, 10, 2, 0, {}));
+    EXPECT_EQ(wave->Points(),
+              (TMyPointArray{{0, 5}, {10, 0}, {20, 10}, {30, 5}, {40, 0}, {50, 10}, {60, 5}}));
+
+    TBitmap picture(30, 20);
+    picture.Fill(clRed);
+    auto *image =
+        dynamic_cast<TMyImage *>(cad.GetShapeByID(cad.AddImageShapeByCode({}, {5, 6}, picture)));
+    ASSERT_NE(image, nullptr);
+    EXPECT_EQ(image->Points(), (TMyPointArray{{5, 6}, {35, 6}, {35, 26}, {5, 26}}));
+    EXPECT_EQ(image->Bitmap(), picture);
+    EXPECT_EQ(cad.AddImageShapeByCode(QStringLiteral("/nonexistent.bmp"), {0, 0}, TBitmap()), -1);
+}
+
+// A hand-built document: A B C D, the group G of B and C, connectors L (A to D) and M (C to
+// D), and E. Deleting takes shapes out and renumbers every relation.
+TEST(Document, DeletionRenumbersRelations)
+{
+    TMyCAD cad;
+    TMyShape *a = AddRectangle(cad, 0, 0, 10, 10);
+    TMyShape *b = AddRectangle(cad, 20, 0, 30, 10);
+    TMyShape *c = AddRectangle(cad, 40, 0, 50, 10);
+    TMyShape *d = AddRectangle(cad, 60, 0, 70, 10);
+    TMyShape *const members[] = {b, c};
+    TMyShape *g = cad.GetShapeByID(cad.GroupShapes(members, false));
+    TMyLinkLine *l = AddConnector(cad, a, d);
+    TMyLinkLine *m = AddConnector(cad, c, d);
+    TMyShape *e = AddRectangle(cad, 80, 0, 90, 10);
+    ASSERT_EQ(cad.GetShapeNoInMyShapes(e), 7);
+    ASSERT_TRUE(RelationsValid(cad));
+
+    std::vector<std::pair<TMyShape *, std::int32_t>> deleted;
+    cad.SetOnShapeDeleted([&deleted](TMyCAD *s, TMyShape *shape) {
+        deleted.push_back({shape, s->GetShapeNoInMyShapes(shape)});
+    });
+    cad.SetWorkingShapes(std::vector<TMyShape *>{e, b});
+    ASSERT_EQ(cad.WorkingShapes(), (std::vector<TMyShape *>{e, g}));
+
+    ASSERT_TRUE(cad.DeleteShapeById(a->ShapeId(), false));
+    ASSERT_EQ(deleted.size(), 1u);
+    EXPECT_EQ(deleted[0].second, 0); // still in the list when announced
+    EXPECT_TRUE(cad.WorkingShapes().empty());
+    // B C D G L M E are now 0 to 6.
+    EXPECT_EQ(g->ChildShapes(), (std::vector<std::int32_t>{0, 1}));
+    EXPECT_EQ(b->ParentNo(), 3);
+    EXPECT_EQ(c->ParentNo(), 3);
+    EXPECT_EQ(l->StartSpNo(), -1);
+    EXPECT_EQ(l->StartSpPtId(), -1);
+    EXPECT_EQ(l->EndSpNo(), 2);
+    EXPECT_EQ(l->EndSpPtId(), 1);
+    EXPECT_EQ(m->StartSpNo(), 1);
+    EXPECT_EQ(m->EndSpNo(), 2);
+    EXPECT_EQ(d->LinkShapes(), (std::vector<std::int32_t>{4, 5}));
+    EXPECT_EQ(c->LinkShapes(), (std::vector<std::int32_t>{5}));
+    EXPECT_EQ(e->ShapeNo(), 6);
+    EXPECT_TRUE(RelationsValid(cad));
+
+    // The group goes with its members; M lets go of C and stays.
+    ASSERT_TRUE(cad.DeleteShapeById(g->ShapeId(), false));
+    EXPECT_EQ(deleted.size(), 2u);
+    ASSERT_EQ(cad.GetShapesCount(), 4); // D L M E
+    EXPECT_EQ(m->StartSpNo(), -1);
+    EXPECT_EQ(m->EndSpNo(), 0);
+    EXPECT_EQ(l->EndSpNo(), 0);
+    EXPECT_EQ(d->LinkShapes(), (std::vector<std::int32_t>{1, 2}));
+    EXPECT_TRUE(RelationsValid(cad));
+
+    // A deleted connector leaves its shape's list.
+    ASSERT_TRUE(cad.DeleteShapeById(l->ShapeId(), false));
+    EXPECT_EQ(d->LinkShapes(), (std::vector<std::int32_t>{1}));
+    EXPECT_EQ(m->EndSpNo(), 0);
+    EXPECT_TRUE(RelationsValid(cad));
+
+    // Locked shapes stay; a locked member survives its group as a top-level shape.
+    e->SetLockedFlag(true);
+    EXPECT_FALSE(cad.DeleteShapeById(e->ShapeId(), false));
+    EXPECT_EQ(cad.GetShapeNoInMyShapes(e), 2);
+    TMyShape *f = AddRectangle(cad, 0, 50, 10, 60);
+    TMyShape *h = AddRectangle(cad, 20, 50, 30, 60);
+    TMyShape *const pair[] = {f, h};
+    TMyShape *k = cad.GetShapeByID(cad.GroupShapes(pair, false));
+    h->SetLockedFlag(true);
+    ASSERT_TRUE(cad.DeleteShapeById(k->ShapeId(), false));
+    EXPECT_EQ(cad.GetShapeNoInMyShapes(f), -1);
+    EXPECT_EQ(cad.GetShapeNoInMyShapes(h), 3);
+    EXPECT_EQ(h->ParentNo(), -1);
+    EXPECT_TRUE(RelationsValid(cad));
+    EXPECT_FALSE(cad.DeleteShapeById(99, false));
+}
+
+TEST(Document, RelationsAndSelectionDeletes)
+{
+    TMyCAD cad;
+    TMyShape *a = AddRectangle(cad, 0, 0, 10, 10);
+    TMyShape *b = AddRectangle(cad, 20, 0, 30, 10);
+    TMyShape *c = AddRectangle(cad, 40, 0, 50, 10);
+    TMyShape *const ab[] = {a, b};
+    TMyShape *g = cad.GetShapeByID(cad.GroupShapes(ab, false));
+    TMyShape *const gc[] = {g, c};
+    TMyShape *outer = cad.GetShapeByID(cad.GroupShapes(gc, false));
+    TMyShape *d = AddRectangle(cad, 60, 0, 70, 10);
+    // a b c g outer d
+    EXPECT_EQ(cad.GetRootParentShape(a), outer);
+    EXPECT_TRUE(cad.areTheyBrother(a, c));
+    EXPECT_TRUE(cad.areTheyBrother(a, b));
+    EXPECT_FALSE(cad.areTheyBrother(a, a));
+    EXPECT_FALSE(cad.areTheyBrother(a, outer));
+    EXPECT_FALSE(cad.areTheyBrother(a, d));
+    EXPECT_EQ(cad.GetNextSingleorRootShape(0), outer);
+    EXPECT_EQ(cad.GetNextSingleorRootShape(4), d);
+    EXPECT_EQ(cad.GetNextSingleorRootShape(5), nullptr);
+    EXPECT_EQ(cad.GetPrevSingleorRootShape(5), outer);
+    EXPECT_EQ(cad.GetPrevSingleorRootShape(4), nullptr);
+
+    // Deleting the selection is one step; a locked working shape stays.
+    d->SetLockedFlag(true);
+    cad.ClearAllUndoStuff();
+    cad.SetWorkingShapes(std::vector<TMyShape *>{a, d});
+    cad.DeleteSelectedShapes();
+    ASSERT_EQ(cad.GetShapesCount(), 1);
+    EXPECT_EQ(cad.GetShapeByNo(0), d);
+    EXPECT_EQ(StepCount(cad), 1);
+    EXPECT_EQ(cad.UndoRedoShapeList().size(), 5u); // outer, g, a, b, c
+
+    cad.DeleteAllShapes();
+    EXPECT_EQ(cad.GetShapesCount(), 0);
+    EXPECT_EQ(cad.ShapeIdCounter(), 6);
+}
+
+TEST(Document, LayerEditsAndShapesOnLayers)
+{
+    TMyCAD cad;
+    std::vector<std::pair<std::int32_t, QString>> removed;
+    cad.SetOnDeleteLayer([&removed](TMyCAD *s, std::int32_t id, const QString &name, bool) {
+        EXPECT_EQ(s->GetLayerNoById(id), -1); // gone from the table when announced
+        removed.push_back({id, name});
+    });
+    EXPECT_EQ(cad.NewLayer(QStringLiteral("Walls"), true), 1);
+    EXPECT_FALSE(cad.SetLayerNameByID(1, QStringLiteral("Layer0")));
+    EXPECT_FALSE(cad.SetLayerNameByID(7, QStringLiteral("X")));
+    EXPECT_TRUE(cad.SetLayerNameByID(1, QStringLiteral("Walls"))); // its own name
+    EXPECT_TRUE(cad.SetLayerNameByName(QStringLiteral("Walls"), QStringLiteral("Doors")));
+    EXPECT_EQ(cad.GetLayerNameByID(1), QStringLiteral("Doors"));
+    EXPECT_FALSE(cad.SetLayerNameByName(QStringLiteral("Walls"), QStringLiteral("Y")));
+
+    EXPECT_TRUE(cad.InVisibleLayerByID(0));
+    EXPECT_TRUE(cad.InVisibleLayerByName(QStringLiteral("Doors")));
+    EXPECT_FALSE(cad.IsVisibleLayerByID(0));
+    EXPECT_FALSE(cad.IsVisibleLayerByID(1));
+    EXPECT_TRUE(cad.VisibleLayerByName(QStringLiteral("Doors")));
+    EXPECT_TRUE(cad.IsVisibleLayerByID(1));
+    EXPECT_FALSE(cad.VisibleLayerByID(5));
+    cad.VisibleAllLayer();
+    EXPECT_TRUE(cad.IsVisibleLayerByID(0));
+
+    // Shapes join the current layer.
+    EXPECT_FALSE(cad.SetCurrentLayerId(9));
+    ASSERT_TRUE(cad.SetCurrentLayerId(0));
+    TMyShape *a = AddRectangle(cad, 0, 0, 10, 10);
+    TMyShape *b = AddRectangle(cad, 20, 0, 30, 10);
+    ASSERT_TRUE(cad.SetCurrentLayerId(1));
+    TMyShape *c = AddRectangle(cad, 40, 0, 50, 10);
+    TMyShape *d = AddRectangle(cad, 60, 0, 70, 10);
+    TMyShape *const cd[] = {c, d};
+    TMyShape *g = cad.GetShapeByID(cad.GroupShapes(cd, false));
+    ASSERT_TRUE(cad.SetCurrentLayerId(0));
+    TMyLinkLine *link = AddConnector(cad, a, c);
+    EXPECT_EQ(cad.GetShapesByLayerId(1), (std::vector<TMyShape *>{c, d, g}));
+    EXPECT_EQ(cad.GetShapesCountInALayer(0), 3);
+    cad.SelectAllShapesByLayerId(1);
+    EXPECT_EQ(cad.WorkingShapes(), std::vector<TMyShape *>{g});
+
+    // Merging moves the shapes and removes the layer.
+    ASSERT_EQ(cad.NewLayer(QStringLiteral("Notes"), true), 2);
+    TMyShape *n = AddRectangle(cad, 0, 40, 10, 50);
+    EXPECT_FALSE(cad.MergeLayers(2, 2));
+    EXPECT_FALSE(cad.MergeLayers(2, 8));
+    ASSERT_TRUE(cad.MergeLayers(2, 1));
+    EXPECT_EQ(n->LayerId(), 1);
+    EXPECT_EQ(cad.CurrentLayerId(), 1);
+    EXPECT_EQ(removed.back(), (std::pair<std::int32_t, QString>{2, QStringLiteral("Notes")}));
+
+    // Deleting layer 1 removes its shapes, a locked one too; the connector on layer 0 lets
+    // go of C and stays.
+    d->SetLockedFlag(true);
+    ASSERT_TRUE(cad.DeleteLayerByName(QStringLiteral("Doors")));
+    EXPECT_EQ(cad.GetShapesCount(), 3);
+    EXPECT_EQ(cad.GetShapeNoInMyShapes(link), 2);
+    EXPECT_EQ(link->StartSpNo(), 0);
+    EXPECT_EQ(link->EndSpNo(), -1);
+    EXPECT_EQ(a->LinkShapes(), (std::vector<std::int32_t>{2}));
+    EXPECT_TRUE(RelationsValid(cad));
+    EXPECT_EQ(cad.CurrentLayerId(), 0);
+    EXPECT_FALSE(cad.DeleteLayerByID(1));
+    EXPECT_EQ(cad.GetShapesCount(), 3);
+    (void)b;
+
+    // Layer identities are not reused; the 255 bound counts layers, not identities.
+    for (int i = 1; i < TMyCAD::MaxLayers; ++i)
+        ASSERT_GE(cad.NewLayer(QStringLiteral("L%1").arg(i), true), 0);
+    EXPECT_EQ(cad.NewLayer(QStringLiteral("more"), true), -1);
+    ASSERT_TRUE(cad.DeleteLayerByID(3));
+    EXPECT_EQ(cad.NewLayer(QStringLiteral("more"), true), 257);
+
+    // Without layers nothing can be added; the handler decides what happens.
+    TNoLayerSpy spy;
+    removed.clear();
+    cad.DeleteAllLayers();
+    EXPECT_EQ(removed.size(), 255u);
+    EXPECT_EQ(cad.GetShapesCount(), 0);
+    EXPECT_EQ(cad.CurrentLayerId(), -1);
+    auto orphan = cad.CreateShapeByName(QStringLiteral("TMyLine"));
+    EXPECT_FALSE(cad.AddShape(orphan.get(), false, false));
+    EXPECT_EQ(spy.Calls, 1);
+    const TMyPoint box[] = {{0, 0}, {5, 5}};
+    EXPECT_EQ(cad.AddShapeByCode(TDrawTool::SpRectangle, {}, box, 0, {}), -1);
+    EXPECT_EQ(spy.Calls, 2);
+    EXPECT_EQ(cad.GetShapesCount(), 0);
+}

@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: MIT
+// Builders and checks for document tests: shapes drawn by code, bound connectors, a
+// field-level snapshot keyed by identity, and the consistency of every shape number.
+#pragma once
+
+#include <tessal/shapes/link.h>
+#include <tessal/shapes/shape.h>
+#include <tessal/shapes/shapetools.h>
+#include <tessal/surface/cad.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+#include <vector>
+
+namespace tessal::test {
+
+inline TMyShape *AddRectangle(TMyCAD &cad, float l, float t, float r, float b)
+{
+    const TMyPoint corners[] = {{l, t}, {r, b}};
+    return cad.GetShapeByID(cad.AddShapeByCode(TDrawTool::SpRectangle, {}, corners, 0, {}));
+}
+
+// A connector from a to b, bound at both ends the way the binding operations leave it: the
+// ends name the shapes' numbers and each shape lists the connector.
+inline TMyLinkLine *AddConnector(TMyCAD &cad, TMyShape *a, TMyShape *b)
+{
+    const TMyPoint ends[] = {a->GetCenterPoint(), b->GetCenterPoint()};
+    auto *link = dynamic_cast<TMyLinkLine *>(
+        cad.GetShapeByID(cad.AddShapeByCode(TDrawTool::SpLinkLine, {}, ends, 0, {})));
+    const std::int32_t self = cad.GetShapeNoInMyShapes(link);
+    link->SetStartSpNo(cad.GetShapeNoInMyShapes(a));
+    link->SetStartSpPtId(0);
+    link->SetEndSpNo(cad.GetShapeNoInMyShapes(b));
+    link->SetEndSpPtId(1);
+    AddLinklineShape(*a, self);
+    AddLinklineShape(*b, self);
+    return link;
+}
+
+inline std::int32_t IdAt(const TMyCAD &cad, std::int32_t no)
+{
+    const TMyShape *shape = cad.GetShapeByNo(no);
+    return shape ? shape->ShapeId() : -1;
+}
+
+// A shape's fields with every shape number replaced by the identity it names, so that
+// documents compare equal however their lists are ordered.
+struct TShapeState
+{
+    QString Class;
+    QString Name;
+    std::int32_t Id = -1;
+    TMyPointArray Points;
+    std::int32_t Layer = -1;
+    std::int32_t ParentId = -1;
+    std::vector<std::int32_t> ChildIds;
+    std::vector<std::int32_t> LinkIds;
+    std::int32_t StartId = -1, StartPt = -1, EndId = -1, EndPt = -1;
+    friend bool operator==(const TShapeState &, const TShapeState &) = default;
+};
+
+inline std::map<std::int32_t, TShapeState> Snapshot(const TMyCAD &cad)
+{
+    std::map<std::int32_t, TShapeState> states;
+    for (std::int32_t no = 0; no < cad.GetShapesCount(); ++no) {
+        const TMyShape *shape = cad.GetShapeByNo(no);
+        TShapeState s;
+        s.Class = shape->ClassName();
+        s.Name = shape->Name();
+        s.Id = shape->ShapeId();
+        s.Points = shape->Points();
+        s.Layer = shape->LayerId();
+        s.ParentId = IdAt(cad, shape->ParentNo());
+        for (std::int32_t child : shape->ChildShapes())
+            s.ChildIds.push_back(IdAt(cad, child));
+        std::sort(s.ChildIds.begin(), s.ChildIds.end());
+        for (std::int32_t link : shape->LinkShapes())
+            s.LinkIds.push_back(IdAt(cad, link));
+        std::sort(s.LinkIds.begin(), s.LinkIds.end());
+        if (const auto *link = dynamic_cast<const TMyLinkLine *>(shape)) {
+            s.StartId = IdAt(cad, link->StartSpNo());
+            s.StartPt = link->StartSpPtId();
+            s.EndId = IdAt(cad, link->EndSpNo());
+            s.EndPt = link->EndSpPtId();
+        }
+        states[s.Id] = s;
+    }
+    return states;
+}
+
+// Every number is a list position: ShapeNo, parents and child lists agree both ways, child
+// lists ascend, and a connector is listed by exactly the shapes its ends are bound to.
+inline ::testing::AssertionResult RelationsValid(const TMyCAD &cad)
+{
+    const std::int32_t n = cad.GetShapesCount();
+    for (std::int32_t no = 0; no < n; ++no) {
+        const TMyShape *shape = cad.GetShapeByNo(no);
+        const auto fail = [&](const char *what) {
+            return ::testing::AssertionFailure() << what << " at shape " << no;
+        };
+        if (shape->ShapeNo() != no)
+            return fail("ShapeNo differs from position");
+        if (const TMyShape *parent = cad.GetShapeByNo(shape->ParentNo())) {
+            const auto &siblings = parent->ChildShapes();
+            if (std::find(siblings.begin(), siblings.end(), no) == siblings.end())
+                return fail("parent does not list the member");
+        } else if (shape->ParentNo() != -1) {
+            return fail("parent number out of range");
+        }
+        const auto &children = shape->ChildShapes();
+        if (!std::is_sorted(children.begin(), children.end()))
+            return fail("child list not ascending");
+        for (std::int32_t child : children)
+            if (!cad.GetShapeByNo(child) || cad.GetShapeByNo(child)->ParentNo() != no)
+                return fail("member does not name its group");
+        for (std::int32_t k : shape->LinkShapes()) {
+            const auto *link = dynamic_cast<const TMyLinkLine *>(cad.GetShapeByNo(k));
+            if (!link || (link->StartSpNo() != no && link->EndSpNo() != no))
+                return fail("listed connector is not bound to the shape");
+        }
+        if (const auto *link = dynamic_cast<const TMyLinkLine *>(shape)) {
+            for (std::int32_t end : {link->StartSpNo(), link->EndSpNo()}) {
+                if (end == -1)
+                    continue;
+                const TMyShape *bound = cad.GetShapeByNo(end);
+                if (!bound ||
+                    std::count(bound->LinkShapes().begin(), bound->LinkShapes().end(), no) != 1)
+                    return fail("bound shape does not list the connector");
+            }
+        }
+    }
+    return ::testing::AssertionSuccess();
+}
+
+// The number of steps in the history.
+inline std::int32_t StepCount(const TMyCAD &cad)
+{
+    const auto &list = cad.UndoRedoShapeList();
+    return list.empty() ? 0 : list.back().Step + 1;
+}
+
+} // namespace tessal::test

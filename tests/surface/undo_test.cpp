@@ -1,0 +1,272 @@
+// SPDX-License-Identifier: MIT
+// The undo history: eviction and numbering, what each action gives back, and random edit
+// sequences taken back step by step.
+#include "documenthelpers.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+using namespace tessal;
+using namespace tessal::test;
+
+TEST(Undo, EvictionKeepsStepsNumberedFromZero)
+{
+    TMyCAD cad;
+    ASSERT_EQ(cad.UndoRedoSize(), 10);
+    for (int i = 0; i < 11; ++i)
+        AddRectangle(cad, float(i), 0, float(i) + 5, 5);
+    const auto &list = cad.UndoRedoShapeList();
+    ASSERT_EQ(list.size(), 10u);
+    for (int i = 0; i < 10; ++i) {
+        EXPECT_EQ(list[std::size_t(i)].Step, i);
+        // The first shape's step was evicted.
+        EXPECT_EQ(list[std::size_t(i)].Copy->ShapeId(), i + 1);
+        EXPECT_EQ(list[std::size_t(i)].ShapeName, QStringLiteral("Shape%1").arg(i + 1));
+    }
+    for (int expected = 8; expected >= -1; --expected)
+        EXPECT_EQ(cad.PopFromUndoRedoShapeList(), expected);
+    EXPECT_TRUE(list.empty());
+    ASSERT_EQ(cad.GetShapesCount(), 1);
+    EXPECT_EQ(cad.GetShapeByNo(0)->ShapeId(), 0);
+    EXPECT_EQ(cad.PopFromUndoRedoShapeList(), -1);
+    EXPECT_EQ(cad.GetShapesCount(), 1);
+}
+
+TEST(Undo, SizeLimitsAndSwitchingOff)
+{
+    TMyCAD cad;
+    for (int i = 0; i < 10; ++i)
+        AddRectangle(cad, 0, 0, 5, 5);
+    // A smaller limit does not trim a longer history: eviction waits for equality.
+    cad.SetUndoRedoSize(4);
+    AddRectangle(cad, 0, 0, 5, 5);
+    EXPECT_EQ(StepCount(cad), 11);
+    EXPECT_EQ(cad.UndoRedoShapeList().front().Copy->ShapeId(), 0);
+
+    cad.SetUndoRedoSize(0);
+    EXPECT_TRUE(cad.UndoRedoShapeList().empty());
+    AddRectangle(cad, 0, 0, 5, 5);
+    EXPECT_TRUE(cad.UndoRedoShapeList().empty());
+    EXPECT_EQ(cad.PopFromUndoRedoShapeList(), -1);
+    EXPECT_EQ(cad.GetShapesCount(), 12);
+
+    // Limit 3: the fourth step evicts the first.
+    cad.SetUndoRedoSize(3);
+    for (int i = 0; i < 4; ++i)
+        AddRectangle(cad, 0, 0, 5, 5);
+    ASSERT_EQ(StepCount(cad), 3);
+    EXPECT_EQ(cad.UndoRedoShapeList().front().Copy->ShapeId(), 13);
+}
+
+// A group with two members joined by a connector, deleted in one step: one take-back
+// brings all three back after the present shapes, with their identities, names and
+// points, the group holding its members again; the connector stays detached.
+TEST(Undo, DeletedGroupComesBackWhole)
+{
+    TMyCAD cad;
+    TMyShape *a = AddRectangle(cad, 0, 0, 10, 10);
+    TMyShape *b = AddRectangle(cad, 20, 0, 30, 10);
+    TMyShape *const ab[] = {a, b};
+    const std::int32_t gid = cad.GroupShapes(ab, true);
+    cad.RenameShapeName(QStringLiteral("Shape2"), QStringLiteral("Pair"));
+    TMyLinkLine *link = AddConnector(cad, a, b);
+    AddRectangle(cad, 50, 50, 60, 60);
+    auto before = Snapshot(cad);
+    const TMyPointArray aPoints = a->Points();
+
+    ASSERT_TRUE(cad.DeleteShapeById(gid, true));
+    EXPECT_EQ(cad.GetShapesCount(), 2);
+    EXPECT_EQ(link->StartSpNo(), -1);
+    EXPECT_EQ(link->EndSpNo(), -1);
+    const auto &step = cad.UndoRedoShapeList();
+    ASSERT_EQ(step.back().Action, ACT_DELETE);
+    EXPECT_TRUE(step.back().Copy->LinkShapes().empty());
+
+    EXPECT_EQ(cad.PopFromUndoRedoShapeList(), 4);
+    ASSERT_EQ(cad.GetShapesCount(), 5);
+    EXPECT_TRUE(RelationsValid(cad));
+    // Visited newest first: B, A, then the group.
+    EXPECT_EQ(cad.GetShapeByNo(2)->ShapeId(), 1);
+    EXPECT_EQ(cad.GetShapeByNo(3)->ShapeId(), 0);
+    TMyShape *group = cad.GetShapeByNo(4);
+    EXPECT_EQ(group->ShapeId(), gid);
+    EXPECT_EQ(group->Name(), QStringLiteral("Pair"));
+    EXPECT_EQ(group->ChildShapes(), (std::vector<std::int32_t>{2, 3}));
+    EXPECT_EQ(cad.GetShapeByNo(3)->Points(), aPoints);
+    EXPECT_EQ(cad.GetShapeByNo(3)->Name(), QStringLiteral("Shape0"));
+    // Everything but the connector's binding is as it was.
+    auto after = Snapshot(cad);
+    for (std::int32_t id : {0, 1})
+        before[id].LinkIds.clear();
+    before[link->ShapeId()].StartId = before[link->ShapeId()].EndId = -1;
+    before[link->ShapeId()].StartPt = before[link->ShapeId()].EndPt = -1;
+    EXPECT_EQ(after, before);
+
+    // A deleted connector comes back unbound.
+    TMyLinkLine *bound = AddConnector(cad, cad.GetShapeByID(0), cad.GetShapeByID(1));
+    const std::int32_t bid = bound->ShapeId();
+    ASSERT_TRUE(cad.DeleteShapeById(bid, true));
+    EXPECT_TRUE(cad.GetShapeByID(0)->LinkShapes().empty());
+    cad.PopFromUndoRedoShapeList();
+    auto *back = dynamic_cast<TMyLinkLine *>(cad.GetShapeByID(bid));
+    ASSERT_NE(back, nullptr);
+    EXPECT_EQ(back->StartSpNo(), -1);
+    EXPECT_EQ(back->EndSpPtId(), -1);
+    // Taking back its addition removes it from its shapes' lists.
+    cad.PopFromUndoRedoShapeList();
+    EXPECT_EQ(cad.GetShapeByID(bid), nullptr);
+    EXPECT_TRUE(RelationsValid(cad));
+}
+
+// Relatives outside the restored step: a deleted member rejoins its live group, and a
+// locked member that the deletion spared is taken back by its restored group.
+TEST(Undo, RestoredShapesFindLiveRelatives)
+{
+    TMyCAD cad;
+    TMyShape *a = AddRectangle(cad, 0, 0, 10, 10);
+    TMyShape *b = AddRectangle(cad, 20, 0, 30, 10);
+    TMyShape *c = AddRectangle(cad, 40, 0, 50, 10);
+    TMyShape *const abc[] = {a, b, c};
+    const std::int32_t gid = cad.GroupShapes(abc, false);
+    const auto original = Snapshot(cad);
+
+    ASSERT_TRUE(cad.DeleteShapeById(b->ShapeId(), true));
+    EXPECT_EQ(cad.GetShapeByID(gid)->ChildShapes(), (std::vector<std::int32_t>{0, 1}));
+    cad.PopFromUndoRedoShapeList();
+    EXPECT_TRUE(RelationsValid(cad));
+    EXPECT_EQ(Snapshot(cad), original);
+
+    c->SetLockedFlag(true);
+    ASSERT_TRUE(cad.DeleteShapeById(gid, true));
+    ASSERT_EQ(cad.GetShapesCount(), 1);
+    EXPECT_EQ(c->ParentNo(), -1);
+    cad.PopFromUndoRedoShapeList();
+    EXPECT_EQ(cad.GetShapesCount(), 4);
+    EXPECT_TRUE(RelationsValid(cad));
+    EXPECT_EQ(Snapshot(cad), original);
+}
+
+// Random adds, deletions and groupings, each recorded; taking every step back restores the
+// document as it was before that step, field for field.
+TEST(Undo, RandomEditsTakenBackRestoreEveryState)
+{
+    for (unsigned seed : {1u, 7u, 42u, 2024u}) {
+        SCOPED_TRACE(seed);
+        std::mt19937 rng(seed);
+        const auto pick = [&rng](int n) {
+            return std::uniform_int_distribution<int>(0, n - 1)(rng);
+        };
+        TMyCAD cad;
+        cad.SetUndoRedoSize(255);
+        cad.NewLayer(QStringLiteral("Second"), true);
+        std::vector<std::map<std::int32_t, TShapeState>> states;
+        const TDrawTool tools[] = {TDrawTool::SpRectangle, TDrawTool::SpEllipse,
+                                   TDrawTool::SpPolyLine,  TDrawTool::SpPolygon,
+                                   TDrawTool::SpLinkLine,  TDrawTool::SpText};
+        for (int op = 0; op < 80; ++op) {
+            const auto snapshot = Snapshot(cad);
+            const std::int32_t stepsBefore = StepCount(cad);
+            const int kind = cad.GetShapesCount() < 3 ? 0 : pick(3);
+            if (kind == 0) {
+                cad.SetCurrentLayerId(pick(2));
+                const TMyPoint points[] = {{float(pick(200)), float(pick(200))},
+                                           {float(pick(200)), float(pick(200))},
+                                           {float(pick(200)), float(pick(200))}};
+                const TDrawTool tool = tools[pick(6)];
+                const std::size_t n = tool == TDrawTool::SpPolygon ? 3 : 2;
+                cad.AddShapeByCode(tool, {}, std::span(points, n), 0, {});
+            } else if (kind == 1) {
+                cad.DeleteShapeById(cad.GetShapeByNo(pick(cad.GetShapesCount()))->ShapeId(), true);
+            } else {
+                std::vector<TMyShape *> members;
+                for (int i = 0; i < 2 + pick(2); ++i)
+                    members.push_back(cad.GetShapeByNo(pick(cad.GetShapesCount())));
+                cad.GroupShapes(members, true);
+            }
+            ASSERT_TRUE(RelationsValid(cad)) << "after operation " << op;
+            if (StepCount(cad) == stepsBefore + 1)
+                states.push_back(snapshot);
+            else
+                ASSERT_EQ(Snapshot(cad), snapshot) << "an unrecorded operation changed shapes";
+        }
+        ASSERT_GT(states.size(), 40u);
+        while (!states.empty()) {
+            cad.PopFromUndoRedoShapeList();
+            ASSERT_TRUE(RelationsValid(cad));
+            ASSERT_EQ(Snapshot(cad), states.back()) << "taking back step " << states.size() - 1;
+            states.pop_back();
+        }
+        EXPECT_EQ(cad.GetShapesCount(), 0);
+        EXPECT_EQ(cad.PopFromUndoRedoShapeList(), -1);
+    }
+}
+
+// Ungrouping is taken back by a new group that carries the old name and user data; older
+// steps that named the old group find the new one.
+TEST(Undo, UngroupTakenBackByARegroup)
+{
+    TMyCAD cad;
+    TMyShape *a = AddRectangle(cad, 0, 0, 10, 10);
+    TMyShape *b = AddRectangle(cad, 20, 0, 30, 20);
+    TMyShape *const ab[] = {a, b};
+    const std::int32_t gid = cad.GroupShapes(ab, true);
+    TMyShape *group = cad.GetShapeByID(gid);
+    group->SetName(QStringLiteral("Door"));
+    group->UserData().AddKeyandValue(QStringLiteral("hinge"), QStringLiteral("left"));
+    const TMyPointArray aPoints = a->Points();
+    const TMyPointArray groupPoints = group->Points();
+    cad.FlipHoriz(group);
+    ASSERT_NE(a->Points(), aPoints);
+
+    cad.UnGroupShape(group, true);
+    EXPECT_EQ(cad.GetShapesCount(), 2);
+    EXPECT_EQ(a->ParentNo(), -1);
+    const auto &last = cad.UndoRedoShapeList().back();
+    EXPECT_EQ(last.Action, ACT_UNGROUP);
+
+    EXPECT_EQ(cad.PopFromUndoRedoShapeList(), 3);
+    ASSERT_EQ(cad.GetShapesCount(), 3);
+    TMyShape *regrouped = cad.GetShapeByNo(2);
+    EXPECT_NE(regrouped->ShapeId(), gid);
+    EXPECT_EQ(regrouped->Name(), QStringLiteral("Door"));
+    EXPECT_EQ(regrouped->UserData().GetValueByKey(QStringLiteral("hinge")), QStringLiteral("left"));
+    EXPECT_EQ(regrouped->ChildShapes(), (std::vector<std::int32_t>{0, 1}));
+    EXPECT_TRUE(RelationsValid(cad));
+
+    // The flip's records now name the new group; taking it back flips everything back.
+    EXPECT_EQ(cad.PopFromUndoRedoShapeList(), 2);
+    EXPECT_EQ(a->Points(), aPoints);
+    EXPECT_EQ(regrouped->Points(), groupPoints);
+    // Taking back the grouping dissolves the group.
+    EXPECT_EQ(cad.PopFromUndoRedoShapeList(), 1);
+    EXPECT_EQ(cad.GetShapesCount(), 2);
+    EXPECT_EQ(a->ParentNo(), -1);
+    EXPECT_EQ(b->ParentNo(), -1);
+}
+
+// A change step gives the live shape its recorded state back; a connector's ends are
+// re-bound so that the shapes' connector lists stay right.
+TEST(Undo, ChangeStepsRestoreStateAndBindings)
+{
+    TMyCAD cad;
+    TMyShape *a = AddRectangle(cad, 0, 0, 10, 10);
+    TMyShape *b = AddRectangle(cad, 30, 0, 40, 10);
+    TMyShape *c = AddRectangle(cad, 60, 0, 70, 10);
+    TMyLinkLine *link = AddConnector(cad, a, b);
+    TMyShape *const one[] = {link};
+    cad.PushtoUndoRedoShapeList(one, 0, ACT_CHANGE);
+    // Re-bind the end to C the way the mouse would, and move the connector.
+    RemoveLinklineShape(*b, 3);
+    link->SetEndSpNo(2);
+    AddLinklineShape(*c, 3);
+    link->DragChangeValuedxdy(5, 5);
+    ASSERT_TRUE(RelationsValid(cad));
+
+    cad.PopFromUndoRedoShapeList();
+    EXPECT_EQ(link->EndSpNo(), 1);
+    EXPECT_EQ(b->LinkShapes(), (std::vector<std::int32_t>{3}));
+    EXPECT_TRUE(c->LinkShapes().empty());
+    EXPECT_EQ(link->GetPoint(0), a->GetCenterPoint());
+    EXPECT_TRUE(RelationsValid(cad));
+}
