@@ -1,0 +1,235 @@
+// SPDX-License-Identifier: MIT
+// Poly-Bezier and B-spline curves: where their ink falls, clamped ends, construction with
+// the mouse, handle edits and their previews, handles and the hit band.
+#include "common/imagecompare.h"
+#include "openhost.h"
+
+#include <tessal/shapes/curve.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <numbers>
+
+namespace tessal::test {
+namespace {
+
+const TMyPointArray kArch = {{20, 150}, {40, 20}, {160, 20}, {180, 150}};
+
+// A four-point piece passes through both anchors and through the cubic's value at t = 0.5,
+// (p0 + 3 p1 + 3 p2 + p3) / 8 = (100, 52.5); it never reaches the control points' row.
+TEST(PolyBezierPaint, FourPointsPassAnchorsAndTheCubicMidpointAtBothZooms)
+{
+    for (double z : {1.0, 2.0}) {
+        TOpenHost host;
+        host.ZoomValue = z;
+        TMyPolyBezier curve(&host);
+        curve.Points() = kArch;
+        const QImage image = Painted(curve);
+        EXPECT_TRUE(InkNear(image, 20 * z, 150 * z)) << z;
+        EXPECT_TRUE(InkNear(image, 180 * z, 150 * z)) << z;
+        EXPECT_TRUE(InkNear(image, 100 * z, 52.5 * z)) << z;
+        const QRect ink = InkBounds(image);
+        EXPECT_GE(ink.top(), int(52.5 * z) - 2) << z;
+        EXPECT_LE(ink.bottom(), int(150 * z) + 1) << z;
+        EXPECT_FALSE(InkNear(image, 40 * z, 20 * z, 3)) << z;
+        EXPECT_FALSE(InkNear(image, 100 * z, 100 * z, 3)) << z; // under the arch
+    }
+}
+
+TEST(PolyBezierPaint, TurnedCurveShowsItsTurnedMidpoint)
+{
+    TOpenHost host;
+    TMyPolyBezier curve(&host);
+    curve.Points() = kArch;
+    const TMyPoint centre{100, 85};
+    curve.RotateChangeValueByAngle(centre, std::numbers::pi / 2);
+    const QImage image = Painted(curve);
+    const TMyPoint mid = RotateAPoint({100, 52.5f}, centre, float(std::numbers::pi / 2));
+    EXPECT_TRUE(InkNear(image, mid.X, mid.Y));
+    EXPECT_FALSE(InkNear(image, 100, 52.5, 3)); // nothing left where it was
+}
+
+TEST(PolyBezierCreation, ClicksAddAnchorsWithControlsAtThirdsAndARepeatedClickEnds)
+{
+    TOpenHost host;
+    host.ZoomValue = 2;
+    TMyPolyBezier curve(&host);
+    curve.AddPointByMouse({20, 20});
+    EXPECT_FALSE(curve.IsDrawingFinished(Qt::LeftButton, {20, 20}));
+    curve.AddPointByMouse({80, 50});
+    EXPECT_EQ(curve.Points(), (TMyPointArray{{10, 10}, {20, 15}, {30, 20}, {40, 25}}));
+    EXPECT_FALSE(curve.IsDrawingFinished(Qt::LeftButton, {80, 50}));
+    curve.AddPointByMouse({80, 50});
+    EXPECT_EQ(curve.GetPointsCount(), 7);
+    EXPECT_TRUE(curve.IsDrawingFinished(Qt::LeftButton, {80, 50}));
+    EXPECT_EQ(curve.GetPointsCount(), 4);
+
+    // A double click on the first anchor alone leaves the curve under construction.
+    TMyPolyBezier lone(&host);
+    lone.AddPointByMouse({20, 20});
+    lone.AddPointByMouse({20, 20});
+    EXPECT_FALSE(lone.IsDrawingFinished(Qt::LeftButton, {20, 20}));
+    EXPECT_EQ(lone.GetPointsCount(), 1);
+}
+
+// Every preview of a handle drag must show what the drop gives: the Sizing band equals the
+// curve drawn after SizeChangeValue.
+template <class T>
+void ExpectSizingShowsTheResult(T &shape, std::int32_t hot, TPoint from, TPoint to)
+{
+    shape.SetCurrentHot(hot);
+    QImage preview = BlankImage();
+    {
+        TCanvas canvas(&preview);
+        shape.Sizing(canvas, from, to);
+    }
+    shape.SizeChangeValue(PtToMyPt(from), PtToMyPt(to));
+    QImage after = BlankImage();
+    {
+        TCanvas canvas(&after);
+        shape.Draging(canvas, from, from);
+    }
+    EXPECT_TRUE(ImagesEqual(preview, after)) << hot;
+    EXPECT_GT(InkBounds(after).width(), 0);
+}
+
+TEST(PolyBezierEdit, AnAnchorCarriesItsControlsAndThePreviewShowsTheDrop)
+{
+    TOpenHost host;
+    host.ZoomValue = 2;
+    TMyPolyBezier curve(&host);
+    curve.Points() = {{10, 10}, {20, 0}, {30, 0}, {40, 10}, {50, 20}, {60, 20}, {70, 10}};
+    const TMyPointArray before = curve.Points();
+    curve.SetCurrentHot(3);
+    curve.SizeChangeValue({80, 20}, {90, 40}); // screen offset (10, 20) is (5, 10) stored
+    for (std::size_t i = 0; i < before.size(); ++i) {
+        const bool moved = i >= 2 && i <= 4;
+        EXPECT_EQ(curve.Points()[i].X, before[i].X + (moved ? 5 : 0)) << i;
+        EXPECT_EQ(curve.Points()[i].Y, before[i].Y + (moved ? 10 : 0)) << i;
+    }
+    curve.SetCurrentHot(5); // a control point moves alone
+    curve.SizeChangeValue({0, 0}, {-4, 0});
+    EXPECT_EQ(curve.Points()[5].X, 58);
+    EXPECT_EQ(curve.Points()[4].X, 55);
+    EXPECT_EQ(curve.Points()[6].X, 70);
+
+    ExpectSizingShowsTheResult(curve, 0, {20, 20}, {40, 60});
+    ExpectSizingShowsTheResult(curve, 6, {140, 20}, {150, 90});
+}
+
+TEST(CurveHandles, EveryPointHasOneAndTheHighestNumberWins)
+{
+    TOpenHost host;
+    TMyPolyBezier curve(&host);
+    curve.Points() = {{10, 10}, {12, 10}, {60, 60}, {100, 10}};
+    EXPECT_EQ(curve.InWhichHot({11, 10}), 1);
+    EXPECT_EQ(curve.CurrentHot(), 1);
+    EXPECT_EQ(curve.InWhichHot({60, 63}), 2);
+    EXPECT_EQ(curve.InWhichHot({60, 64}), -1); // the square's bottom edge is exclusive
+    TMyBLine spline(&host);
+    spline.Points() = {{10, 10}, {50, 50}, {51, 50}};
+    EXPECT_EQ(spline.InWhichHot({50, 50}), 2);
+    EXPECT_EQ(spline.InWhichHot({0, 0}), -1);
+}
+
+// The band is 8 screen pixels from the flattened curve whatever the zoom. The arch's top is
+// flat, so the distance there is vertical.
+TEST(CurveHitTest, WithinEightPixelsOfTheCurveAtEveryZoom)
+{
+    for (double z : {1.0, 2.0}) {
+        TOpenHost host;
+        host.ZoomValue = z;
+        TMyPolyBezier curve(&host);
+        curve.Points() = kArch;
+        QImage image = BlankImage();
+        TCanvas canvas(&image);
+        const int top = int(std::lround(52.5 * z));
+        EXPECT_TRUE(curve.IsClickedMe(canvas, {int(100 * z), top + 7})) << z;
+        EXPECT_FALSE(curve.IsClickedMe(canvas, {int(100 * z), top + 10})) << z;
+        EXPECT_TRUE(curve.IsClickedMe(canvas, {int(20 * z) - 8, int(150 * z)})) << z;
+        EXPECT_FALSE(curve.IsClickedMe(canvas, {int(100 * z), int(100 * z)})) << z;
+        TMyBLine spline(&host);
+        spline.Points() = kArch;
+        EXPECT_TRUE(spline.IsClickedMe(canvas, {int(20 * z), int(150 * z)})) << z;
+        EXPECT_FALSE(spline.IsClickedMe(canvas, {int(40 * z), int(20 * z)})) << z;
+    }
+}
+
+// With the ends tripled the curve starts on the first point and ends on the last, while
+// inner points only pull. The join of the second and third pieces is (P0 + 4 P1 + P2) / 6.
+TEST(BLinePaint, ClampedEndsAndInnerPointsOffTheCurve)
+{
+    const TMyPointArray pts = {{20, 100}, {60, 20}, {100, 180}, {140, 20}, {180, 100}};
+    const std::vector<TMyPoint> flat = FlattenBSpline(pts);
+    EXPECT_EQ(flat.front(), pts.front());
+    EXPECT_EQ(flat.back(), pts.back());
+    double nearest = 1e9;
+    for (TMyPoint p : flat)
+        nearest = std::min(nearest, std::hypot(p.X - 60.0, p.Y - 60.0));
+    EXPECT_LT(nearest, 1e-3);
+    for (double z : {1.0, 2.0}) {
+        TOpenHost host;
+        host.ZoomValue = z;
+        TMyBLine spline(&host);
+        spline.Points() = pts;
+        const QImage image = Painted(spline);
+        EXPECT_TRUE(InkNear(image, 20 * z, 100 * z)) << z;
+        EXPECT_TRUE(InkNear(image, 180 * z, 100 * z)) << z;
+        EXPECT_TRUE(InkNear(image, 60 * z, 60 * z)) << z;
+        EXPECT_FALSE(InkNear(image, 60 * z, 20 * z, 3)) << z;
+        EXPECT_FALSE(InkNear(image, 100 * z, 180 * z, 3)) << z;
+    }
+}
+
+TEST(BLinePaint, TwoPointsGiveTheStraightSegment)
+{
+    TOpenHost host;
+    TMyBLine spline(&host);
+    spline.Points() = {{20, 50}, {120, 50}};
+    const QImage image = Painted(spline, 200, 100);
+    const QRect ink = InkBounds(image);
+    EXPECT_EQ(ink.top(), 50);
+    EXPECT_EQ(ink.bottom(), 50);
+    EXPECT_LE(ink.left(), 21);
+    EXPECT_GE(ink.right(), 118);
+}
+
+TEST(BLineEdit, DrawnLikeAPolylineAndThePreviewShowsTheDrop)
+{
+    TOpenHost host;
+    TMyBLine spline(&host);
+    for (TPoint p : {TPoint{20, 20}, TPoint{80, 120}, TPoint{150, 40}}) {
+        spline.AddPointByMouse(p);
+        EXPECT_FALSE(spline.IsDrawingFinished(Qt::LeftButton, p));
+    }
+    spline.AddPointByMouse({150, 40});
+    EXPECT_TRUE(spline.IsDrawingFinished(Qt::LeftButton, {150, 40}));
+    EXPECT_EQ(spline.Points(), (TMyPointArray{{20, 20}, {80, 120}, {150, 40}}));
+
+    ExpectSizingShowsTheResult(spline, 1, {80, 120}, {90, 60});
+    EXPECT_EQ(spline.Points()[1], (TMyPoint{90, 60}));
+}
+
+TEST(CurvePreviews, DragAndRotateBandsFollowTheCurve)
+{
+    TOpenHost host;
+    TMyPolyBezier curve(&host);
+    curve.Points() = kArch;
+    QImage moved = BlankImage();
+    {
+        TCanvas canvas(&moved);
+        curve.Draging(canvas, {0, 0}, {30, 40});
+    }
+    EXPECT_TRUE(InkNear(moved, 130, 92.5));
+    EXPECT_FALSE(InkNear(moved, 100, 52.5, 3));
+    QImage turned = BlankImage();
+    {
+        TCanvas canvas(&turned);
+        curve.Rotating(canvas, {100, 85}, std::numbers::pi);
+    }
+    EXPECT_TRUE(InkNear(turned, 100, 117.5)); // the arch upside down
+}
+
+} // namespace
+} // namespace tessal::test

@@ -1,0 +1,221 @@
+// SPDX-License-Identifier: MIT
+// Image shapes: the picture stretched, turned and clipped into the box, the adjusted copy
+// (brightness, grey, transparency, mirrors) against the untouched original, border, copying
+// and loading.
+#include "openhost.h"
+
+#include <tessal/shapes/image.h>
+
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <numbers>
+
+namespace tessal::test {
+namespace {
+
+constexpr unsigned kGreen = 0x00FF00;
+
+// A 4 x 2 picture of distinct colours (0xRRGGBB, row by row).
+const unsigned kCells[2][4] = {{0xC86400, 0x0000FF, 0x20A040, 0xFFFF00},
+                               {0x808080, 0x00FFFF, 0x102030, 0xFF00FF}};
+
+TColor ToTColor(unsigned rgb)
+{
+    return RGBToColor(std::uint8_t(rgb >> 16), std::uint8_t(rgb >> 8), std::uint8_t(rgb));
+}
+
+TBitmap Picture()
+{
+    TBitmap bitmap(4, 2);
+    for (int y = 0; y < 2; ++y)
+        for (int x = 0; x < 4; ++x)
+            bitmap.SetPixel(x, y, ToTColor(kCells[y][x]));
+    return bitmap;
+}
+
+// The picture in the box 40,40 .. 120,80: each cell is 20 x 20 at zoom 1.
+std::unique_ptr<TMyImage> ImageShape(TOpenHost &host)
+{
+    auto image = std::make_unique<TMyImage>(&host);
+    image->Points() = {{40, 40}, {120, 40}, {120, 80}, {40, 80}};
+    image->SetCenterPoint({80, 60});
+    image->SetBitmap(Picture());
+    return image;
+}
+
+// The colour shown in the middle of cell (cx, cy).
+unsigned ShownCell(const QImage &image, int cx, int cy, double z)
+{
+    return Rgb(image, int((50 + 20 * cx) * z), int((50 + 20 * cy) * z));
+}
+
+TEST(ImagePaint, PictureIsStretchedIntoTheBoxAtTwoZoomsAndNothingOutside)
+{
+    for (double z : {1.0, 2.0}) {
+        TOpenHost host;
+        host.ZoomValue = z;
+        auto shape = ImageShape(host);
+        const QImage image = Painted(*shape, 300, 300, kGreen);
+        for (int y = 0; y < 2; ++y)
+            for (int x = 0; x < 4; ++x)
+                EXPECT_EQ(ShownCell(image, x, y, z), kCells[y][x]) << z << " " << x << "," << y;
+        EXPECT_EQ(InkBounds(image, kGreen),
+                  QRect(int(40 * z), int(40 * z), int(80 * z), int(40 * z)))
+            << z;
+    }
+}
+
+// A quarter turn clockwise about the centre: the box stands 40 wide and 80 high, and the
+// picture's top-left cell lands where RotateAPoint takes the cell's middle.
+TEST(ImagePaint, TurnedPictureTurnsWithTheShapeAndIsClippedToTheBox)
+{
+    TOpenHost host;
+    auto shape = ImageShape(host);
+    const TMyPoint centre{80, 60};
+    shape->RotateChangeValueByAngle(centre, std::numbers::pi / 2);
+    const QImage image = Painted(*shape, 300, 300, kGreen);
+    for (int y = 0; y < 2; ++y) {
+        for (int x = 0; x < 4; ++x) {
+            const TMyPoint at = RotateAPoint({float(50 + 20 * x), float(50 + 20 * y)}, centre,
+                                             float(std::numbers::pi / 2));
+            EXPECT_EQ(Rgb(image, int(at.X), int(at.Y)), kCells[y][x]) << x << "," << y;
+        }
+    }
+    const QRect ink = InkBounds(image, kGreen);
+    EXPECT_NEAR(ink.width(), 40, 1);
+    EXPECT_NEAR(ink.height(), 80, 1);
+}
+
+TEST(ImageAdjust, BrightnessAndGreyChangeTheShownCopyNeverTheOriginal)
+{
+    TOpenHost host;
+    auto shape = ImageShape(host);
+    shape->SetBrightness(40);
+    QImage image = Painted(*shape, 300, 300);
+    EXPECT_EQ(ShownCell(image, 0, 0, 1), 0xF08C28u); // C8 64 00 each +40
+    EXPECT_EQ(ShownCell(image, 3, 0, 1), 0xFFFF28u); // clamped at 255
+    EXPECT_EQ(shape->Bitmap(), Picture());
+
+    shape->SetBrightness(0);
+    shape->SetGrayScale(true);
+    image = Painted(*shape, 300, 300);
+    EXPECT_EQ(ShownCell(image, 0, 0, 1), 0x646464u); // (200 + 100 + 0) / 3
+    EXPECT_EQ(ShownCell(image, 2, 1, 1), 0x202020u); // (16 + 32 + 48) / 3
+
+    // Contrast 255 pushes each byte its own distance from 127 further out.
+    shape->SetGrayScale(false);
+    shape->SetContrast(255);
+    EXPECT_EQ(shape->AdjustedBitmap().Pixel(0, 0), RGBToColor(255, 73, 0));
+    shape->SetContrast(0);
+    EXPECT_EQ(shape->AdjustedBitmap(), Picture()); // settings back: the original again
+    EXPECT_EQ(shape->Bitmap(), Picture());
+}
+
+TEST(ImageAdjust, TransparentColourAutoFromTheBottomLeftOrFixed)
+{
+    TOpenHost host;
+    auto shape = ImageShape(host);
+    shape->SetTransparent(true);
+    EXPECT_EQ(shape->TransparentKey(), ToTColor(kCells[1][0]));
+    QImage image = Painted(*shape, 300, 300, kGreen);
+    EXPECT_EQ(ShownCell(image, 0, 1, 1), kGreen);
+    EXPECT_EQ(ShownCell(image, 1, 1, 1), kCells[1][1]);
+
+    // The key is taken from the adjusted copy, so it follows the brightness.
+    shape->SetBrightness(16);
+    EXPECT_EQ(shape->TransparentKey(), ToTColor(0x909090));
+    image = Painted(*shape, 300, 300, kGreen);
+    EXPECT_EQ(ShownCell(image, 0, 1, 1), kGreen);
+    shape->SetBrightness(0);
+
+    shape->SetTransparentMode(TTransparentMode::tmFixed);
+    shape->SetTransparentColor(ToTColor(kCells[0][2]));
+    image = Painted(*shape, 300, 300, kGreen);
+    EXPECT_EQ(ShownCell(image, 2, 0, 1), kGreen);
+    EXPECT_EQ(ShownCell(image, 0, 1, 1), kCells[1][0]);
+
+    shape->SetTransparent(false);
+    image = Painted(*shape, 300, 300, kGreen);
+    EXPECT_EQ(ShownCell(image, 2, 0, 1), kCells[0][2]);
+}
+
+TEST(ImageAdjust, FlipsMirrorThePicture)
+{
+    TOpenHost host;
+    auto shape = ImageShape(host);
+    shape->FlipHoriz();
+    QImage image = Painted(*shape, 300, 300);
+    for (int x = 0; x < 4; ++x)
+        EXPECT_EQ(ShownCell(image, x, 0, 1), kCells[0][3 - x]) << x;
+    shape->FlipVert();
+    image = Painted(*shape, 300, 300);
+    for (int x = 0; x < 4; ++x)
+        EXPECT_EQ(ShownCell(image, x, 0, 1), kCells[1][3 - x]) << x;
+    shape->FlipHoriz();
+    shape->FlipVert();
+    image = Painted(*shape, 300, 300);
+    EXPECT_EQ(ShownCell(image, 0, 0, 1), kCells[0][0]);
+    EXPECT_EQ(shape->Bitmap(), Picture());
+}
+
+TEST(ImagePaint, BorderInThePenAndAnEmptyImageShowsItsOutline)
+{
+    TOpenHost host;
+    host.HostPen.Color = clRed;
+    auto shape = ImageShape(host);
+    QImage image = Painted(*shape, 300, 300);
+    EXPECT_EQ(Rgb(image, 50, 40), kCells[0][0]);
+    shape->SetBorder(true);
+    image = Painted(*shape, 300, 300);
+    EXPECT_EQ(Rgb(image, 60, 40), 0xFF0000u);
+    EXPECT_EQ(ShownCell(image, 0, 0, 1), kCells[0][0]);
+
+    TMyImage empty(&host);
+    empty.Points() = {{40, 40}, {120, 40}, {120, 80}, {40, 80}};
+    image = Painted(empty, 300, 300);
+    EXPECT_EQ(Rgb(image, 60, 40), 0xFF0000u);
+    EXPECT_FALSE(Inked(image, 60, 60));
+}
+
+TEST(ImageCopyAndFile, AssignCopiesTheImageFieldsAndFilesLoad)
+{
+    TOpenHost host;
+    auto source = ImageShape(host);
+    source->SetBrightness(5);
+    source->SetContrast(-7);
+    source->SetTransparent(true);
+    source->SetBorder(true);
+    source->SetGrayScale(true);
+    source->SetTransparentColor(0x123456);
+    source->SetTransparentMode(TTransparentMode::tmFixed);
+    TMyImage copy(&host);
+    copy.Assign(*source);
+    EXPECT_EQ(copy.Bitmap(), Picture());
+    EXPECT_EQ(copy.Brightness(), 5);
+    EXPECT_EQ(copy.Contrast(), -7);
+    EXPECT_TRUE(copy.Transparent());
+    EXPECT_TRUE(copy.Border());
+    EXPECT_TRUE(copy.GrayScale());
+    EXPECT_EQ(copy.TransparentColor(), TColor(0x123456));
+    EXPECT_EQ(copy.TransparentMode(), TTransparentMode::tmFixed);
+    QImage scratch = BlankImage(10, 10);
+    TCanvas canvas(&scratch);
+    EXPECT_TRUE(copy.IsClickedMe(canvas, {100, 70}));
+    EXPECT_FALSE(copy.IsClickedMe(canvas, {130, 70}));
+
+    QTemporaryDir dir;
+    const QString file = dir.filePath("picture.bmp");
+    ASSERT_TRUE(Picture().Image().save(file, "BMP"));
+    TMyImage loaded(&host);
+    EXPECT_TRUE(loaded.LoadFromFile(file));
+    EXPECT_EQ(loaded.Bitmap(), Picture());
+    QString reason;
+    EXPECT_FALSE(loaded.LoadFromFile(dir.filePath("missing.bmp"), &reason));
+    EXPECT_FALSE(reason.isEmpty());
+    EXPECT_EQ(loaded.Bitmap(), Picture());
+}
+
+} // namespace
+} // namespace tessal::test

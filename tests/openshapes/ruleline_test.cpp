@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: MIT
+// Measuring lines: tick marks by style, spacing and zoom, the label, copying and hits.
+#include "openhost.h"
+
+#include <tessal/shapes/ruleline.h>
+
+#include <gtest/gtest.h>
+
+namespace tessal::test {
+namespace {
+
+std::unique_ptr<TMyRuleLine> Ruler(TOpenHost &host, TMyPoint a, TMyPoint b, TTickStyle style)
+{
+    auto rule = std::make_unique<TMyRuleLine>(&host);
+    rule->Points() = {a, b};
+    rule->SetTickStyle(style);
+    rule->SetCaptionShow(false);
+    return rule;
+}
+
+std::vector<int> Expected(int first, int step, int count)
+{
+    std::vector<int> v;
+    for (int i = 0; i < count; ++i)
+        v.push_back(first + step * i);
+    return v;
+}
+
+// A 100-pixel ruler has ticks at 0, 10, ..., 100 (eleven), the ones at 0, 50 and 100 long.
+// Short ticks reach 4 pixels from the line and long ones 8, on the sides the style asks for.
+TEST(RuleLineTicks, CountAndSpacingBySideAtTwoZooms)
+{
+    for (double z : {1.0, 2.0}) {
+        const int y = int(100 * z), x0 = int(20 * z), step = int(10 * z);
+        struct TCase
+        {
+            TTickStyle Style;
+            bool Above, Below;
+        } cases[] = {{TTickStyle::tsBoth, true, true},
+                     {TTickStyle::tsTop, true, false},
+                     {TTickStyle::tsBottom, false, true},
+                     {TTickStyle::tsNone, false, false}};
+        for (const TCase &c : cases) {
+            TOpenHost host;
+            host.ZoomValue = z;
+            auto rule = Ruler(host, {20, 100}, {120, 100}, c.Style);
+            const QImage image = Painted(*rule);
+            const int s = int(c.Style);
+            const std::vector<int> none;
+            EXPECT_EQ(InkRuns(image, y - 3, false), c.Above ? Expected(x0, step, 11) : none) << s;
+            EXPECT_EQ(InkRuns(image, y + 3, false), c.Below ? Expected(x0, step, 11) : none) << s;
+            EXPECT_EQ(InkRuns(image, y - 6, false), c.Above ? Expected(x0, 5 * step, 3) : none)
+                << s;
+            EXPECT_EQ(InkRuns(image, y + 6, false), c.Below ? Expected(x0, 5 * step, 3) : none)
+                << s;
+            EXPECT_TRUE(InkRuns(image, y - 9, false).empty()) << s;
+            EXPECT_EQ(InkRuns(image, y, false), Expected(x0, 0, 1)) << s; // the line itself
+        }
+    }
+}
+
+TEST(RuleLineTicks, LastTickOnlyWhereAWholeSpacingEndsAndVerticalTopIsRight)
+{
+    TOpenHost host;
+    auto shorter = Ruler(host, {20, 100}, {115, 100}, TTickStyle::tsBoth);
+    EXPECT_EQ(shorter->Ticks().size(), 10u);
+    // Ticks count from point 0 whichever way the line runs.
+    auto backwards = Ruler(host, {115, 100}, {20, 100}, TTickStyle::tsTop);
+    EXPECT_EQ(InkRuns(Painted(*backwards), 97, false), Expected(25, 10, 10));
+
+    auto vertical = Ruler(host, {100, 20}, {100, 120}, TTickStyle::tsTop);
+    const QImage image = Painted(*vertical);
+    EXPECT_EQ(InkRuns(image, 103, true), Expected(20, 10, 11));
+    EXPECT_TRUE(InkRuns(image, 97, true).empty());
+    // A slanted ruler still gets its ticks by length: 3-4-5 sides, 50 long.
+    auto slanted = Ruler(host, {0, 0}, {30, 40}, TTickStyle::tsBoth);
+    EXPECT_EQ(slanted->Ticks().size(), 6u);
+    EXPECT_TRUE(slanted->Ticks()[5].Long);
+}
+
+TEST(RuleLineLabel, LengthOrUserInfoBesideTheMiddleOnTheTopSide)
+{
+    TOpenHost host; // 96 pixels per inch, millimetres
+    auto rule = Ruler(host, {20, 100}, {120, 100}, TTickStyle::tsNone);
+    EXPECT_EQ(rule->LabelText(), "26.46 mm");
+    EXPECT_TRUE(InkRuns(Painted(*rule), 90, false).empty()); // CaptionShow off
+    rule->SetCaptionShow(true);
+    QImage image = Painted(*rule);
+    QRect above = InkBounds(image.copy(0, 0, 400, 99));
+    ASSERT_FALSE(above.isNull());
+    EXPECT_LE(above.bottom(), 100 - 8 - 1);
+    EXPECT_NEAR(above.center().x(), 70, 3);
+    EXPECT_TRUE(InkBounds(image.copy(0, 101, 400, 299)).isNull());
+
+    rule->SetShowUserInfo(true);
+    rule->SetUserInfo("W");
+    EXPECT_EQ(rule->LabelText(), "W");
+    image = Painted(*rule);
+    const QRect user = InkBounds(image.copy(0, 0, 400, 99));
+    EXPECT_LT(user.width(), above.width());
+    EXPECT_NEAR(user.center().x(), 70, 3);
+}
+
+TEST(RuleLineCopyAndHit, AssignCopiesItsFieldsAndTheLineBandHits)
+{
+    TOpenHost host;
+    auto source = Ruler(host, {20, 100}, {120, 100}, TTickStyle::tsBottom);
+    source->SetShowUserInfo(true);
+    source->SetUserInfo("span");
+    source->SetArrowStyle(TArrowStyle::ADouble);
+    TMyRuleLine copy(&host);
+    copy.Assign(*source);
+    EXPECT_TRUE(copy.ShowUserInfo());
+    EXPECT_EQ(copy.TickStyle(), TTickStyle::tsBottom);
+    EXPECT_EQ(copy.UserInfo(), "span");
+    EXPECT_EQ(copy.ArrowStyle(), TArrowStyle::ADouble);
+    QImage scratch = BlankImage(10, 10);
+    TCanvas canvas(&scratch);
+    EXPECT_TRUE(copy.IsClickedMe(canvas, {70, 107}));
+    EXPECT_FALSE(copy.IsClickedMe(canvas, {70, 108}));
+}
+
+} // namespace
+} // namespace tessal::test

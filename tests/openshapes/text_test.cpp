@@ -1,0 +1,236 @@
+// SPDX-License-Identifier: MIT
+// Text shapes: alignment in the box, zoom and turn, word wrap, border and background,
+// copying, hit tests, and the editor dialog.
+#include "openhost.h"
+
+#include <tessal/geometry/scaledtext.h>
+#include <tessal/shapes/text.h>
+#include <tessal/shapes/texteditdialog.h>
+
+#include <QApplication>
+#include <QPlainTextEdit>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+#include <numbers>
+
+namespace tessal::test {
+namespace {
+
+constexpr unsigned kRed = 0xFF0000;
+
+std::unique_ptr<TMyText> TextBox(TOpenHost &host, float l, float t, float r, float b,
+                                 const QStringList &lines)
+{
+    auto text = std::make_unique<TMyText>(&host);
+    text->Points() = {{l, t}, {r, t}, {r, b}, {l, b}};
+    text->SetCenterPoint({(l + r) / 2, (t + b) / 2});
+    TFont font;
+    font.SetSize(12);
+    font.Color = clBlack;
+    text->SetFont(font);
+    text->SetLines(lines);
+    return text;
+}
+
+TPoint Measured(const TMyText &text, const QString &s, double zoom)
+{
+    QImage scratch = BlankImage(10, 10);
+    TCanvas canvas(&scratch);
+    return text.GetTextWidthHeight(canvas, s, text.Font(), zoom, 0);
+}
+
+// The box is 20..180 x 20..120 with a 2-pixel margin. The ink of one line moves by exactly
+// what the alignment rules say: the same glyphs are drawn at other whole-pixel places.
+TEST(TextLayout, AlignmentsPlaceTheInkByTheBoxAtTwoZooms)
+{
+    for (double z : {1.0, 2.0}) {
+        TOpenHost host;
+        host.ZoomValue = z;
+        auto text = TextBox(host, 20, 20, 180, 120, {"Hello"});
+        const TPoint size = Measured(*text, "Hello", z);
+        const int lineHeight = Measured(*text, "Wg", z).Y;
+        const int margin = int(std::nearbyint(2 * z));
+        const int boxW = int(160 * z), boxH = int(100 * z);
+        const QRect leftTop = InkBounds(Painted(*text, 400, 400));
+        ASSERT_FALSE(leftTop.isNull()) << z;
+        EXPECT_GE(leftTop.left(), int(20 * z) + margin) << z;
+        EXPECT_GE(leftTop.top(), int(20 * z) + margin) << z;
+        EXPECT_LE(leftTop.left(), int(20 * z) + margin + 3 * z) << z;
+        EXPECT_LE(leftTop.bottom(), int(20 * z) + margin + lineHeight) << z;
+
+        text->SetHAlignment(TAlignment::taRightJustify);
+        text->SetVAlignment(TVAlignment::vaBottom);
+        const QRect rightBottom = InkBounds(Painted(*text, 400, 400));
+        EXPECT_EQ(rightBottom.left() - leftTop.left(), boxW - 2 * margin - size.X) << z;
+        EXPECT_EQ(rightBottom.top() - leftTop.top(), boxH - 2 * margin - lineHeight) << z;
+        EXPECT_LE(rightBottom.right(), int(180 * z) - margin) << z;
+
+        text->SetHAlignment(TAlignment::taCenter);
+        text->SetVAlignment(TVAlignment::vaCenter);
+        const QRect centre = InkBounds(Painted(*text, 400, 400));
+        EXPECT_EQ(centre.left() - leftTop.left(),
+                  int(std::nearbyint((boxW - size.X) / 2.0)) - margin)
+            << z;
+        EXPECT_EQ(centre.top() - leftTop.top(),
+                  int(std::nearbyint((boxH - lineHeight) / 2.0)) - margin)
+            << z;
+        EXPECT_EQ(centre.size(), leftTop.size()) << z;
+    }
+}
+
+TEST(TextLayout, FontGrowsWithTheZoom)
+{
+    TOpenHost host;
+    auto text = TextBox(host, 10, 10, 190, 60, {"Zoomed text"});
+    const QRect one = InkBounds(Painted(*text, 400, 400));
+    host.ZoomValue = 2;
+    const QRect two = InkBounds(Painted(*text, 400, 400));
+    // Glyph hinting differs between sizes by a few pixels per word.
+    EXPECT_NEAR(two.width(), 2 * one.width(), 0.08 * 2 * one.width());
+    EXPECT_NEAR(two.height(), 2 * one.height(), 0.15 * 2 * one.height());
+}
+
+// Turned a quarter about its centre the wide box stands upright, and the lines with it.
+TEST(TextLayout, TextTurnsWithTheShapeInsideTheTurnedBox)
+{
+    TOpenHost host;
+    auto text = TextBox(host, 40, 80, 160, 120, {"Hello World"});
+    const QRect flat = InkBounds(Painted(*text, 200, 200));
+    EXPECT_GT(flat.width(), flat.height());
+    text->RotateChangeValueByAngle({100, 100}, std::numbers::pi / 2);
+    const QRect turned = InkBounds(Painted(*text, 200, 200));
+    EXPECT_GT(turned.height(), turned.width());
+    EXPECT_TRUE(QRect(78, 38, 45, 125).contains(turned)) << turned.x() << "," << turned.y();
+    // A clockwise quarter takes the upright top-left corner to the turned top-right: the
+    // first glyphs sit near the top, on the side of the box's old top edge.
+    EXPECT_LE(turned.top(), 40 + 2 + 4);
+    EXPECT_GE(turned.right(), 110);
+}
+
+TEST(TextWordWrap, LongLinesBreakBetweenWordsAndLongWordsBetweenCharacters)
+{
+    TOpenHost host;
+    auto text = TextBox(host, 10, 10, 110, 190, {"aaaa cccc eeee oooo", "", "x"});
+    QImage scratch = BlankImage(10, 10);
+    TCanvas canvas(&scratch);
+    EXPECT_EQ(text->LaidOutLines(canvas), text->Lines());
+    // Groups of consecutive rows holding ink: one per shown line of text.
+    const auto bands = [](const QImage &image) {
+        int count = 0;
+        bool previous = false;
+        for (int y = 0; y < image.height(); ++y) {
+            bool ink = false;
+            for (int x = 0; x < image.width() && !ink; ++x)
+                ink = Inked(image, x, y);
+            count += ink && !previous;
+            previous = ink;
+        }
+        return count;
+    };
+    const QImage single = Painted(*text, 200, 200);
+
+    text->SetWordWrap(true);
+    const QStringList wrapped = text->LaidOutLines(canvas);
+    ASSERT_GT(wrapped.size(), 3);
+    const double room = 100 - 4;
+    QStringList words;
+    for (qsizetype i = 0; i + 2 < wrapped.size(); ++i) {
+        EXPECT_LE(Measured(*text, wrapped[i], 1).X, room) << wrapped[i].toStdString();
+        words << wrapped[i].split(' ');
+    }
+    EXPECT_EQ(words.join(' '), "aaaa cccc eeee oooo");
+    EXPECT_EQ(wrapped.mid(wrapped.size() - 2), (QStringList{"", "x"}));
+    // On screen: more separate rows of text in the first column of glyphs.
+    const QImage broken = Painted(*text, 200, 200);
+    EXPECT_GT(InkBounds(broken).height(), InkBounds(single).height());
+    EXPECT_LE(InkBounds(broken).right(), 110);
+    EXPECT_EQ(bands(single), 2); // the empty line keeps its place
+    EXPECT_EQ(bands(broken), int(wrapped.size()) - 1);
+
+    text->SetLines({"abcdefghijklmnopqrstuvwxyz"});
+    const QStringList pieces = text->LaidOutLines(canvas);
+    EXPECT_GT(pieces.size(), 1);
+    EXPECT_EQ(pieces.join(QString()), "abcdefghijklmnopqrstuvwxyz");
+    for (const QString &piece : pieces)
+        EXPECT_LE(Measured(*text, piece, 1).X, room);
+}
+
+TEST(TextPaint, BorderAndSolidBackgroundFollowTheirFlags)
+{
+    TOpenHost host;
+    host.HostBrush.Color = 0x0000FF; // red
+    auto text = TextBox(host, 20, 20, 120, 80, {});
+    EXPECT_TRUE(InkBounds(Painted(*text, 200, 200)).isNull());
+    text->SetIsBorder(true);
+    QImage image = Painted(*text, 200, 200);
+    EXPECT_TRUE(Inked(image, 70, 20));
+    EXPECT_FALSE(Inked(image, 70, 50));
+    text->SetIsSolid(true);
+    text->SetIsBorder(false);
+    image = Painted(*text, 200, 200);
+    EXPECT_EQ(Rgb(image, 70, 50), kRed);
+    EXPECT_EQ(Rgb(image, 20, 20), kRed);
+    EXPECT_FALSE(Inked(image, 125, 50));
+    // The text shape is its own text: Info is never drawn.
+    text->SetIsSolid(false);
+    text->SetTextPoint({70, 150});
+    text->SetInfo("info");
+    EXPECT_TRUE(InkBounds(Painted(*text, 200, 200)).isNull());
+}
+
+TEST(TextCopyAndHit, AssignCopiesTheTextFieldsAndTheBoxIsHitInside)
+{
+    TOpenHost host;
+    auto source = TextBox(host, 20, 20, 120, 80, {"a", "b"});
+    source->SetIsBorder(true);
+    source->SetIsSolid(true);
+    source->SetVAlignment(TVAlignment::vaBottom);
+    source->SetHAlignment(TAlignment::taCenter);
+    source->SetWordWrap(true);
+    TMyText copy(&host);
+    copy.Assign(*source);
+    EXPECT_TRUE(copy.IsBorder());
+    EXPECT_TRUE(copy.IsSolid());
+    EXPECT_EQ(copy.Lines(), (QStringList{"a", "b"}));
+    EXPECT_EQ(copy.VAlignment(), TVAlignment::vaBottom);
+    EXPECT_EQ(copy.HAlignment(), TAlignment::taCenter);
+    EXPECT_TRUE(copy.WordWrap());
+
+    QImage image = BlankImage(200, 200);
+    TCanvas canvas(&image);
+    EXPECT_TRUE(copy.IsClickedMe(canvas, {60, 50}));
+    EXPECT_FALSE(copy.IsClickedMe(canvas, {130, 50}));
+}
+
+// The dialog is modal; a timer answers it the way a user would.
+TEST(TextEditDialog, OkTakesTheEditedLinesCancelKeepsThem)
+{
+    QStringList lines{"old"};
+    QTimer::singleShot(0, [] {
+        auto *dialog = qobject_cast<TTextEditDialog *>(QApplication::activeModalWidget());
+        ASSERT_NE(dialog, nullptr);
+        EXPECT_EQ(dialog->Editor()->toPlainText(), "old");
+        dialog->Editor()->setPlainText("one\ntwo");
+        dialog->accept();
+    });
+    EXPECT_TRUE(EditTextLines(nullptr, lines));
+    EXPECT_EQ(lines, (QStringList{"one", "two"}));
+
+    QTimer::singleShot(0, [] {
+        auto *dialog = qobject_cast<TTextEditDialog *>(QApplication::activeModalWidget());
+        ASSERT_NE(dialog, nullptr);
+        dialog->Editor()->setPlainText("changed");
+        dialog->reject();
+    });
+    EXPECT_FALSE(EditTextLines(nullptr, lines));
+    EXPECT_EQ(lines, (QStringList{"one", "two"}));
+
+    TTextEditDialog empty;
+    empty.SetLines({});
+    EXPECT_TRUE(empty.Lines().isEmpty());
+}
+
+} // namespace
+} // namespace tessal::test
