@@ -1,10 +1,31 @@
 // SPDX-License-Identifier: MIT
-// TMyLinkLine and TMyLinkPoint: construction, copying and the connector's drawing style.
+// TMyLinkLine: copying, binding the ends to link points, the drawing style, and the route
+// between the live ends.
+#include <tessal/geometry/geometry.h>
 #include <tessal/shapes/link.h>
+#include <tessal/shapes/shapetools.h>
+
+#include <cmath>
 
 namespace tessal {
 
-// ---- TMyLinkLine ----
+// ---- Host defaults ----
+
+TMyShape *TShapeHost::GetShapeByID(std::int32_t id) const
+{
+    for (std::int32_t no = 0; TMyShape *shape = GetShapeByNo(no); ++no)
+        if (shape->ShapeId() == id)
+            return shape;
+    return nullptr;
+}
+
+std::vector<TMyPoint> TShapeHost::GetPath(const TMyLinkLine &line, TMyPoint start,
+                                          TMyPoint end) const
+{
+    return line.ComputeRoute(start, end, {});
+}
+
+// ---- Construction and copying ----
 
 TMyLinkLine::TMyLinkLine(TShapeHost *host)
     : TMyLine(host)
@@ -41,10 +62,100 @@ void TMyLinkLine::AssignWithoutRelation(const TMyShape &source)
     }
 }
 
+// ---- Binding ----
+
+bool TMyLinkLine::Bind(std::int32_t &shapeNo, std::int32_t &pointId, std::int32_t shapeId,
+                       std::int32_t linkPointIndex)
+{
+    TMyShape *shape = Host()->GetShapeByID(shapeId);
+    if (!shape || linkPointIndex < 0 || linkPointIndex > shape->GetLinkPointsCount() - 1)
+        return false;
+    // The invariant: a bound end's shape lists the connector, and only while bound.
+    if (shapeNo > -1)
+        if (TMyShape *previous = Host()->GetShapeByNo(shapeNo))
+            RemoveLinklineShape(*previous, ShapeNo());
+    shapeNo = shape->ShapeNo();
+    pointId = linkPointIndex;
+    AddLinklineShape(*shape, ShapeNo());
+    UpdateRoute();
+    Repaint();
+    return true;
+}
+
+bool TMyLinkLine::CreateSrcLink(std::int32_t shapeId, std::int32_t linkPointIndex)
+{
+    return Bind(m_StartSpNo, m_StartSpPtId, shapeId, linkPointIndex);
+}
+
+bool TMyLinkLine::CreateDestLink(std::int32_t shapeId, std::int32_t linkPointIndex)
+{
+    return Bind(m_EndSpNo, m_EndSpPtId, shapeId, linkPointIndex);
+}
+
+void TMyLinkLine::RemoveSrcLink()
+{
+    m_StartSpNo = -1;
+    m_StartSpPtId = -1;
+}
+
+void TMyLinkLine::RemoveDestLink()
+{
+    m_EndSpNo = -1;
+    m_EndSpPtId = -1;
+}
+
+void TMyLinkLine::RemoveAllLink()
+{
+    RemoveSrcLink();
+    RemoveDestLink();
+}
+
+TMyShape *TMyLinkLine::GetStartShape() const
+{
+    return m_StartSpNo > -1 ? Host()->GetShapeByNo(m_StartSpNo) : nullptr;
+}
+
+TMyShape *TMyLinkLine::GetEndShape() const
+{
+    return m_EndSpNo > -1 ? Host()->GetShapeByNo(m_EndSpNo) : nullptr;
+}
+
+// A binding that names a shape or link point that is not there (a drawing read before
+// its shapes were renumbered, say) falls back to the own point rather than failing.
+TMyPoint TMyLinkLine::EndPosition(std::int32_t shapeNo, std::int32_t pointId, bool atStart) const
+{
+    if (shapeNo != -1) {
+        const TMyShape *shape = Host()->GetShapeByNo(shapeNo);
+        if (shape && pointId >= 0 && pointId < shape->GetLinkPointsCount())
+            return shape->GetLinkPointInZoom(pointId);
+    }
+    if (GetPointsCount() == 0)
+        return {};
+    return GetPointInZoom(atStart ? 0 : GetPointsCount() - 1);
+}
+
+TMyPoint TMyLinkLine::GetStartPoint() const
+{
+    return EndPosition(m_StartSpNo, m_StartSpPtId, true);
+}
+
+TMyPoint TMyLinkLine::GetEndPoint() const
+{
+    return EndPosition(m_EndSpNo, m_EndSpPtId, false);
+}
+
+std::int32_t TMyLinkLine::IsLineHV(TMyPoint a, TMyPoint b)
+{
+    return std::abs(double(a.X) - b.X) >= std::abs(double(a.Y) - b.Y) ? 1 : 2;
+}
+
+// ---- Drawing style ----
+
 void TMyLinkLine::SetLinkLineDrawStyle(TLinkLineDrawStyle style)
 {
     if (style == m_LinkLineDrawStyle)
         return;
+    m_LinkLineDrawStyle = style;
     if (style == TLinkLineDrawStyle::lldsFree) {
         // A straight connector is its two ends: the route's corners are dropped.
         if (!Points().empty()) {
@@ -54,28 +165,138 @@ void TMyLinkLine::SetLinkLineDrawStyle(TLinkLineDrawStyle style)
         }
     } else {
         m_Reroute = true;
+        // The shapes a connector of a drawing being read is bound to may not be there yet.
+        if (GetPointsCount() >= 2 && !Host()->IsLoading())
+            UpdateRoute();
     }
-    m_LinkLineDrawStyle = style;
+    Repaint();
 }
 
-// ---- TMyLinkPoint ----
+// ---- Routing ----
 
-TMyLinkPoint::TMyLinkPoint(TShapeHost *host)
-    : TMyRectangle(host)
-{}
-
-void TMyLinkPoint::Assign(const TMyShape &source)
+std::vector<TMyPoint> TMyLinkLine::GetPath(TMyPoint start, TMyPoint end) const
 {
-    TMyRectangle::Assign(source);
-    if (const auto *point = dynamic_cast<const TMyLinkPoint *>(&source); point && point != this)
-        m_Size = point->m_Size;
+    return Host()->GetPath(*this, start, end);
 }
 
-void TMyLinkPoint::AssignWithoutRelation(const TMyShape &source)
+// A junction is a point on other connectors: routes meet it from any side. Every other
+// bound shape is left through the side its magic point lies on.
+TRouteEnd TMyLinkLine::RouteEndAt(TMyPoint at, std::int32_t shapeNo) const
 {
-    TMyRectangle::AssignWithoutRelation(source);
-    if (const auto *point = dynamic_cast<const TMyLinkPoint *>(&source); point && point != this)
-        m_Size = point->m_Size;
+    TRouteEnd end{at, std::nullopt, at};
+    const TMyShape *shape = shapeNo > -1 ? Host()->GetShapeByNo(shapeNo) : nullptr;
+    if (!shape || dynamic_cast<const TMyLineLinkLine *>(shape) || shape->GetPointsCount() == 0)
+        return end;
+    // The same whole-pixel box that GetMagicPoint measures against, so that the magic point
+    // lies exactly on one of its sides.
+    const double z = Zoom();
+    const TMyPoint lt = shape->GetLeftTop();
+    const TMyPoint rb = shape->GetRightBottom();
+    const TRouteBox box{std::nearbyint(lt.X * z), std::nearbyint(lt.Y * z),
+                        std::nearbyint(rb.X * z), std::nearbyint(rb.Y * z)};
+    if (!(box.Left < box.Right && box.Top < box.Bottom))
+        return end;
+    end.Box = box;
+    end.Corner = GetMagicPoint(*shape, at);
+    return end;
+}
+
+std::vector<TMyPoint> TMyLinkLine::ComputeRoute(TMyPoint start, TMyPoint end,
+                                                std::span<const TRouteBox> obstacles) const
+{
+    if (m_LinkLineDrawStyle == TLinkLineDrawStyle::lldsFree)
+        return {start, end};
+    TRouteRequest request;
+    request.Start = RouteEndAt(start, m_StartSpNo);
+    request.End = RouteEndAt(end, m_EndSpNo);
+    request.Obstacles.assign(obstacles.begin(), obstacles.end());
+    return RouteOrthogonal(request);
+}
+
+void TMyLinkLine::UpdateRoute()
+{
+    const bool startKnown = m_StartSpNo > -1 || GetPointsCount() > 0;
+    const bool endKnown = m_EndSpNo > -1 || GetPointsCount() > 0;
+    if (!startKnown || !endKnown)
+        return;
+    const std::vector<TMyPoint> route = GetPath(GetStartPoint(), GetEndPoint());
+    const double z = Zoom();
+    TMyPointArray points;
+    points.reserve(route.size());
+    for (TMyPoint p : route)
+        points.push_back({float(p.X / z), float(p.Y / z)});
+    // A route of one point (both ends at the same place) is still a line of two.
+    if (points.size() == 1)
+        points.push_back(points.front());
+    Points() = std::move(points);
+    SetCenterPoint(ComputeCenterPoint(4));
+    const TMyPoint middle = Middle(route);
+    SetTextPoint({float(middle.X / z), float(middle.Y / z)});
+    m_Reroute = false;
+}
+
+void TMyLinkLine::MergePoints()
+{
+    tessal::MergePoints(Points());
+}
+
+TMyPoint TMyLinkLine::Middle(const std::vector<TMyPoint> &route)
+{
+    if (route.empty())
+        return {};
+    double total = 0;
+    for (std::size_t i = 1; i < route.size(); ++i)
+        total += GetLengthinPixel(route[i - 1], route[i]);
+    double left = total / 2;
+    for (std::size_t i = 1; i < route.size(); ++i) {
+        const double length = GetLengthinPixel(route[i - 1], route[i]);
+        if (left <= length && length > 0) {
+            const double t = left / length;
+            return {float(route[i - 1].X + (route[i].X - route[i - 1].X) * t),
+                    float(route[i - 1].Y + (route[i].Y - route[i - 1].Y) * t)};
+        }
+        left -= length;
+    }
+    return route.back();
+}
+
+std::vector<TMyPoint> TMyLinkLine::DisplayRoute() const
+{
+    const TMyPoint start = GetStartPoint();
+    const TMyPoint end = GetEndPoint();
+    const bool bothBound = m_StartSpNo > -1 && m_EndSpNo > -1;
+    if (GetPointsCount() < 2 && !bothBound) {
+        std::vector<TMyPoint> own;
+        for (std::int32_t i = 0; i < GetPointsCount(); ++i)
+            own.push_back(GetPointInZoom(i));
+        return own;
+    }
+    if (m_LinkLineDrawStyle == TLinkLineDrawStyle::lldsFree)
+        return {start, end};
+    const bool current = !m_Reroute && GetPointsCount() >= 2 &&
+                         MyPtToPt(GetPointInZoom(0)) == MyPtToPt(start) &&
+                         MyPtToPt(GetPointInZoom(GetPointsCount() - 1)) == MyPtToPt(end);
+    if (!current)
+        return GetPath(start, end);
+    std::vector<TMyPoint> stored;
+    for (std::int32_t i = 0; i < GetPointsCount(); ++i)
+        stored.push_back(GetPointInZoom(i));
+    return stored;
+}
+
+// ---- Editing ----
+
+void TMyLinkLine::SizeChangeValue(TMyPoint from, TMyPoint to)
+{
+    TMyLine::SizeChangeValue(from, to);
+    if (m_LinkLineDrawStyle == TLinkLineDrawStyle::lldsHV)
+        UpdateRoute();
+}
+
+void TMyLinkLine::Drawed(TPoint from, TPoint &to)
+{
+    TMyLine::Drawed(from, to);
+    UpdateRoute();
 }
 
 } // namespace tessal

@@ -11,10 +11,12 @@
 #include <QString>
 
 #include <cstdint>
+#include <vector>
 
 namespace tessal {
 
 class TMyShape;
+class TMyLinkLine;
 
 // The handle highlighted by the last link-point or end-point hot test, shared by all
 // shapes of one surface so that moving from one shape to another erases the old square.
@@ -74,6 +76,14 @@ public:
     // range.
     virtual TMyShape *GetShapeByNo(std::int32_t no) const = 0;
     virtual TMyShape *GetRootParentShape(TMyShape *shape) const = 0;
+    // The shape with the identity, nullptr when none. The default searches GetShapeByNo.
+    virtual TMyShape *GetShapeByID(std::int32_t id) const;
+
+    // The orthogonal route of a connector from start to end (screen points). The default
+    // routes around the connector's two bound shapes only; a surface also steers round its
+    // other shapes.
+    virtual std::vector<TMyPoint> GetPath(const TMyLinkLine &line, TMyPoint start,
+                                          TMyPoint end) const;
 
     // Requests a repaint later; never paints at once.
     virtual void RequestRepaint() = 0;
