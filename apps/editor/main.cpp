@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // tessal-editor entry point. Without a display it writes a screenshot and exits.
 #include "mainwindow.h"
+#include "sample.h"
 
 #include <QApplication>
 #include <QDir>
@@ -17,6 +18,8 @@ int main(int argc, char **argv)
     const QStringList args = QApplication::arguments();
     if (args.size() > 1)
         window.OpenFile(args.at(1));
+    else
+        BuildSampleDrawing(*window.Cad());
     window.show();
 
     if (QGuiApplication::platformName() == QLatin1String("offscreen")) {
