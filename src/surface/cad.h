@@ -31,6 +31,7 @@
 namespace tessal {
 
 class TMyShape;
+class TMyLinkLine;
 class TShapeIndex; // spatial index of the shapes (private to the surface)
 
 // The action names of undo records.
@@ -311,7 +312,7 @@ public:
 
     // Look-ups answer nullptr or -1 when nothing matches. GetShapeByID refuses identities
     // outside 0 .. ShapeIdCounter() - 1 without searching.
-    TMyShape *GetShapeByID(std::int32_t id) const;
+    TMyShape *GetShapeByID(std::int32_t id) const override;
     TMyShape *GetShapeByName(const QString &name) const;
     std::int32_t GetShapeNoById(std::int32_t id) const;
     std::int32_t GetShapeNoInMyShapes(const TMyShape *shape) const;
@@ -419,8 +420,28 @@ public:
     // its members; answers the angle. Not recorded.
     float Tilt(TMyShape *shape, TMyPoint centre, TMyPoint from, TMyPoint to, bool constrained);
     void RotateChangeValueforShapes(TMyShape *shape, TMyPoint centre, double angle);
-    // Lets the connectors bound to the shape follow it.
+
+    // ---- Connectors (routing.cpp) ----
+    // The route of a connector from start to end (screen points): an lldsFree connector
+    // is the straight line; an lldsHV route alternates horizontal and vertical segments,
+    // leaves and enters its bound shapes through the sides their magic points lie on and
+    // never crosses their boxes. With LinklineAroundShape it also goes round the boxes of
+    // the other visible top-level shapes (connectors and link marks excepted) where it can.
+    std::vector<TMyPoint> GetPath(const TMyLinkLine &line, TMyPoint start,
+                                  TMyPoint end) const override;
+    // Lets the connectors bound to the shape (and to its group members) follow it: their
+    // routes are recomputed and stored at once. A connector given itself is re-routed too.
     void ChangeLinkShapes(TMyShape *shape);
+    // The topmost visible shape whose link point lies under point (screen), highlighted
+    // with the red square; shapeNo and linkId receive its number and the link point's
+    // index, or -1 and -1 (and the highlight is switched off) when there is none.
+    bool InWhichShapeWhichHotLinkId(TPoint point, std::int32_t &shapeNo, std::int32_t &linkId);
+    // Where a connector drawn from point starts: the shape of the link point under it, else
+    // the topmost visible shape hit at point that has link points, with the link point
+    // nearest to point. Nullptr and -1 when there is neither.
+    TMyShape *GetMainShape(TPoint point, std::int32_t &linkId);
+    // Erases the remembered link-point (or end-point) highlight and forgets it.
+    void ClearAllLinkHot();
 
     // ---- Page and zoom ----
     // Selects a paper size; for named styles PageWidth and PageHeight come from the style's
