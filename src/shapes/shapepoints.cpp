@@ -317,14 +317,20 @@ void TMyShape::SizeChangeValueByScale(double sx, double sy, TMyPoint fixed, TMyP
     m_CenterPoint = scale(m_CenterPoint);
 }
 
-// The difference of the two slope angles, normalised to (-pi, pi] so that a small drag
-// across the zero direction is a small turn. With a constraint the turn snaps to the
-// nearest multiple of RotateConstraintDegree (halves to even).
+// The turn between the directions centre->from and centre->to, normalised to (-pi, pi] so
+// that a small drag across the zero direction is a small turn. The directions are taken
+// with a continuous angle rather than the slope angle, whose vertical tie-break answers
+// pi/2 for straight below too: a drag passing under the centre would flip the shape.
+// With a constraint the turn snaps to the nearest multiple of RotateConstraintDegree
+// (halves to even).
 double TMyShape::GetRotatedAngle(TMyPoint centre, TMyPoint from, TMyPoint to,
                                  bool constrained) const
 {
     constexpr double pi = std::numbers::pi;
-    double a = GetSlopeAngle(centre, to) - GetSlopeAngle(centre, from);
+    const auto direction = [centre](TMyPoint p) {
+        return std::atan2(double(p.Y) - centre.Y, double(p.X) - centre.X);
+    };
+    double a = direction(to) - direction(from);
     while (a > pi)
         a -= 2 * pi;
     while (a <= -pi)

@@ -251,6 +251,9 @@ TEST(ShapeEdit, RotatedAngleIsNormalisedAndSnaps)
         EXPECT_NEAR(s.GetRotatedAngle(c, from, turned(deg), false), deg * Deg, 1e-5) << deg;
     // Across the zero direction of the slope angles a small drag stays a small turn.
     EXPECT_NEAR(s.GetRotatedAngle(c, {0, 11}, {0, 9}, false), 2 * std::atan(0.1), 1e-6);
+    // Passing straight below the centre is no jump either.
+    const TMyPoint below{c.X, c.Y + 10};
+    EXPECT_NEAR(s.GetRotatedAngle(c, {c.X + 1, c.Y + 10}, below, false), std::atan(0.1), 1e-6);
 
     host.ConstraintDegree = 15;
     EXPECT_NEAR(s.GetRotatedAngle(c, from, turned(20), true), 15 * Deg, 1e-9);
