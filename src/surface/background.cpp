@@ -84,8 +84,8 @@ void TMyCAD::DrawBkBitmapPart(QImage &image, QRect page, QRect clip)
                           StretchPart(picture, page.size(), visible.translated(-dx, -dy)));
         break;
     case TBkBitmapMode::Center:
-        painter.drawImage(
-            QPoint(dx + (page.width() - w) / 2, dy + (page.height() - h) / 2), picture);
+        painter.drawImage(QPoint(dx + (page.width() - w) / 2, dy + (page.height() - h) / 2),
+                          picture);
         break;
     case TBkBitmapMode::LeftTop:
         painter.drawImage(QPoint(dx, dy), picture);

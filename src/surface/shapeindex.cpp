@@ -5,6 +5,7 @@
 
 #include <tessal/shapes/line.h>
 #include <tessal/shapes/shape.h>
+#include <tessal/shapes/text.h>
 
 #include <algorithm>
 #include <cmath>
@@ -51,6 +52,7 @@ private:
     void Add(TMyShape *shape, std::int32_t depth);
     void AddPoint(TMyPoint p);
     void AddInfoText(TMyShape *shape);
+    void AddTextShapeLines(const TMyText &text);
     void AddPad(std::int32_t pad) { m_Extent.Pad = std::max(m_Extent.Pad, pad); }
 
     const TMyCAD &m_Cad;
@@ -92,6 +94,8 @@ void TExtentBuilder::Add(TMyShape *shape, std::int32_t depth)
         AddPad(std::int32_t(std::uint8_t(std::nearbyint(m_Cad.Zoom() * line->ArrowLength()))) + 2);
     }
     AddInfoText(shape);
+    if (const auto *text = dynamic_cast<const TMyText *>(shape))
+        AddTextShapeLines(*text);
     for (const std::int32_t no : shape->ChildShapes())
         Add(m_Cad.GetShapeByNo(no), depth + 1);
 }
@@ -118,6 +122,35 @@ void TExtentBuilder::AddInfoText(TMyShape *shape)
     const double top = std::nearbyint(ay - h / 2.0);
     AddPoint({float(left / z), float(top / z)});
     AddPoint({float((left + w) / z), float((top + h) / z)});
+    AddPad(3);
+}
+
+// A text shape's lines may run beyond its rectangle. Wherever the alignments put the block
+// of lines, it stays within one block width and height of the upright rectangle, and the
+// turn about the centre keeps it within the circle around that.
+void TExtentBuilder::AddTextShapeLines(const TMyText &text)
+{
+    if (text.GetPointsCount() == 0)
+        return;
+    const double z = m_Cad.Zoom();
+    TCanvas &canvas = m_Measure.Canvas();
+    double w = 0;
+    double h = 0;
+    for (const QString &line : text.LaidOutLines(canvas)) {
+        const TPoint size = text.GetTextWidthHeight(canvas, line, text.Font(), z, 0);
+        w = std::max(w, double(size.X));
+        h += size.Y;
+    }
+    const TMyPoint lt = text.GetLeftTop();
+    const TMyPoint rb = text.GetRightBottom();
+    const double cx = (lt.X + rb.X) / 2.0;
+    const double cy = (lt.Y + rb.Y) / 2.0;
+    double halfW = text.GetMyWidth() / 2.0 + w / z;
+    double halfH = text.GetMyHeight() / 2.0 + h / z;
+    if (text.Angle() != 0)
+        halfW = halfH = std::hypot(halfW, halfH);
+    AddPoint({float(cx - halfW), float(cy - halfH)});
+    AddPoint({float(cx + halfW), float(cy + halfH)});
     AddPad(3);
 }
 

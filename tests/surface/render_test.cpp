@@ -295,7 +295,7 @@ TEST(Render, PaintingLeavesTheDocumentUntouched)
 
 // The heart of the repaint design: any rectangle composed on its own equals the same
 // rectangle of a full composition, pixel for pixel, with real shape classes, texts, arrows,
-// a tiled picture and the line grid, at a zoom that is not a whole number.
+// turned shapes, a tiled picture and the line grid, at a zoom that is not a whole number.
 TEST(Render, PartialRepaintEqualsFullRepaint)
 {
     TMyCAD cad;
@@ -308,13 +308,16 @@ TEST(Render, PartialRepaintEqualsFullRepaint)
     std::uniform_real_distribution<float> pos(-20, 300);
     std::uniform_real_distribution<float> len(2, 80);
     const TDrawTool tools[] = {TDrawTool::SpRectangle, TDrawTool::SpEllipse, TDrawTool::SpLine,
-                               TDrawTool::SpRectangle};
+                               TDrawTool::SpText};
     for (int i = 0; i < 60; ++i) {
         const TDrawTool tool = tools[i % 4];
         const TMyPoint a{pos(rng), pos(rng)};
         const TMyPoint b{a.X + len(rng), a.Y + len(rng)};
         const TMyPoint pts[2] = {a, b};
-        const std::int32_t id = cad.AddShapeByCode(tool, QString(), pts, 0, QString());
+        // Texts longer than their boxes run out of them; some shapes are turned.
+        const QString text =
+            tool == TDrawTool::SpText ? QStringLiteral("Overflowing text %1").arg(i) : QString();
+        const std::int32_t id = cad.AddShapeByCode(tool, QString(), pts, i % 7 ? 0 : 0.4, text);
         ASSERT_GE(id, 0);
         TMyShape *shape = cad.GetShapeByID(id);
         shape->SetPen(TPen{RGBToColor(std::uint8_t(i * 37), 40, 200), TPenMode::pmCopy,
