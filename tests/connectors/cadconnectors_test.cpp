@@ -1,0 +1,188 @@
+// SPDX-License-Identifier: MIT
+// The surface's connector operations: routes round the document's shapes, connectors
+// following moved shapes and groups, link points found under the mouse with their
+// highlight, and where a connector drawn from a press starts.
+#include "connectorhost.h"
+
+#include <tessal/surface/cad.h>
+
+#include <gtest/gtest.h>
+
+namespace tessal::test {
+namespace {
+
+constexpr unsigned kRedPixel = 0xFF0000;
+
+struct TDiagram
+{
+    TMyCAD Cad;
+    TMyShape *A = nullptr;
+    TMyShape *B = nullptr;
+
+    TDiagram()
+    {
+        Cad.SetPageWidth(100);
+        Cad.SetPageHeight(80);
+        Cad.GridOperation()->SetGridType(TGridType::gNone);
+        Cad.NewLayer(QStringLiteral("Top"), true);
+        A = Box(20, 40, 80, 100);
+        A->LinkPoints() = {{80, 70}, {50, 40}};
+        B = Box(220, 40, 280, 100);
+        B->LinkPoints() = {{220, 70}, {250, 100}};
+    }
+
+    TMyShape *Box(float l, float t, float r, float b)
+    {
+        const TMyPoint corners[] = {{l, t}, {r, b}};
+        return Cad.GetShapeByID(Cad.AddShapeByCode(TDrawTool::SpRectangle, {}, corners, 0, {}));
+    }
+
+    TMyLinkLine *Connect(TMyShape *from, std::int32_t fromPoint, TMyShape *to, std::int32_t toPoint)
+    {
+        const TMyPoint ends[] = {{0, 0}, {1, 1}};
+        auto *link = dynamic_cast<TMyLinkLine *>(
+            Cad.GetShapeByID(Cad.AddShapeByCode(TDrawTool::SpLinkLine, {}, ends, 0, {})));
+        EXPECT_TRUE(link->CreateSrcLink(from->ShapeId(), fromPoint));
+        EXPECT_TRUE(link->CreateDestLink(to->ShapeId(), toPoint));
+        return link;
+    }
+};
+
+bool RouteEnters(const TMyPointArray &route, float l, float t, float r, float b)
+{
+    for (std::size_t i = 1; i < route.size(); ++i)
+        if (EntersBox(route[i - 1], route[i], l, t, r, b))
+            return true;
+    return false;
+}
+
+TEST(CadConnectors, RoutesGoRoundClosedShapesOnlyWhileAskedTo)
+{
+    TDiagram d;
+    TMyLinkLine *link = d.Connect(d.A, 0, d.B, 0);
+    EXPECT_EQ(link->Points(), (TMyPointArray{{80, 70}, {220, 70}}));
+
+    // A link mark and a plain line on the way are no obstacles; a rectangle is.
+    const TMyPoint mark[] = {{120, 66}, {128, 74}};
+    d.Cad.AddShapeByCode(TDrawTool::SpLinkPoint, {}, mark, 0, {});
+    const TMyPoint line[] = {{140, 20}, {140, 120}};
+    d.Cad.AddShapeByCode(TDrawTool::SpLine, {}, line, 0, {});
+    link->UpdateRoute();
+    EXPECT_EQ(link->Points(), (TMyPointArray{{80, 70}, {220, 70}}));
+
+    TMyShape *wall = d.Box(160, 50, 180, 110);
+    d.Cad.ChangeLinkShapes(link);
+    ASSERT_TRUE(Alternates(link->Points()));
+    EXPECT_FALSE(RouteEnters(link->Points(), 160, 50, 180, 110));
+    EXPECT_EQ(link->Points().front(), (TMyPoint{80, 70}));
+    EXPECT_EQ(link->Points().back(), (TMyPoint{220, 70}));
+
+    // Hidden shapes and a switched-off avoidance let the route through.
+    d.Cad.SetLinklineAroundShape(false);
+    link->UpdateRoute();
+    EXPECT_EQ(link->Points(), (TMyPointArray{{80, 70}, {220, 70}}));
+    d.Cad.SetLinklineAroundShape(true);
+    wall->SetVisible(false);
+    link->UpdateRoute();
+    EXPECT_EQ(link->Points(), (TMyPointArray{{80, 70}, {220, 70}}));
+
+    // The straight style is the line between the ends whatever lies between.
+    wall->SetVisible(true);
+    link->SetLinkLineDrawStyle(TLinkLineDrawStyle::lldsFree);
+    EXPECT_EQ(d.Cad.GetPath(*link, {80, 70}, {220, 70}),
+              (std::vector<TMyPoint>{{80, 70}, {220, 70}}));
+}
+
+TEST(CadConnectors, ConnectorsFollowMovedShapesAndGroups)
+{
+    TDiagram d;
+    TMyLinkLine *link = d.Connect(d.A, 0, d.B, 1);
+    TMyLinkLine *loose = d.Connect(d.A, 1, d.B, 0);
+    loose->RemoveSrcLink();
+    const TMyPointArray looseBefore = loose->Points();
+
+    d.A->DragChangeValuedxdy(0, 100);
+    d.Cad.ChangeLinkShapes(d.A);
+    ASSERT_TRUE(Alternates(link->Points()));
+    EXPECT_EQ(link->Points().front(), (TMyPoint{80, 170}));
+    EXPECT_EQ(link->Points().back(), (TMyPoint{250, 100}));
+    // Still listed by A, but no longer bound to it: left alone.
+    EXPECT_EQ(loose->Points(), looseBefore);
+
+    // Through a group: the member moved, the group is told.
+    TMyShape *members[] = {d.B};
+    TMyShape *group = d.Cad.GetShapeByID(d.Cad.GroupShapes(members, false));
+    ASSERT_NE(group, nullptr);
+    d.B->DragChangeValuedxdy(40, 0);
+    d.Cad.ChangeLinkShapes(group);
+    EXPECT_EQ(link->Points().back(), (TMyPoint{290, 100}));
+    EXPECT_TRUE(Alternates(link->Points()));
+    EXPECT_EQ(loose->Points().back(), (TMyPoint{260, 70}));
+}
+
+TEST(CadConnectors, LinkPointUnderTheMouseIsFoundAndHighlighted)
+{
+    TDiagram d;
+    d.Cad.grab();
+    TCanvas *screen = d.Cad.ScreenCanvas();
+    ASSERT_NE(screen, nullptr);
+    screen->Flush();
+    const QImage before = d.Cad.ScreenImage().copy();
+
+    std::int32_t no = 7, id = 7;
+    // Within the 5-pixel square of B's second link point (250, 100).
+    EXPECT_TRUE(d.Cad.InWhichShapeWhichHotLinkId({254, 96}, no, id));
+    EXPECT_EQ(no, d.Cad.GetShapeNoInMyShapes(d.B));
+    EXPECT_EQ(id, 1);
+    screen->Flush();
+    EXPECT_GT(CountPixels(d.Cad.ScreenImage(), QRect(243, 93, 15, 15), kRedPixel), 20);
+
+    // Off the squares: nothing, and the highlight goes.
+    EXPECT_FALSE(d.Cad.InWhichShapeWhichHotLinkId({256, 100}, no, id));
+    EXPECT_EQ(no, -1);
+    EXPECT_EQ(id, -1);
+    screen->Flush();
+    EXPECT_TRUE(ImagesEqual(d.Cad.ScreenImage(), before));
+
+    // The topmost of two shapes sharing a link point wins; a hidden layer's shapes are
+    // passed over.
+    TMyShape *top = d.Box(60, 60, 90, 90);
+    top->LinkPoints() = {{10, 10}, {80, 70}};
+    EXPECT_TRUE(d.Cad.InWhichShapeWhichHotLinkId({80, 70}, no, id));
+    EXPECT_EQ(no, d.Cad.GetShapeNoInMyShapes(top));
+    EXPECT_EQ(id, 1);
+    const std::int32_t hidden = d.Cad.NewLayer(QStringLiteral("Hidden"), false);
+    top->SetLayerId(hidden);
+    EXPECT_TRUE(d.Cad.InWhichShapeWhichHotLinkId({80, 70}, no, id));
+    EXPECT_EQ(no, d.Cad.GetShapeNoInMyShapes(d.A));
+    EXPECT_EQ(id, 0);
+
+    // Switching the highlight off restores the screen; a second time does nothing.
+    d.Cad.ClearAllLinkHot();
+    screen->Flush();
+    EXPECT_TRUE(ImagesEqual(d.Cad.ScreenImage(), before));
+    d.Cad.ClearAllLinkHot();
+    screen->Flush();
+    EXPECT_TRUE(ImagesEqual(d.Cad.ScreenImage(), before));
+}
+
+TEST(CadConnectors, MainShapeOfAPressIsTheLinkPointElseTheNearestOneOfTheShapeHit)
+{
+    TDiagram d;
+    std::int32_t id = 7;
+    EXPECT_EQ(d.Cad.GetMainShape({251, 99}, id), d.B);
+    EXPECT_EQ(id, 1);
+    // Inside A, nearer its top link point (50, 40) than its side one (80, 70).
+    EXPECT_EQ(d.Cad.GetMainShape({45, 50}, id), d.A);
+    EXPECT_EQ(id, 1);
+    EXPECT_EQ(d.Cad.GetMainShape({75, 90}, id), d.A);
+    EXPECT_EQ(id, 0);
+    EXPECT_EQ(d.Cad.GetMainShape({150, 150}, id), nullptr);
+    EXPECT_EQ(id, -1);
+    // A shape without link points is not a place to start from.
+    d.Box(140, 140, 160, 160);
+    EXPECT_EQ(d.Cad.GetMainShape({150, 150}, id), nullptr);
+}
+
+} // namespace
+} // namespace tessal::test
