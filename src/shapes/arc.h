@@ -51,6 +51,9 @@ public:
 
     const QMetaObject *MetaObject() const override { return &staticMetaObject; }
     QString ClassName() const override { return QStringLiteral("TMyElliArc"); }
+    // The class's part of the stored record, after its parent's.
+    void SaveToStream(BinaryStream &stream) const override;
+    void LoadFromStream(BinaryStream &stream) override;
 
     void AddPointByMouse(TPoint point) override;
     bool IsDrawingFinished(Qt::MouseButton button, TPoint point) override;

@@ -26,6 +26,9 @@ public:
 
     const QMetaObject *MetaObject() const override { return &staticMetaObject; }
     QString ClassName() const override { return QStringLiteral("TMyLine"); }
+    // The class's part of the stored record, after its parent's.
+    void SaveToStream(BinaryStream &stream) const override;
+    void LoadFromStream(BinaryStream &stream) override;
 
     void Draging(TCanvas &canvas, TPoint from, TPoint to) override;
     // Computes centre and caption anchor; a plain line then looks for a line end under the

@@ -35,6 +35,9 @@ public:
 
     const QMetaObject *MetaObject() const override { return &staticMetaObject; }
     QString ClassName() const override { return QStringLiteral("TMyLinkLine"); }
+    // The class's part of the stored record, after its parent's.
+    void SaveToStream(BinaryStream &stream) const override;
+    void LoadFromStream(BinaryStream &stream) override;
 
     void Assign(const TMyShape &source) override;
     void AssignWithoutRelation(const TMyShape &source) override;
@@ -166,6 +169,9 @@ public:
 
     const QMetaObject *MetaObject() const override { return &staticMetaObject; }
     QString ClassName() const override { return QStringLiteral("TMyLinkPoint"); }
+    // The class's part of the stored record, after its parent's.
+    void SaveToStream(BinaryStream &stream) const override;
+    void LoadFromStream(BinaryStream &stream) override;
 
     void Assign(const TMyShape &source) override;
     void AssignWithoutRelation(const TMyShape &source) override;

@@ -31,6 +31,9 @@ public:
 
     const QMetaObject *MetaObject() const override { return &staticMetaObject; }
     QString ClassName() const override { return QStringLiteral("TMyRuleLine"); }
+    // The class's part of the stored record, after its parent's.
+    void SaveToStream(BinaryStream &stream) const override;
+    void LoadFromStream(BinaryStream &stream) override;
 
     // Also turns Angle to the first segment and refreshes the length text.
     void SizeChangeValue(TMyPoint from, TMyPoint to) override;

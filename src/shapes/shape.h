@@ -23,6 +23,7 @@
 
 namespace tessal {
 
+class BinaryStream;
 class TMyShape;
 
 // Fired by the surface when the shape is clicked; the argument is the shape.
@@ -131,6 +132,12 @@ public:
     // Handle number under the screen point, or -1; the base has no handles.
     virtual std::int32_t InWhichHot(TPoint point);
     virtual bool IsClickedMe(TCanvas &canvas, TPoint point);
+
+    // ---- Stored record (shapes/records) ----
+    // Writes the newest record layout. Reads the layout of the host's DiskFileVersion();
+    // a short or impossible stream throws TStreamError, leaving the shape partly read.
+    virtual void SaveToStream(BinaryStream &stream) const;
+    virtual void LoadFromStream(BinaryStream &stream);
 
     // ---- Points (indices are not range-checked) ----
     std::int32_t GetPointsCount() const { return std::int32_t(m_Points.size()); }

@@ -71,6 +71,8 @@ public:
     virtual std::int32_t ScreenPixelsPerInch() const = 0;
     // True while a drawing is being read: appearance changes are not passed to children.
     virtual bool IsLoading() const = 0;
+    // The format version text by which stored shape records are read ("XP.2" ... "XP.j").
+    virtual QString DiskFileVersion() const { return QStringLiteral("XP.j"); }
 
     // Document access by shape number (position in the shape list); nullptr when out of
     // range.
