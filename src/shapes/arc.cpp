@@ -21,6 +21,10 @@ constexpr double HitBand = 8;
 // ellipse shape is.
 constexpr double ChordStep = Pi / 36;
 
+// Beyond this many times the points' spread a radius is taken for a straight line, and
+// below that fraction of it for a flattened ellipse.
+constexpr double LargestRadiusRatio = 1e4;
+
 // An angle brought into [0, 2 pi).
 double Positive(double a)
 {
@@ -28,31 +32,61 @@ double Positive(double a)
     return a < 0 ? a + 2 * Pi : a;
 }
 
-struct TFramePoint
+struct TVec
 {
     double X = 0, Y = 0;
 };
 
-TFramePoint InFrame(TMyPoint p, TMyPoint centre, float angle)
+TVec operator-(TVec a, TVec b)
 {
-    const TMyPoint u = RotateAPoint(p, centre, -angle);
-    return {double(u.X) - centre.X, double(u.Y) - centre.Y};
+    return {a.X - b.X, a.Y - b.Y};
 }
 
-// The semi-axes of the frame-aligned ellipse about the origin through s and e, or nothing.
-bool EllipseThrough(TFramePoint s, TFramePoint e, double &a, double &b)
+// p in the frame turned by angle, relative to pivot.
+TVec ToFrame(TMyPoint p, TMyPoint pivot, double angle)
 {
-    const double xs = s.X * s.X, ys = s.Y * s.Y, xe = e.X * e.X, ye = e.Y * e.Y;
-    const double det = xs * ye - xe * ys;
-    if (std::abs(det) < 1e-9)
+    const double dx = double(p.X) - pivot.X, dy = double(p.Y) - pivot.Y;
+    const double c = std::cos(angle), s = std::sin(angle);
+    return {dx * c + dy * s, -dx * s + dy * c};
+}
+
+TMyPoint FromFrame(TVec v, TMyPoint pivot, double angle)
+{
+    const double c = std::cos(angle), s = std::sin(angle);
+    return {float(pivot.X + v.X * c - v.Y * s), float(pivot.Y + v.X * s + v.Y * c)};
+}
+
+// The centre of the circle through the origin, p and e, or nothing when they are on one line.
+bool CircleCentre(TVec p, TVec e, TVec &centre)
+{
+    const double cross = p.X * e.Y - p.Y * e.X;
+    const double pp = p.X * p.X + p.Y * p.Y, ee = e.X * e.X + e.Y * e.Y;
+    if (std::abs(cross) <= 1e-12 * (pp + ee))
         return false;
-    const double inverseA2 = (ye - ys) / det;
-    const double inverseB2 = (xs - xe) / det;
+    centre = {(e.Y * pp - p.Y * ee) / (2 * cross), (p.X * ee - e.X * pp) / (2 * cross)};
+    return true;
+}
+
+// The semi-axes of the frame-aligned ellipse about the origin through s and p, or nothing.
+bool EllipseThrough(TVec s, TVec p, double &a, double &b)
+{
+    const double xs = s.X * s.X, ys = s.Y * s.Y, xp = p.X * p.X, yp = p.Y * p.Y;
+    const double det = xs * yp - xp * ys;
+    if (std::abs(det) <= 1e-12 * (xs + ys) * (xp + yp))
+        return false;
+    const double inverseA2 = (yp - ys) / det;
+    const double inverseB2 = (xs - xp) / det;
     if (inverseA2 <= 0 || inverseB2 <= 0)
         return false;
     a = 1 / std::sqrt(inverseA2);
     b = 1 / std::sqrt(inverseB2);
     return true;
+}
+
+// The curve parameter of frame point q on the ellipse about centre with semi-axes a, b.
+double ParameterOf(TVec q, TVec centre, double a, double b)
+{
+    return std::atan2(-(q.Y - centre.Y) / b, (q.X - centre.X) / a);
 }
 
 } // namespace
@@ -90,23 +124,40 @@ TArcGeometry TMyElliArc::GeometryOf(const TMyPointArray &points) const
     TArcGeometry g;
     if (points.size() < 3)
         return g;
-    g.Centre = points[0];
-    const TFramePoint s = InFrame(points[1], g.Centre, Angle());
-    const TFramePoint e = InFrame(points[2], g.Centre, Angle());
+    // The frame is pinned at the start, so the start is its origin.
+    const TMyPoint pivot = points[0];
+    const double angle = Angle();
+    const TVec s{}, p = ToFrame(points[1], pivot, angle), e = ToFrame(points[2], pivot, angle);
+    const double spread =
+        std::max({std::hypot(p.X, p.Y), std::hypot(e.X, e.Y), std::hypot(e.X - p.X, e.Y - p.Y)});
+    const double largest = LargestRadiusRatio * spread;
+
+    TVec centre;
     double a = 0, b = 0;
-    if (m_ArcMode != TArcMode::amEllipse || !EllipseThrough(s, e, a, b))
-        a = b = std::hypot(s.X, s.Y);
-    if (a <= 0 || b <= 0 || (e.X == 0 && e.Y == 0))
+    bool found = false;
+    if (m_ArcMode == TArcMode::amEllipse) {
+        centre = {e.X / 2, e.Y / 2};
+        found = EllipseThrough(s - centre, p - centre, a, b) && std::max(a, b) <= largest &&
+                std::min(a, b) * LargestRadiusRatio >= spread;
+    }
+    if (!found && CircleCentre(p, e, centre)) {
+        a = b = std::hypot(centre.X, centre.Y);
+        found = a <= largest;
+    }
+    if (!found) {
+        g.Straight = true;
+        g.Centre = FromFrame({e.X / 2, e.Y / 2}, pivot, angle);
         return g;
+    }
+
+    g.Centre = FromFrame(centre, pivot, angle);
     g.RadiusX = a;
     g.RadiusY = b;
-    g.Start = std::atan2(-s.Y / b, s.X / a);
-    const double end = std::atan2(-e.Y / b, e.X / a);
-    // A mirror turns the sense of the arc round, so a flipped arc stays the same curve.
-    const bool mirrored = IsFlipHorz() != IsFlipVert();
-    g.Sweep = mirrored ? -Positive(g.Start - end) : Positive(end - g.Start);
-    if (std::abs(g.Sweep) < 1e-9)
-        g.Sweep = 0;
+    g.Start = ParameterOf(s, centre, a, b);
+    // Anticlockwise when that way meets the middle point before the end, else clockwise.
+    const double toEnd = Positive(ParameterOf(e, centre, a, b) - g.Start);
+    const double toThrough = Positive(ParameterOf(p, centre, a, b) - g.Start);
+    g.Sweep = toThrough <= toEnd ? toEnd : toEnd - 2 * Pi;
     return g;
 }
 
@@ -115,36 +166,25 @@ TArcGeometry TMyElliArc::ArcGeometry() const
     return GeometryOf(Points());
 }
 
-void TMyElliArc::KeepEndOnCircle(TMyPointArray &points) const
-{
-    if (m_ArcMode != TArcMode::amCircle || points.size() < 3)
-        return;
-    const TMyPoint c = points[0];
-    const double r = GetLengthinPixel(c, points[1]);
-    const double d = GetLengthinPixel(c, points[2]);
-    if (d == 0)
-        return;
-    points[2] = {float(c.X + (double(points[2].X) - c.X) * r / d),
-                 float(c.Y + (double(points[2].Y) - c.Y) * r / d)};
-}
-
 std::vector<TMyPoint> TMyElliArc::OutlineOf(const TMyPointArray &points, bool closed) const
 {
     const TArcGeometry g = GeometryOf(points);
+    const double z = Zoom();
+    auto zoomed = [z](TMyPoint p) { return TMyPoint{float(p.X * z), float(p.Y * z)}; };
     std::vector<TMyPoint> out;
+    if (g.Straight)
+        return {zoomed(points[0]), zoomed(points[2])};
     if (g.Sweep == 0)
         return out;
-    const double z = Zoom();
     const std::int32_t steps = std::max(1, std::int32_t(std::ceil(std::abs(g.Sweep) / ChordStep)));
     for (std::int32_t i = 0; i <= steps; ++i) {
         const double t = g.Start + g.Sweep * i / steps;
         const TMyPoint onFrame{float(g.Centre.X + g.RadiusX * std::cos(t)),
                                float(g.Centre.Y - g.RadiusY * std::sin(t))};
-        const TMyPoint p = RotateAPoint(onFrame, g.Centre, Angle());
-        out.push_back({float(p.X * z), float(p.Y * z)});
+        out.push_back(zoomed(RotateAPoint(onFrame, g.Centre, Angle())));
     }
     if (closed && m_ArcStyle == TArcStyle::asPie)
-        out.push_back({float(g.Centre.X * z), float(g.Centre.Y * z)});
+        out.push_back(zoomed(g.Centre));
     if (closed && m_ArcStyle != TArcStyle::asArc)
         out.push_back(out.front());
     return out;
@@ -161,8 +201,12 @@ void TMyElliArc::AddPointByMouse(TPoint point)
 {
     if (GetPointsCount() >= 3)
         return;
-    Points().push_back({float(point.X / Zoom()), float(point.Y / Zoom())});
-    KeepEndOnCircle(Points());
+    // The clicks give the start, the end and then the point between them.
+    const TMyPoint p{float(point.X / Zoom()), float(point.Y / Zoom())};
+    if (GetPointsCount() == 2)
+        Points().insert(Points().begin() + 1, p);
+    else
+        Points().push_back(p);
     SetCenterPoint(ComputeCenterPoint(4));
 }
 
@@ -174,19 +218,14 @@ bool TMyElliArc::IsDrawingFinished(Qt::MouseButton, TPoint)
 void TMyElliArc::Drawing(TCanvas &canvas, TPoint from, TPoint to)
 {
     SetDragResizeRotateShapeMode(canvas);
-    if (Points().empty()) {
-        canvas.MoveTo(from.X, from.Y);
+    if (GetPointsCount() < 2) {
+        // The chord from the start (or from where the mouse went down) to the mouse.
+        const TPoint start = Points().empty() ? from : MyPtToPt(GetPointInZoom(0));
+        canvas.MoveTo(start.X, start.Y);
         canvas.LineTo(to.X, to.Y);
         return;
     }
-    // The radius to the mouse; once the start is placed, also the arc ending there.
-    const TPoint centre = MyPtToPt(GetPointInZoom(0));
-    canvas.MoveTo(centre.X, centre.Y);
-    canvas.LineTo(to.X, to.Y);
-    if (GetPointsCount() != 2)
-        return;
-    TMyPointArray pts = Points();
-    pts.push_back({float(to.X / Zoom()), float(to.Y / Zoom())});
+    const TMyPointArray pts{Points()[0], {float(to.X / Zoom()), float(to.Y / Zoom())}, Points()[1]};
     const std::vector<TMyPoint> arc = OutlineOf(pts, false);
     if (arc.size() >= 2)
         canvas.Polyline(RoundedPoints(arc));
@@ -201,7 +240,6 @@ TMyPointArray TMyElliArc::PointsWithHandleMoved(double dx, double dy) const
     if (h >= 0 && h < std::int32_t(pts.size())) {
         TMyPoint &p = pts[std::size_t(h)];
         p = {float(p.X + dx / Zoom()), float(p.Y + dy / Zoom())};
-        KeepEndOnCircle(pts);
     }
     return pts;
 }
@@ -249,7 +287,8 @@ void TMyElliArc::Draw(TCanvas &canvas)
     SetDrawShapeMode(*this, canvas);
     const std::vector<TPoint> outline = RoundedPoints(OutlineInZoom());
     if (outline.size() >= 2) {
-        if (m_ArcStyle == TArcStyle::asArc)
+        // A straight arc has nothing to fill.
+        if (m_ArcStyle == TArcStyle::asArc || outline.size() == 2)
             StrokeOutline(*this, canvas, outline);
         else
             PowerDrawShape(canvas, outline, true);

@@ -16,29 +16,39 @@ struct TArcGeometry
     double RadiusX = 0; // along the frame's x axis
     double RadiusY = 0; // along the frame's y axis
     // Curve parameter of the start: the frame point is (RadiusX cos t, -RadiusY sin t), so
-    // a growing parameter runs anticlockwise on the screen.
+    // a growing parameter runs anticlockwise on the screen. Within [-pi, pi].
     double Start = 0;
-    // Signed turn from the start to the end; 0 for an empty arc.
+    // Signed turn from the start to the end, through the arc's middle point: positive runs
+    // anticlockwise on the screen. 0 when there is no curve.
     double Sweep = 0;
+    // The three points lie on one line (two of them may coincide): the shape is the straight
+    // segment from the start to the end; Centre is its middle and the other fields are 0.
+    bool Straight = false;
 };
 
-// Three points: 0 the centre, 1 the start, 2 the end. The arc runs from the start
-// anticlockwise on the screen to the end; a mirrored arc (exactly one of IsFlipHorz and
-// IsFlipVert set) runs clockwise, so a flip shows the mirror image of the same arc. An end
-// in the very direction of the start gives an empty arc.
+// Three points, all on the curve: 0 the start, 1 a point the arc passes through, 2 the end.
+// The arc runs from the start through point 1 to the end, so point 1 also says which way
+// round it goes. Points on one line, or two of them coinciding, give the straight segment
+// from the start to the end. A flip or turn moves the points, so it shows the mirrored or
+// turned arc.
 //
-// amCircle: the radius is the distance from the centre to the start, and the end only gives
-// the direction; the end point is kept on the circle whenever a point is placed or moved.
-// amEllipse: the ellipse about the centre, with its axes along the shape's frame, that
-// passes through both the start and the end. When no such ellipse exists (the point further
-// out on one axis is also further out on the other), the circle through the start is used.
+// amCircle: the circle through the three points.
+// amEllipse: half an ellipse. Its axes lie along the shape's frame (turned by Angle), its
+// centre is the middle of the start and the end, so they are the ends of one diameter, and
+// it passes through point 1, which picks the half. Where no such ellipse exists (point 1,
+// seen from the centre, lies further out than the start along both axes or nearer along
+// both), the circle through the three points is used, the circle a DXF file gets for any arc.
+// A radius beyond 10000 times the largest distance between the points, or below a 10000th
+// of it, is not used: such an ellipse gives way to the circle, and such a circle to the
+// straight segment.
 //
 // asArc strokes the open curve; asChord closes it by the straight line between its ends
-// and asPie by the two radii; both are filled (brush and gradient) through PowerDrawShape.
-// Each of the three points has a handle (the highest number wins); the arc is hit within 8
-// pixels of its outline, and a chord or pie also anywhere inside. With the mouse the three
-// points are clicked in order: the preview shows the radius, then the arc following the
-// mouse. The setters only store: the caller repaints.
+// and asPie by the two radii to the centre; both are filled (brush and gradient) through
+// PowerDrawShape. Each of the three points has a handle (the highest number wins); the arc
+// is hit within 8 pixels of its outline, and a chord or pie also anywhere inside. With the
+// mouse the start is clicked first, then the end, and last the point the arc passes
+// through: the preview shows the line from the start to the mouse, then the arc from the
+// start through the mouse to the end. The setters only store: the caller repaints.
 class TMyElliArc : public TMyShape
 {
     Q_GADGET
@@ -71,10 +81,11 @@ public:
     std::int32_t InWhichHot(TPoint point) override;
     bool IsClickedMe(TCanvas &canvas, TPoint point) override;
 
-    // The arc of the current points (empty Sweep with fewer than three).
+    // The arc of the current points (Sweep 0 and not Straight with fewer than three).
     TArcGeometry ArcGeometry() const;
-    // The outline in screen pixels (unrounded): the curve in 5-degree steps, then for a chord
-    // the start again, for a pie the centre and the start again.
+    // The outline in screen pixels (unrounded): the curve in steps of at most 5 degrees of
+    // its parameter, then for a chord the start again, for a pie the centre and the start
+    // again; a straight arc is its start and end only.
     std::vector<TMyPoint> OutlineInZoom() const;
 
     TArcMode ArcMode() const { return m_ArcMode; }
@@ -87,8 +98,6 @@ private:
     TArcGeometry GeometryOf(const TMyPointArray &points) const;
     // The outline of the given document points, zoomed.
     std::vector<TMyPoint> OutlineOf(const TMyPointArray &points, bool closed) const;
-    // In circle mode, puts the end point on the circle through the start.
-    void KeepEndOnCircle(TMyPointArray &points) const;
     // The points after a drag of the current handle by (dx, dy) screen pixels.
     TMyPointArray PointsWithHandleMoved(double dx, double dy) const;
 

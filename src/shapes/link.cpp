@@ -43,6 +43,7 @@ void TMyLinkLine::CopyLinkFields(const TMyShape &source)
     m_EndSpPtId = link->m_EndSpPtId;
     m_LinkLineDrawStyle = link->m_LinkLineDrawStyle;
     m_Reroute = true;
+    m_DisplayCache = {};
 }
 
 // The bindings are relations like the group members: a full copy takes them, a copy
@@ -156,6 +157,7 @@ void TMyLinkLine::SetLinkLineDrawStyle(TLinkLineDrawStyle style)
     if (style == m_LinkLineDrawStyle)
         return;
     m_LinkLineDrawStyle = style;
+    m_DisplayCache = {};
     if (style == TLinkLineDrawStyle::lldsFree) {
         // A straight connector is its two ends: the route's corners are dropped.
         if (!Points().empty()) {
@@ -233,6 +235,7 @@ void TMyLinkLine::UpdateRoute()
     const TMyPoint middle = Middle(route);
     SetTextPoint({float(middle.X / z), float(middle.Y / z)});
     m_Reroute = false;
+    m_DisplayCache = {};
 }
 
 void TMyLinkLine::MergePoints()
@@ -276,8 +279,12 @@ std::vector<TMyPoint> TMyLinkLine::DisplayRoute() const
     const bool current = !m_Reroute && GetPointsCount() >= 2 &&
                          MyPtToPt(GetPointInZoom(0)) == MyPtToPt(start) &&
                          MyPtToPt(GetPointInZoom(GetPointsCount() - 1)) == MyPtToPt(end);
-    if (!current)
-        return GetPath(start, end);
+    if (!current) {
+        TRouteCache &cache = m_DisplayCache;
+        if (cache.Route.empty() || cache.Start != start || cache.End != end || cache.Zoom != Zoom())
+            cache = {start, end, Zoom(), GetPath(start, end)};
+        return cache.Route;
+    }
     std::vector<TMyPoint> stored;
     for (std::int32_t i = 0; i < GetPointsCount(); ++i)
         stored.push_back(GetPointInZoom(i));

@@ -154,6 +154,15 @@ private:
     std::int32_t m_EndSpPtId = -1;
     TLinkLineDrawStyle m_LinkLineDrawStyle;
     bool m_Reroute = true;
+    // The last route computed for drawing while the stored one was out of date, with the
+    // ends and zoom it was computed for: repaints reuse it instead of searching again.
+    struct TRouteCache
+    {
+        TMyPoint Start, End;
+        double Zoom = 0;
+        std::vector<TMyPoint> Route;
+    };
+    mutable TRouteCache m_DisplayCache;
 };
 
 // A small cross marking a place where connectors attach. Size is the side of its square in

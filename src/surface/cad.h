@@ -284,7 +284,7 @@ public:
     //    corners p, q give the four corners in the rectangle's order p, (q.X, p.Y), q,
     //    (p.X, q.Y); four points are taken as they are (an already turned box).
     //  - SpLine, SpRuleLine, SpLinkLine, SpPolyLine, SpFreeLine, SpBLine, SpElliArc: at
-    //    least two points, taken as given. SpPolyBezier: 1 + 3k points (k >= 1).
+    //    least two points (SpElliArc: three), taken as given. SpPolyBezier: 1 + 3k points.
     //  - SpPolygon: at least three points; the closing repeat of point 0 is appended when
     //    the last point differs from the first.
     // The centre is the middle of the points' box; the text point is the centre for chains

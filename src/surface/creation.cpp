@@ -17,7 +17,7 @@ namespace tessal {
 namespace {
 
 // How a tool's shape takes the points it is given by code.
-enum class TPointRule : std::uint8_t { Box, Chain, Bezier, Polygon };
+enum class TPointRule : std::uint8_t { Box, Chain, Bezier, Polygon, Arc };
 
 std::optional<TPointRule> PointRuleOf(TDrawTool tool)
 {
@@ -35,8 +35,9 @@ std::optional<TPointRule> PointRuleOf(TDrawTool tool)
     case TDrawTool::SpPolyLine:
     case TDrawTool::SpFreeLine:
     case TDrawTool::SpBLine:
-    case TDrawTool::SpElliArc:
         return TPointRule::Chain;
+    case TDrawTool::SpElliArc:
+        return TPointRule::Arc;
     case TDrawTool::SpPolyBezier:
         return TPointRule::Bezier;
     case TDrawTool::SpPolygon:
@@ -69,6 +70,11 @@ std::optional<TMyPointArray> PointsForRule(TPointRule rule, std::span<const TMyP
         return TMyPointArray(in.begin(), in.end());
     case TPointRule::Bezier:
         if (n < 4 || (n - 1) % 3 != 0)
+            return std::nullopt;
+        return TMyPointArray(in.begin(), in.end());
+    case TPointRule::Arc:
+        // Start, a point the arc passes through, end.
+        if (n != 3)
             return std::nullopt;
         return TMyPointArray(in.begin(), in.end());
     case TPointRule::Polygon: {

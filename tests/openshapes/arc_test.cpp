@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Elliptic arcs: circle and ellipse modes, the three styles on screen, flips and turns,
-// construction with the mouse, handle edits, hit tests and copying.
+// Elliptic arcs through their three points: the circle and the half ellipse, the way round,
+// straight arcs, the three styles on screen, flips and turns, construction with the mouse,
+// handle edits, hit tests and copying.
 #include "common/imagecompare.h"
 #include "openhost.h"
 
@@ -10,6 +11,7 @@
 
 #include <cmath>
 #include <numbers>
+#include <random>
 
 namespace tessal::test {
 namespace {
@@ -18,57 +20,231 @@ constexpr double kPi = std::numbers::pi;
 constexpr unsigned kRed = 0xFF0000;
 constexpr TColor clRedBrush = 0x0000FF;
 
-// The upper-right quarter of the circle of radius 50 about (100, 100).
+// The upper-right quarter of the circle of radius 50 about (100, 100), from its right end
+// through (130, 60) up to its top.
 std::unique_ptr<TMyElliArc> QuarterArc(TOpenHost &host, TArcStyle style)
 {
     auto arc = std::make_unique<TMyElliArc>(&host);
-    arc->Points() = {{100, 100}, {150, 100}, {100, 50}};
+    arc->Points() = {{150, 100}, {130, 60}, {100, 50}};
     arc->SetCenterPoint({100, 100});
     arc->SetArcStyle(style);
     return arc;
 }
 
-TEST(ElliArcGeometry, CircleRunsAnticlockwiseFromStartToEnd)
+double DistanceToPolyline(const std::vector<TMyPoint> &line, double x, double y)
 {
-    TOpenHost host;
-    auto arc = QuarterArc(host, TArcStyle::asArc);
-    const TArcGeometry g = arc->ArcGeometry();
-    EXPECT_DOUBLE_EQ(g.RadiusX, 50);
-    EXPECT_DOUBLE_EQ(g.RadiusY, 50);
-    EXPECT_NEAR(g.Start, 0, 1e-12);
-    EXPECT_NEAR(g.Sweep, kPi / 2, 1e-6);
-    // The other way round it is the remaining three quarters.
-    std::swap(arc->Points()[1], arc->Points()[2]);
-    EXPECT_NEAR(arc->ArcGeometry().Sweep, 3 * kPi / 2, 1e-6);
-    // An end in the start's direction is an empty arc, drawn as nothing.
-    arc->Points()[2] = {100, 30};
-    EXPECT_EQ(arc->ArcGeometry().Sweep, 0);
-    EXPECT_TRUE(InkBounds(Painted(*arc, 200, 200)).isNull());
+    double best = INFINITY;
+    for (std::size_t i = 0; i + 1 < line.size(); ++i) {
+        const double ax = line[i].X, ay = line[i].Y;
+        const double dx = line[i + 1].X - ax, dy = line[i + 1].Y - ay;
+        const double len2 = dx * dx + dy * dy;
+        const double t =
+            len2 == 0 ? 0 : std::clamp(((x - ax) * dx + (y - ay) * dy) / len2, 0.0, 1.0);
+        best = std::min(best, std::hypot(x - ax - t * dx, y - ay - t * dy));
+    }
+    return best;
 }
 
-TEST(ElliArcGeometry, EllipseThroughBothEndsOrTheCircleWhenThereIsNone)
+bool AllWhite(const QImage &image, const QRect &rect)
+{
+    return CountPixels(image, rect, 0xFFFFFF) == rect.width() * rect.height();
+}
+
+TEST(ElliArcGeometry, CircleThroughThreePointsRunsTheWayOfTheMiddlePoint)
+{
+    TOpenHost host;
+    TMyElliArc arc(&host);
+    arc.Points() = {{0, -10}, {10, 0}, {0, 10}};
+    TArcGeometry g = arc.ArcGeometry();
+    EXPECT_FALSE(g.Straight);
+    EXPECT_NEAR(g.Centre.X, 0, 1e-5);
+    EXPECT_NEAR(g.Centre.Y, 0, 1e-5);
+    EXPECT_NEAR(g.RadiusX, 10, 1e-5);
+    EXPECT_NEAR(g.RadiusY, 10, 1e-5);
+    EXPECT_NEAR(g.Start, kPi / 2, 1e-6); // the top, on the screen
+    EXPECT_NEAR(g.Sweep, -kPi, 1e-6);    // clockwise on the screen, over the right
+    std::vector<TMyPoint> outline = arc.OutlineInZoom();
+    EXPECT_LT(DistanceToPolyline(outline, 10, 0), 1e-4);
+    EXPECT_GT(DistanceToPolyline(outline, -10, 0), 14);
+
+    // Through the left instead: the other half, anticlockwise.
+    arc.Points()[1] = {-10, 0};
+    g = arc.ArcGeometry();
+    EXPECT_NEAR(g.Sweep, kPi, 1e-6);
+    outline = arc.OutlineInZoom();
+    EXPECT_LT(DistanceToPolyline(outline, -10, 0), 1e-4);
+    EXPECT_GT(DistanceToPolyline(outline, 10, 0), 14);
+
+    // A short arc and its long complement share the circle.
+    arc.Points() = {{150, 100}, {130, 60}, {100, 50}};
+    g = arc.ArcGeometry();
+    EXPECT_NEAR(g.Centre.X, 100, 1e-4);
+    EXPECT_NEAR(g.Centre.Y, 100, 1e-4);
+    EXPECT_NEAR(g.RadiusX, 50, 1e-4);
+    EXPECT_NEAR(g.Start, 0, 1e-6);
+    EXPECT_NEAR(g.Sweep, kPi / 2, 1e-6);
+    arc.Points()[1] = {70, 140};
+    g = arc.ArcGeometry();
+    EXPECT_NEAR(g.RadiusX, 50, 1e-4);
+    EXPECT_NEAR(g.Sweep, -3 * kPi / 2, 1e-6);
+}
+
+// Random circles, turned frames and arcs both ways round: the geometry finds the circle, the
+// outline starts and ends exactly at the end points, passes through the middle point and
+// keeps to the circle.
+TEST(ElliArcGeometry, RandomCirclesAndHalfEllipsesAreFoundAgain)
+{
+    std::mt19937 random(20240611);
+    std::uniform_real_distribution<double> unit(0, 1);
+    TOpenHost host;
+    for (int round = 0; round < 300; ++round) {
+        const bool ellipse = round % 2 == 1;
+        TMyElliArc arc(&host);
+        arc.SetArcMode(ellipse ? TArcMode::amEllipse : TArcMode::amCircle);
+        const double frame = 2 * kPi * unit(random);
+        arc.SetAngle(float(frame));
+        const double cx = 100 + 200 * unit(random), cy = 100 + 200 * unit(random);
+        const double a = 20 + 80 * unit(random);
+        const double b = ellipse ? a * (0.4 + 2 * unit(random)) : a;
+        const double start = 2 * kPi * unit(random);
+        const double sign = unit(random) < 0.5 ? -1 : 1;
+        const double sweep = sign * (ellipse ? kPi : 0.3 + 5.6 * unit(random));
+        const double share = 0.2 + 0.6 * unit(random);
+        auto at = [&](double t) {
+            return RotateAPoint({float(cx + a * std::cos(t)), float(cy - b * std::sin(t))},
+                                {float(cx), float(cy)}, float(frame));
+        };
+        const TMyPoint through = at(start + share * sweep);
+        arc.Points() = {at(start), through, at(start + sweep)};
+        const TArcGeometry g = arc.ArcGeometry();
+        ASSERT_FALSE(g.Straight) << round;
+        EXPECT_NEAR(g.Centre.X, cx, 2e-3 * a) << round;
+        EXPECT_NEAR(g.Centre.Y, cy, 2e-3 * a) << round;
+        EXPECT_NEAR(g.RadiusX, a, 2e-3 * a) << round;
+        EXPECT_NEAR(g.RadiusY, b, 2e-3 * b) << round;
+        EXPECT_NEAR(g.Sweep, sweep, 1e-3) << round;
+        EXPECT_NEAR(std::remainder(g.Start - start, 2 * kPi), 0, 1e-3) << round;
+
+        const std::vector<TMyPoint> outline = arc.OutlineInZoom();
+        EXPECT_LT(std::hypot(outline.front().X - arc.Points()[0].X,
+                             outline.front().Y - arc.Points()[0].Y),
+                  1e-3)
+            << round;
+        EXPECT_LT(
+            std::hypot(outline.back().X - arc.Points()[2].X, outline.back().Y - arc.Points()[2].Y),
+            1e-3)
+            << round;
+        // The chords of at most 5 degrees stay within 0.1 % of the radius of the curve.
+        EXPECT_LT(DistanceToPolyline(outline, through.X, through.Y), 2e-3 * std::max(a, b))
+            << round;
+        for (const TMyPoint &p : outline) {
+            const TMyPoint u = RotateAPoint(p, {float(cx), float(cy)}, float(-frame));
+            const double r = std::hypot((u.X - cx) / a, (u.Y - cy) / b);
+            ASSERT_NEAR(r, 1, 3e-3) << round;
+        }
+    }
+}
+
+TEST(ElliArcGeometry, EllipseIsTheHalfOverStartAndEndThroughTheMiddlePoint)
 {
     TOpenHost host;
     TMyElliArc arc(&host);
     arc.SetArcMode(TArcMode::amEllipse);
-    arc.Points() = {{100, 100}, {160, 100}, {100, 70}};
+    // The point at parameter 60 degrees of the ellipse 60 wide, 30 high about (100, 100).
+    arc.Points() = {{40, 100}, {130, float(100 - 30 * std::sin(kPi / 3))}, {160, 100}};
     TArcGeometry g = arc.ArcGeometry();
-    EXPECT_NEAR(g.RadiusX, 60, 1e-4);
-    EXPECT_NEAR(g.RadiusY, 30, 1e-4);
-    const QImage image = Painted(arc, 200, 200);
+    EXPECT_NEAR(g.Centre.X, 100, 1e-4);
+    EXPECT_NEAR(g.Centre.Y, 100, 1e-4);
+    EXPECT_NEAR(g.RadiusX, 60, 1e-3);
+    EXPECT_NEAR(g.RadiusY, 30, 1e-3);
+    EXPECT_NEAR(std::abs(g.Start), kPi, 1e-6);
+    EXPECT_NEAR(g.Sweep, -kPi, 1e-6); // over the top: clockwise on the screen
+    QImage image = Painted(arc, 200, 200);
+    EXPECT_TRUE(InkNear(image, 100, 70));
     EXPECT_TRUE(InkNear(image, 100 + 60 * std::cos(kPi / 4), 100 - 30 * std::sin(kPi / 4)));
     EXPECT_FALSE(InkNear(image, 100 + 42.4, 100 - 42.4, 3)); // where the circle would be
+    EXPECT_TRUE(AllWhite(image, QRect(0, 103, 200, 97)));
 
-    // The end lies further out on both axes: no frame-aligned ellipse passes through both.
-    arc.Points()[2] = {170, 50};
+    // The middle point below picks the lower half.
+    arc.Points()[1] = {100, 130};
+    EXPECT_NEAR(arc.ArcGeometry().Sweep, kPi, 1e-6);
+    image = Painted(arc, 200, 200);
+    EXPECT_TRUE(InkNear(image, 100, 130));
+    EXPECT_TRUE(AllWhite(image, QRect(0, 0, 200, 97)));
+
+    // Further out than the start on both axes: no such ellipse, so the circle through the
+    // three points, as circle mode gives it, centred on (100, 62).
+    arc.Points()[1] = {170, 50};
     g = arc.ArcGeometry();
-    EXPECT_DOUBLE_EQ(g.RadiusX, 60);
-    EXPECT_DOUBLE_EQ(g.RadiusY, 60);
+    EXPECT_NEAR(g.Centre.X, 100, 1e-4);
+    EXPECT_NEAR(g.Centre.Y, 62, 1e-4);
+    EXPECT_NEAR(g.RadiusX, std::sqrt(5044.0), 1e-4);
+    EXPECT_DOUBLE_EQ(g.RadiusX, g.RadiusY);
+    TMyElliArc circle(&host);
+    circle.Points() = arc.Points();
+    EXPECT_EQ(circle.ArcGeometry().Sweep, g.Sweep);
+    EXPECT_EQ(circle.OutlineInZoom(), arc.OutlineInZoom());
 
-    // The same points in circle mode: the radius comes from the start alone.
-    arc.SetArcMode(TArcMode::amCircle);
-    arc.Points()[2] = {100, 70};
-    EXPECT_DOUBLE_EQ(arc.ArcGeometry().RadiusY, 60);
+    // Circle mode through the points of the first ellipse: the circle about (100, 145).
+    circle.Points()[1] = {100, 70};
+    g = circle.ArcGeometry();
+    EXPECT_NEAR(g.Centre.Y, 145, 1e-4);
+    EXPECT_NEAR(g.RadiusX, 75, 1e-4);
+    EXPECT_NEAR(g.RadiusY, 75, 1e-4);
+}
+
+// On one line the three points give the straight segment from the start to the end,
+// whatever the style, and nothing is filled. A bulge of a hundred-thousandth of the chord
+// is straight too, while a pixel's bulge is a curve.
+TEST(ElliArcGeometry, PointsOnOneLineDrawTheSegmentFromStartToEnd)
+{
+    for (TArcMode mode : {TArcMode::amCircle, TArcMode::amEllipse}) {
+        TOpenHost host;
+        host.HostBrush.Color = clRedBrush;
+        QImage first;
+        for (TArcStyle style : {TArcStyle::asArc, TArcStyle::asChord, TArcStyle::asPie}) {
+            TMyElliArc arc(&host);
+            arc.SetArcMode(mode);
+            arc.SetArcStyle(style);
+            arc.Points() = {{50, 100}, {100, 100}, {150, 100}};
+            TArcGeometry g = arc.ArcGeometry();
+            EXPECT_TRUE(g.Straight);
+            EXPECT_EQ(g.Centre, (TMyPoint{100, 100}));
+            EXPECT_EQ(g.Sweep, 0);
+            EXPECT_EQ(g.RadiusX, 0);
+            const QImage image = Painted(arc, 200, 200);
+            EXPECT_EQ(InkBounds(image), QRect(50, 100, 101, 1)) << int(style);
+            EXPECT_EQ(CountPixels(image, image.rect(), kRed), 0);
+            if (first.isNull())
+                first = image;
+            EXPECT_TRUE(ImagesEqual(image, first));
+            QImage canvasImage = BlankImage();
+            TCanvas canvas(&canvasImage);
+            EXPECT_TRUE(arc.IsClickedMe(canvas, {120, 106}));
+            EXPECT_FALSE(arc.IsClickedMe(canvas, {170, 100}));
+
+            // A middle point beyond the end: still the segment, not the line's remainder.
+            arc.Points()[1] = {190, 100};
+            EXPECT_TRUE(arc.ArcGeometry().Straight);
+            EXPECT_TRUE(ImagesEqual(Painted(arc, 200, 200), first));
+            // Start and end together: a segment of no length.
+            arc.Points() = {{80, 80}, {120, 120}, {80, 80}};
+            g = arc.ArcGeometry();
+            EXPECT_TRUE(g.Straight);
+            EXPECT_EQ(g.Centre, (TMyPoint{80, 80}));
+        }
+        TMyElliArc arc(&host);
+        arc.SetArcMode(mode);
+        arc.Points() = {{0, 100}, {200, 100.001f}, {400, 100}};
+        EXPECT_TRUE(arc.ArcGeometry().Straight);
+        arc.Points()[1] = {200, 101};
+        const TArcGeometry g = arc.ArcGeometry();
+        EXPECT_FALSE(g.Straight);
+        if (mode == TArcMode::amCircle)
+            EXPECT_NEAR(g.RadiusX, (200.0 * 200 + 1) / 2, 1e-2);
+        else
+            EXPECT_NEAR(g.RadiusY, 1, 1e-4);
+    }
 }
 
 // Chord and pie are closed and filled with the brush; the open arc fills nothing. (135, 70)
@@ -95,12 +271,11 @@ TEST(ElliArcPaint, StylesFillWhatTheyCloseAtTwoZooms)
             EXPECT_TRUE(InkNear(image, (100 + 50 * std::cos(kPi / 4)) * z,
                                 (100 - 50 * std::sin(kPi / 4)) * z))
                 << style;
+            EXPECT_TRUE(InkNear(image, 130 * z, 60 * z)) << style;
             // Nothing in the three other quarters.
             const int below = int(104 * z), left = int(96 * z);
-            EXPECT_EQ(CountPixels(image, QRect(0, below, 400, 400 - below), 0xFFFFFF),
-                      400 * (400 - below))
-                << style;
-            EXPECT_EQ(CountPixels(image, QRect(0, 0, left, 400), 0xFFFFFF), left * 400) << style;
+            EXPECT_TRUE(AllWhite(image, QRect(0, below, 400, 400 - below))) << style;
+            EXPECT_TRUE(AllWhite(image, QRect(0, 0, left, 400))) << style;
             EXPECT_FALSE(InkNear(image, 64.6 * z, 64.6 * z, 3)) << style;
         }
     }
@@ -112,6 +287,7 @@ TEST(ElliArcPaint, FlipShowsTheMirrorImageAndATurnTurnsIt)
     auto arc = QuarterArc(host, TArcStyle::asArc);
     arc->FlipHoriz();
     EXPECT_TRUE(arc->IsFlipHorz());
+    EXPECT_EQ(arc->Points()[1], (TMyPoint{70, 60}));
     QImage image = Painted(*arc, 200, 200);
     EXPECT_TRUE(InkNear(image, 100 - 35.36, 100 - 35.36));
     EXPECT_FALSE(InkNear(image, 100 + 35.36, 100 - 35.36, 3));
@@ -120,73 +296,92 @@ TEST(ElliArcPaint, FlipShowsTheMirrorImageAndATurnTurnsIt)
     image = Painted(*arc, 200, 200);
     EXPECT_TRUE(InkNear(image, 100 - 35.36, 100 + 35.36));
     EXPECT_FALSE(InkNear(image, 100 - 35.36, 100 - 35.36, 3));
+    EXPECT_NEAR(arc->ArcGeometry().Sweep, kPi / 2, 1e-5);
 
+    // The upper half of an ellipse 50 wide and 25 high, as a pie, turned a sixth of a turn:
+    // the frame turns with it, so the picture is the turned picture.
+    host.HostBrush.Color = clRedBrush;
     auto turned = QuarterArc(host, TArcStyle::asPie);
     turned->SetArcMode(TArcMode::amEllipse);
-    turned->Points()[2] = {100, 75}; // a quarter ellipse 50 wide and 25 high
-    turned->RotateChangeValueByAngle({100, 100}, kPi / 2);
+    turned->Points() = {{50, 100}, {100, 75}, {150, 100}};
+    turned->RotateChangeValueByAngle({100, 100}, kPi / 6);
+    const TArcGeometry g = turned->ArcGeometry();
+    EXPECT_NEAR(g.RadiusX, 50, 1e-3);
+    EXPECT_NEAR(g.RadiusY, 25, 1e-3);
+    EXPECT_NEAR(g.Centre.X, 100, 1e-4);
+    EXPECT_NEAR(g.Centre.Y, 100, 1e-4);
     image = Painted(*turned, 200, 200);
-    const TMyPoint mid =
-        RotateAPoint({float(100 + 50 * std::cos(kPi / 4)), float(100 - 25 * std::sin(kPi / 4))},
-                     {100, 100}, float(kPi / 2));
-    EXPECT_TRUE(InkNear(image, mid.X, mid.Y));
-    EXPECT_NEAR(turned->ArcGeometry().RadiusX, 50, 1e-3);
-    EXPECT_NEAR(turned->ArcGeometry().RadiusY, 25, 1e-3);
+    auto turnedPoint = [](double x, double y) {
+        return RotateAPoint({float(x), float(y)}, {100, 100}, float(kPi / 6));
+    };
+    for (double t : {kPi / 4, kPi / 2, 3 * kPi / 4}) {
+        const TMyPoint on = turnedPoint(100 + 50 * std::cos(t), 100 - 25 * std::sin(t));
+        EXPECT_TRUE(InkNear(image, on.X, on.Y)) << t;
+    }
+    const TMyPoint inside = turnedPoint(100, 90), outside = turnedPoint(100, 110);
+    EXPECT_EQ(Rgb(image, int(inside.X), int(inside.Y)), kRed);
+    EXPECT_EQ(Rgb(image, int(outside.X), int(outside.Y)), 0xFFFFFFu);
+    const TMyPoint unturned =
+        turnedPoint(100 + 50 * std::cos(kPi / 4), 100 + 25 * std::sin(kPi / 4));
+    EXPECT_FALSE(InkNear(image, unturned.X, unturned.Y, 3));
 }
 
-TEST(ElliArcCreation, CentreStartEndWithTheEndKeptOnTheCircle)
+TEST(ElliArcCreation, StartThenEndThenThePointBetween)
 {
     TOpenHost host;
     host.ZoomValue = 2;
     TMyElliArc arc(&host);
     EXPECT_EQ(arc.ArcMode(), TArcMode::amCircle);
-    arc.AddPointByMouse({200, 200});
-    EXPECT_FALSE(arc.IsDrawingFinished(Qt::LeftButton, {200, 200}));
-    arc.AddPointByMouse({320, 200});
-    EXPECT_FALSE(arc.IsDrawingFinished(Qt::LeftButton, {320, 200}));
-    arc.AddPointByMouse({200, 80 + 200}); // below the centre, nearer than the radius
-    EXPECT_TRUE(arc.IsDrawingFinished(Qt::LeftButton, {200, 280}));
-    EXPECT_EQ(arc.Points(), (TMyPointArray{{100, 100}, {160, 100}, {100, 160}}));
+    arc.AddPointByMouse({300, 200});
+    EXPECT_FALSE(arc.IsDrawingFinished(Qt::LeftButton, {300, 200}));
+    arc.AddPointByMouse({200, 100});
+    EXPECT_FALSE(arc.IsDrawingFinished(Qt::LeftButton, {200, 100}));
+    EXPECT_EQ(arc.Points(), (TMyPointArray{{150, 100}, {100, 50}}));
+    arc.AddPointByMouse({260, 120});
+    EXPECT_TRUE(arc.IsDrawingFinished(Qt::LeftButton, {260, 120}));
+    EXPECT_EQ(arc.Points(), (TMyPointArray{{150, 100}, {130, 60}, {100, 50}}));
+    EXPECT_EQ(arc.GetCenterPoint(), (TMyPoint{125, 75}));
     arc.AddPointByMouse({10, 10});
     EXPECT_EQ(arc.GetPointsCount(), 3);
+    EXPECT_NEAR(arc.ArcGeometry().RadiusX, 50, 1e-4);
 
-    host.Arc = TArcMode::amEllipse; // new arcs take the host's mode; ends are left as placed
-    TMyElliArc free(&host);
-    for (TPoint p : {TPoint{200, 200}, TPoint{320, 200}, TPoint{200, 280}})
-        free.AddPointByMouse(p);
-    EXPECT_EQ(free.Points()[2], (TMyPoint{100, 140}));
+    host.Arc = TArcMode::amEllipse; // new arcs take the host's mode
+    TMyElliArc other(&host);
+    EXPECT_EQ(other.ArcMode(), TArcMode::amEllipse);
 }
 
-TEST(ElliArcPreview, DrawingShowsTheRadiusThenTheArcToTheMouse)
+TEST(ElliArcPreview, DrawingShowsTheChordThenTheArcThroughTheMouse)
 {
     TOpenHost host;
     TMyElliArc arc(&host);
-    arc.AddPointByMouse({100, 100});
+    arc.AddPointByMouse({150, 100});
     QImage image = BlankImage(200, 200, 0);
     {
         TCanvas canvas(&image);
-        arc.Drawing(canvas, {100, 100}, {150, 100});
+        arc.Drawing(canvas, {150, 100}, {100, 50});
     }
-    EXPECT_TRUE(InkNear(image, 125, 100, 2, 0));
-    EXPECT_FALSE(InkNear(image, 100, 125, 2, 0));
-    arc.AddPointByMouse({150, 100});
+    EXPECT_TRUE(InkNear(image, 125, 75, 2, 0));
+    EXPECT_FALSE(InkNear(image, 135.36, 64.64, 2, 0));
+    arc.AddPointByMouse({100, 50});
     image = BlankImage(200, 200, 0);
     {
         TCanvas canvas(&image);
-        arc.Drawing(canvas, {150, 100}, {100, 20});
+        arc.Drawing(canvas, {100, 50}, {70, 140});
     }
-    // The arc from the start up to the mouse's direction, at the start's radius.
-    EXPECT_TRUE(InkNear(image, 135.36, 64.64, 2, 0)); // dotted: gaps of a few pixels
-    EXPECT_FALSE(InkNear(image, 135.36, 135.36, 2, 0));
+    // The long way from the start through the mouse, lower left, to the end.
+    EXPECT_TRUE(InkNear(image, 100, 150, 2, 0)); // dotted: gaps of a few pixels
+    EXPECT_TRUE(InkNear(image, 50, 100, 2, 0));
+    EXPECT_FALSE(InkNear(image, 135.36, 64.64, 3, 0));
+    EXPECT_EQ(arc.GetPointsCount(), 2); // the preview places nothing
     // Drawn twice the preview is gone (exclusive or).
     {
         TCanvas canvas(&image);
-        arc.Drawing(canvas, {150, 100}, {100, 20});
+        arc.Drawing(canvas, {100, 50}, {70, 140});
     }
     EXPECT_TRUE(InkBounds(image, 0).isNull());
 }
 
-TEST(ElliArcEdit, MovingTheStartResizesTheCircleAndThePreviewShowsTheDrop)
+TEST(ElliArcEdit, MovingTheMiddlePointTakesTheArcRoundTheOtherWay)
 {
     TOpenHost host;
     host.HostBrush.Color = clRedBrush;
@@ -195,18 +390,28 @@ TEST(ElliArcEdit, MovingTheStartResizesTheCircleAndThePreviewShowsTheDrop)
     QImage preview = BlankImage();
     {
         TCanvas canvas(&preview);
-        arc->Sizing(canvas, {150, 100}, {170, 100});
+        arc->Sizing(canvas, {130, 60}, {70, 140});
     }
-    arc->SizeChangeValue({150, 100}, {170, 100});
-    EXPECT_EQ(arc->Points()[1], (TMyPoint{170, 100}));
-    EXPECT_EQ(arc->Points()[2], (TMyPoint{100, 30})); // the end stays on the circle
+    arc->SizeChangeValue({130, 60}, {70, 140});
+    EXPECT_EQ(arc->Points(), (TMyPointArray{{150, 100}, {70, 140}, {100, 50}}));
+    EXPECT_NEAR(arc->ArcGeometry().Sweep, -3 * kPi / 2, 1e-5);
     QImage after = BlankImage();
     {
         TCanvas canvas(&after);
         arc->Draging(canvas, {0, 0}, {0, 0});
     }
     EXPECT_TRUE(ImagesEqual(preview, after));
-    EXPECT_TRUE(InkNear(after, 100 + 70 * std::cos(kPi / 4), 100 - 70 * std::sin(kPi / 4)));
+    const QImage painted = Painted(*arc);
+    EXPECT_EQ(Rgb(painted, 70, 110), kRed); // the pie now covers three quarters
+    EXPECT_EQ(Rgb(painted, 130, 75), 0xFFFFFFu);
+    EXPECT_TRUE(InkNear(painted, 100, 150));
+
+    // Moving the start moves only the start; the curve follows through the other two.
+    arc->SetCurrentHot(0);
+    arc->SizeChangeValue({150, 100}, {140, 130});
+    EXPECT_EQ(arc->Points()[0], (TMyPoint{140, 130}));
+    EXPECT_EQ(arc->Points()[2], (TMyPoint{100, 50}));
+    EXPECT_NEAR(arc->ArcGeometry().RadiusX, 50, 1e-4); // (140, 130) is on the same circle
 }
 
 TEST(ElliArcHitTest, BandAroundTheOutlineAndInsideClosedStyles)
@@ -225,8 +430,12 @@ TEST(ElliArcHitTest, BandAroundTheOutlineAndInsideClosedStyles)
         EXPECT_TRUE(pie->IsClickedMe(canvas, at(110, 80))) << z;
         EXPECT_FALSE(pie->IsClickedMe(canvas, at(60, 140))) << z;
         EXPECT_FALSE(open->IsClickedMe(canvas, at(60, 140))) << z;
-        EXPECT_EQ(pie->InWhichHot(at(150, 100)), 1) << z;
-        EXPECT_EQ(pie->InWhichHot(at(125, 75)), -1) << z;
+        EXPECT_EQ(pie->InWhichHot(at(150, 100)), 0) << z;
+        EXPECT_EQ(pie->InWhichHot(at(130, 60)), 1) << z;
+        EXPECT_EQ(pie->InWhichHot(at(100, 50)), 2) << z;
+        EXPECT_EQ(pie->InWhichHot(at(120, 80)), -1) << z;
+        pie->Points()[1] = {100, 51}; // on top of the end: the end's handle wins
+        EXPECT_EQ(pie->InWhichHot(at(100, 50)), 2) << z;
     }
 }
 
