@@ -15,6 +15,7 @@
 #include <tessal/surface/gridobject.h>
 #include <tessal/surface/surfaceenums.h>
 
+#include <QIODevice>
 #include <QImage>
 #include <QLabel>
 #include <QRegion>
@@ -30,6 +31,7 @@
 
 namespace tessal {
 
+class BinaryStream;
 class TMyShape;
 class TMyLinkLine;
 class TShapeIndex; // spatial index of the shapes (private to the surface)
@@ -474,6 +476,34 @@ public:
     // The newest drawing-file version, the one drawings are written in.
     const QString &FileVersion() const { return m_FileVersion; }
 
+    // ---- Drawing files (defined in the persistence layer) ----
+    // The whole drawing (settings, user data, layers, shapes) as one binary stream, always
+    // written in the newest layout. Width and height are stored unzoomed. False when writing
+    // failed; the stream position is where the writer stopped.
+    bool SaveToStream(QIODevice *stream) const;
+    // Through a temporary file that replaces fileName only when complete; clears Modified.
+    bool SaveToFile(const QString &fileName);
+    // Replaces the drawing with the stream's contents, read from position 0. On failure the
+    // drawing keeps what was read up to the fault, the undo history stays, the next free
+    // identities do not change, and LastError() says why.
+    bool LoadFromStream(QIODevice *stream);
+    // False, with the drawing untouched, unless IsZEDAFile accepts the file.
+    bool LoadFromFile(const QString &fileName);
+    // Whether the file starts with the drawing format's 64-byte identification text.
+    static bool IsZEDAFile(const QString &fileName);
+    // The version text by which shape records are read; a load sets it from the header.
+    void SetDiskFileVersion(const QString &version) { m_DiskFileVersion = version; }
+    QString DiskFileVersion() const override { return m_DiskFileVersion; }
+    // Puts a freshly read shape at list position index and takes ownership. preallocated
+    // says the list already has that place. Without any layer the no-layer handler runs
+    // and the caller keeps the shape (false).
+    bool AddShapeforLoadfromStream(std::int32_t index, TMyShape *shape, bool preallocated);
+    // Why the last load or save failed; empty after a success.
+    const QString &LastError() const { return m_LastError; }
+    // Set by the application when the drawing changes; a successful SaveToFile clears it.
+    bool Modified() const { return m_Modified; }
+    void SetModified(bool modified) { m_Modified = modified; }
+
     // ---- Repaint ----
     // Marks the whole control (or rect, in control pixels) for recomposition.
     void Invalidate();
@@ -909,6 +939,15 @@ private:
     TGesture m_OnShapeMouseRotating;
     TShapeSelected m_OnShapeSelected;
     TWholeDragOperation m_OnWholeDragged;
+
+    // Drawing files (persistence layer).
+    void ResetForLoad();
+    void ReadDrawingSettings(BinaryStream &stream);
+    void ReadLayerTable(BinaryStream &stream);
+    void ReadShapeList(BinaryStream &stream);
+    QString m_DiskFileVersion = QStringLiteral("XP.j");
+    mutable QString m_LastError;
+    bool m_Modified = false;
 
     // Interaction and repaint state.
     TActionTools m_ActionTool = TActionTools::dtSelecting;

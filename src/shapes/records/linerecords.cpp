@@ -38,8 +38,9 @@ void TMyLinkLine::SaveToStream(BinaryStream &stream) const
 }
 
 // The ends are kept as stored: the drawing restores every shape at its old place, so the
-// numbers stay valid without a re-binding pass. Before XP.5 there is no style byte and the
-// connector keeps the style it was created with.
+// numbers stay valid without a re-binding pass. The style is taken without its setter, which
+// would reshape the stored route; the route is checked against the live ends when drawn.
+// Before XP.5 there is no style byte and the connector keeps the style it was created with.
 void TMyLinkLine::LoadFromStream(BinaryStream &stream)
 {
     TMyLine::LoadFromStream(stream);
@@ -49,7 +50,8 @@ void TMyLinkLine::LoadFromStream(BinaryStream &stream)
     m_EndSpPtId = stream.ReadInt32();
     const TRecordVersion version = RecordVersionOf(Host()->DiskFileVersion());
     if (HasSince(version, TRecordVersion::XP5))
-        SetLinkLineDrawStyle(ReadOrdinal<TLinkLineDrawStyle>(stream, 2, "connector style"));
+        m_LinkLineDrawStyle = ReadOrdinal<TLinkLineDrawStyle>(stream, 2, "connector style");
+    m_Reroute = true;
 }
 
 void TMyRuleLine::SaveToStream(BinaryStream &stream) const

@@ -6,6 +6,7 @@
 
 #include <QString>
 
+#include <cmath>
 #include <cstdint>
 #include <string>
 
@@ -54,6 +55,18 @@ E ReadOrdinal(BinaryStream &stream, std::uint8_t valueCount, const char *field)
         throw TStreamError(std::string("invalid ") + field + " " + std::to_string(value) +
                            " at offset " + std::to_string(stream.Pos() - 1));
     return E(value);
+}
+
+// A coordinate or angle: a single, or in old layouts an extended value narrowed to single.
+// Values that are not finite, or beyond a billion pixels, cannot come from a drawing and
+// would poison every box and transform computed from them, so they are read errors.
+inline float ReadCoordinate(BinaryStream &stream, bool extended)
+{
+    const double value = extended ? double(float(stream.ReadExtended())) : stream.ReadFloat();
+    if (!std::isfinite(value) || std::fabs(value) > 1e9)
+        throw TStreamError("invalid coordinate at offset " +
+                           std::to_string(stream.Pos() - (extended ? 10 : 4)));
+    return float(value);
 }
 
 // A count of elements of at least elementSize bytes each; negative counts read nothing.

@@ -73,8 +73,8 @@ void ReadPoints(BinaryStream &stream, TMyPointArray &points, V version)
     const bool extended = version <= V::XP5;
     points.resize(std::size_t(ReadCount(stream, extended ? 20 : 8)));
     for (TMyPoint &p : points) {
-        p.X = extended ? float(stream.ReadExtended()) : stream.ReadFloat();
-        p.Y = extended ? float(stream.ReadExtended()) : stream.ReadFloat();
+        p.X = ReadCoordinate(stream, extended);
+        p.Y = ReadCoordinate(stream, extended);
     }
 }
 
@@ -122,13 +122,13 @@ void ReadPlacement(TMyShape &shape, BinaryStream &stream, V version)
         return;
     const bool extended = version <= V::XP5;
     TMyPoint textPoint;
-    textPoint.X = extended ? float(stream.ReadExtended()) : stream.ReadFloat();
-    textPoint.Y = extended ? float(stream.ReadExtended()) : stream.ReadFloat();
+    textPoint.X = ReadCoordinate(stream, extended);
+    textPoint.Y = ReadCoordinate(stream, extended);
     shape.SetTextPoint(textPoint);
     if (version == V::XP2)
         return;
     shape.SetTag(stream.ReadInt32());
-    shape.SetAngleValue(RadiansOf(extended ? float(stream.ReadExtended()) : stream.ReadFloat()));
+    shape.SetAngleValue(RadiansOf(ReadCoordinate(stream, extended)));
 }
 
 // Brush, caption, gradient, font, info and pen: the fields every version has, with the

@@ -1,0 +1,340 @@
+// SPDX-License-Identifier: MIT
+// Drawing files: exact bytes of the header and body, what a load restores, the failure
+// rules, damaged input, and a picture that survives a save and a load.
+#include "../common/imagecompare.h"
+#include "recordfixture.h"
+
+#include <tessal/shapes/image.h>
+#include <tessal/shapes/link.h>
+#include <tessal/shapes/rectangle.h>
+#include <tessal/surface/cad.h>
+
+#include <gtest/gtest.h>
+
+#include <QBuffer>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <random>
+
+namespace tessal {
+namespace {
+
+using test::BaseRecord;
+using test::Bytes;
+using test::Layout;
+
+Bytes Header(const QByteArray &version = "XP.j")
+{
+    return Bytes()
+        .Fixed("Tessal Component", 64)
+        .Fixed("Tessal drawing component for C++ and Qt applications", 64)
+        .Fixed(version, 16)
+        .Fixed("20091209", 10)
+        .Fixed("", 64);
+}
+
+// Colour, size, unit, no background picture, its mode and the ratio.
+Bytes Settings(std::int32_t width, std::int32_t height)
+{
+    return Bytes().U32(0xFFFFFF).I32(width).I32(height).U8(1).I64(0).I32(2).F64(1.0);
+}
+
+QByteArray SavedDrawing(const TMyCAD &cad)
+{
+    QByteArray data;
+    QBuffer buffer(&data);
+    buffer.open(QIODevice::WriteOnly);
+    EXPECT_TRUE(cad.SaveToStream(&buffer));
+    return data;
+}
+
+bool Load(TMyCAD &cad, const QByteArray &bytes)
+{
+    QByteArray data = bytes;
+    QBuffer buffer(&data);
+    buffer.open(QIODevice::ReadOnly);
+    return cad.LoadFromStream(&buffer);
+}
+
+TEST(DrawingFile, EmptyAndSmallDrawingsByteForByte)
+{
+    TMyCAD cad;
+    cad.resize(300, 200);
+    const Bytes layers = Bytes().I32(1).Text("Layer0").I32(0).I32(1).I32(0);
+    const QByteArray empty = SavedDrawing(cad);
+    EXPECT_EQ(empty.size(), 289);
+    EXPECT_EQ(empty,
+              Header().Append(Settings(300, 200)).I32(0).I32(0).Append(layers).I32(0).Data());
+
+    cad.SetTag(-5);
+    cad.UserData().AddKeyandValue("owner", "me");
+    cad.NewLayer(QStringLiteral("Top"), false);
+    auto rect = cad.CreateShapeByName(QStringLiteral("TMyRectangle"));
+    test::FillBaseFields(*rect);
+    ASSERT_TRUE(cad.AddShape(rect.release(), true, true));
+    auto link = cad.CreateShapeByName(QStringLiteral("TMyLinkLine"));
+    static_cast<TMyLinkLine &>(*link).SetLinkLineDrawStyle(TLinkLineDrawStyle::lldsFree);
+    test::FillBaseFields(*link);
+    ASSERT_TRUE(cad.AddShape(link.release(), true, true));
+    const Bytes expected = Header()
+                               .Append(Settings(300, 200))
+                               .I32(-5)
+                               .I32(1)
+                               .Text("owner")
+                               .Text("me")
+                               .I32(2)
+                               .Text("Layer0")
+                               .I32(0)
+                               .I32(1)
+                               .Text("Top")
+                               .I32(1)
+                               .I32(0)
+                               .I32(1) // current layer
+                               .I32(2)
+                               .Fixed("TMyRectangle", 16)
+                               .Append(BaseRecord(Layout::XPj))
+                               .Fixed("TMyLinkLine", 16)
+                               .Append(BaseRecord(Layout::XPj))
+                               .I32(10)
+                               .U8(30)
+                               .U8(0)
+                               .U8(0)
+                               .I32(-1)
+                               .I32(-1)
+                               .I32(-1)
+                               .I32(-1)
+                               .U8(1);
+    EXPECT_EQ(SavedDrawing(cad), expected.Data());
+}
+
+TEST(DrawingFile, SizeIsStoredUnzoomedAndLoadsAtZoomOne)
+{
+    TMyCAD cad;
+    cad.SetZoom(2.0);
+    cad.resize(1000, 800);
+    const QByteArray bytes = SavedDrawing(cad);
+    EXPECT_EQ(bytes.mid(218 + 4, 8), Bytes().I32(500).I32(400).Data());
+
+    // Halves go to the even neighbour: 1001 / 2 = 500.5 and 1003 / 2 = 501.5.
+    cad.resize(1001, 1003);
+    EXPECT_EQ(SavedDrawing(cad).mid(218 + 4, 8), Bytes().I32(500).I32(502).Data());
+
+    TMyCAD other;
+    other.SetZoom(1.5);
+    ASSERT_TRUE(Load(other, bytes));
+    EXPECT_EQ(other.Zoom(), 1.0);
+    EXPECT_EQ(other.size(), QSize(500, 400));
+}
+
+// A file written by hand: two layers, the second stored with visibility 2, and a shape
+// whose identity is 41.
+TEST(DrawingFile, LoadRestoresLayersIdentitiesAndNextFreeNumbers)
+{
+    const QByteArray file = Header()
+                                .Append(Settings(640, 480))
+                                .I32(12)
+                                .I32(1)
+                                .Text("k")
+                                .Text("v")
+                                .I32(2)
+                                .Text("A")
+                                .I32(3)
+                                .I32(1)
+                                .Text("B")
+                                .I32(7)
+                                .I32(2)
+                                .I32(7)
+                                .I32(1)
+                                .Fixed("TMyRectangle", 16)
+                                .Append(BaseRecord(Layout::XPj, 41));
+    TMyCAD cad;
+    cad.CreateAddShapeByName(QStringLiteral("TMyEllipse"));
+    ASSERT_TRUE(Load(cad, file)) << cad.LastError().toStdString();
+    EXPECT_TRUE(cad.LastError().isEmpty());
+    EXPECT_EQ(cad.Tag(), 12);
+    EXPECT_EQ(cad.UserData().GetValueByKey("k"), QStringLiteral("v"));
+    ASSERT_EQ(cad.GetLayersCount(), 2);
+    EXPECT_TRUE(cad.IsVisibleLayerByID(3));
+    EXPECT_FALSE(cad.IsVisibleLayerByID(7));
+    EXPECT_EQ(cad.CurrentLayerId(), 7);
+    ASSERT_EQ(cad.GetShapesCount(), 1);
+    TMyShape *shape = cad.GetShapeByNo(0);
+    EXPECT_EQ(shape->ShapeId(), 41);
+    EXPECT_EQ(shape->ShapeNo(), 3);
+    EXPECT_EQ(shape->ChildShapes(), (std::vector<std::int32_t>{4, 5}));
+    EXPECT_EQ(shape->CenterPoint().X, 5.75f); // the middle of the points' box
+    EXPECT_FALSE(cad.IsLoading());
+    EXPECT_EQ(cad.DiskFileVersion(), QStringLiteral("XP.j"));
+    EXPECT_EQ(cad.ShapeIdCounter(), 42);
+    EXPECT_EQ(cad.CreateAddShapeByName(QStringLiteral("TMyLine"))->ShapeId(), 42);
+    EXPECT_EQ(cad.NewLayer(QStringLiteral("C"), true), 8);
+}
+
+TEST(DrawingFile, OlderBodiesHaveNoDrawingTagOrUserData)
+{
+    const QByteArray file = Header("XP.e   ")
+                                .Append(Settings(50, 60))
+                                .I32(1)
+                                .Text("Only")
+                                .I32(4)
+                                .I32(0)
+                                .I32(4)
+                                .I32(1)
+                                .Fixed("TMyRectangle", 16)
+                                .Append(BaseRecord(Layout::XPe));
+    TMyCAD cad;
+    ASSERT_TRUE(Load(cad, file)) << cad.LastError().toStdString();
+    EXPECT_EQ(cad.DiskFileVersion(), QStringLiteral("XP.e"));
+    EXPECT_EQ(cad.Tag(), 0);
+    EXPECT_EQ(cad.GetLayerNameByID(4), QStringLiteral("Only"));
+    EXPECT_FALSE(cad.IsVisibleLayerByID(4));
+    EXPECT_EQ(cad.GetShapeByNo(0)->MultiInfo().size(), 2);
+    EXPECT_EQ(cad.ShapeIdCounter(), 8);
+}
+
+TEST(DrawingFile, FailuresKeepWhatWasReadAndSayWhy)
+{
+    const Bytes start = Header().Append(Settings(10, 10)).I32(0).I32(0);
+    const QByteArray unknownClass = Bytes(start)
+                                        .I32(1)
+                                        .Text("L")
+                                        .I32(0)
+                                        .I32(1)
+                                        .I32(0)
+                                        .I32(2)
+                                        .Fixed("TMyRectangle", 16)
+                                        .Append(BaseRecord(Layout::XPj, 30))
+                                        .Fixed("TMyBogusShape", 16)
+                                        .Append(BaseRecord(Layout::XPj, 31));
+    TMyCAD cad;
+    cad.CreateAddShapeByName(QStringLiteral("TMyLine"));
+    const std::int32_t counter = cad.ShapeIdCounter();
+    EXPECT_FALSE(Load(cad, unknownClass));
+    EXPECT_TRUE(cad.LastError().contains(QStringLiteral("TMyBogusShape")));
+    EXPECT_EQ(cad.GetShapesCount(), 1);
+    EXPECT_EQ(cad.GetShapeByNo(0)->ShapeId(), 30);
+    EXPECT_EQ(cad.ShapeIdCounter(), counter);
+    EXPECT_FALSE(cad.IsLoading());
+
+    // Shapes without any layer: the no-layer handler runs and the load fails.
+    int handlerCalls = 0;
+    const auto previous = TMyCAD::SetNoLayerHandler([&handlerCalls](TMyCAD *) { ++handlerCalls; });
+    const QByteArray noLayer = Bytes(start).I32(0).I32(0).I32(1).Fixed("TMyLine", 16).Data();
+    TMyCAD bare;
+    EXPECT_FALSE(Load(
+        bare, Bytes().Raw(noLayer).Append(BaseRecord(Layout::XPj)).I32(10).U8(30).U8(0).U8(0)));
+    TMyCAD::SetNoLayerHandler(previous);
+    EXPECT_EQ(handlerCalls, 1);
+    EXPECT_EQ(bare.GetShapesCount(), 0);
+    EXPECT_FALSE(bare.LastError().isEmpty());
+}
+
+TEST(DrawingFile, FilesAreCheckedBeforeLoadingAndReplacedOnlyWhenComplete)
+{
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    const QString path = dir.filePath(QStringLiteral("a.drawing"));
+    TMyCAD cad;
+    cad.CreateAddShapeByName(QStringLiteral("TMyRectangle"));
+    cad.SetModified(true);
+    ASSERT_TRUE(cad.SaveToFile(path));
+    EXPECT_FALSE(cad.Modified());
+    EXPECT_TRUE(TMyCAD::IsZEDAFile(path));
+    QFile written(path);
+    ASSERT_TRUE(written.open(QIODevice::ReadOnly));
+    EXPECT_EQ(written.readAll(), SavedDrawing(cad));
+
+    cad.SetModified(true);
+    EXPECT_FALSE(cad.SaveToFile(dir.filePath(QStringLiteral("missing/b.drawing"))));
+    EXPECT_TRUE(cad.Modified());
+    EXPECT_FALSE(cad.LastError().isEmpty());
+
+    const QString other = dir.filePath(QStringLiteral("other.bin"));
+    QFile bad(other);
+    ASSERT_TRUE(bad.open(QIODevice::WriteOnly));
+    bad.write(Bytes().Fixed("Tessal Componen", 64).Data());
+    bad.close();
+    EXPECT_FALSE(TMyCAD::IsZEDAFile(other));
+    EXPECT_FALSE(cad.LoadFromFile(other));
+    EXPECT_EQ(cad.GetShapesCount(), 1);
+    EXPECT_FALSE(TMyCAD::IsZEDAFile(dir.filePath(QStringLiteral("none"))));
+
+    TMyCAD loaded;
+    ASSERT_TRUE(loaded.LoadFromFile(path)) << loaded.LastError().toStdString();
+    EXPECT_EQ(SavedDrawing(loaded), SavedDrawing(cad));
+}
+
+// A drawing of every family, drawn as the user would make it.
+void DrawSample(TMyCAD &cad)
+{
+    cad.resize(240, 180);
+    const std::vector<TMyPoint> box = {{20, 20}, {90, 70}};
+    cad.AddShapeByCode(TDrawTool::SpRectangle, QStringLiteral("R"), box, 0.3, {});
+    const std::vector<TMyPoint> oval = {{120, 20}, {200, 80}};
+    cad.AddShapeByCode(TDrawTool::SpEllipse, QString(), oval, 0, {});
+    const std::vector<TMyPoint> text = {{20, 100}, {110, 150}};
+    cad.AddShapeByCode(TDrawTool::SpText, QString(), text, 0, QStringLiteral("Hello"));
+    const std::vector<TMyPoint> line = {{130, 100}, {220, 160}};
+    cad.SetArrowStyle(TArrowStyle::ADouble);
+    cad.AddShapeByCode(TDrawTool::SpLine, QString(), line, 0, {});
+    const std::vector<TMyPoint> poly = {{150, 120}, {200, 110}, {180, 170}};
+    cad.AddShapeByCode(TDrawTool::SpPolygon, QString(), poly, 0, {});
+    const std::vector<TMyPoint> arc = {{60, 140}, {90, 140}, {60, 110}};
+    cad.AddShapeByCode(TDrawTool::SpElliArc, QString(), arc, 0, {});
+    TBitmap picture(12, 8);
+    picture.Fill(clBlue);
+    picture.SetPixel(3, 3, clYellow);
+    cad.AddImageShapeByCode(QString(), {200, 10}, picture);
+    cad.GetShapeByNo(0)->SetGradientStyle(TGradientStyle::gsLinearV);
+    cad.ClearWorkingShapes();
+}
+
+TEST(DrawingFile, SavedAndLoadedDrawingRendersTheSame)
+{
+    TMyCAD cad;
+    DrawSample(cad);
+    const QImage before = cad.grab().toImage();
+    ASSERT_LT(test::CountPixels(before, before.rect(), 0xFFFFFF),
+              before.width() * before.height() - 2000);
+    TMyCAD loaded;
+    ASSERT_TRUE(Load(loaded, SavedDrawing(cad))) << loaded.LastError().toStdString();
+    EXPECT_EQ(loaded.GetShapesCount(), 7);
+    EXPECT_TRUE(test::ImagesEqual(loaded.grab().toImage(), before));
+}
+
+// Every cut of a drawing file is refused, and damaged bytes never crash or hang the reader.
+TEST(DrawingFile, TruncatedAndCorruptedFilesAreAnsweredFalse)
+{
+    TMyCAD source;
+    DrawSample(source);
+    const QByteArray bytes = SavedDrawing(source);
+    TMyCAD cad;
+    for (qsizetype length = 0; length < bytes.size(); ++length) {
+        EXPECT_FALSE(Load(cad, bytes.left(length))) << length;
+        EXPECT_FALSE(cad.LastError().isEmpty());
+        EXPECT_FALSE(cad.IsLoading());
+    }
+    EXPECT_TRUE(Load(cad, bytes));
+
+    // Damage can leave shapes without a layer; the default answer would end the program.
+    const auto previous = TMyCAD::SetNoLayerHandler([](TMyCAD *) {});
+    std::mt19937 random(20240611);
+    for (int round = 0; round < 400; ++round) {
+        QByteArray damaged = bytes;
+        const int changes = 1 + int(random() % 4);
+        for (int i = 0; i < changes; ++i) {
+            const auto at = qsizetype(random() % std::uint32_t(damaged.size()));
+            damaged[at] = char(random() % 2 ? random() : 0xFF);
+        }
+        if (!Load(cad, damaged)) {
+            EXPECT_FALSE(cad.LastError().isEmpty());
+        }
+        if (cad.width() * cad.height() <= 4'000'000)
+            cad.grab(); // whatever was accepted must also draw
+    }
+    TMyCAD::SetNoLayerHandler(previous);
+}
+
+} // namespace
+} // namespace tessal

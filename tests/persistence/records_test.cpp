@@ -1,0 +1,361 @@
+// SPDX-License-Identifier: MIT
+// Shape records: the newest layout byte for byte, the older layouts read from hand-built
+// bytes, and every class's fields through a write and a read.
+#include "recordfixture.h"
+
+#include <tessal/platform/streamprimitives.h>
+#include <tessal/shapes/arc.h>
+#include <tessal/shapes/image.h>
+#include <tessal/shapes/line.h>
+#include <tessal/shapes/link.h>
+#include <tessal/shapes/ruleline.h>
+#include <tessal/shapes/shapefactory.h>
+#include <tessal/shapes/text.h>
+#include <tessal/surface/cad.h>
+
+#include <gtest/gtest.h>
+
+#include <QMetaProperty>
+
+namespace tessal {
+namespace {
+
+using test::BaseRecord;
+using test::Bytes;
+using test::Layout;
+
+template <typename T>
+std::unique_ptr<T> Make(TMyCAD &cad, const char *className)
+{
+    std::unique_ptr<TMyShape> shape = cad.CreateShapeByName(QString::fromLatin1(className));
+    EXPECT_NE(shape, nullptr) << className;
+    return std::unique_ptr<T>(static_cast<T *>(shape.release()));
+}
+
+// The base fields as FillBaseFields set them, compared one by one.
+void ExpectBaseFields(const TMyShape &s, bool withTail = true)
+{
+    EXPECT_EQ(s.Name(), QStringLiteral("Shape7"));
+    EXPECT_EQ(s.ShapeId(), 7);
+    EXPECT_EQ(s.ShapeNo(), 3);
+    EXPECT_EQ(s.LayerId(), 2);
+    EXPECT_EQ(s.ParentNo(), -1);
+    EXPECT_EQ(s.ChildShapes(), (std::vector<std::int32_t>{4, 5}));
+    EXPECT_EQ(s.LinkShapes(), (std::vector<std::int32_t>{9}));
+    EXPECT_EQ(s.GetPointsCount(), 4);
+    EXPECT_EQ(s.GetPoint(1).X, 10.0f);
+    EXPECT_EQ(s.GetPoint(1).Y, -3.0f);
+    EXPECT_EQ(s.GetLinkPoint(0).X, 5.0f);
+    EXPECT_EQ(s.TextPoint().X, 3.0f);
+    EXPECT_EQ(s.TextPoint().Y, 4.0f);
+    EXPECT_EQ(s.Tag(), 99);
+    EXPECT_NEAR(s.Angle(), std::numbers::pi / 2, 1e-6);
+    EXPECT_EQ(s.Brush().Color, 0x123456u);
+    EXPECT_EQ(s.Brush().Style, TBrushStyle::bsCross);
+    EXPECT_EQ(s.Caption(), QStringLiteral("Cap"));
+    EXPECT_EQ(s.ColorBegin(), 0x0000FFu);
+    EXPECT_EQ(s.ColorEnd(), 0x00FF00u);
+    EXPECT_EQ(s.Font().Name, QStringLiteral("Arial"));
+    EXPECT_EQ(s.Font().Height(), -16);
+    EXPECT_EQ(s.Font().Color, 0x112233u);
+    EXPECT_EQ(s.Font().Pitch, TFontPitch::fpFixed);
+    EXPECT_EQ(s.Font().Style, fsBold | fsUnderline);
+    EXPECT_EQ(s.GradientStyle(), TGradientStyle::gsLinearH);
+    EXPECT_FALSE(s.GradientBitmap().IsEmpty());
+    EXPECT_EQ(s.Info(), QStringLiteral("Info"));
+    EXPECT_EQ(s.Pen().Mode, TPenMode::pmXor);
+    EXPECT_EQ(s.Pen().Width, 3);
+    if (!withTail)
+        return;
+    EXPECT_EQ(s.UserData().GetValueByKey("k2"), QStringLiteral("v2"));
+    EXPECT_TRUE(s.IsFlipHorz());
+    EXPECT_FALSE(s.IsFlipVert());
+    EXPECT_EQ(s.MultiInfo(), QStringList({"m1", "m2"}));
+    EXPECT_EQ(s.MultiInfoAlignment(), TAlignment::taCenter);
+    EXPECT_EQ(s.LogHeight(), 12);
+    EXPECT_TRUE(s.LogUse());
+    EXPECT_TRUE(s.Locked());
+    EXPECT_EQ(s.PenStyleEndCapType(), TPenStyleEndCapType::psectFLAT);
+    EXPECT_EQ(s.PenStyleJoinType(), TPenStyleJoinType::psjtMITER);
+    EXPECT_FALSE(s.HotShow());
+    EXPECT_FALSE(s.ResizeEnable());
+}
+
+TEST(ShapeRecords, NewestLayoutOfEachFamilyByteForByte)
+{
+    TMyCAD cad;
+    auto rect = Make<TMyRectangle>(cad, "TMyRectangle");
+    test::FillBaseFields(*rect);
+    EXPECT_EQ(test::Saved(*rect), BaseRecord(Layout::XPj).Data());
+
+    auto line = Make<TMyLine>(cad, "TMyLine");
+    test::FillBaseFields(*line);
+    line->SetArrowAngle(25);
+    line->SetArrowLength(12);
+    line->SetArrowOffset(3);
+    line->SetArrowStyle(TArrowStyle::ADouble);
+    EXPECT_EQ(test::Saved(*line), BaseRecord(Layout::XPj).I32(25).U8(12).U8(3).U8(3).Data());
+
+    auto link = Make<TMyLinkLine>(cad, "TMyLinkLine");
+    link->SetLinkLineDrawStyle(TLinkLineDrawStyle::lldsFree);
+    test::FillBaseFields(*link);
+    link->SetArrowAngle(10);
+    link->SetArrowLength(30);
+    link->SetArrowOffset(0);
+    link->SetArrowStyle(TArrowStyle::ANone);
+    link->SetStartSpNo(1);
+    link->SetStartSpPtId(2);
+    link->SetEndSpNo(3);
+    link->SetEndSpPtId(0);
+    EXPECT_EQ(test::Saved(*link), BaseRecord(Layout::XPj)
+                                      .I32(10)
+                                      .U8(30)
+                                      .U8(0)
+                                      .U8(0)
+                                      .I32(1)
+                                      .I32(2)
+                                      .I32(3)
+                                      .I32(0)
+                                      .U8(1)
+                                      .Data());
+
+    auto text = Make<TMyText>(cad, "TMyText");
+    test::FillBaseFields(*text);
+    text->SetIsSolid(true);
+    text->SetLines({QStringLiteral("one"), QString()});
+    text->SetVAlignment(TVAlignment::vaBottom);
+    text->SetHAlignment(TAlignment::taRightJustify);
+    text->SetWordWrap(true);
+    EXPECT_EQ(
+        test::Saved(*text),
+        BaseRecord(Layout::XPj).U8(0).U8(1).I32(2).Text("one").Text("").U8(2).U8(1).U8(1).Data());
+
+    auto image = Make<TMyImage>(cad, "TMyImage");
+    test::FillBaseFields(*image);
+    image->SetBrightness(-20);
+    image->SetContrast(15);
+    image->SetBorder(true);
+    image->SetTransparentColor(0x00FF00);
+    image->SetTransparentMode(TTransparentMode::tmFixed);
+    EXPECT_EQ(test::Saved(*image), BaseRecord(Layout::XPj)
+                                       .I64(0)
+                                       .I32(-20)
+                                       .I32(15)
+                                       .U8(0)
+                                       .U8(1)
+                                       .U8(0)
+                                       .U32(0x00FF00)
+                                       .I32(1)
+                                       .Data());
+}
+
+// Each layout read from its own bytes leaves the same fields, and uses every byte.
+TEST(ShapeRecords, EveryLayoutReadsTheFieldsItHas)
+{
+    const struct
+    {
+        const char *Version;
+        Layout Form;
+    } cases[] = {{"XP.3", Layout::XP3to5}, {"XP.5", Layout::XP3to5}, {"XP.6", Layout::XP6},
+                 {"XP.7", Layout::XP7},    {"XP.8", Layout::XP8},    {"XP.9", Layout::XP9},
+                 {"XP.a", Layout::XP9},    {"XP.e", Layout::XPe},    {"XP.h", Layout::XPh},
+                 {"XP.i", Layout::XPh},    {"XP.j", Layout::XPj}};
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.Version);
+        TMyCAD cad;
+        cad.SetDiskFileVersion(QString::fromLatin1(c.Version));
+        auto rect = Make<TMyRectangle>(cad, "TMyRectangle");
+        EXPECT_TRUE(test::LoadAll(*rect, BaseRecord(c.Form)));
+        ExpectBaseFields(*rect, c.Form >= Layout::XPj);
+        EXPECT_EQ(rect->UserData().GetCount(), c.Form >= Layout::XP8 ? 2 : 0);
+        EXPECT_EQ(rect->IsFlipHorz(), c.Form >= Layout::XP9);
+        EXPECT_EQ(rect->MultiInfo().size(), c.Form >= Layout::XPe ? 2 : 0);
+        EXPECT_EQ(rect->Locked(), c.Form >= Layout::XPh);
+        EXPECT_EQ(rect->HotShow(), c.Form < Layout::XPj);
+    }
+}
+
+TEST(ShapeRecords, OldestLayoutHasNoCoordinatesTagOrAngle)
+{
+    TMyCAD cad;
+    cad.SetDiskFileVersion(QStringLiteral("XP.2"));
+    auto rect = Make<TMyRectangle>(cad, "TMyRectangle");
+    EXPECT_TRUE(test::LoadAll(*rect, BaseRecord(Layout::XP2)));
+    ASSERT_EQ(rect->GetPointsCount(), 4);
+    ASSERT_EQ(rect->GetLinkPointsCount(), 1);
+    for (const TMyPoint &p : rect->Points()) {
+        EXPECT_EQ(p.X, 0.0f);
+        EXPECT_EQ(p.Y, 0.0f);
+    }
+    EXPECT_EQ(rect->Tag(), 0);
+    EXPECT_EQ(rect->Angle(), 0.0f);
+    EXPECT_EQ(rect->Caption(), QStringLiteral("Cap"));
+    EXPECT_EQ(rect->Pen().Color, 0x445566u);
+
+    // A version no reader knows has only the fields every version has.
+    TMyCAD other;
+    other.SetDiskFileVersion(QStringLiteral("xp.j"));
+    auto unknown = Make<TMyRectangle>(other, "TMyRectangle");
+    EXPECT_TRUE(test::LoadAll(*unknown, BaseRecord(Layout::Common)));
+    EXPECT_EQ(unknown->Info(), QStringLiteral("Info"));
+    EXPECT_EQ(unknown->GetPointsCount(), 4);
+    EXPECT_EQ(unknown->TextPoint().X, 0.0f);
+}
+
+TEST(ShapeRecords, SubclassPartsFollowTheirVersionGates)
+{
+    TMyCAD cad;
+    cad.SetLinkLineDrawStyle(TLinkLineDrawStyle::lldsFree);
+    cad.SetDiskFileVersion(QStringLiteral("XP.4"));
+    auto link = Make<TMyLinkLine>(cad, "TMyLinkLine");
+    EXPECT_TRUE(test::LoadAll(
+        *link, BaseRecord(Layout::XP3to5).I32(20).U8(15).U8(2).U8(1).I32(4).I32(0).I32(6).I32(1)));
+    EXPECT_EQ(link->LinkLineDrawStyle(), TLinkLineDrawStyle::lldsFree);
+    EXPECT_EQ(link->EndSpNo(), 6);
+    EXPECT_EQ(link->ArrowStyle(), TArrowStyle::ALeft);
+
+    cad.SetDiskFileVersion(QStringLiteral("XP.5"));
+    auto styled = Make<TMyLinkLine>(cad, "TMyLinkLine");
+    EXPECT_TRUE(test::LoadAll(
+        *styled,
+        BaseRecord(Layout::XP3to5).I32(20).U8(15).U8(2).U8(1).I32(4).I32(0).I32(6).I32(1).U8(0)));
+    EXPECT_EQ(styled->LinkLineDrawStyle(), TLinkLineDrawStyle::lldsHV);
+
+    cad.SetDiskFileVersion(QStringLiteral("XP.8"));
+    auto image = Make<TMyImage>(cad, "TMyImage");
+    EXPECT_TRUE(test::LoadAll(*image, BaseRecord(Layout::XP8).I64(0)));
+    EXPECT_EQ(image->Brightness(), 0);
+
+    cad.SetDiskFileVersion(QStringLiteral("XP.9"));
+    auto adjusted = Make<TMyImage>(cad, "TMyImage");
+    EXPECT_TRUE(
+        test::LoadAll(*adjusted, BaseRecord(Layout::XP9).I64(0).I32(30).I32(-4).U8(1).U8(1).U8(1)));
+    EXPECT_EQ(adjusted->Contrast(), -4);
+    EXPECT_TRUE(adjusted->GrayScale());
+    EXPECT_EQ(adjusted->TransparentMode(), TTransparentMode::tmAuto);
+
+    auto text = Make<TMyText>(cad, "TMyText");
+    EXPECT_TRUE(test::LoadAll(*text, BaseRecord(Layout::XP9).U8(1).U8(0)));
+    EXPECT_TRUE(text->IsBorder());
+    EXPECT_TRUE(text->Lines().isEmpty());
+
+    cad.SetDiskFileVersion(QStringLiteral("XP.a"));
+    auto lines = Make<TMyText>(cad, "TMyText");
+    EXPECT_TRUE(test::LoadAll(
+        *lines, BaseRecord(Layout::XP9).U8(0).U8(0).I32(1).Text("hi").U8(1).U8(2).U8(0)));
+    EXPECT_EQ(lines->Lines(), QStringList{QStringLiteral("hi")});
+    EXPECT_EQ(lines->HAlignment(), TAlignment::taCenter);
+}
+
+TEST(ShapeRecords, ShortOrImpossibleRecordsThrow)
+{
+    TMyCAD cad;
+    const QByteArray full = BaseRecord(Layout::XPj).I32(25).U8(12).U8(3).U8(3);
+    for (int length = 0; length < full.size(); ++length) {
+        auto line = Make<TMyLine>(cad, "TMyLine");
+        EXPECT_THROW(test::LoadAll(*line, full.left(length)), TStreamError) << length;
+    }
+    // A child count the stream cannot hold fails before anything is allocated.
+    auto rect = Make<TMyRectangle>(cad, "TMyRectangle");
+    EXPECT_THROW(test::LoadAll(*rect, Bytes().Text("a").I32(1).I32(1).I32(0).I32(-1).I32(
+                                          std::numeric_limits<std::int32_t>::max())),
+                 TStreamError);
+    // An arrow style beyond the list is refused rather than stored.
+    auto line = Make<TMyLine>(cad, "TMyLine");
+    EXPECT_THROW(test::LoadAll(*line, BaseRecord(Layout::XPj).I32(25).U8(12).U8(3).U8(4)),
+                 TStreamError);
+}
+
+// A brush pattern replaces the brush: the colour and style stored after it are skipped.
+TEST(ShapeRecords, BrushPatternWinsOverStoredColourAndStyle)
+{
+    TMyCAD cad;
+    auto original = Make<TMyRectangle>(cad, "TMyRectangle");
+    test::FillBaseFields(*original);
+    TBrush patterned = original->Brush();
+    TBitmap pattern(2, 1);
+    pattern.SetPixel(0, 0, clRed);
+    pattern.SetPixel(1, 0, clBlue);
+    patterned.Bitmap = pattern.Image();
+    original->SetBrush(patterned);
+    const QByteArray bytes = test::Saved(*original);
+    EXPECT_EQ(bytes.mid(bytes.indexOf("Cap") - 4 - 4 - 1 - 62 - 8, 8), Bytes().I64(62).Data());
+
+    auto copy = Make<TMyRectangle>(cad, "TMyRectangle");
+    EXPECT_TRUE(test::LoadAll(*copy, bytes));
+    EXPECT_EQ(TBitmap(copy->Brush().Bitmap), pattern);
+    EXPECT_EQ(copy->Brush().Color, cad.Brush().Color);
+    EXPECT_EQ(copy->Brush().Style, cad.Brush().Style);
+}
+
+// Gives the fields a class adds non-default values.
+void FillClassFields(TMyShape &shape)
+{
+    if (auto *line = dynamic_cast<TMyLine *>(&shape)) {
+        line->SetArrowAngle(33);
+        line->SetArrowLength(7);
+        line->SetArrowOffset(2);
+        line->SetArrowStyle(TArrowStyle::ARight);
+    }
+    if (auto *link = dynamic_cast<TMyLinkLine *>(&shape)) {
+        link->SetStartSpNo(5);
+        link->SetStartSpPtId(1);
+        link->SetEndSpNo(8);
+        link->SetEndSpPtId(3);
+        link->SetLinkLineDrawStyle(TLinkLineDrawStyle::lldsFree);
+    }
+    if (auto *rule = dynamic_cast<TMyRuleLine *>(&shape)) {
+        rule->SetShowUserInfo(true);
+        rule->SetTickStyle(TTickStyle::tsBottom);
+        rule->SetUserInfo(QStringLiteral("12 m"));
+    }
+    if (auto *arc = dynamic_cast<TMyElliArc *>(&shape)) {
+        arc->SetArcMode(TArcMode::amEllipse);
+        arc->SetArcStyle(TArcStyle::asPie);
+    }
+    if (auto *text = dynamic_cast<TMyText *>(&shape)) {
+        text->SetIsBorder(true);
+        text->SetLines({QStringLiteral("a b"), QStringLiteral("\u00e9t\u00e9")});
+        text->SetVAlignment(TVAlignment::vaCenter);
+        text->SetWordWrap(true);
+    }
+    if (auto *image = dynamic_cast<TMyImage *>(&shape)) {
+        TBitmap picture(3, 2);
+        picture.SetPixel(2, 1, clRed);
+        image->SetBitmap(picture);
+        image->SetGrayScale(true);
+        image->SetTransparent(true);
+        image->SetTransparentColor(clRed);
+    }
+    if (auto *mark = dynamic_cast<TMyLinkPoint *>(&shape))
+        mark->SetSize(11);
+}
+
+// Every class written and read back writes the same bytes again, and the fields it adds
+// are back.
+TEST(ShapeRecords, EveryClassSurvivesAWriteAndARead)
+{
+    TMyCAD cad;
+    for (const QString &name : ShapeClassNames()) {
+        SCOPED_TRACE(name.toStdString());
+        std::unique_ptr<TMyShape> original = cad.CreateShapeByName(name);
+        FillClassFields(*original);
+        test::FillBaseFields(*original);
+        const QByteArray bytes = test::Saved(*original);
+
+        std::unique_ptr<TMyShape> copy = cad.CreateShapeByName(name);
+        ASSERT_TRUE(test::LoadAll(*copy, bytes));
+        EXPECT_EQ(copy->ClassName(), name);
+        EXPECT_EQ(test::Saved(*copy), bytes);
+        ExpectBaseFields(*copy);
+        for (int i = 0; i < copy->MetaObject()->propertyCount(); ++i) {
+            const QMetaProperty p = copy->MetaObject()->property(i);
+            if (p.enclosingMetaObject() == &TMyShape::staticMetaObject)
+                continue; // the base fields are checked above
+            EXPECT_EQ(p.readOnGadget(copy.get()), p.readOnGadget(original.get())) << p.name();
+        }
+    }
+}
+
+} // namespace
+} // namespace tessal

@@ -1,0 +1,167 @@
+// SPDX-License-Identifier: MIT
+// Counted, fixed-width and bitmap fields: exact bytes, truncation rules and bad input.
+#include "bytes.h"
+
+#include <tessal/platform/codepage.h>
+#include <tessal/platform/streamprimitives.h>
+
+#include <gtest/gtest.h>
+
+#include <QBuffer>
+
+namespace tessal {
+namespace {
+
+using test::Bytes;
+
+// A byte buffer with a stream on it, for writing or for reading given bytes.
+struct Buffer
+{
+    explicit Buffer(const QByteArray &bytes = {})
+        : Data(bytes)
+    {
+        Device.setBuffer(&Data);
+        Device.open(QIODevice::ReadWrite);
+    }
+    QByteArray Data;
+    QBuffer Device;
+    BinaryStream Stream{&Device};
+};
+
+// Keeps the process-wide code page of a test from leaking into the others.
+struct CodePageScope
+{
+    explicit CodePageScope(const QByteArray &name) { EXPECT_TRUE(SetAnsiCodePage(name)); }
+    ~CodePageScope() { SetAnsiCodePage(m_Old); }
+    QByteArray m_Old = AnsiCodePage();
+};
+
+TEST(StreamPrimitives, CountedTextKeepsItsLengthButOnlyLengthMod256Bytes)
+{
+    QString caption;
+    for (int i = 0; i < 300; ++i)
+        caption.append(QChar('A' + i % 26));
+    Buffer out;
+    WriteCountedText(out.Stream, caption);
+    EXPECT_EQ(out.Data, Bytes().I32(300).Raw(caption.left(44).toLatin1()).Data());
+
+    Buffer in(out.Data);
+    EXPECT_EQ(ReadCountedText(in.Stream), caption.left(44));
+    EXPECT_TRUE(in.Device.atEnd());
+
+    // 256 characters keep nothing but their length.
+    Buffer exact;
+    WriteCountedText(exact.Stream, QString(256, QChar('x')));
+    EXPECT_EQ(exact.Data, Bytes().I32(256).Data());
+}
+
+TEST(StreamPrimitives, CharactersKeepTheirLowByteAndReadThroughTheCodePage)
+{
+    CodePageScope scope("WINDOWS-1252");
+    Buffer out;
+    WriteCountedText(out.Stream, QString(QChar(0x20AC)) + QStringLiteral("\u00e9z"));
+    EXPECT_EQ(out.Data, Bytes().I32(3).U8(0xAC).U8(0xE9).U8('z').Data());
+
+    // The euro sign is 0x80 in Windows-1252; 0xAC there is the not sign.
+    Buffer in(Bytes().I32(2).U8(0x80).U8(0xAC));
+    EXPECT_EQ(ReadCountedText(in.Stream), QStringLiteral("\u20ac\u00ac"));
+}
+
+TEST(StreamPrimitives, AnsiTextCountsBytesOfTheCodePage)
+{
+    CodePageScope scope("GBK");
+    const QString line = QStringLiteral("\u4e2d\u6587ab"); // two double-byte characters
+    Buffer out;
+    WriteCountedAnsiText(out.Stream, line);
+    EXPECT_EQ(out.Data, Bytes().I32(6).U8(0xD6).U8(0xD0).U8(0xCE).U8(0xC4).U8('a').U8('b').Data());
+    Buffer in(out.Data);
+    EXPECT_EQ(ReadCountedText(in.Stream), line);
+}
+
+TEST(StreamPrimitives, FixedWidthFieldsArePaddedOrCut)
+{
+    Buffer out;
+    WriteFixedText(out.Stream, QStringLiteral("TMyLinkLine"), 16);
+    WriteFixedText(out.Stream, QStringLiteral("ExactlySixteen16"), 16);
+    WriteFixedText(out.Stream, QStringLiteral("SeventeenLetters!"), 16);
+    EXPECT_EQ(out.Data, QByteArray("TMyLinkLine     ExactlySixteen16SeventeenLetters"));
+    Buffer in(out.Data);
+    EXPECT_EQ(ReadFixedText(in.Stream, 16), QStringLiteral("TMyLinkLine     "));
+}
+
+TEST(StreamPrimitives, BadLengthsAndShortStreamsThrow)
+{
+    Buffer negative(Bytes().I32(-1));
+    EXPECT_THROW(ReadCountedText(negative.Stream), TStreamError);
+    Buffer shortText(Bytes().I32(5).Raw("abc"));
+    EXPECT_THROW(ReadCountedText(shortText.Stream), TStreamError);
+    Buffer shortFixed(QByteArray("TMyLine"));
+    EXPECT_THROW(ReadFixedText(shortFixed.Stream, 16), TStreamError);
+}
+
+// A two-pixel BMP as the format's tables lay it out: file header, 40-byte info header,
+// one bottom-up row of blue-green-red pixels padded to four bytes.
+QByteArray TwoPixelBmp()
+{
+    return Bytes()
+        .Raw("BM")
+        .U32(62)
+        .U32(0)
+        .U32(54)
+        .U32(40)
+        .I32(2)
+        .I32(1)
+        .U16(1)
+        .U16(24)
+        .U32(0)
+        .U32(8)
+        .Zeros(16)
+        .Raw(QByteArray::fromHex("0000ffff00000000"))
+        .Data();
+}
+
+TEST(StreamPrimitives, BitmapBlocksHoldACountAndABmpImage)
+{
+    Buffer none;
+    EXPECT_TRUE(WriteBitmapBuffer(none.Stream, TBitmap()));
+    EXPECT_EQ(none.Data, QByteArray(8, '\0'));
+
+    TBitmap bitmap(2, 1);
+    bitmap.SetPixel(0, 0, clRed);
+    bitmap.SetPixel(1, 0, clBlue);
+    Buffer out;
+    EXPECT_TRUE(WriteBitmapBuffer(out.Stream, bitmap));
+    EXPECT_EQ(out.Data, Bytes().I64(62).Raw(TwoPixelBmp()).Data());
+
+    Buffer in(Bytes().I64(62).Raw(TwoPixelBmp()).I32(7));
+    TBitmap read;
+    EXPECT_TRUE(ReadBitmapBuffer(in.Stream, read));
+    EXPECT_EQ(read, bitmap);
+    EXPECT_EQ(in.Stream.ReadInt32(), 7);
+}
+
+TEST(StreamPrimitives, BadBitmapBlocksAnswerFalseWithoutThrowing)
+{
+    TBitmap target(3, 3);
+    Buffer negative(Bytes().I64(-5).I32(7));
+    EXPECT_TRUE(ReadBitmapBuffer(negative.Stream, target));
+    EXPECT_TRUE(target.IsEmpty());
+    EXPECT_EQ(negative.Stream.ReadInt32(), 7);
+
+    // Garbage of the stated length is consumed; the decoder's refusal leaves no bitmap.
+    Buffer garbage(Bytes().I64(4).Raw("XXXX").I32(7));
+    EXPECT_FALSE(ReadBitmapBuffer(garbage.Stream, target));
+    EXPECT_TRUE(target.IsEmpty());
+    EXPECT_EQ(garbage.Stream.ReadInt32(), 7);
+
+    // A count beyond the stream: nothing is allocated, and the stream is at its end.
+    Buffer huge(Bytes().I64(std::int64_t(1) << 60).Raw(TwoPixelBmp()));
+    EXPECT_FALSE(ReadBitmapBuffer(huge.Stream, target));
+    EXPECT_THROW(huge.Stream.ReadUInt8(), TStreamError);
+
+    Buffer cut(Bytes().I32(0));
+    EXPECT_FALSE(ReadBitmapBuffer(cut.Stream, target));
+}
+
+} // namespace
+} // namespace tessal
