@@ -276,14 +276,31 @@ void TCanvas::Flush()
 void TCanvas::RestoreDeviceState()
 {
     QPainter &p = d->Painter;
-    p.resetTransform();
+    // Clip regions are device pixels: only the origin applies to them.
+    p.setWorldTransform(OriginShift());
     if (d->Clip)
         p.setClipPath(*d->Clip);
     else
         p.setClipping(false);
-    p.setWorldTransform(d->World);
+    p.setWorldTransform(DeviceTransform());
     p.setCompositionMode(QPainter::CompositionMode_SourceOver);
     p.setBackgroundMode(Qt::TransparentMode);
+}
+
+void TCanvas::SetOrigin(TPoint origin)
+{
+    m_Origin = origin;
+    RestoreDeviceState();
+}
+
+QTransform TCanvas::OriginShift() const
+{
+    return QTransform::fromTranslate(-m_Origin.X, -m_Origin.Y);
+}
+
+QTransform TCanvas::DeviceTransform() const
+{
+    return d->World * OriginShift();
 }
 
 QTransform TCanvas::OutlineTransform(OutlinePlacement placement) const
@@ -292,8 +309,8 @@ QTransform TCanvas::OutlineTransform(OutlinePlacement placement) const
     // wider strokes are centred on the same pixel centre.
     const bool wide = m_Geometric || m_Pen.Width > 1;
     if (placement != OutlinePlacement::PixelCentres || !wide)
-        return d->World;
-    return d->World * QTransform::fromTranslate(0.5, 0.5);
+        return DeviceTransform();
+    return d->World * QTransform::fromTranslate(0.5, 0.5) * OriginShift();
 }
 
 void TCanvas::Render(const QPainterPath &outline, const QPainterPath *fill,
@@ -339,7 +356,7 @@ void TCanvas::RenderDirect(const QPainterPath &outline, const QPainterPath *fill
         p.setBrush(Qt::NoBrush);
         p.setWorldTransform(OutlineTransform(placement));
         p.drawPath(outline);
-        p.setWorldTransform(d->World);
+        p.setWorldTransform(DeviceTransform());
     }
     p.setCompositionMode(QPainter::CompositionMode_SourceOver);
 }
@@ -349,8 +366,9 @@ void TCanvas::RenderSinglePass(const QPainterPath &outline, const QPainterPath *
 {
     const QPen pen = MakeQPen(m_Pen, m_Geometric, m_Join, m_Cap);
     const qreal margin = pen.widthF() + 2;
-    QRect box =
-        d->World.mapRect(outline.boundingRect().united(fill->boundingRect())).toAlignedRect();
+    QRect box = DeviceTransform()
+                    .mapRect(outline.boundingRect().united(fill->boundingRect()))
+                    .toAlignedRect();
     box = box.adjusted(-int(margin), -int(margin), int(margin), int(margin));
     box &= m_Target->rect();
     if (box.isEmpty())
@@ -363,8 +381,8 @@ void TCanvas::RenderSinglePass(const QPainterPath &outline, const QPainterPath *
         QPainter lp(&layer);
         const QTransform shift = QTransform::fromTranslate(-box.left(), -box.top());
         if (d->Clip)
-            lp.setClipPath(d->Clip->translated(-box.left(), -box.top()));
-        lp.setWorldTransform(d->World * shift);
+            lp.setClipPath(d->Clip->translated(-box.left() - m_Origin.X, -box.top() - m_Origin.Y));
+        lp.setWorldTransform(DeviceTransform() * shift);
         lp.setPen(Qt::NoPen);
         lp.setBrush(MakeQBrush(m_Brush));
         lp.drawPath(*fill);
@@ -390,7 +408,7 @@ void TCanvas::RenderSinglePass(const QPainterPath &outline, const QPainterPath *
     QPainter &p = d->Painter;
     p.setWorldTransform(QTransform());
     p.drawImage(box.topLeft(), layer);
-    p.setWorldTransform(d->World);
+    p.setWorldTransform(DeviceTransform());
 }
 
 void TCanvas::MoveTo(std::int32_t x, std::int32_t y)
@@ -594,7 +612,7 @@ void TCanvas::FrameRect(const TRect &rect)
 
 TColor TCanvas::GetPixel(std::int32_t x, std::int32_t y) const
 {
-    const QPointF dev = d->World.map(QPointF(x, y));
+    const QPointF dev = DeviceTransform().map(QPointF(x, y));
     const QPoint at(int(std::floor(dev.x())), int(std::floor(dev.y())));
     if (!m_Target->valid(at))
         return clNone;
@@ -603,13 +621,13 @@ TColor TCanvas::GetPixel(std::int32_t x, std::int32_t y) const
 
 void TCanvas::SetPixel(std::int32_t x, std::int32_t y, TColor color)
 {
-    const QPointF dev = d->World.map(QPointF(x, y));
+    const QPointF dev = DeviceTransform().map(QPointF(x, y));
     QPainter &p = d->Painter;
     p.setWorldTransform(QTransform());
     p.setCompositionMode(QPainter::CompositionMode_Source);
     p.fillRect(QRect(int(std::floor(dev.x())), int(std::floor(dev.y())), 1, 1), ToQColor(color));
     p.setCompositionMode(QPainter::CompositionMode_SourceOver);
-    p.setWorldTransform(d->World);
+    p.setWorldTransform(DeviceTransform());
 }
 
 void TCanvas::Draw(std::int32_t x, std::int32_t y, const QImage &image)

@@ -139,6 +139,12 @@ public:
     void SetWorldTransform(const QTransform &t);
     void ResetWorldTransform();
     QTransform WorldTransform() const;
+    // The device point shown by the image's top-left pixel, (0, 0) unless set. An image that
+    // holds only part of a larger device (a window's visible part, a repaint rectangle) is
+    // drawn on in the device's coordinates: drawing, clip regions and pixel access all
+    // shift by the origin, beneath the world transform.
+    void SetOrigin(TPoint origin);
+    TPoint Origin() const { return m_Origin; }
 
     // Text. TextOut draws with the text cell's top-left at (x, y), turned counter-clockwise
     // about that corner by the escapement, in Font().Color, with a transparent background
@@ -179,6 +185,9 @@ private:
     void RenderSinglePass(const QPainterPath &outline, const QPainterPath *fill,
                           OutlinePlacement placement);
     QTransform OutlineTransform(OutlinePlacement placement) const;
+    // The world transform followed by the shift of the origin: what the painter applies.
+    QTransform DeviceTransform() const;
+    QTransform OriginShift() const;
     void RestoreDeviceState();
     void SyncFont();
 
@@ -197,6 +206,7 @@ private:
     bool m_Recording = false;
     bool m_BkTransparent = false;
     std::int32_t m_CharExtra = 0;
+    TPoint m_Origin;
 };
 
 } // namespace tessal

@@ -156,7 +156,7 @@ void TCanvas::SelectClipRect(const TRect *rect)
 void TCanvas::SetWorldTransform(const QTransform &t)
 {
     d->World = t;
-    d->Painter.setWorldTransform(t);
+    d->Painter.setWorldTransform(DeviceTransform());
 }
 
 void TCanvas::ResetWorldTransform()

@@ -126,7 +126,7 @@ void TCanvas::TextOut(std::int32_t x, std::int32_t y, const QString &text)
     QTransform place;
     place.translate(x, y);
     place.rotate(-m_LogFont.Escapement / 10.0);
-    p.setWorldTransform(place * d->World);
+    p.setWorldTransform(place * DeviceTransform());
     p.setCompositionMode(QPainter::CompositionMode_SourceOver);
     if (!m_BkTransparent && m_Brush.Style == TBrushStyle::bsSolid && !m_Brush.HasBitmap())
         p.fillRect(QRectF(0, 0, m.horizontalAdvance(text),
@@ -136,7 +136,7 @@ void TCanvas::TextOut(std::int32_t x, std::int32_t y, const QString &text)
     p.setPen(ToQColor(m_Font.Color));
     p.setBrush(Qt::NoBrush);
     p.drawText(QPointF(0, m.ascent()), text);
-    p.setWorldTransform(d->World);
+    p.setWorldTransform(DeviceTransform());
 }
 
 } // namespace tessal

@@ -98,7 +98,7 @@ void TMyCAD::DrawBkBitmapPart(QImage &image, QRect page, QRect clip)
 // rectangle is repainted, as long as the step is a whole number of pixels; dots start at
 // rect's corner in every repaint, so that they only line up across repaints of rectangles
 // whose corners lie on the dot grid.
-void TMyCAD::DrawGrid(QImage &image, const TRect &rect)
+void TMyCAD::DrawGrid(QImage &image, const TRect &rect, QPoint origin)
 {
     const TGridObject &grid = *m_Grid;
     if (grid.GridType() == TGridType::gNone)
@@ -112,6 +112,7 @@ void TMyCAD::DrawGrid(QImage &image, const TRect &rect)
     if (grid.GridShow()) {
         // The grid is laid out from rect's corner, as if rect were an image of its own.
         TCanvas canvas(&image);
+        canvas.SetOrigin(TPoint(origin.x(), origin.y()));
         canvas.SelectClipRect(&rect);
         canvas.SetWorldTransform(QTransform::fromTranslate(rect.Left, rect.Top));
         const QSize size(rect.Width(), rect.Height());

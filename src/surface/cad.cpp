@@ -8,6 +8,7 @@
 #include <QPaintEvent>
 #include <QPainter>
 #include <QResizeEvent>
+#include <QScreen>
 
 #include <cmath>
 
@@ -61,7 +62,7 @@ void TMyCAD::RotateShapeTo(TMyShape *shape, double angle)
     TMyShape *root = GetRootParentShape(shape);
     const double delta = angle - shape->Angle();
     RotateTree(root, root->GetCenterPoint(), delta, 0);
-    Invalidate();
+    DocumentChanged();
 }
 
 // Depth guards against a corrupt group whose child list leads back to an ancestor: no
@@ -96,8 +97,10 @@ TCanvas *TMyCAD::ScreenCanvas()
     EnsureScreenImage();
     if (m_ScreenImage.isNull())
         return nullptr;
-    if (!m_ScreenCanvas)
+    if (!m_ScreenCanvas) {
         m_ScreenCanvas = std::make_unique<TCanvas>(&m_ScreenImage);
+        m_ScreenCanvas->SetOrigin(TPoint(m_ScreenOrigin.x(), m_ScreenOrigin.y()));
+    }
     return m_ScreenCanvas.get();
 }
 
@@ -108,13 +111,11 @@ void TMyCAD::ScreenChanged(const TRect &rect)
 
 // ---- Repaint ----
 
-// A full invalidation is how document changes announce themselves, so it also schedules a
-// rebuild of the spatial index. Nothing repaints while the grid is being drawn.
+// Nothing repaints while the grid is being drawn.
 void TMyCAD::Invalidate()
 {
     if (m_GridDrawing)
         return;
-    ShapesRenumbered();
     m_Dirty = QRegion(rect());
     update();
 }
@@ -127,22 +128,67 @@ void TMyCAD::InvalidateRect(const TRect &rect)
     update(rect.ToQRect());
 }
 
-void TMyCAD::EnsureScreenImage()
+void TMyCAD::DocumentChanged()
+{
+    ShapesRenumbered();
+    Invalidate();
+}
+
+// What the screen image must cover: the visible part of the control (inside a scroll area,
+// the part in the viewport), never more than a screen shows. A control that is not shown
+// has nothing visible and gets its top-left part, a screen in size. A paint of pixels
+// outside that (rendering a hidden control into a pixmap) gets what it asks for.
+QRect TMyCAD::ScreenArea(const QRect &need) const
+{
+    const QRect control = rect();
+    const QScreen *display = screen();
+    const QSize screenSize = display ? display->geometry().size() : QSize(1920, 1080);
+    QRect area;
+    if (isVisible()) {
+        area = visibleRegion().boundingRect() & control;
+        if (display && isWindow())
+            area &= QRect(mapFromGlobal(display->geometry().topLeft()), screenSize);
+    }
+    if (area.isEmpty())
+        area = QRect(QPoint(0, 0), screenSize) & control;
+    if (!need.isEmpty() && !area.contains(need))
+        area = (area | need) & control;
+    return area;
+}
+
+void TMyCAD::EnsureScreenImage(const QRect &need)
 {
     const qreal dpr = devicePixelRatioF();
-    const QSize device = (QSizeF(size()) * dpr).toSize();
-    if (device.isEmpty()) {
+    const QRect area = ScreenArea(need);
+    if (area.isEmpty()) {
         m_ScreenCanvas.reset();
         m_ScreenImage = QImage();
         return;
     }
-    if (m_ScreenImage.size() == device && m_ScreenImage.devicePixelRatio() == dpr)
+    const QRect current(m_ScreenOrigin, m_ScreenImage.deviceIndependentSize().toSize());
+    if (!m_ScreenImage.isNull() && current == area && m_ScreenImage.devicePixelRatio() == dpr)
         return;
     m_ScreenCanvas.reset();
-    m_ScreenImage = QImage(device, QImage::Format_RGB32);
-    m_ScreenImage.setDevicePixelRatio(dpr);
-    m_ScreenImage.fill(Qt::white);
-    m_Dirty = QRegion(rect());
+    QImage image((QSizeF(area.size()) * dpr).toSize(), QImage::Format_RGB32);
+    image.setDevicePixelRatio(dpr);
+    image.fill(Qt::white);
+    // The part both images show moves over as it is, feedback included; the rest is composed
+    // again.
+    QRegion stale(area);
+    if (!m_ScreenImage.isNull() && m_ScreenImage.devicePixelRatio() == dpr) {
+        const QRect kept = current & area;
+        if (!kept.isEmpty()) {
+            QPainter painter(&image);
+            painter.setCompositionMode(QPainter::CompositionMode_Source);
+            painter.drawImage(
+                QRectF(kept.translated(-area.topLeft())), m_ScreenImage,
+                QRectF(QPointF(kept.topLeft() - m_ScreenOrigin) * dpr, QSizeF(kept.size()) * dpr));
+            stale -= kept;
+        }
+    }
+    m_ScreenImage = std::move(image);
+    m_ScreenOrigin = area.topLeft();
+    m_Dirty += stale;
 }
 
 // Only a change of size makes the screen image stale: rendering a hidden widget repeats
@@ -157,17 +203,21 @@ void TMyCAD::resizeEvent(QResizeEvent *event)
 // screen image as it is, with any feedback drawn on it.
 void TMyCAD::paintEvent(QPaintEvent *event)
 {
-    EnsureScreenImage();
+    EnsureScreenImage(event->region().boundingRect());
     if (m_ScreenImage.isNull())
         return;
     Paint(TRect::FromQRect((m_Dirty & event->region()).boundingRect()));
     if (m_ScreenCanvas)
         m_ScreenCanvas->Flush();
     QPainter painter(this);
-    for (const QRect &r : event->region())
-        painter.drawImage(r, m_ScreenImage,
-                          QRectF(QRectF(r).topLeft() * m_ScreenImage.devicePixelRatio(),
-                                 QSizeF(r.size()) * m_ScreenImage.devicePixelRatio()));
+    const qreal dpr = m_ScreenImage.devicePixelRatio();
+    const QRect shown(m_ScreenOrigin, m_ScreenImage.deviceIndependentSize().toSize());
+    for (const QRect &exposed : event->region()) {
+        const QRect r = exposed & shown;
+        painter.drawImage(
+            r, m_ScreenImage,
+            QRectF(QPointF(r.topLeft() - m_ScreenOrigin) * dpr, QSizeF(r.size()) * dpr));
+    }
 }
 
 // A recomposed area no longer shows the highlight square; erasing it by drawing it again

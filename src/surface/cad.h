@@ -505,12 +505,19 @@ public:
     void SetModified(bool modified) { m_Modified = modified; }
 
     // ---- Repaint ----
-    // Marks the whole control (or rect, in control pixels) for recomposition.
+    // Marks the whole control (or rect, in control pixels) for recomposition. Neither says
+    // that shapes changed: a plain repaint keeps the spatial index.
     void Invalidate();
     void InvalidateRect(const TRect &rect);
-    // The image shown on screen (logical size = control size, device pixel ratio of the
-    // widget); empty before the first paint or resize.
+    // Shapes were added, removed, moved, reshaped, reordered or regrouped: the spatial index
+    // is rebuilt before its next query, and the whole control is invalidated.
+    void DocumentChanged();
+    // The image shown on screen, holding the control pixels from ScreenOrigin() on (device
+    // pixel ratio of the widget). It covers the widget's visible part, or the part asked to
+    // paint; a widget that is not shown gets the control's top-left part, no larger than the
+    // screen. Empty before the first paint or resize.
     const QImage &ScreenImage() const { return m_ScreenImage; }
+    QPoint ScreenOrigin() const { return m_ScreenOrigin; }
     QSize sizeHint() const override;
 
     // ---- Rendering ----
@@ -522,17 +529,19 @@ public:
     // while the surface is busy.
     void Paint(const TRect &clip);
     // Composes rect (control pixels) in OffscreenImage(): background, background picture,
-    // grid, shapes. The off-screen image has the control's size and only rect is painted;
-    // the rest keeps what earlier repaints left there.
+    // grid, shapes. The off-screen image covers rect (clipped to the control) exactly; its
+    // top-left pixel is the control point OffscreenOrigin().
     void DrawAll(const TRect &rect);
     const QImage &OffscreenImage() const { return m_Offscreen; }
+    QPoint OffscreenOrigin() const { return m_OffscreenOrigin; }
     // Fills rect (pixels of image) with ColorOfBackGround.
     void FillBackground(QImage &image, const TRect &rect);
     // The background picture placed on a page whose top-left corner is (dx, dy) of image;
     // the page is the control, or the whole image when printing.
     void DrawBkBitmap(QImage &image, std::int32_t dx, std::int32_t dy, bool printing);
-    // The grid of rect (control pixels) into the same pixels of image.
-    void DrawGrid(QImage &image, const TRect &rect);
+    // The grid of rect (control pixels) into image, whose top-left pixel is the control
+    // point origin.
+    void DrawGrid(QImage &image, const TRect &rect, QPoint origin = {});
     // Printing aids, drawn on an image of the whole page (any resolution): the border
     // frame and the head and foot texts. The screen shows neither.
     void DrawBorder(QImage &image);
@@ -562,7 +571,8 @@ public:
     std::int32_t ControlWidth() const override { return width(); }
     std::int32_t ControlHeight() const override { return height(); }
     std::int32_t ScreenPixelsPerInch() const override { return logicalDpiX(); }
-    void RequestRepaint() override { Invalidate(); }
+    // A shape asking to be repainted may have changed any of its geometry.
+    void RequestRepaint() override { DocumentChanged(); }
     void RotateShapeTo(TMyShape *shape, double angle) override;
     void LockShape(TMyShape *shape, bool locked) override;
     THotHighlight &HotHighlight() override { return m_HotHighlight; }
@@ -790,7 +800,10 @@ private:
     }
     // The page's screen size, applied to the control.
     void ResizeToPage();
-    void EnsureScreenImage();
+    // Keeps the screen image over the part of the control that can be seen (or at least
+    // over need), moving what it shows when that part moves.
+    void EnsureScreenImage(const QRect &need = {});
+    QRect ScreenArea(const QRect &need) const;
     void ForgetCoveredHighlight(const QRect &recomposed);
     void RotateTree(TMyShape *shape, TMyPoint centre, double delta, std::int32_t depth);
     void LockTree(TMyShape *shape, bool locked, std::int32_t depth);
@@ -958,11 +971,17 @@ private:
     // screen image as they are, so that xor feedback drawn there survives a plain expose.
     QRegion m_Dirty;
     QImage m_Offscreen;
+    QPoint m_OffscreenOrigin;
+    QImage m_Tile;
     QImage m_ScreenImage;
+    QPoint m_ScreenOrigin;
     std::unique_ptr<TCanvas> m_ScreenCanvas;
 
     // Rendering (render.cpp).
     void CollectDrawList(const TRect &rect);
+    void DrawListedShapes(TCanvas &canvas, const std::vector<std::int32_t> &list);
+    void ComposeTile(const QRect &tile, const QRect &part, const std::vector<std::int32_t> &list);
+    std::int32_t CompositionMargin() const;
     void DrawShapeTree(TCanvas &canvas, TMyShape *shape, std::int32_t depth);
     void DrawLinkHotTree(TCanvas &canvas, TMyShape *shape, std::int32_t depth);
     void DrawWorkingHandles(const TRect &clip);

@@ -129,7 +129,7 @@ std::int32_t TMyCAD::GroupShapes(std::span<TMyShape *const> shapes, bool record)
     }
     m_WorkingShapes = {added};
     m_CurrentShape = added;
-    Invalidate();
+    DocumentChanged();
     return id;
 }
 
@@ -160,7 +160,7 @@ void TMyCAD::UnGroupShape(TMyShape *group, bool record)
     group->ChildShapes().clear();
     DeleteShapeById(group->ShapeId(), false);
     m_Ungrouping = false;
-    Invalidate();
+    DocumentChanged();
 }
 
 // ---- Alignment ----
@@ -197,7 +197,7 @@ void TMyCAD::Align(std::int32_t edge)
     }
     for (TMyShape *shape : shapes)
         ChangeLinkShapes(shape);
-    Invalidate();
+    DocumentChanged();
 }
 
 void TMyCAD::AlignLeft()
@@ -242,7 +242,7 @@ void TMyCAD::BringToFront(TMyShape *shape, bool record)
     }
     while (TMyShape *next = GetNextSingleorRootShape(GetShapeNoInMyShapes(shape)))
         SwapShape(shape, next);
-    Invalidate();
+    DocumentChanged();
 }
 
 void TMyCAD::SendToBack(TMyShape *shape, bool record)
@@ -255,7 +255,7 @@ void TMyCAD::SendToBack(TMyShape *shape, bool record)
     }
     while (TMyShape *prev = GetPrevSingleorRootShape(GetShapeNoInMyShapes(shape)))
         SwapShape(shape, prev);
-    Invalidate();
+    DocumentChanged();
 }
 
 void TMyCAD::BringToFrontByStep(TMyShape *shape, bool record)
@@ -268,7 +268,7 @@ void TMyCAD::BringToFrontByStep(TMyShape *shape, bool record)
     }
     if (TMyShape *next = GetNextSingleorRootShape(GetShapeNoInMyShapes(shape)))
         SwapShape(shape, next);
-    Invalidate();
+    DocumentChanged();
 }
 
 void TMyCAD::SendToBackByStep(TMyShape *shape, bool record)
@@ -281,7 +281,7 @@ void TMyCAD::SendToBackByStep(TMyShape *shape, bool record)
     }
     if (TMyShape *prev = GetPrevSingleorRootShape(GetShapeNoInMyShapes(shape)))
         SwapShape(shape, prev);
-    Invalidate();
+    DocumentChanged();
 }
 
 // Child lists are kept ascending, which an exchange of two numbers can upset.
@@ -297,7 +297,7 @@ void TMyCAD::SwapShape(TMyShape *a, TMyShape *b)
     RenumberRelations([na, nb](std::int32_t n) { return n == na ? nb : (n == nb ? na : n); });
     for (const auto &shape : m_Shapes)
         std::sort(shape->ChildShapes().begin(), shape->ChildShapes().end());
-    Invalidate();
+    DocumentChanged();
 }
 
 // ---- Flipping, locking, turning ----
@@ -327,7 +327,7 @@ void TMyCAD::FlipShape(TMyShape *shape, bool horizontal)
     TMyShape *const one[] = {shape};
     PushtoUndoRedoShapeList(one, 0, ACT_CHANGE);
     FlipTree(shape, horizontal, 0);
-    Invalidate();
+    DocumentChanged();
 }
 
 void TMyCAD::FlipHoriz(TMyShape *shape)
@@ -354,7 +354,7 @@ void TMyCAD::Rotate(TMyShape *shape, float angle)
         m_OnShapeCodeRotating(this, shape, angle);
     shape->SetAngle(angle);
     ChangeLinkShapes(shape);
-    Invalidate();
+    DocumentChanged();
 }
 
 float TMyCAD::Tilt(TMyShape *shape, TMyPoint centre, TMyPoint from, TMyPoint to, bool constrained)
@@ -370,7 +370,7 @@ float TMyCAD::Tilt(TMyShape *shape, TMyPoint centre, TMyPoint from, TMyPoint to,
 void TMyCAD::RotateChangeValueforShapes(TMyShape *shape, TMyPoint centre, double angle)
 {
     RotateTree(shape, centre, angle, 0);
-    Invalidate();
+    DocumentChanged();
 }
 
 // ChangeLinkShapes, which re-routes the connectors of moved shapes, lives with the other

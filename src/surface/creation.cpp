@@ -152,7 +152,7 @@ TMyShape *TMyCAD::CreateAddShapeByName(const QString &className, const TMyShape 
     shape->SetCaption(name);
     if (!AddShape(shape.get(), false, false))
         return nullptr;
-    Invalidate();
+    DocumentChanged();
     return shape.release();
 }
 
@@ -175,7 +175,7 @@ std::int32_t TMyCAD::FinishShapeByCode(std::unique_ptr<TMyShape> shape, const QS
     m_CurrentShape = added;
     if (m_OnShapeAdded)
         m_OnShapeAdded(this, added, GetShapesCount());
-    Invalidate();
+    DocumentChanged();
     return id;
 }
 

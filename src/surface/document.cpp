@@ -287,7 +287,7 @@ bool TMyCAD::DeleteShapeById(std::int32_t id, bool withUndo)
     }
     RemoveShapeTree(shape, true);
     ClearWorkingShapes();
-    Invalidate();
+    DocumentChanged();
     return true;
 }
 
@@ -306,7 +306,7 @@ void TMyCAD::DeleteSelectedShapes()
     for (std::int32_t id : ids)
         DeleteShapeById(id, false);
     ClearWorkingShapes();
-    Invalidate();
+    DocumentChanged();
 }
 
 void TMyCAD::DeleteAllShapes()
@@ -319,7 +319,7 @@ void TMyCAD::DeleteAllShapes()
     m_CurrentShape = nullptr;
     m_HotHighlight = {};
     m_Shapes.clear();
-    Invalidate();
+    DocumentChanged();
 }
 
 // ---- Working shapes ----

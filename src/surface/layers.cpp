@@ -160,7 +160,7 @@ bool TMyCAD::DeleteLayerByID(std::int32_t id)
                 m_OnShapeDeleted(this, shape);
     RemoveShapes(list);
     RemoveLayerAt(GetLayerNoById(id));
-    Invalidate();
+    DocumentChanged();
     return true;
 }
 
@@ -174,7 +174,7 @@ void TMyCAD::DeleteAllLayers()
     DeleteAllShapes();
     while (!m_Layers.empty())
         RemoveLayerAt(GetLayersCount() - 1);
-    Invalidate();
+    DocumentChanged();
 }
 
 bool TMyCAD::MergeLayers(std::int32_t from, std::int32_t to)
@@ -188,7 +188,7 @@ bool TMyCAD::MergeLayers(std::int32_t from, std::int32_t to)
     if (m_CurrentLayerId == from)
         m_CurrentLayerId = to;
     RemoveLayerAt(fromNo);
-    Invalidate();
+    DocumentChanged();
     return true;
 }
 

@@ -5,8 +5,11 @@
 
 #include <tessal/shapes/shape.h>
 #include <tessal/shapes/shapetools.h>
+#include <tessal/surface/spatialindex_p.h>
 
 #include <QPainter>
+
+#include <algorithm>
 
 namespace tessal {
 
@@ -26,11 +29,14 @@ void TMyCAD::Paint(const TRect &clip)
 {
     if (m_Busy)
         return;
-    EnsureScreenImage();
+    if (m_ScreenImage.isNull())
+        EnsureScreenImage();
     if (m_ScreenImage.isNull())
         return;
     m_Busy = true;
-    const TRect area = clip.Intersected(TRect(0, 0, width(), height()));
+    // Only what the screen image holds is composed; the rest stays dirty until it is shown.
+    const QRect shown(m_ScreenOrigin, m_ScreenImage.deviceIndependentSize().toSize());
+    const TRect area = clip.Intersected(TRect::FromQRect(shown));
     if (!area.IsEmpty()) {
         DrawAll(area);
         // The screen canvas keeps a painter open on the screen image; it is made again on
@@ -41,8 +47,9 @@ void TMyCAD::Paint(const TRect &clip)
             screen.setCompositionMode(QPainter::CompositionMode_Source);
             const QRect r = area.ToQRect();
             const qreal dpr = m_Offscreen.devicePixelRatio();
-            screen.drawImage(r, m_Offscreen,
-                             QRectF(QPointF(r.topLeft()) * dpr, QSizeF(r.size()) * dpr));
+            screen.drawImage(
+                QRectF(r.translated(-m_ScreenOrigin)), m_Offscreen,
+                QRectF(QPointF(r.topLeft() - m_OffscreenOrigin) * dpr, QSizeF(r.size()) * dpr));
         }
         m_Dirty -= area.ToQRect();
         ForgetCoveredHighlight(area.ToQRect());
@@ -53,31 +60,91 @@ void TMyCAD::Paint(const TRect &clip)
     m_Busy = false;
 }
 
-// The off-screen image has the size of the control and a repaint clips to its rectangle.
-// Composing in an image only as big as the rectangle, with the painter shifted, would not
-// give the same pixels: the rasteriser clips strokes against the image's bounds before
-// drawing them, and a closed outline cut by the bounds loses pixels at its joins. With the
-// control's size every shape meets the same bounds in every repaint, and a partial repaint
-// equals the same part of a full one.
+// Shapes are composed tile by tile, on a grid fixed to the control, in an image of the tile
+// and a margin around it; the canvas draws in control coordinates through its origin. The
+// rasteriser cuts strokes at the image's bounds before drawing them, and a cut line or
+// outline is not drawn exactly as an uncut one: the steps of a one-pixel line are worked out
+// again from where it enters, a closed outline loses pixels at its joins. With a fixed grid,
+// a control pixel is always drawn in the same tile image, whichever rectangle is repainted,
+// so a partial repaint equals the same part of a full one; the margin keeps the cuts out of
+// the tile, so that no seams show between tiles.
 void TMyCAD::DrawAll(const TRect &rect)
 {
+    const TRect area = rect.Intersected(TRect(0, 0, width(), height()));
+    if (area.IsEmpty())
+        return;
     const qreal dpr = devicePixelRatioF();
-    const QSize device = (QSizeF(size()) * dpr).toSize();
+    const QRect target = area.ToQRect();
+    const QSize device = (QSizeF(target.size()) * dpr).toSize();
     if (m_Offscreen.size() != device || m_Offscreen.devicePixelRatio() != dpr) {
         m_Offscreen = QImage(device, QImage::Format_RGB32);
         m_Offscreen.setDevicePixelRatio(dpr);
-        m_Offscreen.fill(Qt::white);
     }
-    const TRect area = rect.Intersected(TRect(0, 0, width(), height()));
-    if (m_Offscreen.isNull() || area.IsEmpty())
+    m_OffscreenOrigin = target.topLeft();
+    const QPoint origin = m_OffscreenOrigin;
+    // What lies under the shapes has no cut strokes: it is drawn for rect alone.
+    FillBackground(m_Offscreen, TRect(0, 0, target.width(), target.height()));
+    DrawBkBitmapPart(m_Offscreen, QRect(-origin, size()), target.translated(-origin));
+    DrawGrid(m_Offscreen, area, origin);
+    CollectDrawList(area);
+    if (m_DrawList.empty())
         return;
-    FillBackground(m_Offscreen, area);
-    DrawBkBitmapPart(m_Offscreen, QRect(QPoint(0, 0), size()), area.ToQRect());
-    DrawGrid(m_Offscreen, area);
-    TCanvas canvas(&m_Offscreen);
-    canvas.SelectClipRect(&area);
-    DrawAllShape(canvas, area);
-    canvas.Flush();
+    const std::int32_t margin = CompositionMargin();
+    const std::int32_t side = std::max(256, int(2048 / dpr)); // a tile is at most 2048 pixels
+    const QRect control = QWidget::rect();
+    std::vector<std::int32_t> list;
+    for (std::int32_t ty = target.top() / side; ty * side <= target.bottom(); ++ty)
+        for (std::int32_t tx = target.left() / side; tx * side <= target.right(); ++tx) {
+            const QRect cell = QRect(tx * side, ty * side, side, side) & control;
+            const QRect part = cell & target;
+            list.clear();
+            for (const std::int32_t no : m_DrawList)
+                if (m_Index->Entry(no).Extent.ScreenRect(m_Zoom).Intersects(TRect::FromQRect(part)))
+                    list.push_back(no);
+            if (!list.empty())
+                ComposeTile(cell.adjusted(-margin, -margin, margin, margin), part, list);
+        }
+}
+
+// Composes the shapes of list into part (control pixels) of the off-screen image, through an
+// image of tile.
+void TMyCAD::ComposeTile(const QRect &tile, const QRect &part,
+                         const std::vector<std::int32_t> &list)
+{
+    const qreal dpr = m_Offscreen.devicePixelRatio();
+    const QSize device = (QSizeF(tile.size()) * dpr).toSize();
+    if (m_Tile.size() != device || m_Tile.devicePixelRatio() != dpr) {
+        m_Tile = QImage(device, QImage::Format_RGB32);
+        m_Tile.setDevicePixelRatio(dpr);
+    }
+    const auto copy = [dpr](QImage &to, QPoint toOrigin, const QImage &from, QPoint fromOrigin,
+                            const QRect &r) {
+        QPainter painter(&to);
+        painter.setCompositionMode(QPainter::CompositionMode_Source);
+        painter.drawImage(QRectF(r.translated(-toOrigin)), from,
+                          QRectF(QPointF(r.topLeft() - fromOrigin) * dpr, QSizeF(r.size()) * dpr));
+    };
+    copy(m_Tile, tile.topLeft(), m_Offscreen, m_OffscreenOrigin, part);
+    {
+        TCanvas canvas(&m_Tile);
+        canvas.SetOrigin(TPoint(tile.left(), tile.top()));
+        const TRect clip = TRect::FromQRect(part);
+        canvas.SelectClipRect(&clip);
+        DrawListedShapes(canvas, list);
+        canvas.Flush();
+    }
+    copy(m_Offscreen, m_OffscreenOrigin, m_Tile, tile.topLeft(), part);
+}
+
+// The widest reach of the document's shapes beyond their points (pens, arrow heads, marks)
+// and a few pixels more. It depends on the document alone, not on what a repaint draws, so
+// that every repaint cuts strokes at the same places.
+std::int32_t TMyCAD::CompositionMargin() const
+{
+    std::int32_t pad = 0;
+    for (std::int32_t no = 0; no < m_Index->Count(); ++no)
+        pad = std::max(pad, m_Index->Entry(no).Extent.Pad);
+    return pad + 8;
 }
 
 void TMyCAD::FillBackground(QImage &image, const TRect &rect)
@@ -94,12 +161,17 @@ void TMyCAD::FillBackground(QImage &image, const TRect &rect)
 void TMyCAD::DrawAllShape(TCanvas &canvas, const TRect &rect)
 {
     CollectDrawList(rect);
-    for (const std::int32_t no : m_DrawList) {
+    DrawListedShapes(canvas, m_DrawList);
+}
+
+void TMyCAD::DrawListedShapes(TCanvas &canvas, const std::vector<std::int32_t> &list)
+{
+    for (const std::int32_t no : list) {
         TMyShape *shape = m_Shapes[std::size_t(no)].get();
         if (shape->Visible())
             DrawShapeTree(canvas, shape, 0);
     }
-    for (const std::int32_t no : m_DrawList)
+    for (const std::int32_t no : list)
         DrawLinkHotTree(canvas, m_Shapes[std::size_t(no)].get(), 0);
 }
 
@@ -141,6 +213,7 @@ void TMyCAD::DrawWorkingHandles(const TRect &clip)
     if (m_WorkingShapes.empty())
         return;
     TCanvas canvas(&m_ScreenImage);
+    canvas.SetOrigin(TPoint(m_ScreenOrigin.x(), m_ScreenOrigin.y()));
     canvas.SelectClipRect(&clip);
     for (TMyShape *shape : m_WorkingShapes)
         shape->DrawHot(canvas);

@@ -111,7 +111,7 @@ void TMyCAD::ChangeLinkShapes(TMyShape *shape)
     if (!shape)
         return;
     FollowShape(*this, shape, 0);
-    Invalidate();
+    DocumentChanged();
 }
 
 bool TMyCAD::InWhichShapeWhichHotLinkId(TPoint point, std::int32_t &shapeNo, std::int32_t &linkId)

@@ -226,9 +226,9 @@ TRect TMyCAD::ShapeScreenRect(TMyShape *shape) const
     return extent.Indexed ? extent.ScreenRect(m_Zoom) : TRect{};
 }
 
-// A rebuild is due after a full invalidation, a zoom change (pads and texts are measured at
-// the zoom) or any change of the list that was not reported; shapes appended since the last
-// query are added one by one.
+// A rebuild is due after a reported document change, a zoom change (pads and texts are
+// measured at the zoom) or a change of the list that was not reported (a shape that is not
+// at its indexed number); shapes appended since the last query are added one by one.
 void TMyCAD::EnsureIndex()
 {
     if (!m_Index)
@@ -236,7 +236,14 @@ void TMyCAD::EnsureIndex()
     TTextMeasure measure;
     TExtentBuilder builder(*this, measure);
     const std::int32_t count = GetShapesCount();
-    if (!m_Index->IsStale() && m_Index->Zoom() == m_Zoom && m_Index->Count() <= count) {
+    const auto sameList = [&] {
+        for (std::int32_t no = 0; no < m_Index->Count(); ++no)
+            if (m_Index->Entry(no).Shape != m_Shapes[std::size_t(no)].get())
+                return false;
+        return true;
+    };
+    if (!m_Index->IsStale() && m_Index->Zoom() == m_Zoom && m_Index->Count() <= count &&
+        sameList()) {
         for (std::int32_t no = m_Index->Count(); no < count; ++no) {
             TMyShape *shape = m_Shapes[std::size_t(no)].get();
             TShapeExtent extent = builder.Of(shape);

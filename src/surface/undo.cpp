@@ -176,7 +176,7 @@ std::int32_t TMyCAD::PopFromUndoRedoShapeList()
     if (!restore.empty())
         RestoreShapes(restore);
     m_UndoList.erase(m_UndoList.begin() + std::ptrdiff_t(first), m_UndoList.end());
-    Invalidate();
+    DocumentChanged();
     return step - 1;
 }
 

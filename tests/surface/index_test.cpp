@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 
 using namespace tessal;
@@ -171,4 +172,89 @@ TEST(ShapeIndex, DrawListOfARepaintIsTheScan)
         EXPECT_TRUE(std::is_sorted(cad.DrawList().begin(), cad.DrawList().end()));
     }
     EXPECT_TRUE(cad.ShapesInRect(TRect(10, 10, 10, 50)).empty()); // an empty rectangle
+}
+
+// The commands that move, reorder, regroup, remove or bring back shapes report it
+// themselves: through a random run of them the index answers what the scan answers, with no
+// report from outside. A plain invalidation changes no shape and keeps the index, so a shape
+// moved behind the surface's back stays where the index last saw it.
+TEST(ShapeIndex, CommandsReportTheirChanges)
+{
+    TMyCAD cad;
+    cad.SetPageStyle(TPageStyle::A3);
+    std::mt19937 rng(31);
+    std::uniform_real_distribution<float> pos(0, 900);
+    std::uniform_real_distribution<float> len(5, 120);
+    const TDrawTool tools[] = {TDrawTool::SpRectangle, TDrawTool::SpEllipse, TDrawTool::SpLine};
+    for (int i = 0; i < 120; ++i) {
+        const TMyPoint a{pos(rng), pos(rng)};
+        const TMyPoint pts[2] = {a, {a.X + len(rng), a.Y + len(rng)}};
+        ASSERT_GE(cad.AddShapeByCode(tools[i % 3], QString(), pts, 0, QString()), 0);
+    }
+    const auto agree = [&](int step) {
+        std::uniform_int_distribution<int> at(0, cad.width());
+        for (int q = 0; q < 4; ++q) {
+            const int l = at(rng);
+            const int t = at(rng);
+            const TRect r(l, t, l + 250, t + 250);
+            ASSERT_EQ(cad.ShapesInRect(r), cad.ShapesInRectLinear(r)) << "step " << step;
+        }
+    };
+    agree(-1);
+    for (int step = 0; step < 90; ++step) {
+        const auto pick = [&] {
+            return cad.GetShapeByNo(std::int32_t(rng() % cad.GetShapesCount()));
+        };
+        TMyShape *a = cad.GetRootParentShape(pick());
+        TMyShape *b = cad.GetRootParentShape(pick());
+        switch (step % 10) {
+        case 0:
+            cad.BringToFront(a, true);
+            break;
+        case 1:
+            cad.SendToBack(a, true);
+            break;
+        case 2:
+            cad.SwapShape(a, b);
+            break;
+        case 3:
+            cad.FlipHoriz(a);
+            break;
+        case 4:
+            cad.Rotate(a, 0.7f);
+            break;
+        case 5:
+            cad.DeleteShapeById(a->ShapeId(), true);
+            break;
+        case 6:
+            cad.ClearWorkingShapes();
+            cad.AddWorkingShape(a);
+            cad.AddWorkingShape(b);
+            cad.AlignLeft();
+            break;
+        case 7: {
+            TMyShape *const pair[2] = {a, b};
+            cad.GroupShapes(pair, true);
+            break;
+        }
+        case 8:
+            if (a->ChildShapes().size() > 0)
+                cad.UnGroupShape(a, true);
+            break;
+        case 9:
+            cad.PopFromUndoRedoShapeList();
+            break;
+        }
+        agree(step);
+    }
+    // Moved without telling the surface, then only repainted: the index keeps its boxes.
+    TMyShape *shape = cad.GetShapeByNo(cad.GetShapesCount() - 1);
+    const TRect before = cad.ShapeScreenRect(shape);
+    for (std::int32_t i = 0; i < shape->GetPointsCount(); ++i)
+        shape->SetPoint(i, {shape->GetPoint(i).X + 2000, shape->GetPoint(i).Y});
+    cad.Invalidate();
+    const std::vector<std::int32_t> stale = cad.ShapesInRect(before);
+    EXPECT_NE(std::find(stale.begin(), stale.end(), cad.GetShapesCount() - 1), stale.end());
+    cad.DocumentChanged();
+    EXPECT_EQ(cad.ShapesInRect(before), cad.ShapesInRectLinear(before));
 }

@@ -11,6 +11,9 @@
 #include <gtest/gtest.h>
 
 #include <QLabel>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QTest>
 
 #include <random>
 #include <set>
@@ -330,7 +333,8 @@ TEST(Render, PartialRepaintEqualsFullRepaint)
             line->SetArrowStyle(TArrowStyle::ADouble);
     }
     cad.ClearWorkingShapes();
-    for (const double zoom : {1.0, 1.37}) {
+    // At 6.5 the control is larger than one composition tile.
+    for (const double zoom : {1.0, 1.37, 6.5}) {
         cad.SetZoom(zoom);
         const QImage full = Compose(cad, ControlRect(cad));
         std::uniform_int_distribution<int> x(0, cad.width() - 1);
@@ -471,4 +475,66 @@ TEST(Render, BorderAndHeadFootOnAPageImage)
     const QImage screen = Compose(cad, ControlRect(cad));
     EXPECT_EQ(CountPixels(screen, ControlRect(cad).ToQRect(), 0xFFFFFF),
               cad.width() * cad.height());
+}
+
+// At zoom 16 an A4 page is about 12700 x 17960 pixels. The images behind the repaint stay as
+// small as what can be seen: inside a scroll area the viewport's part, hidden no more than a
+// screen. Scrolling moves the screen image with the view; what it shows is the composition of
+// the pixels under it, and feedback drawn in control coordinates lands there.
+TEST(Render, ImagesStayAsSmallAsTheVisiblePart)
+{
+    QScrollArea area;
+    auto *cad = new TMyCAD;
+    cad->SetZoom(16);
+    const TMyPoint pts[2] = {{300, 400}, {420, 470}};
+    ASSERT_GE(cad->AddShapeByCode(TDrawTool::SpEllipse, QString(), pts, 0, QString()), 0);
+    cad->ClearWorkingShapes();
+    ASSERT_GT(cad->width(), 12000);
+    ASSERT_GT(cad->height(), 17000);
+    area.setWidget(cad);
+    area.resize(420, 320);
+    area.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&area));
+    const QSize view = area.viewport()->size();
+    const auto checkShown = [&] {
+        QApplication::processEvents();
+        cad->repaint();
+        const QRect seen(-cad->pos(), view);
+        EXPECT_EQ(QRect(cad->ScreenOrigin(), cad->ScreenImage().size()), seen);
+        EXPECT_LE(cad->OffscreenImage().width(), view.width());
+        EXPECT_LE(cad->OffscreenImage().height(), view.height());
+        EXPECT_TRUE(ImagesEqual(cad->ScreenImage().convertToFormat(QImage::Format_RGB32),
+                                Compose(*cad, TRect::FromQRect(seen))));
+    };
+    checkShown();
+    EXPECT_EQ(cad->ScreenOrigin(), QPoint(0, 0));
+    // Onto the ellipse's left end, 300 x 16 = 4800 across, (400 + 470) / 2 x 16 = 6960 down.
+    area.horizontalScrollBar()->setValue(4700);
+    area.verticalScrollBar()->setValue(6800);
+    checkShown();
+    EXPECT_EQ(cad->ScreenOrigin(), QPoint(4700, 6800));
+    EXPECT_GT(CountPixels(cad->ScreenImage(), cad->ScreenImage().rect(), 0xFFFFFF),
+              0); // some background
+    EXPECT_LT(CountPixels(cad->ScreenImage(), cad->ScreenImage().rect(), 0xFFFFFF),
+              view.width() * view.height()); // and some ellipse
+    // Feedback in control coordinates lands on the same control pixels.
+    TCanvas *screen = cad->ScreenCanvas();
+    ASSERT_NE(screen, nullptr);
+    screen->Brush().Color = clBlack;
+    screen->Brush().Style = TBrushStyle::bsSolid;
+    screen->FillRect(TRect(4750, 6850, 4760, 6855));
+    screen->Flush();
+    const QImage &shown = cad->ScreenImage();
+    EXPECT_EQ(CountPixels(shown, QRect(50, 50, 10, 5), 0x000000), 50);
+    EXPECT_EQ(PixelRgb(shown, 49, 50) == 0, false);
+
+    // Not shown: the top-left part, no larger than the screen.
+    TMyCAD hidden;
+    hidden.SetZoom(16);
+    hidden.Paint(TRect(0, 0, hidden.width(), hidden.height()));
+    const QSize screenSize = hidden.screen()->geometry().size();
+    EXPECT_EQ(hidden.ScreenOrigin(), QPoint(0, 0));
+    EXPECT_LE(hidden.ScreenImage().width(), screenSize.width());
+    EXPECT_LE(hidden.ScreenImage().height(), screenSize.height());
+    EXPECT_LE(hidden.OffscreenImage().width(), screenSize.width());
 }

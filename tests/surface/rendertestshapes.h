@@ -66,7 +66,7 @@ inline unsigned PixelRgb(const QImage &image, int x, int y)
 inline QImage Compose(TMyCAD &cad, const TRect &rect)
 {
     cad.DrawAll(rect);
-    return cad.OffscreenImage().copy(rect.ToQRect());
+    return cad.OffscreenImage().copy(rect.ToQRect().translated(-cad.OffscreenOrigin()));
 }
 
 inline TRect ControlRect(const TMyCAD &cad)
