@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <QBuffer>
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -263,6 +264,24 @@ TEST(DrawingFile, FilesAreCheckedBeforeLoadingAndReplacedOnlyWhenComplete)
     TMyCAD loaded;
     ASSERT_TRUE(loaded.LoadFromFile(path)) << loaded.LastError().toStdString();
     EXPECT_EQ(SavedDrawing(loaded), SavedDrawing(cad));
+}
+
+// The stored sample drawings (also the fuzzer's seeds) load, and save as they were read.
+TEST(DrawingFile, SampleFilesLoad)
+{
+    const QDir dir(QStringLiteral(TESSAL_TEST_DATA_DIR "/drawings"));
+    const QStringList files = dir.entryList({QStringLiteral("*.tsd")}, QDir::Files);
+    ASSERT_FALSE(files.isEmpty());
+    for (const QString &name : files) {
+        SCOPED_TRACE(name.toStdString());
+        TMyCAD cad;
+        ASSERT_TRUE(cad.LoadFromFile(dir.filePath(name))) << cad.LastError().toStdString();
+        if (cad.DiskFileVersion() == QLatin1String("XP.j")) {
+            QFile file(dir.filePath(name));
+            ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+            EXPECT_EQ(SavedDrawing(cad), file.readAll());
+        }
+    }
 }
 
 // A drawing of every family, drawn as the user would make it.
