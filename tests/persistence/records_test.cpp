@@ -260,6 +260,13 @@ TEST(ShapeRecords, ShortOrImpossibleRecordsThrow)
     EXPECT_THROW(test::LoadAll(*rect, Bytes().Text("a").I32(1).I32(1).I32(0).I32(-1).I32(
                                           std::numeric_limits<std::int32_t>::max())),
                  TStreamError);
+    // A pen too wide to draw is refused.
+    QByteArray wide = BaseRecord(Layout::XPj);
+    const qsizetype width = wide.indexOf("Info") + 4 + 4 + 2;
+    ASSERT_EQ(wide.mid(width, 4), Bytes().I32(3).Data());
+    wide.replace(width, 4, Bytes().I32(40000).Data());
+    auto pen = Make<TMyRectangle>(cad, "TMyRectangle");
+    EXPECT_THROW(test::LoadAll(*pen, wide), TStreamError);
     // An arrow style beyond the list is refused rather than stored.
     auto line = Make<TMyLine>(cad, "TMyLine");
     EXPECT_THROW(test::LoadAll(*line, BaseRecord(Layout::XPj).I32(25).U8(12).U8(3).U8(4)),

@@ -69,6 +69,17 @@ inline float ReadCoordinate(BinaryStream &stream, bool extended)
     return float(value);
 }
 
+// A pen width or font height in pixels or points. Beyond 32767 none can be drawn, and the
+// drawing code would size its images and its arithmetic by it.
+inline std::int32_t ReadExtent(BinaryStream &stream, const char *field)
+{
+    const std::int32_t value = stream.ReadInt32();
+    if (value < -32767 || value > 32767)
+        throw TStreamError(std::string("implausible ") + field + " " + std::to_string(value) +
+                           " at offset " + std::to_string(stream.Pos() - 4));
+    return value;
+}
+
 // A count of elements of at least elementSize bytes each; negative counts read nothing.
 // A count that the bytes left cannot hold is a read error before anything is allocated.
 inline std::int32_t ReadCount(BinaryStream &stream, std::int64_t elementSize)

@@ -97,8 +97,8 @@ TFont ReadFont(BinaryStream &stream, TFont font)
     font.Name = ReadCountedText(stream);
     font.Charset = stream.ReadUInt8();
     font.Color = stream.ReadUInt32();
-    font.SetHeight(stream.ReadInt32());
-    font.SetSize(stream.ReadInt32());
+    font.SetHeight(ReadExtent(stream, "font height"));
+    font.SetSize(ReadExtent(stream, "font size"));
     font.Pitch = ReadOrdinal<TFontPitch>(stream, 3, "font pitch");
     font.PixelsPerInch = stream.ReadInt32();
     font.Style = stream.ReadUInt8();
@@ -164,7 +164,9 @@ void ReadAppearance(TMyShape &shape, BinaryStream &stream, V version)
     pen.Color = stream.ReadUInt32();
     pen.Mode = ReadOrdinal<TPenMode>(stream, 16, "pen mode");
     pen.Style = ReadOrdinal<TPenStyle>(stream, 9, "pen style");
-    pen.Width = stream.ReadInt32();
+    pen.Width = ReadExtent(stream, "pen width");
+    if (pen.Width < 0)
+        throw TStreamError("negative pen width at offset " + std::to_string(stream.Pos() - 4));
     shape.SetPen(pen);
 }
 
