@@ -23,14 +23,25 @@ std::int32_t MulDiv(std::int32_t a, std::int32_t b, std::int32_t c)
     return std::int32_t(quotient);
 }
 
+namespace {
+
+// Negation that saturates instead of overflowing for the smallest integer.
+std::int32_t Negated(std::int32_t v)
+{
+    return v == std::numeric_limits<std::int32_t>::min() ? std::numeric_limits<std::int32_t>::max()
+                                                         : -v;
+}
+
+} // namespace
+
 std::int32_t TFont::Size() const
 {
-    return -MulDiv(m_Height, 72, PixelsPerInch);
+    return Negated(MulDiv(m_Height, 72, PixelsPerInch));
 }
 
 void TFont::SetSize(std::int32_t points)
 {
-    m_Height = -MulDiv(points, PixelsPerInch, 72);
+    m_Height = Negated(MulDiv(points, PixelsPerInch, 72));
 }
 
 } // namespace tessal

@@ -580,15 +580,15 @@ public:
     void ScreenChanged(const TRect &rect) override;
 
     // ---- Published properties ----
-    TArcMode ArcMode() const { return m_ArcMode; }
+    TArcMode ArcMode() const override { return m_ArcMode; }
     void SetArcMode(TArcMode value);
-    std::int32_t ArrowAngle() const { return m_ArrowAngle; }
+    std::int32_t ArrowAngle() const override { return m_ArrowAngle; }
     void SetArrowAngle(std::int32_t value);
-    std::uint8_t ArrowLength() const { return m_ArrowLength; }
+    std::uint8_t ArrowLength() const override { return m_ArrowLength; }
     void SetArrowLength(std::uint8_t value);
-    std::uint8_t ArrowOffset() const { return m_ArrowOffset; }
+    std::uint8_t ArrowOffset() const override { return m_ArrowOffset; }
     void SetArrowOffset(std::uint8_t value);
-    TArrowStyle ArrowStyle() const { return m_ArrowStyle; }
+    TArrowStyle ArrowStyle() const override { return m_ArrowStyle; }
     void SetArrowStyle(TArrowStyle value);
     const TBitmap &BkBitmap() const { return m_BkBitmap; }
     void SetBkBitmap(const TBitmap &value);
@@ -629,7 +629,7 @@ public:
     void SetLabelXY(QLabel *value) { m_LabelXY = value; }
     bool LinklineAroundShape() const { return m_LinklineAroundShape; }
     void SetLinklineAroundShape(bool value);
-    TLinkLineDrawStyle LinkLineDrawStyle() const { return m_LinkLineDrawStyle; }
+    TLinkLineDrawStyle LinkLineDrawStyle() const override { return m_LinkLineDrawStyle; }
     void SetLinkLineDrawStyle(TLinkLineDrawStyle value);
     bool LockBound() const { return m_LockBound; }
     void SetLockBound(bool value);

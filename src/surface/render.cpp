@@ -138,13 +138,16 @@ void TMyCAD::ComposeTile(const QRect &tile, const QRect &part,
 
 // The widest reach of the document's shapes beyond their points (pens, arrow heads, marks)
 // and a few pixels more. It depends on the document alone, not on what a repaint draws, so
-// that every repaint cuts strokes at the same places.
+// that every repaint cuts strokes at the same places. It is capped: a pen wider than the
+// cap (only damaged or absurd drawings have one) may show a seam at a tile edge, but the
+// tile image stays a few megabytes instead of growing with the pen.
 std::int32_t TMyCAD::CompositionMargin() const
 {
+    constexpr std::int32_t MaxPad = 256;
     std::int32_t pad = 0;
-    for (std::int32_t no = 0; no < m_Index->Count(); ++no)
+    for (std::int32_t no = 0; no < m_Index->Count() && pad < MaxPad; ++no)
         pad = std::max(pad, m_Index->Entry(no).Extent.Pad);
-    return pad + 8;
+    return std::min(pad, MaxPad) + 8;
 }
 
 void TMyCAD::FillBackground(QImage &image, const TRect &rect)
