@@ -354,9 +354,13 @@ void TCanvas::RenderDirect(const QPainterPath &outline, const QPainterPath *fill
             pen.setColor(*mode.ForcedColor);
         p.setPen(pen);
         p.setBrush(Qt::NoBrush);
-        p.setWorldTransform(OutlineTransform(placement));
+        const QTransform outlineTransform = OutlineTransform(placement);
+        const bool shifted = outlineTransform != p.worldTransform();
+        if (shifted)
+            p.setWorldTransform(outlineTransform);
         p.drawPath(outline);
-        p.setWorldTransform(DeviceTransform());
+        if (shifted)
+            p.setWorldTransform(DeviceTransform());
     }
     p.setCompositionMode(QPainter::CompositionMode_SourceOver);
 }

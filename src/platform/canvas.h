@@ -132,6 +132,11 @@ public:
     // Regions. FillRgn paints in logical coordinates; clip regions are in device pixels and
     // do not follow the world transform.
     void FillRgn(const TRegion &region, const TBrush &brush);
+    // FillRgn of TRegion(polygon, mode), without building the region.
+    void FillPolygon(std::span<const TPoint> polygon, TFillMode mode, const TBrush &brush);
+    // Strokes the closed figure through points with the pen, leaving the canvas as recording it
+    // (BeginPath, MoveTo, LineTo..., CloseFigure, EndPath) and StrokePath would.
+    void StrokeClosedFigure(std::span<const TPoint> points);
     void SelectClipRgn(const TRegion *region); // nullptr removes the clipping
     void SelectClipRect(const TRect *rect);
 

@@ -2,6 +2,8 @@
 // TCanvas paths, regions, clipping and world transforms.
 #include "canvas_p.h"
 
+#include <QVarLengthArray>
+
 #include <cmath>
 
 namespace tessal {
@@ -129,6 +131,40 @@ void TCanvas::FillRgn(const TRegion &region, const TBrush &brush)
     p.setPen(Qt::NoPen);
     p.setBrush(canvasdetail::MakeQBrush(brush));
     p.drawPath(region.Path());
+}
+
+// The polygon goes to the rasteriser as it is: the same edges as the region's path, without the
+// path's allocation.
+void TCanvas::FillPolygon(std::span<const TPoint> polygon, TFillMode mode, const TBrush &brush)
+{
+    QPainter &p = d->Painter;
+    p.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    p.setPen(Qt::NoPen);
+    p.setBrush(canvasdetail::MakeQBrush(brush));
+    if (polygon.size() < 3)
+        return;                          // an empty region
+    QVarLengthArray<QPoint, 128> points; // on the stack for every outline of the shapes
+    points.reserve(qsizetype(polygon.size()));
+    for (const TPoint &pt : polygon)
+        points.append(QPoint(pt.X, pt.Y));
+    p.drawPolygon(points.constData(), int(points.size()),
+                  mode == TFillMode::fmWinding ? Qt::WindingFill : Qt::OddEvenFill);
+}
+
+void TCanvas::StrokeClosedFigure(std::span<const TPoint> points)
+{
+    if (points.empty())
+        return;
+    QPainterPath path;
+    path.reserve(int(points.size()) + 1);
+    path.moveTo(points[0].X, points[0].Y);
+    for (std::size_t i = 1; i < points.size(); ++i)
+        path.lineTo(points[i].X, points[i].Y);
+    path.closeSubpath();
+    d->Path = QPainterPath();
+    m_Recording = false;
+    m_PenPos = points.back();
+    Render(path, nullptr);
 }
 
 void TCanvas::SelectClipRgn(const TRegion *region)

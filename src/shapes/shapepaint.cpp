@@ -65,8 +65,10 @@ void TMyShape::PowerDrawShape(TCanvas &canvas, std::span<const TPoint> pts, bool
     if (pts.empty())
         return;
     if (filled) {
-        const TRegion region(pts, TFillMode::fmWinding);
-        if (m_GradientStyle != TGradientStyle::gsNone && !m_GradientBitmap.IsEmpty()) {
+        const bool gradient =
+            m_GradientStyle != TGradientStyle::gsNone && !m_GradientBitmap.IsEmpty();
+        if (gradient) {
+            const TRegion region(pts, TFillMode::fmWinding);
             const std::int32_t w = RoundEven(Zoom() * GetMyWidth());
             const std::int32_t h = RoundEven(Zoom() * GetMyHeight());
             if (w > 0 && h > 0) {
@@ -75,20 +77,17 @@ void TMyShape::PowerDrawShape(TCanvas &canvas, std::span<const TPoint> pts, bool
                 const TMyPoint lt = ZoomedValuePt(GradientLeftTop());
                 canvas.Draw(RoundEven(lt.X), RoundEven(lt.Y), turned.Image());
             }
+            // A hollow or hatched brush lets the gradient underneath show.
+            canvas.FillRgn(region, m_Brush);
+        } else {
+            canvas.FillPolygon(pts, TFillMode::fmWinding, m_Brush);
         }
-        // A hollow or hatched brush lets the gradient underneath show.
-        canvas.FillRgn(region, m_Brush);
+        // Also ends any clipping the caller had set, as it always has.
         canvas.SelectClipRgn(nullptr);
     }
     TPen oldPen, newPen;
     SetPS(canvas, m_Pen.Style, m_Pen.Color, m_Pen.Width, oldPen, newPen);
-    canvas.BeginPath();
-    canvas.MoveTo(pts[0].X, pts[0].Y);
-    for (std::size_t i = 1; i < pts.size(); ++i)
-        canvas.LineTo(pts[i].X, pts[i].Y);
-    canvas.CloseFigure();
-    canvas.EndPath();
-    canvas.StrokePath();
+    canvas.StrokeClosedFigure(pts);
     canvas.ClearGeometricPen();
     canvas.SetPen(oldPen);
 }
