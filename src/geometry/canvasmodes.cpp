@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Pen and brush set-ups for handles, rubber bands and shapes, and the handle marks.
 #include <tessal/geometry/canvasmodes.h>
+#include <tessal/geometry/geometry.h>
 
 #include <atomic>
 #include <cmath>
@@ -11,11 +12,6 @@ namespace {
 
 // Shared by every surface of the process: the last ColorOfHot set wins for all of them.
 std::atomic<TColor> g_HotColor{clLime};
-
-std::int32_t RoundEven(double v)
-{
-    return static_cast<std::int32_t>(std::nearbyint(v));
-}
 
 // The square of half-side h about p, each corner rounded on its own (halves to even), drawn
 // with exclusive right and bottom edges. For a whole h that is 2h pixels wide; for the

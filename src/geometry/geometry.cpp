@@ -15,12 +15,6 @@ namespace {
 constexpr double Pi = std::numbers::pi;
 constexpr double TwoPi = 2 * std::numbers::pi;
 
-// Halves go to the even neighbour (default rounding mode), as every screen rounding must.
-std::int32_t RoundEven(double v)
-{
-    return static_cast<std::int32_t>(std::nearbyint(v));
-}
-
 template <typename T>
 bool InRange(std::int32_t i, const std::vector<T> &arr)
 {

@@ -8,10 +8,19 @@
 
 #include <QString>
 
+#include <cmath>
+
 #include <utility>
 #include <vector>
 
 namespace tessal {
+
+// Rounds to the nearest integer, halves to the even neighbour, as every screen rounding of
+// the component does (never halves away from zero).
+inline std::int32_t RoundEven(double v)
+{
+    return static_cast<std::int32_t>(std::nearbyint(v));
+}
 
 // Conversions. Rounding is to nearest with halves to even.
 TMyPoint PtToMyPt(TPoint p);

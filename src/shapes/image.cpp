@@ -12,11 +12,6 @@ namespace tessal {
 
 namespace {
 
-std::int32_t RoundEven(double v)
-{
-    return static_cast<std::int32_t>(std::nearbyint(v));
-}
-
 // The image with every pixel of colour key made fully transparent.
 QImage WithoutColour(const QImage &image, TColor key)
 {
@@ -29,15 +24,6 @@ QImage WithoutColour(const QImage &image, TColor key)
                 line[x] = 0;
     }
     return out;
-}
-
-template <typename T>
-void StoreAndRepaint(T &field, const T &value, TShapeHost *host)
-{
-    if (field == value)
-        return;
-    field = value;
-    host->RequestRepaint();
 }
 
 } // namespace
@@ -71,42 +57,42 @@ void TMyImage::AssignWithoutRelation(const TMyShape &source)
 
 void TMyImage::SetBitmap(const TBitmap &bitmap)
 {
-    StoreAndRepaint(m_Bitmap, bitmap, Host());
+    StoreAndRepaint(m_Bitmap, bitmap);
 }
 
 void TMyImage::SetBrightness(std::int32_t delta)
 {
-    StoreAndRepaint(m_Brightness, delta, Host());
+    StoreAndRepaint(m_Brightness, delta);
 }
 
 void TMyImage::SetContrast(std::int32_t k)
 {
-    StoreAndRepaint(m_Contrast, k, Host());
+    StoreAndRepaint(m_Contrast, k);
 }
 
 void TMyImage::SetTransparent(bool on)
 {
-    StoreAndRepaint(m_Transparent, on, Host());
+    StoreAndRepaint(m_Transparent, on);
 }
 
 void TMyImage::SetBorder(bool on)
 {
-    StoreAndRepaint(m_Border, on, Host());
+    StoreAndRepaint(m_Border, on);
 }
 
 void TMyImage::SetGrayScale(bool on)
 {
-    StoreAndRepaint(m_GrayScale, on, Host());
+    StoreAndRepaint(m_GrayScale, on);
 }
 
 void TMyImage::SetTransparentColor(TColor color)
 {
-    StoreAndRepaint(m_TransparentColor, color, Host());
+    StoreAndRepaint(m_TransparentColor, color);
 }
 
 void TMyImage::SetTransparentMode(TTransparentMode mode)
 {
-    StoreAndRepaint(m_TransparentMode, mode, Host());
+    StoreAndRepaint(m_TransparentMode, mode);
 }
 
 bool TMyImage::LoadFromFile(const QString &fileName, QString *reason)

@@ -18,11 +18,6 @@ constexpr std::int32_t HitBand = 8;
 // The caption anchor's diamond.
 constexpr TColor DiamondColour = 0x00FFFF;
 
-std::int32_t RoundEven(double v)
-{
-    return static_cast<std::int32_t>(std::nearbyint(v));
-}
-
 TMyPoint Moved(TMyPoint p, double dx, double dy)
 {
     return {float(p.X + dx), float(p.Y + dy)};

@@ -18,11 +18,6 @@ constexpr TColor DiamondColour = 0x00FFFF;
 // The radius of the middle mark of a selected routed connector.
 constexpr std::int32_t CenterMarkRadius = 3;
 
-std::int32_t RoundEven(double v)
-{
-    return static_cast<std::int32_t>(std::nearbyint(v));
-}
-
 bool Vertical(TMyPoint a, TMyPoint b)
 {
     return a.X == b.X && a.Y != b.Y;

@@ -9,15 +9,6 @@
 
 namespace tessal {
 
-namespace {
-
-std::int32_t RoundEven(double v)
-{
-    return static_cast<std::int32_t>(std::nearbyint(v));
-}
-
-} // namespace
-
 TMyLinkPoint::TMyLinkPoint(TShapeHost *host)
     : TMyRectangle(host)
 {}

@@ -12,11 +12,6 @@ namespace tessal {
 
 namespace {
 
-std::int32_t RoundEven(double v)
-{
-    return static_cast<std::int32_t>(std::nearbyint(v));
-}
-
 // The unit direction of a -> b as seen running left to right (downwards when vertical),
 // and the normal towards its top side.
 struct TAxis
@@ -38,15 +33,6 @@ TAxis AxisOf(TMyPoint a, TMyPoint b)
     }
     // Screen y grows downwards: the top side of a rightward line is -y.
     return {dx, dy, dy, -dx};
-}
-
-template <typename T>
-void StoreAndRepaint(T &field, const T &value, TShapeHost *host)
-{
-    if (field == value)
-        return;
-    field = value;
-    host->RequestRepaint();
 }
 
 } // namespace
@@ -90,17 +76,17 @@ void TMyRuleLine::SizeChangeValue(TMyPoint from, TMyPoint to)
 
 void TMyRuleLine::SetShowUserInfo(bool on)
 {
-    StoreAndRepaint(m_ShowUserInfo, on, Host());
+    StoreAndRepaint(m_ShowUserInfo, on);
 }
 
 void TMyRuleLine::SetTickStyle(TTickStyle style)
 {
-    StoreAndRepaint(m_TickStyle, style, Host());
+    StoreAndRepaint(m_TickStyle, style);
 }
 
 void TMyRuleLine::SetUserInfo(const QString &text)
 {
-    StoreAndRepaint(m_UserInfo, text, Host());
+    StoreAndRepaint(m_UserInfo, text);
 }
 
 // ---- Painting ----

@@ -194,99 +194,84 @@ void TMyShape::PassAppearanceToChildren()
     }
 }
 
-namespace {
-
-// The store-compare-repaint pattern of the plain setters.
-template <typename T>
-void StoreAndRepaint(T &field, const T &value, TShapeHost *host, bool visible = true)
-{
-    if (field == value)
-        return;
-    field = value;
-    if (visible)
-        host->RequestRepaint();
-}
-
-} // namespace
-
 void TMyShape::SetCaption(const QString &caption)
 {
-    StoreAndRepaint(m_Caption, caption, m_Host);
+    StoreAndRepaint(m_Caption, caption);
 }
 
 void TMyShape::SetCaptionShow(bool show)
 {
-    StoreAndRepaint(m_CaptionShow, show, m_Host);
+    StoreAndRepaint(m_CaptionShow, show);
 }
 
 void TMyShape::SetDragEnable(bool enable)
 {
-    StoreAndRepaint(m_DragEnable, enable, m_Host, false);
+    StoreAndRepaint(m_DragEnable, enable, false);
 }
 
 void TMyShape::SetHotShow(bool show)
 {
-    StoreAndRepaint(m_HotShow, show, m_Host);
+    StoreAndRepaint(m_HotShow, show);
 }
 
 void TMyShape::SetInfo(const QString &info)
 {
-    StoreAndRepaint(m_Info, info, m_Host);
+    StoreAndRepaint(m_Info, info);
 }
 
 void TMyShape::SetLogHeight(std::int32_t height)
 {
-    StoreAndRepaint(m_LogHeight, height, m_Host);
+    StoreAndRepaint(m_LogHeight, height);
 }
 
 void TMyShape::SetLogUse(bool use)
 {
-    StoreAndRepaint(m_LogUse, use, m_Host);
+    StoreAndRepaint(m_LogUse, use);
 }
 
 void TMyShape::SetLogWidth(std::int32_t width)
 {
-    StoreAndRepaint(m_LogWidth, width, m_Host);
+    StoreAndRepaint(m_LogWidth, width);
 }
 
 void TMyShape::SetMultiInfo(const QStringList &lines)
 {
-    StoreAndRepaint(m_MultiInfo, lines, m_Host);
+    StoreAndRepaint(m_MultiInfo, lines);
 }
 
 void TMyShape::SetMultiInfoAlignment(TAlignment alignment)
 {
-    StoreAndRepaint(m_MultiInfoAlignment, alignment, m_Host);
+    StoreAndRepaint(m_MultiInfoAlignment, alignment);
 }
 
 void TMyShape::SetPenStyleJoinType(TPenStyleJoinType type)
 {
-    StoreAndRepaint(m_PenStyleJoinType, type, m_Host);
+    StoreAndRepaint(m_PenStyleJoinType, type);
 }
 
 void TMyShape::SetPenStyleEndCapType(TPenStyleEndCapType type)
 {
-    StoreAndRepaint(m_PenStyleEndCapType, type, m_Host);
+    StoreAndRepaint(m_PenStyleEndCapType, type);
 }
 
 void TMyShape::SetResizeEnable(bool enable)
 {
-    StoreAndRepaint(m_ResizeEnable, enable, m_Host, false);
+    StoreAndRepaint(m_ResizeEnable, enable, false);
 }
 
 void TMyShape::SetRotateEnable(bool enable)
 {
-    StoreAndRepaint(m_RotateEnable, enable, m_Host, false);
+    StoreAndRepaint(m_RotateEnable, enable, false);
 }
 
 void TMyShape::SetTag(std::int32_t tag)
 {
-    StoreAndRepaint(m_Tag, tag, m_Host, false);
+    StoreAndRepaint(m_Tag, tag, false);
 }
 
 void TMyShape::SetVisible(bool visible)
 {
-    StoreAndRepaint(m_Visible, visible, m_Host);
+    StoreAndRepaint(m_Visible, visible);
 }
 
 // ---- Copying ----

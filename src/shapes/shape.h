@@ -320,6 +320,17 @@ public:
 protected:
     double Zoom() const { return m_Host->Zoom(); }
     void Repaint() const { m_Host->RequestRepaint(); }
+    // The plain setters' pattern: nothing for an equal value, else store and, when the value
+    // shows, ask for a repaint.
+    template <typename T>
+    void StoreAndRepaint(T &field, const T &value, bool visible = true)
+    {
+        if (field == value)
+            return;
+        field = value;
+        if (visible)
+            Repaint();
+    }
     // Where PowerDrawShape puts the turned gradient copy (document); polygons override it.
     virtual TMyPoint GradientLeftTop() const { return GetLeftTop(); }
     // The centre that flips mirror about: the root group's when grouped.

@@ -11,11 +11,6 @@ namespace tessal {
 
 namespace {
 
-std::int32_t RoundEven(double v)
-{
-    return static_cast<std::int32_t>(std::nearbyint(v));
-}
-
 // Whether p (screen) lies in the one-pixel rectangle at the rounded position of centre,
 // grown by margin on every side (right and bottom exclusive).
 bool InHotSquare(TMyPoint centre, TMyPoint p, std::int32_t margin)

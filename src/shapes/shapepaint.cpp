@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // TMyShape: filled outlines with the gradient, the outline pen and the info texts.
 #include <tessal/geometry/bitmapops.h>
+#include <tessal/geometry/geometry.h>
 #include <tessal/geometry/scaledtext.h>
 #include <tessal/shapes/shape.h>
 
@@ -10,11 +11,6 @@
 namespace tessal {
 
 namespace {
-
-std::int32_t RoundEven(double v)
-{
-    return static_cast<std::int32_t>(std::nearbyint(v));
-}
 
 TPenJoin JoinOf(TPenStyleJoinType type)
 {

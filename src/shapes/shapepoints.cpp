@@ -17,11 +17,6 @@ TMyRect BoundsOf(const TMyPointArray &points)
     return points.empty() ? TMyRect{} : GetPointsLTRB(points);
 }
 
-std::int32_t RoundEven(double v)
-{
-    return static_cast<std::int32_t>(std::nearbyint(v));
-}
-
 } // namespace
 
 // ---- Point access ----

@@ -15,20 +15,6 @@ namespace {
 // The inner margin between the text and the sides, in document pixels.
 constexpr double TextMargin = 2;
 
-std::int32_t RoundEven(double v)
-{
-    return static_cast<std::int32_t>(std::nearbyint(v));
-}
-
-template <typename T>
-void StoreAndRepaint(T &field, const T &value, TShapeHost *host)
-{
-    if (field == value)
-        return;
-    field = value;
-    host->RequestRepaint();
-}
-
 } // namespace
 
 void TMyText::CopyTextFields(const TMyShape &source)
@@ -58,32 +44,32 @@ void TMyText::AssignWithoutRelation(const TMyShape &source)
 
 void TMyText::SetIsBorder(bool on)
 {
-    StoreAndRepaint(m_IsBorder, on, Host());
+    StoreAndRepaint(m_IsBorder, on);
 }
 
 void TMyText::SetIsSolid(bool on)
 {
-    StoreAndRepaint(m_IsSolid, on, Host());
+    StoreAndRepaint(m_IsSolid, on);
 }
 
 void TMyText::SetLines(const QStringList &lines)
 {
-    StoreAndRepaint(m_Lines, lines, Host());
+    StoreAndRepaint(m_Lines, lines);
 }
 
 void TMyText::SetVAlignment(TVAlignment alignment)
 {
-    StoreAndRepaint(m_VAlignment, alignment, Host());
+    StoreAndRepaint(m_VAlignment, alignment);
 }
 
 void TMyText::SetHAlignment(TAlignment alignment)
 {
-    StoreAndRepaint(m_HAlignment, alignment, Host());
+    StoreAndRepaint(m_HAlignment, alignment);
 }
 
 void TMyText::SetWordWrap(bool on)
 {
-    StoreAndRepaint(m_WordWrap, on, Host());
+    StoreAndRepaint(m_WordWrap, on);
 }
 
 // ---- Layout ----

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What lies under the shapes: the background picture and the grid.
+#include <tessal/geometry/geometry.h>
 #include <tessal/surface/cad.h>
 
 #include <QPainter>
@@ -10,11 +11,6 @@
 namespace tessal {
 
 namespace {
-
-std::int32_t RoundEven(double v)
-{
-    return std::int32_t(std::nearbyint(v));
-}
 
 // The part visible of a page of size page stretched from picture: page pixel (u, v) shows
 // picture pixel (u x pw / W, v x ph / H), integer division, so every picture pixel covers a

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Printing aids drawn on a page image: the border frame and the head and foot texts.
+#include <tessal/geometry/geometry.h>
 #include <tessal/surface/cad.h>
 
 #include <tessal/geometry/scaledtext.h>
@@ -9,11 +10,6 @@
 namespace tessal {
 
 namespace {
-
-std::int32_t RoundEven(double v)
-{
-    return std::int32_t(std::nearbyint(v));
-}
 
 // Millimetres of the page in pixels of an image that shows the whole page.
 struct TPageScale
