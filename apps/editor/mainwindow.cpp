@@ -5,10 +5,12 @@
 #include <tessal/surface/cad.h>
 
 #include <QAction>
+#include <QFileDialog>
 #include <QFileInfo>
 #include <QKeySequence>
 #include <QLabel>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QScrollArea>
 #include <QStatusBar>
 #include <QToolBar>
@@ -50,6 +52,7 @@ MainWindow::MainWindow(QWidget *parent)
 
 void MainWindow::CreateActions()
 {
+    CreateFileActions();
     QMenu *view = menuBar()->addMenu(tr("&View"));
     QToolBar *bar = addToolBar(tr("View"));
 
@@ -87,11 +90,62 @@ void MainWindow::ShowZoom()
     m_ZoomLabel->setText(tr("Zoom %1%").arg(std::nearbyint(m_Cad->Zoom() * 100)));
 }
 
+void MainWindow::CreateFileActions()
+{
+    QMenu *file = menuBar()->addMenu(tr("&File"));
+    auto *open = new QAction(tr("&Open..."), this);
+    open->setShortcut(QKeySequence::Open);
+    connect(open, &QAction::triggered, this, [this] {
+        const QString path =
+            QFileDialog::getOpenFileName(this, tr("Open drawing"), {}, DrawingFilter());
+        if (!path.isEmpty())
+            OpenFile(path);
+    });
+    auto *save = new QAction(tr("&Save"), this);
+    save->setShortcut(QKeySequence::Save);
+    connect(save, &QAction::triggered, this, [this] { Save(m_FileName); });
+    auto *saveAs = new QAction(tr("Save &As..."), this);
+    saveAs->setShortcut(QKeySequence::SaveAs);
+    connect(saveAs, &QAction::triggered, this, [this] { Save({}); });
+    file->addActions({open, save, saveAs});
+}
+
+QString MainWindow::DrawingFilter() const
+{
+    return tr("Drawings (*.tsd);;All files (*)");
+}
+
 void MainWindow::OpenFile(const QString &path)
 {
-    // Drawing files are not read yet: say so rather than showing an empty page silently.
-    statusBar()->showMessage(tr("%1: opening drawings is not available in this version")
-                                 .arg(QFileInfo(path).fileName()));
+    const QString name = QFileInfo(path).fileName();
+    if (!m_Cad->IsZEDAFile(path)) {
+        statusBar()->showMessage(tr("%1 is not a drawing file").arg(name));
+        return;
+    }
+    if (!m_Cad->LoadFromFile(path)) {
+        statusBar()->showMessage(tr("%1 could not be read: %2").arg(name, m_Cad->LastError()));
+        return;
+    }
+    m_FileName = path;
+    setWindowTitle(tr("%1 - Tessal Editor").arg(name));
+    ShowZoom();
+    statusBar()->showMessage(tr("%1 opened").arg(name), 3000);
+}
+
+void MainWindow::Save(QString path)
+{
+    if (path.isEmpty())
+        path = QFileDialog::getSaveFileName(this, tr("Save drawing"), {}, DrawingFilter());
+    if (path.isEmpty())
+        return;
+    if (!m_Cad->SaveToFile(path)) {
+        QMessageBox::warning(this, tr("Save drawing"),
+                             tr("%1 could not be saved: %2").arg(path, m_Cad->LastError()));
+        return;
+    }
+    m_FileName = path;
+    setWindowTitle(tr("%1 - Tessal Editor").arg(QFileInfo(path).fileName()));
+    statusBar()->showMessage(tr("%1 saved").arg(QFileInfo(path).fileName()), 3000);
 }
 
 } // namespace tessal
