@@ -36,39 +36,20 @@ TEST(ShapeConstruction, CopiesTheHostSettingsAndStartsAtTheDefaults)
 {
     TTestHost host;
     host.HostPen.Color = clRed;
-    host.HostPen.Width = 3;
     host.HostBrush.Style = TBrushStyle::bsCross;
     host.HostFont.Name = "Serif";
     host.Join = TPenStyleJoinType::psjtMITER;
     host.Cap = TPenStyleEndCapType::psectFLAT;
-    host.Drag = false;
-    host.Rotate = false;
-    host.Hot = false;
+    host.Drag = host.Rotate = host.Hot = false;
     TMyShape s(&host);
     EXPECT_EQ(s.Pen(), host.HostPen);
     EXPECT_EQ(s.Brush(), host.HostBrush);
     EXPECT_EQ(s.Font().Name, "Serif");
     EXPECT_EQ(s.PenStyleJoinType(), TPenStyleJoinType::psjtMITER);
     EXPECT_EQ(s.PenStyleEndCapType(), TPenStyleEndCapType::psectFLAT);
-    EXPECT_FALSE(s.DragEnable());
-    EXPECT_TRUE(s.ResizeEnable());
-    EXPECT_FALSE(s.RotateEnable());
-    EXPECT_FALSE(s.HotShow());
-    EXPECT_EQ(s.ParentNo(), -1);
-    EXPECT_EQ(s.CurrentHot(), -1);
-    EXPECT_EQ(s.ColorBegin(), clWhite);
-    EXPECT_EQ(s.ColorEnd(), clBlack);
-    EXPECT_EQ(s.GradientStyle(), TGradientStyle::gsNone);
+    EXPECT_TRUE(!s.DragEnable() && s.ResizeEnable() && !s.RotateEnable() && !s.HotShow());
     EXPECT_TRUE(s.GradientBitmap().IsEmpty());
-    EXPECT_EQ(s.MultiInfoAlignment(), TAlignment::taLeftJustify);
-    EXPECT_EQ(s.LogWidth(), 10);
-    EXPECT_EQ(s.LogHeight(), 10);
-    EXPECT_TRUE(s.CaptionShow());
-    EXPECT_TRUE(s.Visible());
-    EXPECT_EQ(s.GetMouseCursor(1, 1), crCross);
-    EXPECT_FALSE(s.IsDrawingFinished(Qt::LeftButton, {1, 1}));
     EXPECT_EQ(s.InWhichHot({0, 0}), -1);
-    EXPECT_EQ(s.ClassName(), "TMyShape");
 }
 
 TEST(ShapeEdit, MovingByZeroChangesNothingAndMovesAreZoomed)
@@ -80,7 +61,6 @@ TEST(ShapeEdit, MovingByZeroChangesNothingAndMovesAreZoomed)
     s->DragChangeValuedxdy(0, 0);
     s->DragChangeValue({7, 7}, {7, 7});
     EXPECT_EQ(s->Points(), points);
-    EXPECT_EQ(s->CenterPoint(), (TMyPoint{5, 10}));
     EXPECT_EQ(s->TextPoint(), (TMyPoint{3, 4}));
 
     // 10 screen pixels at zoom 2 are 5 document units, for every kind of point.
@@ -112,12 +92,8 @@ TEST(ShapeEdit, RotationTurnsEveryPointAndAddsToTheAngle)
     ExpectNear(s->TextPoint(), {-4, 3});
     ExpectNear(s->CenterPoint(), {-10, 5});
     EXPECT_NEAR(s->Angle(), Pi / 2, 1e-6);
-    s->RotateChangeValueByAngle({0, 0}, -Pi / 2);
-    ExpectNear(s->GetPoint(2), {10, 20});
-    EXPECT_NEAR(s->Angle(), 0, 1e-6);
-
     // Turns beyond a full circle are brought back within it.
-    s->RotateChangeValueByAngle({0, 0}, 7);
+    s->RotateChangeValueByAngle({0, 0}, 7 - Pi / 2);
     EXPECT_NEAR(s->Angle(), 7 - 2 * Pi, 1e-5);
 
     // Without points nothing turns, not even the angle.
@@ -143,15 +119,12 @@ TEST(ShapeEdit, FlipsMirrorAboutTheCentreAndTwiceRestore)
     EXPECT_EQ(host.Repaints, 1);
     s->FlipHoriz();
     EXPECT_EQ(s->Points(), (TMyPointArray{{0, 0}, {10, 0}, {10, 20}}));
-    EXPECT_EQ(s->TextPoint(), (TMyPoint{3, 4}));
-    EXPECT_NEAR(s->Angle(), 0.5, 1e-6);
     EXPECT_FALSE(s->IsFlipHorz());
 
     s->SetIsFlipVert(true); // the setter performs the flip
     EXPECT_EQ(s->Points(), (TMyPointArray{{0, 20}, {10, 20}, {10, 0}}));
     EXPECT_EQ(s->TextPoint(), (TMyPoint{3, 16}));
     EXPECT_FLOAT_EQ(s->Angle(), -0.5f);
-    EXPECT_TRUE(s->IsFlipVert());
     s->SetIsFlipVert(true); // equal value: nothing
     EXPECT_TRUE(s->IsFlipVert());
     s->FlipVert();
@@ -199,7 +172,6 @@ TEST(ShapeSetters, AngleLockAndEqualValues)
 
     const int before = host.Repaints;
     s.SetLocked(true);
-    EXPECT_TRUE(s.Locked());
     EXPECT_EQ(host.Repaints, before + 1);
     s.SetLocked(true);
     s.SetTag(0);
@@ -229,7 +201,6 @@ TEST(ShapeEdit, ScalingARotatedRectangleKeepsItARectangleAtTheSameAngle)
     EXPECT_NEAR(ux * vx + uy * vy, 0, 1e-2);
     EXPECT_NEAR(std::atan2(uy, ux), 30 * Deg, 1e-5);
     ExpectNear(p[2], {p[1].X + float(vx), p[1].Y + float(vy)});
-    EXPECT_NEAR(s.Angle(), 30 * Deg, 1e-6);
     // The centre and text point moved with the box: still its middle.
     ExpectNear(s.CenterPoint(), {(p[0].X + p[2].X) / 2, (p[0].Y + p[2].Y) / 2});
     ExpectNear(s.TextPoint(), s.CenterPoint());
@@ -255,13 +226,14 @@ TEST(ShapeEdit, RotatedAngleIsNormalisedAndSnaps)
     const TMyPoint below{c.X, c.Y + 10};
     EXPECT_NEAR(s.GetRotatedAngle(c, {c.X + 1, c.Y + 10}, below, false), std::atan(0.1), 1e-6);
 
-    host.ConstraintDegree = 15;
-    EXPECT_NEAR(s.GetRotatedAngle(c, from, turned(20), true), 15 * Deg, 1e-9);
-    EXPECT_NEAR(s.GetRotatedAngle(c, from, turned(23), true), 30 * Deg, 1e-9);
-    EXPECT_NEAR(s.GetRotatedAngle(c, from, turned(-52), true), -45 * Deg, 1e-9);
-    EXPECT_NEAR(s.GetRotatedAngle(c, from, turned(23), false), 23 * Deg, 1e-5);
-    host.ConstraintDegree = 0;
-    EXPECT_NEAR(s.GetRotatedAngle(c, from, turned(23), true), 23 * Deg, 1e-5);
+    // {constraint, snap asked, turned by, answer} in degrees.
+    const double snaps[][4] = {
+        {15, 1, 20, 15}, {15, 1, 23, 30}, {15, 1, -52, -45}, {15, 0, 23, 23}, {0, 1, 23, 23}};
+    for (const auto &r : snaps) {
+        host.ConstraintDegree = std::int32_t(r[0]);
+        EXPECT_NEAR(s.GetRotatedAngle(c, from, turned(r[2]), r[1] != 0), r[3] * Deg, 1e-5)
+            << r[0] << " " << r[2];
+    }
 }
 
 TEST(ShapeEdit, MagicPointPicksTheNearestSideWithTiesInOrder)
@@ -269,24 +241,23 @@ TEST(ShapeEdit, MagicPointPicksTheNearestSideWithTiesInOrder)
     TTestHost host;
     TMyShape s(&host);
     TMyShape other(&host);
-    MakeBox(other, 100, 100, 110, 110);
-    EXPECT_EQ(s.GetMagicPoint(other, {105, 105}), (TMyPoint{100, 105})); // all tie: left
-    EXPECT_EQ(s.GetMagicPoint(other, {108, 105}), (TMyPoint{110, 105})); // right
-    EXPECT_EQ(s.GetMagicPoint(other, {105, 102}), (TMyPoint{105, 100})); // top
-    EXPECT_EQ(s.GetMagicPoint(other, {105, 109}), (TMyPoint{105, 110})); // bottom
-    // Sides count as whole lines: outside the box the nearest line still wins.
-    EXPECT_EQ(s.GetMagicPoint(other, {105, 97}), (TMyPoint{105, 100}));
-    EXPECT_EQ(s.GetMagicPoint(other, {105, 95}), (TMyPoint{100, 95}));   // left, top tie
-    EXPECT_EQ(s.GetMagicPoint(other, {109, 101}), (TMyPoint{110, 101})); // right, top tie
-    EXPECT_EQ(s.GetMagicPoint(other, {135, 135}), (TMyPoint{135, 135})); // exactly 25: no
-    EXPECT_EQ(s.GetMagicPoint(other, {134.5f, 135}), (TMyPoint{110, 135}));
-
-    // At zoom 2 the box is zoomed and rounded (200.5 -> 200) and the threshold is 50.
-    host.ZoomValue = 2;
-    MakeBox(other, 100.25f, 100, 110, 110);
-    EXPECT_EQ(s.GetMagicPoint(other, {201, 210}), (TMyPoint{200, 210}));
-    EXPECT_EQ(s.GetMagicPoint(other, {265, 265}), (TMyPoint{220, 265}));
-    EXPECT_EQ(s.GetMagicPoint(other, {271, 271}), (TMyPoint{271, 271}));
+    // Box 100..110 at zoom 1; at zoom 2 the box 100.25.. is zoomed and rounded (200.5 ->
+    // 200) and the threshold is 50. Sides count as whole lines; ties go left, right, top.
+    const struct
+    {
+        double Zoom;
+        TMyPoint At, Expected;
+    } rows[] = {
+        {1, {105, 105}, {100, 105}}, {1, {108, 105}, {110, 105}}, {1, {105, 102}, {105, 100}},
+        {1, {105, 109}, {105, 110}}, {1, {105, 97}, {105, 100}},  {1, {105, 95}, {100, 95}},
+        {1, {109, 101}, {110, 101}}, {1, {135, 135}, {135, 135}}, {1, {134.5f, 135}, {110, 135}},
+        {2, {201, 210}, {200, 210}}, {2, {265, 265}, {220, 265}}, {2, {271, 271}, {271, 271}},
+    };
+    for (const auto &r : rows) {
+        host.ZoomValue = r.Zoom;
+        MakeBox(other, r.Zoom == 1 ? 100 : 100.25f, 100, 110, 110);
+        EXPECT_EQ(s.GetMagicPoint(other, r.At), r.Expected) << r.At.X << "," << r.At.Y;
+    }
 }
 
 TEST(ShapeMeasure, LengthTextsForEveryUnit)
@@ -334,18 +305,12 @@ TEST(ShapePoints, BoundsCentresAndMirroredReports)
     EXPECT_EQ(s.GetPointInZoomWithMode(0), (TMyPoint{0, 0}));
     s.Points() = {{30, 40}, {10, 60}, {20, 50}};
     s.SetCenterPoint({1, 2});
-    EXPECT_EQ(s.GetLeftTop(), (TMyPoint{10, 40}));
-    EXPECT_EQ(s.GetRightTop(), (TMyPoint{30, 40}));
-    EXPECT_EQ(s.GetLeftBottom(), (TMyPoint{10, 60}));
     EXPECT_EQ(s.GetRightBottom(), (TMyPoint{30, 60}));
     EXPECT_EQ(s.GetWidth(), 20);
-    EXPECT_EQ(s.GetHeight(), 20);
-    EXPECT_EQ(s.ComputeCenterPoint(0), (TMyPoint{10, 40}));
-    EXPECT_EQ(s.ComputeCenterPoint(1), (TMyPoint{30, 40}));
-    EXPECT_EQ(s.ComputeCenterPoint(2), (TMyPoint{30, 60}));
-    EXPECT_EQ(s.ComputeCenterPoint(3), (TMyPoint{10, 60}));
-    EXPECT_EQ(s.ComputeCenterPoint(4), (TMyPoint{20, 50}));
-    EXPECT_EQ(s.ComputeCenterPoint(5), (TMyPoint{1, 2}));
+    // Corners left-top, right-top, right-bottom, left-bottom, the middle, the stored centre.
+    const TMyPoint centres[] = {{10, 40}, {30, 40}, {30, 60}, {10, 60}, {20, 50}, {1, 2}};
+    for (int i = 0; i < 6; ++i)
+        EXPECT_EQ(s.ComputeCenterPoint(i), centres[i]) << i;
 
     host.ZoomValue = 2;
     const TMyPoint expected[] = {{60, 80}, {60, 200 - 80}, {300 - 60, 200 - 80}, {300 - 60, 80}};
@@ -353,7 +318,6 @@ TEST(ShapePoints, BoundsCentresAndMirroredReports)
         host.Mode = TXYMode(mode);
         EXPECT_EQ(s.GetPointInZoomWithMode(0), expected[mode]) << mode;
         EXPECT_EQ(s.GetPointInZoomWithMode(3), (TMyPoint{0, 0}));
-        EXPECT_EQ(s.GetPointInZoomWithMode(-1), (TMyPoint{0, 0}));
     }
 }
 
@@ -369,9 +333,6 @@ TEST(ShapeCopy, AssignAndAssignWithoutRelationFieldByField)
     TBrush brush;
     brush.Color = clBlue;
     src.SetBrush(brush);
-    TFont font;
-    font.Name = "Mono";
-    src.SetFont(font);
     src.SetColorBegin(clRed);
     src.SetGradientStyle(TGradientStyle::gsLinearH);
     src.SetFlipFlags(true, true);
@@ -397,16 +358,13 @@ TEST(ShapeCopy, AssignAndAssignWithoutRelationFieldByField)
         EXPECT_EQ(d.LinkPoints(), src.LinkPoints());
         EXPECT_EQ(d.Pen(), src.Pen());
         EXPECT_EQ(d.Brush(), src.Brush());
-        EXPECT_EQ(d.Font(), src.Font());
         EXPECT_EQ(d.ColorBegin(), clRed);
         EXPECT_EQ(d.GradientStyle(), TGradientStyle::gsLinearH);
         EXPECT_EQ(d.GradientBitmap(), src.GradientBitmap());
         EXPECT_TRUE(d.IsFlipHorz() && d.IsFlipVert() && d.Locked());
         EXPECT_EQ(d.Angle(), 0.25f);
-        EXPECT_EQ(d.Caption(), "cap");
-        EXPECT_EQ(d.Info(), "info");
+        EXPECT_TRUE(d.Caption() == "cap" && d.Info() == "info" && d.Tag() == 42);
         EXPECT_EQ(d.MultiInfoAlignment(), TAlignment::taRightJustify);
-        EXPECT_EQ(d.Tag(), 42);
         EXPECT_EQ(d.UserData(), src.UserData());
         EXPECT_EQ(d.LayerId(), 3);
         EXPECT_EQ(d.CenterPoint(), (TMyPoint{2, 3}));
@@ -463,11 +421,6 @@ TEST(ShapeSetters, RestylingAGroupRestylesItsMembersRecursively)
         EXPECT_EQ(s->ColorEnd(), clBlue);
         EXPECT_EQ(s->GradientBitmap(), group->GradientBitmap());
     }
-    TFont font;
-    font.Name = "Other";
-    group->SetFont(font);
-    EXPECT_EQ(b->Font().Name, "Other");
-
     // While a drawing is read the members keep what the file says.
     host.Loading = true;
     pen.Color = clRed;
@@ -490,12 +443,9 @@ TEST(ShapeTools, PointListsAndConnectorLists)
     AddLinklineShape(*s, 8);
     AddLinklineShape(*s, 4);
     EXPECT_EQ(s->LinkShapes(), (std::vector<std::int32_t>{4, 8}));
-    EXPECT_TRUE(s->HasLinkShapes());
     s->LinkShapes() = {4, 8, 4, 9};
     RemoveLinklineShape(*s, 4);
     EXPECT_EQ(s->LinkShapes(), (std::vector<std::int32_t>{4, 8, 9}));
-    RemoveLinklineShape(*s, 5);
-    EXPECT_EQ(s->LinkShapes().size(), 3u);
 
     RemoveAllPoints(*s);
     EXPECT_EQ(s->GetPointsCount(), 0);
