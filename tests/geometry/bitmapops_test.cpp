@@ -41,108 +41,87 @@ TBitmap RandomBitmap(std::mt19937 &rng, std::int32_t w, std::int32_t h)
     return b;
 }
 
-TEST(BitmapOps, GrayScaleAveragesTheThreeBytes)
+TEST(BitmapOps, ByteArithmetic)
 {
-    TBitmap b = RowOf({10, 20, 33, 255, 255, 254});
-    GrayScaleBitmap(b, false);
-    EXPECT_EQ(BytesOf(b), (std::vector<int>{10, 20, 33, 255, 255, 254}));
-    GrayScaleBitmap(b, true);
-    EXPECT_EQ(BytesOf(b), (std::vector<int>{21, 21, 21, 254, 254, 254}));
-}
-
-TEST(BitmapOps, BrightnessAddsAndClamps)
-{
+    // Grey averages the three bytes of a pixel (truncating); brightness adds and clamps.
     const std::vector<int> start{0, 5, 100, 127, 250, 255};
-    TBitmap b = RowOf(start);
-    AdjustBrightBitmap(b, 0);
-    EXPECT_EQ(BytesOf(b), start);
-    AdjustBrightBitmap(b, 10);
-    EXPECT_EQ(BytesOf(b), (std::vector<int>{10, 15, 110, 137, 255, 255}));
-    AdjustBrightBitmap(b, -20);
-    EXPECT_EQ(BytesOf(b), (std::vector<int>{0, 0, 90, 117, 235, 235}));
-
-    TBitmap white = RowOf(start);
-    AdjustBrightBitmap(white, 300);
-    EXPECT_EQ(BytesOf(white), std::vector<int>(6, 255));
-    TBitmap black = RowOf(start);
-    AdjustBrightBitmap(black, -300);
-    EXPECT_EQ(BytesOf(black), std::vector<int>(6, 0));
-}
-
-TEST(BitmapOps, ContrastAroundTheFixedPoint)
-{
-    const std::vector<int> start{127, 128, 0, 255, 10, 100, 160, 250, 200};
-    const auto adjusted = [&start](int k) {
-        TBitmap b = RowOf(start);
-        AdjustContrastBitmap(b, k);
+    const auto apply = [](std::vector<int> bytes, auto op) {
+        TBitmap b = RowOf(bytes);
+        op(b);
         return BytesOf(b);
     };
-    EXPECT_EQ(adjusted(0), start);
-    // d = |c - 127| * k / 255, truncated; c - d below 128, c + d from 128 up.
-    EXPECT_EQ(adjusted(255), (std::vector<int>{127, 129, 0, 255, 0, 73, 193, 255, 255}));
-    EXPECT_EQ(adjusted(100), (std::vector<int>{127, 128, 0, 255, 0, 90, 172, 255, 228}));
-    EXPECT_EQ(adjusted(50), (std::vector<int>{127, 128, 0, 255, 0, 95, 166, 255, 214}));
-    // Negative k pulls towards 127; truncation toward zero (-49.8 -> -49 and -3.9 -> -3,
+    const auto grey = [](bool on) { return [on](TBitmap &b) { GrayScaleBitmap(b, on); }; };
+    const auto bright = [](int k) { return [k](TBitmap &b) { AdjustBrightBitmap(b, k); }; };
+    const std::vector<int> rgb{10, 20, 33, 255, 255, 254};
+    EXPECT_EQ(apply(rgb, grey(false)), rgb);
+    EXPECT_EQ(apply(rgb, grey(true)), (std::vector<int>{21, 21, 21, 254, 254, 254}));
+    EXPECT_EQ(apply(start, bright(0)), start);
+    EXPECT_EQ(apply(start, bright(10)), (std::vector<int>{10, 15, 110, 137, 255, 255}));
+    EXPECT_EQ(apply(apply(start, bright(10)), bright(-20)),
+              (std::vector<int>{0, 0, 90, 117, 235, 235}));
+    EXPECT_EQ(apply(start, bright(300)), std::vector<int>(6, 255));
+    EXPECT_EQ(apply(start, bright(-300)), std::vector<int>(6, 0));
+
+    // Contrast: d = |c - 127| * k / 255, truncated; c - d below 128, c + d from 128 up.
+    // Negative k pulls towards 127, truncating toward zero (-49.8 -> -49 and -3.9 -> -3,
     // where flooring would give -50 and -4).
-    EXPECT_EQ(adjusted(-100), (std::vector<int>{127, 128, 49, 205, 55, 110, 148, 202, 172}));
-    EXPECT_EQ(adjusted(-255), (std::vector<int>{127, 127, 127, 127, 127, 127, 127, 127, 127}));
-    EXPECT_EQ(adjusted(-1000), (std::vector<int>{127, 125, 255, 0, 255, 205, 31, 0, 0}));
+    const std::vector<int> wide{127, 128, 0, 255, 10, 100, 160, 250, 200};
+    const std::pair<int, std::vector<int>> contrast[] = {
+        {0, wide},
+        {255, {127, 129, 0, 255, 0, 73, 193, 255, 255}},
+        {100, {127, 128, 0, 255, 0, 90, 172, 255, 228}},
+        {50, {127, 128, 0, 255, 0, 95, 166, 255, 214}},
+        {-100, {127, 128, 49, 205, 55, 110, 148, 202, 172}},
+        {-255, std::vector<int>(9, 127)},
+        {-1000, {127, 125, 255, 0, 255, 205, 31, 0, 0}}};
+    for (const auto &[k, expected] : contrast)
+        EXPECT_EQ(apply(wide, [k](TBitmap &b) { AdjustContrastBitmap(b, k); }), expected) << k;
 }
 
 TEST(BitmapOps, FlipMirrorsInPlace)
 {
     TBitmap b(2, 2);
-    b.SetPixel(0, 0, clRed);
-    b.SetPixel(1, 0, clLime);
-    b.SetPixel(0, 1, clBlue);
-    b.SetPixel(1, 1, clYellow);
-    TBitmap h = b;
-    FlipBitmap(h, true, false);
-    EXPECT_EQ(h.Pixel(0, 0), clLime);
-    EXPECT_EQ(h.Pixel(1, 0), clRed);
-    EXPECT_EQ(h.Pixel(0, 1), clYellow);
-    TBitmap v = b;
-    FlipBitmap(v, false, true);
-    EXPECT_EQ(v.Pixel(0, 0), clBlue);
-    EXPECT_EQ(v.Pixel(1, 1), clLime);
-    TBitmap both = b;
-    FlipBitmap(both, true, true);
-    EXPECT_EQ(both.Pixel(0, 0), clYellow);
-    EXPECT_EQ(both.Pixel(1, 1), clRed);
-    TBitmap none = b;
-    FlipBitmap(none, false, false);
-    EXPECT_EQ(none, b);
+    const TColor colours[] = {clRed, clLime, clBlue, clYellow}; // row by row
+    for (int i = 0; i < 4; ++i)
+        b.SetPixel(i % 2, i / 2, colours[i]);
+    const auto flipped = [&b](bool horizontal, bool vertical) {
+        TBitmap copy = b;
+        FlipBitmap(copy, horizontal, vertical);
+        return std::vector{copy.Pixel(0, 0), copy.Pixel(1, 0), copy.Pixel(0, 1), copy.Pixel(1, 1)};
+    };
+    EXPECT_EQ(flipped(false, false), (std::vector{clRed, clLime, clBlue, clYellow}));
+    EXPECT_EQ(flipped(true, false), (std::vector{clLime, clRed, clYellow, clBlue}));
+    EXPECT_EQ(flipped(false, true), (std::vector{clBlue, clYellow, clRed, clLime}));
+    EXPECT_EQ(flipped(true, true), (std::vector{clYellow, clBlue, clLime, clRed}));
     EXPECT_EQ(b.Pixel(0, 0), clRed); // copies were flipped, not the original
 }
 
 TEST(BitmapOps, RotatedSizeIsTheTurnedBoundingBox)
 {
+    // Stretched to w x h first, then turned: 10 sqrt(2) = 14.14 -> 15; 40 cos 0.3 + 7 sin 0.3
+    // = 40.28 -> 41 and 40 sin 0.3 + 7 cos 0.3 = 18.5 -> 19.
+    const struct
+    {
+        double Angle;
+        std::int32_t W, H, ExpectedW, ExpectedH;
+    } cases[] = {{Pi / 2, 20, 10, 10, 20}, {Pi / 4, 10, 10, 15, 15}, {0.3, 40, 7, 41, 19}};
     const TBitmap b(20, 10);
-    TBitmap r = RotateBitmap(b, Pi / 2, 20, 10);
-    EXPECT_EQ(r.Width(), 10);
-    EXPECT_EQ(r.Height(), 20);
-    r = RotateBitmap(b, Pi / 4, 10, 10); // 10 * sqrt(2) = 14.14
-    EXPECT_EQ(r.Width(), 15);
-    EXPECT_EQ(r.Height(), 15);
-    r = RotateBitmap(b, 0.3, 40, 7); // stretched first: 40 cos + 7 sin = 40.28, 40 sin + 7 cos
-    EXPECT_EQ(r.Width(), 41);
-    EXPECT_EQ(r.Height(), 19);
+    for (const auto &c : cases) {
+        const TBitmap r = RotateBitmap(b, c.Angle, c.W, c.H);
+        EXPECT_EQ(std::pair(r.Width(), r.Height()), std::pair(c.ExpectedW, c.ExpectedH)) << c.Angle;
+    }
     EXPECT_TRUE(RotateBitmap(b, 1, 0, 10).IsEmpty());
     EXPECT_TRUE(RotateBitmap(TBitmap(), 1, 10, 10).IsEmpty());
 }
 
 TEST(BitmapOps, RotationSenseAndBackground)
 {
-    // Left half red, right half blue; a quarter turn with a positive angle is anticlockwise
-    // on the screen, so the left half ends at the bottom.
+    // Left half red, right half blue, turned an eighth anticlockwise (the exact quarter
+    // turns are checked pixel by pixel below).
     TBitmap b(20, 10);
     for (int y = 0; y < 10; ++y)
         for (int x = 0; x < 20; ++x)
             b.SetPixel(x, y, x < 10 ? clRed : clBlue);
-    const TBitmap r = RotateBitmap(b, Pi / 2, 20, 10);
-    EXPECT_EQ(r.Pixel(5, 15), clRed);
-    EXPECT_EQ(r.Pixel(5, 4), clBlue);
-
     const TBitmap d = RotateBitmap(b, Pi / 4, 20, 10);
     EXPECT_EQ(d.Pixel(0, 0), clWhite); // outside the turned picture
     EXPECT_EQ(d.Pixel(d.Width() - 1, d.Height() - 1), clWhite);

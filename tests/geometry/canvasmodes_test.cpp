@@ -17,26 +17,32 @@ constexpr unsigned Green = 0x00FF00;
 constexpr unsigned Grey = 0x808080;
 constexpr unsigned Blue = 0x0000FF; // as 0xRRGGBB
 
-QImage WhiteImage(int w = 32, int h = 32)
-{
-    QImage image(w, h, QImage::Format_RGB32);
-    image.fill(Qt::white);
-    return image;
-}
-
 unsigned Rgb(const QImage &image, int x, int y)
 {
     return image.pixel(x, y) & 0xFFFFFF;
 }
 
-// Draws one handle at (10, 10) and answers the image.
-QImage Handle(const THandleLook &look, TMyPoint p = MyPoint(10, 10))
+// A white 32 x 32 image after draw(canvas).
+template <class Draw>
+QImage Drawn(Draw draw)
 {
-    QImage image = WhiteImage();
+    QImage image(32, 32, QImage::Format_RGB32);
+    image.fill(Qt::white);
     TCanvas canvas(&image);
-    DrawSquare(canvas, p, look);
+    draw(canvas);
     canvas.Flush();
     return image;
+}
+
+// One handle at p, by default (10, 10).
+QImage Handle(const THandleLook &look, TMyPoint p = MyPoint(10, 10))
+{
+    return Drawn([&](TCanvas &canvas) { DrawSquare(canvas, p, look); });
+}
+
+bool Blank(const QImage &image)
+{
+    return CountPixels(image, image.rect(), White) == 32 * 32;
 }
 
 // A square handle of half-side h about (10, 10): frame from 10 - h to 10 + h - 1 (right and
@@ -56,27 +62,31 @@ void ExpectSquare(const QImage &image, int h, unsigned fill)
     EXPECT_EQ(CountPixels(image, image.rect(), Black), 4 * (2 * h - 1));
 }
 
-TEST(CanvasModes, SquareHandleSizesFollowLockAndGroup)
+TEST(CanvasModes, HandleSizesShapesAndColours)
 {
-    THandleLook look;
-    look.HotSize = 4;
-    ExpectSquare(Handle(look), 4, Green);
-    look.Grouped = true;
-    ExpectSquare(Handle(look), 2, Green);
+    // Grouped handles are half size (5 / 2 = 2: integer halving), locked ones grey.
+    const struct
+    {
+        int HotSize;
+        bool Locked, Grouped;
+        int Half;
+        unsigned Fill;
+    } squares[] = {{4, false, false, 4, Green},
+                   {4, false, true, 2, Green},
+                   {5, true, false, 5, Grey},
+                   {5, true, true, 2, Grey}};
+    for (const auto &s : squares) {
+        SCOPED_TRACE(&s - squares);
+        THandleLook look;
+        look.HotSize = s.HotSize;
+        look.Locked = s.Locked;
+        look.Grouped = s.Grouped;
+        ExpectSquare(Handle(look), s.Half, s.Fill);
+        look.HotShow = false;
+        EXPECT_TRUE(Blank(Handle(look)));
+    }
 
-    look = THandleLook{};
-    look.HotSize = 5;
-    look.Locked = true;
-    ExpectSquare(Handle(look), 5, Grey);
-    look.Grouped = true; // 5 / 2 = 2: integer halving
-    ExpectSquare(Handle(look), 2, Grey);
-
-    look.HotShow = false;
-    EXPECT_EQ(CountPixels(Handle(look), QRect(0, 0, 32, 32), White), 32 * 32);
-}
-
-TEST(CanvasModes, PointToolsShowCirclesOnlyForRotatableShapes)
-{
+    // Point tools show circles, and only for rotatable shapes.
     THandleLook look;
     look.PointTool = true;
     look.HotSize = 6;
@@ -88,16 +98,22 @@ TEST(CanvasModes, PointToolsShowCirclesOnlyForRotatableShapes)
     const int circlePixels = 32 * 32 - CountPixels(circle, circle.rect(), White);
     EXPECT_GT(circlePixels, 90);
     EXPECT_LT(circlePixels, 12 * 12);
-
     look.Grouped = true; // grouped: a square of half-side 3 even with a point tool
     ExpectSquare(Handle(look), 3, Green);
-
     look.RotateEnable = false;
-    EXPECT_EQ(CountPixels(Handle(look), QRect(0, 0, 32, 32), White), 32 * 32);
+    EXPECT_TRUE(Blank(Handle(look)));
     look.Grouped = false;
-    EXPECT_EQ(CountPixels(Handle(look), QRect(0, 0, 32, 32), White), 32 * 32);
+    EXPECT_TRUE(Blank(Handle(look)));
     look.PointTool = false; // other tools ignore RotateEnable
     ExpectSquare(Handle(look), 6, Green);
+
+    // The hot colour is shared and settable.
+    EXPECT_EQ(HotColor(), clLime);
+    SetHotColor(clRed);
+    const QImage red = Handle(THandleLook{});
+    SetHotColor(clLime);
+    EXPECT_EQ(CountPixels(red, red.rect(), 0xFF0000), 36);
+    EXPECT_EQ(CountPixels(red, red.rect(), Green), 0);
 }
 
 TEST(CanvasModes, HandleCornersRoundToEven)
@@ -113,49 +129,35 @@ TEST(CanvasModes, HandleCornersRoundToEven)
     EXPECT_EQ(Rgb(shifted, 7, 8), White);
 }
 
-TEST(CanvasModes, HotColourIsSharedAndSettable)
-{
-    EXPECT_EQ(HotColor(), clLime);
-    SetHotColor(clRed);
-    const QImage red = Handle(THandleLook{});
-    SetHotColor(clLime);
-    EXPECT_EQ(CountPixels(red, red.rect(), 0xFF0000), 36);
-    EXPECT_EQ(CountPixels(red, red.rect(), Green), 0);
-}
-
 TEST(CanvasModes, LinkSquareIsABlueCross)
 {
-    QImage image = WhiteImage();
-    TCanvas canvas(&image);
     // Corners 7.5 -> 8 and 12.5 -> 12: diagonals of the square (8, 8) - (12, 12).
-    DrawLinkSquare(canvas, MyPoint(10, 10));
-    canvas.Flush();
+    const QImage image = Drawn([](TCanvas &canvas) {
+        DrawLinkSquare(canvas, MyPoint(10, 10));
+        // The cross leaves the canvas with a copy-mode blue pen and the hot brush.
+        EXPECT_EQ(canvas.Pen().Color, clBlue);
+        EXPECT_EQ(canvas.Pen().Mode, TPenMode::pmCopy);
+        EXPECT_EQ(canvas.Brush().Color, HotColor());
+    });
     for (int i : {9, 10, 11}) {
         EXPECT_EQ(Rgb(image, i, i), Blue);
         EXPECT_EQ(Rgb(image, 20 - i, i), Blue);
     }
     EXPECT_EQ(Rgb(image, 10, 8), White);
     EXPECT_EQ(Rgb(image, 8, 10), White);
+    EXPECT_EQ(Rgb(image, 13, 13), White);
     EXPECT_EQ(CountPixels(image, QRect(14, 0, 18, 32), White), 18 * 32);
     EXPECT_EQ(CountPixels(image, image.rect(), Green), 0);
-    // The cross leaves the canvas with a copy-mode blue pen and the hot brush.
-    EXPECT_EQ(canvas.Pen().Color, clBlue);
-    EXPECT_EQ(canvas.Pen().Mode, TPenMode::pmCopy);
-    EXPECT_EQ(canvas.Brush().Color, HotColor());
 
     // At 11 the corners are 8.5 -> 8 and 13.5 -> 14: a wider cross.
-    QImage wide = WhiteImage();
-    TCanvas wideCanvas(&wide);
-    DrawLinkSquare(wideCanvas, MyPoint(11, 11));
-    wideCanvas.Flush();
+    const QImage wide = Drawn([](TCanvas &canvas) { DrawLinkSquare(canvas, MyPoint(11, 11)); });
     EXPECT_EQ(Rgb(wide, 13, 13), Blue);
     EXPECT_EQ(Rgb(wide, 9, 13), Blue);
-    EXPECT_EQ(Rgb(image, 13, 13), White);
 }
 
 TEST(CanvasModes, PenAndBrushSetUps)
 {
-    QImage image = WhiteImage();
+    QImage image(4, 4, QImage::Format_RGB32);
     TCanvas canvas(&image);
     SetDragResizeRotateShapeMode(canvas);
     EXPECT_EQ(canvas.Pen(), (TPen{clWhite, TPenMode::pmXor, TPenStyle::psDot, 1}));
@@ -170,6 +172,27 @@ TEST(CanvasModes, PenAndBrushSetUps)
     EXPECT_EQ(canvas.Brush().Color, clRed);
     EXPECT_EQ(canvas.Brush().Style, TBrushStyle::bsSolid);
     EXPECT_EQ(canvas.Font(), font);
+
+    // The shape mode copies pen and brush with mode copy, and turns them grey on
+    // black-and-white printers only: (10 + 20 + 40) / 3 = 23, (200 + 100 + 1) / 3 = 100.
+    const TPen shapePen{RGBToColor(10, 20, 40), TPenMode::pmXor, TPenStyle::psDashDot, 2};
+    TBrush brush;
+    brush.Color = RGBToColor(200, 100, 1);
+    brush.Style = TBrushStyle::bsCross;
+    for (auto [printer, colours, grey] :
+         {std::tuple{false, 0, false}, std::tuple{true, 256, false}, std::tuple{true, 2, true}}) {
+        SCOPED_TRACE(colours);
+        canvas.SetPrinter(printer, colours);
+        SetDrawShapeMode(shapePen, brush, canvas);
+        EXPECT_EQ(canvas.Pen(), (TPen{grey ? RGBToColor(23, 23, 23) : shapePen.Color,
+                                      TPenMode::pmCopy, TPenStyle::psDashDot, 2}));
+        EXPECT_EQ(canvas.Brush().Color, grey ? RGBToColor(100, 100, 100) : brush.Color);
+        EXPECT_EQ(canvas.Brush().Style, TBrushStyle::bsCross);
+    }
+    brush.Style = TBrushStyle::bsClear;
+    SetDrawShapeMode(TPen{clWindowText, TPenMode::pmCopy, TPenStyle::psSolid, 1}, brush, canvas);
+    EXPECT_EQ(canvas.Brush().Style, TBrushStyle::bsClear);
+    EXPECT_EQ(canvas.Pen().Color, RGBToColor(0, 0, 0)); // system colours resolve first
 }
 
 TEST(CanvasModes, RubberBandErasesItselfWhenDrawnTwice)
@@ -188,59 +211,24 @@ TEST(CanvasModes, RubberBandErasesItselfWhenDrawnTwice)
     EXPECT_TRUE(test::ImagesEqual(before, image));
 }
 
-TEST(CanvasModes, ShapeModeTurnsGreyOnBlackAndWhitePrinters)
-{
-    QImage image = WhiteImage();
-    TCanvas canvas(&image);
-    const TPen pen{RGBToColor(10, 20, 40), TPenMode::pmXor, TPenStyle::psDashDot, 2};
-    TBrush brush;
-    brush.Color = RGBToColor(200, 100, 1);
-    brush.Style = TBrushStyle::bsCross;
-
-    SetDrawShapeMode(pen, brush, canvas); // screen: as given, mode copy
-    EXPECT_EQ(canvas.Pen(), (TPen{pen.Color, TPenMode::pmCopy, TPenStyle::psDashDot, 2}));
-    EXPECT_EQ(canvas.Brush().Color, brush.Color);
-    EXPECT_EQ(canvas.Brush().Style, TBrushStyle::bsCross);
-
-    canvas.SetPrinter(true, 256);
-    SetDrawShapeMode(pen, brush, canvas);
-    EXPECT_EQ(canvas.Pen().Color, pen.Color);
-    EXPECT_EQ(canvas.Brush().Color, brush.Color);
-
-    canvas.SetPrinter(true, 2);
-    SetDrawShapeMode(pen, brush, canvas);
-    EXPECT_EQ(canvas.Pen(),
-              (TPen{RGBToColor(23, 23, 23), TPenMode::pmCopy, TPenStyle::psDashDot, 2})); // 70 / 3
-    EXPECT_EQ(canvas.Brush().Color, RGBToColor(100, 100, 100));                           // 301 / 3
-    EXPECT_EQ(canvas.Brush().Style, TBrushStyle::bsCross);
-
-    brush.Style = TBrushStyle::bsClear;
-    const TPen system{clWindowText, TPenMode::pmCopy, TPenStyle::psSolid, 1};
-    SetDrawShapeMode(system, brush, canvas);
-    EXPECT_EQ(canvas.Brush().Style, TBrushStyle::bsClear);
-    EXPECT_EQ(canvas.Pen().Color, RGBToColor(0, 0, 0)); // system colours resolve first
-}
-
 TEST(CanvasModes, DiamondAndLine)
 {
-    QImage image = WhiteImage();
-    TCanvas canvas(&image);
-    canvas.Brush().Color = clRed;
-    DrawDiamond(canvas, MyPoint(15.5f, 16), 6); // corners (10,16) (16,10) (22,16) (16,22)
-    canvas.Flush();
+    const QImage image = Drawn([](TCanvas &canvas) {
+        canvas.Brush().Color = clRed;
+        DrawDiamond(canvas, MyPoint(15.5f, 16), 6); // corners (10,16) (16,10) (22,16) (16,22)
+    });
     EXPECT_EQ(Rgb(image, 16, 16), 0xFF0000u);
     EXPECT_EQ(Rgb(image, 11, 11), White);
     EXPECT_EQ(Rgb(image, 20, 20), White);
     EXPECT_EQ(CountPixels(image, QRect(0, 0, 9, 32), White), 9 * 32);
     EXPECT_EQ(CountPixels(image, QRect(24, 0, 8, 32), White), 8 * 32);
 
-    QImage lineImage = WhiteImage();
-    TCanvas lineCanvas(&lineImage);
-    LineDraw(lineCanvas, MyPoint(2.5f, 4.5f), MyPoint(20.4f, 4.4f)); // y 4.5 -> 4
-    lineCanvas.Flush();
-    EXPECT_EQ(CountPixels(lineImage, QRect(3, 4, 16, 1), Black), 16);
-    EXPECT_EQ(CountPixels(lineImage, QRect(0, 5, 32, 27), White), 32 * 27);
-    EXPECT_EQ(CountPixels(lineImage, QRect(0, 0, 32, 4), White), 32 * 4);
+    const QImage line = Drawn([](TCanvas &canvas) {
+        LineDraw(canvas, MyPoint(2.5f, 4.5f), MyPoint(20.4f, 4.4f)); // y 4.5 -> 4, 4.4 -> 4
+    });
+    // x 2.5 -> 2 and 20.4 -> 20, the end pixel excluded: pixels 2..19 of row 4 and no others.
+    EXPECT_EQ(CountPixels(line, QRect(2, 4, 18, 1), Black), 18);
+    EXPECT_EQ(CountPixels(line, line.rect(), White), 32 * 32 - 18);
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <numbers>
 
@@ -13,12 +14,21 @@ namespace {
 
 constexpr double Pi = std::numbers::pi;
 
+void ExpectNear(TMyPoint p, double x, double y, double tolerance = 1e-5)
+{
+    EXPECT_NEAR(p.X, x, tolerance);
+    EXPECT_NEAR(p.Y, y, tolerance);
+}
+
 TEST(Geometry, ConversionsRoundHalvesToEven)
 {
-    EXPECT_EQ(MyPtToPt(MyPoint(2.5f, 3.5f)), TPoint(2, 4));
-    EXPECT_EQ(MyPtToPt(MyPoint(-0.5f, 1.5f)), TPoint(0, 2));
-    EXPECT_EQ(MyPtToPt(MyPoint(-1.5f, -2.5f)), TPoint(-2, -2));
-    EXPECT_EQ(MyPtToPt(MyPoint(0.49f, -0.51f)), TPoint(0, -1));
+    // clang-format off
+    const std::pair<TMyPoint, TPoint> rounded[] = {
+        {MyPoint(2.5f, 3.5f), TPoint(2, 4)}, {MyPoint(-0.5f, 1.5f), TPoint(0, 2)},
+        {MyPoint(-1.5f, -2.5f), TPoint(-2, -2)}, {MyPoint(0.49f, -0.51f), TPoint(0, -1)}};
+    // clang-format on
+    for (auto [in, out] : rounded)
+        EXPECT_EQ(MyPtToPt(in), out) << in.X << "," << in.Y;
     EXPECT_EQ(myRecttoRect(TMyRect{0.5f, 1.5f, 2.5f, -3.5f}), TRect(0, 2, 2, -4));
     EXPECT_EQ(PtToMyPt(TPoint(-7, 9)), MyPoint(-7, 9));
 
@@ -29,98 +39,88 @@ TEST(Geometry, ConversionsRoundHalvesToEven)
     EXPECT_EQ(PtToARect(TPoint(3, 3), TPoint(3, 3)), TRect(3, 3, 3, 3));
     EXPECT_EQ(ExpandRect(TRect(2, 1, 5, 7), 3), TRect(-1, -2, 8, 10));
     EXPECT_FLOAT_EQ(GetLengthinPixel(MyPoint(1, 1), MyPoint(4, 5)), 5.0f);
+    EXPECT_EQ(GetPointsLTRB({MyPoint(3, -1), MyPoint(-2, 5), MyPoint(4, 2)}),
+              (TMyRect{-2, -1, 4, 5}));
+    EXPECT_EQ(GetPointsLTRB({MyPoint(7, 8)}), (TMyRect{7, 8, 7, 8}));
 }
 
-TEST(Geometry, RecaclinDegKeepsItsOvershoot)
+TEST(Geometry, AngleNormalisation)
 {
-    const std::pair<std::int32_t, std::int32_t> cases[] = {
+    // Degrees keep their overshoot: 360 stays, -361 becomes 719.
+    const std::pair<std::int32_t, std::int32_t> degrees[] = {
         {360, 360},  {-360, -360}, {0, 0},      {359, 359},  {361, 1},    {720, 0},
         {1000, 280}, {-361, 719},  {-400, 680}, {-720, 720}, {-1000, 440}};
-    for (auto [in, out] : cases) {
+    for (auto [in, out] : degrees) {
         std::int32_t d = in;
         RecaclinDeg(d);
         EXPECT_EQ(d, out) << "input " << in;
     }
-}
-
-TEST(Geometry, RecaclinRadStaysWithinTwoPiKeepingSign)
-{
-    float a = 7;
-    RecaclinRad(a);
-    EXPECT_FLOAT_EQ(a, float(7 - 2 * Pi));
-    a = -7;
-    RecaclinRad(a);
-    EXPECT_FLOAT_EQ(a, float(-7 + 2 * Pi));
-    a = -1;
-    RecaclinRad(a);
-    EXPECT_EQ(a, -1.0f);
-    a = 20;
-    RecaclinRad(a);
-    EXPECT_NEAR(a, 20 - 6 * Pi, 1e-5);
-    a = -6.0f; // inside [-2pi, 2pi]: negative angles stay negative
-    RecaclinRad(a);
-    EXPECT_EQ(a, -6.0f);
+    // Radians stay within two pi keeping their sign; -6 lies inside [-2pi, 2pi] and stays.
+    // clang-format off
+    const std::pair<float, double> radians[] = {
+        {7, 7 - 2 * Pi}, {-7, -7 + 2 * Pi}, {-1, -1}, {20, 20 - 6 * Pi}, {-6, -6}};
+    // clang-format on
+    for (auto [in, out] : radians) {
+        float a = in;
+        RecaclinRad(a);
+        EXPECT_NEAR(a, out, 1e-5) << "input " << in;
+    }
 }
 
 TEST(Geometry, SlopeAngleQuadrantsAndTies)
 {
-    const TMyPoint a = MyPoint(0, 0);
-    EXPECT_DOUBLE_EQ(GetSlopeAngle(a, MyPoint(-1, -1)), Pi / 4);    // left, above
-    EXPECT_DOUBLE_EQ(GetSlopeAngle(a, MyPoint(1, -1)), 3 * Pi / 4); // right, above
-    EXPECT_DOUBLE_EQ(GetSlopeAngle(a, MyPoint(1, 1)), 5 * Pi / 4);  // right, below
-    EXPECT_DOUBLE_EQ(GetSlopeAngle(a, MyPoint(-1, 1)), 7 * Pi / 4); // left, below
-    EXPECT_NEAR(GetSlopeAngle(a, MyPoint(2, -1)), 2.677945044588987, 1e-12);
-    // Equal coordinates count as "not greater", which decides the ties.
-    EXPECT_DOUBLE_EQ(GetSlopeAngle(a, MyPoint(0, -3)), Pi / 2);    // straight above
-    EXPECT_DOUBLE_EQ(GetSlopeAngle(a, MyPoint(0, 3)), Pi / 2);     // straight below too
-    EXPECT_DOUBLE_EQ(GetSlopeAngle(a, MyPoint(-3, 0)), 0.0);       // straight left
-    EXPECT_DOUBLE_EQ(GetSlopeAngle(a, MyPoint(3, 0)), Pi);         // straight right
-    EXPECT_DOUBLE_EQ(GetSlopeAngle(a, a), Pi / 2);
-
-    EXPECT_EQ(PointInQuadrantX(a, MyPoint(0, 5)), -1);
-    EXPECT_EQ(PointInQuadrantY(a, MyPoint(5, 0.5f)), 1);
+    // Equal coordinates count as "not greater", which decides the ties: straight above and
+    // straight below both give pi / 2.
+    // clang-format off
+    const std::pair<TMyPoint, double> angles[] = {
+        {MyPoint(-1, -1), Pi / 4}, {MyPoint(1, -1), 3 * Pi / 4}, {MyPoint(1, 1), 5 * Pi / 4},
+        {MyPoint(-1, 1), 7 * Pi / 4}, {MyPoint(2, -1), 2.677945044588987},
+        {MyPoint(0, -3), Pi / 2}, {MyPoint(0, 3), Pi / 2}, {MyPoint(-3, 0), 0.0},
+        {MyPoint(3, 0), Pi}, {MyPoint(0, 0), Pi / 2}};
+    // clang-format on
+    for (auto [p, angle] : angles)
+        EXPECT_NEAR(GetSlopeAngle(MyPoint(0, 0), p), angle, 1e-12) << p.X << "," << p.Y;
+    EXPECT_EQ(PointInQuadrantX(MyPoint(0, 0), MyPoint(0, 5)), -1);
+    EXPECT_EQ(PointInQuadrantY(MyPoint(0, 0), MyPoint(5, 0.5f)), 1);
 }
 
 TEST(Geometry, RotateAndCornerTests)
 {
-    const TMyPoint p = RotateAPoint(MyPoint(10, 0), MyPoint(0, 0), float(Pi / 2));
-    EXPECT_NEAR(p.X, 0, 1e-5); // a positive angle turns clockwise with Y downwards
-    EXPECT_NEAR(p.Y, 10, 1e-5);
-    const TMyPoint q = RotateAPoint(MyPoint(10, 5), MyPoint(5, 5), float(Pi));
-    EXPECT_NEAR(q.X, 0, 1e-5);
-    EXPECT_NEAR(q.Y, 5, 1e-5);
+    // A positive angle turns clockwise with Y downwards.
+    ExpectNear(RotateAPoint(MyPoint(10, 0), MyPoint(0, 0), float(Pi / 2)), 0, 10);
+    ExpectNear(RotateAPoint(MyPoint(10, 5), MyPoint(5, 5), float(Pi)), 0, 5);
 
-    const TMyPoint a = MyPoint(5, 5);
-    EXPECT_TRUE(IsAtLeftTop(a, a) && IsAtLeftBottom(a, a) && IsAtRightTop(a, a) &&
-                IsAtRightBottom(a, a));
-    const TMyPoint lb = MyPoint(4, 6);
-    EXPECT_TRUE(IsAtLeftBottom(a, lb));
-    EXPECT_FALSE(IsAtLeftTop(a, lb) || IsAtRightTop(a, lb) || IsAtRightBottom(a, lb));
-    const TMyPoint rt = MyPoint(6, 5); // on the horizontal through a: top and bottom both hold
-    EXPECT_TRUE(IsAtRightTop(a, rt) && IsAtRightBottom(a, rt));
-    EXPECT_FALSE(IsAtLeftTop(a, rt) || IsAtLeftBottom(a, rt));
+    // Left-top, left-bottom, right-top, right-bottom of (5, 5); on the horizontal through
+    // it, top and bottom both hold.
+    const auto corners = [](TMyPoint p) {
+        const TMyPoint a = MyPoint(5, 5);
+        return std::array{IsAtLeftTop(a, p), IsAtLeftBottom(a, p), IsAtRightTop(a, p),
+                          IsAtRightBottom(a, p)};
+    };
+    EXPECT_EQ(corners(MyPoint(5, 5)), (std::array{true, true, true, true}));
+    EXPECT_EQ(corners(MyPoint(4, 6)), (std::array{false, true, false, false}));
+    EXPECT_EQ(corners(MyPoint(6, 5)), (std::array{false, false, true, true}));
 }
 
 TEST(Geometry, IntersectionCases)
 {
-    // Both vertical: half the difference of line A's Y values, not their midpoint.
-    EXPECT_EQ(Getintersection(MyPoint(2, 10), MyPoint(5, 0), MyPoint(2, 30), MyPoint(5, 7)),
-              MyPoint(2, 10));
-    // Only A vertical (x = 2), B: y = 2x + 1.
-    EXPECT_EQ(Getintersection(MyPoint(2, 0), MyPoint(0, 1), MyPoint(2, 10), MyPoint(4, 9)),
-              MyPoint(2, 5));
-    // Only B vertical (x = 3), A: y = 2x + 1.
-    EXPECT_EQ(Getintersection(MyPoint(0, 1), MyPoint(3, -5), MyPoint(4, 9), MyPoint(3, 5)),
-              MyPoint(3, 7));
-    // Both horizontal: half the difference of line A's X values.
-    EXPECT_EQ(Getintersection(MyPoint(10, 4), MyPoint(0, 8), MyPoint(30, 4), MyPoint(5, 8)),
-              MyPoint(10, 4));
-    // General crossings.
-    EXPECT_EQ(Getintersection(MyPoint(0, 0), MyPoint(0, 4), MyPoint(4, 4), MyPoint(4, 0)),
-              MyPoint(2, 2));
-    const TMyPoint c = Getintersection(MyPoint(1, 1), MyPoint(0, 6), MyPoint(3, 5), MyPoint(4, 2));
-    EXPECT_FLOAT_EQ(c.X, 7.0f / 3);
-    EXPECT_FLOAT_EQ(c.Y, 11.0f / 3);
+    // Both vertical or both horizontal: half the difference of line A's values, not their
+    // midpoint. One vertical: A at x = 2 against y = 2x + 1, then B at x = 3 against the same.
+    const struct
+    {
+        TMyPoint A1, A2, B1, B2;
+        float X, Y;
+    } cases[] = {{MyPoint(2, 10), MyPoint(5, 0), MyPoint(2, 30), MyPoint(5, 7), 2, 10},
+                 {MyPoint(2, 0), MyPoint(0, 1), MyPoint(2, 10), MyPoint(4, 9), 2, 5},
+                 {MyPoint(0, 1), MyPoint(3, -5), MyPoint(4, 9), MyPoint(3, 5), 3, 7},
+                 {MyPoint(10, 4), MyPoint(0, 8), MyPoint(30, 4), MyPoint(5, 8), 10, 4},
+                 {MyPoint(0, 0), MyPoint(0, 4), MyPoint(4, 4), MyPoint(4, 0), 2, 2},
+                 {MyPoint(1, 1), MyPoint(0, 6), MyPoint(3, 5), MyPoint(4, 2), 7.0f / 3, 11.0f / 3}};
+    for (const auto &c : cases) {
+        const TMyPoint p = Getintersection(c.A1, c.A2, c.B1, c.B2);
+        EXPECT_FLOAT_EQ(p.X, c.X) << &c - cases;
+        EXPECT_FLOAT_EQ(p.Y, c.Y) << &c - cases;
+    }
 }
 
 TEST(Geometry, ParallelLinesReportErrorAndContinue)
@@ -141,50 +141,35 @@ TEST(Geometry, ParallelLinesReportErrorAndContinue)
     EXPECT_FALSE(std::isfinite(same.X) && std::isfinite(same.Y));
 }
 
-TEST(Geometry, ArrowHeadCorners)
+TEST(Geometry, ArrowHeadAndSplitPoints)
 {
+    // A horizontal line, head opening to the right; a vertical one opening downwards (the
+    // theta corner first); a tip right-below the tail (both signs negative).
     const float h = float(Pi / 6);
-    // Horizontal line, head opening to the right.
     auto [a1, a2] = GetTriangle(MyPoint(0, 0), MyPoint(100, 0), 10, h);
-    EXPECT_NEAR(a1.X, 8.660254, 1e-4);
-    EXPECT_NEAR(a1.Y, 5, 1e-4);
-    EXPECT_NEAR(a2.X, 8.660254, 1e-4);
-    EXPECT_NEAR(a2.Y, -5, 1e-4);
-    // Vertical line, head opening downwards: the theta corner comes first.
+    ExpectNear(a1, 8.660254, 5, 1e-4);
+    ExpectNear(a2, 8.660254, -5, 1e-4);
     auto [b1, b2] = GetTriangle(MyPoint(0, 0), MyPoint(0, 50), 10, h);
-    EXPECT_NEAR(b1.X, -5, 1e-4);
-    EXPECT_NEAR(b1.Y, 8.660254, 1e-4);
-    EXPECT_NEAR(b2.X, 5, 1e-4);
-    EXPECT_NEAR(b2.Y, 8.660254, 1e-4);
-    // Tip right-below the tail: both signs negative.
+    ExpectNear(b1, -5, 8.660254, 1e-4);
+    ExpectNear(b2, 5, 8.660254, 1e-4);
     auto [c1, c2] = GetTriangle(MyPoint(10, 10), MyPoint(0, 0), 20, 0.2f);
-    EXPECT_NEAR(c1.X, -1.0506258, 1e-4);
-    EXPECT_NEAR(c1.Y, -6.6698431, 1e-4);
-    EXPECT_NEAR(c2.X, -6.6698431, 1e-4);
-    EXPECT_NEAR(c2.Y, -1.0506258, 1e-4);
-}
+    ExpectNear(c1, -1.0506258, -6.6698431, 1e-4);
+    ExpectNear(c2, -6.6698431, -1.0506258, 1e-4);
 
-TEST(Geometry, SplitLineGivesOnePointTwice)
-{
-    auto [p, q] = SplitLine(MyPoint(0, 0), MyPoint(3, 4), 5);
-    EXPECT_EQ(p, q);
-    EXPECT_NEAR(p.X, 3, 1e-5);
-    EXPECT_NEAR(p.Y, 4, 1e-5);
-    std::tie(p, q) = SplitLine(MyPoint(10, 10), MyPoint(7, 6), 10);
-    EXPECT_EQ(p, q);
-    EXPECT_NEAR(p.X, 4, 1e-5);
-    EXPECT_NEAR(p.Y, 2, 1e-5);
-    std::tie(p, q) = SplitLine(MyPoint(0, 5), MyPoint(-10, 5), 4); // horizontal, leftwards
-    EXPECT_EQ(p, q);
-    EXPECT_NEAR(p.X, -4, 1e-5);
-    EXPECT_NEAR(p.Y, 5, 1e-5);
-}
-
-TEST(Geometry, BoundingBoxOfPoints)
-{
-    EXPECT_EQ(GetPointsLTRB({MyPoint(3, -1), MyPoint(-2, 5), MyPoint(4, 2)}),
-              (TMyRect{-2, -1, 4, 5}));
-    EXPECT_EQ(GetPointsLTRB({MyPoint(7, 8)}), (TMyRect{7, 8, 7, 8}));
+    // SplitLine answers one point twice, n along from a towards b.
+    const struct
+    {
+        TMyPoint A, B;
+        std::int32_t N;
+        float X, Y;
+    } splits[] = {{MyPoint(0, 0), MyPoint(3, 4), 5, 3, 4},
+                  {MyPoint(10, 10), MyPoint(7, 6), 10, 4, 2},
+                  {MyPoint(0, 5), MyPoint(-10, 5), 4, -4, 5}};
+    for (const auto &s : splits) {
+        auto [p, q] = SplitLine(s.A, s.B, s.N);
+        EXPECT_EQ(p, q);
+        ExpectNear(p, s.X, s.Y);
+    }
 }
 
 TEST(Geometry, PointArraysIgnoreIndicesOutOfRange)
@@ -198,15 +183,10 @@ TEST(Geometry, PointArraysIgnoreIndicesOutOfRange)
     EXPECT_FALSE(InsertAPointBeforeId(MyPoint(9, 9), 4, arr)); // one past the end
     EXPECT_FALSE(InsertAPointBeforeId(MyPoint(9, 9), -1, arr));
     EXPECT_EQ(arr, (TMyPointArray{MyPoint(0, 0), MyPoint(1, 1), MyPoint(2, 2), MyPoint(3, 3)}));
-
     EXPECT_TRUE(IsExistPt(3, arr));
-    EXPECT_FALSE(IsExistPt(4, arr));
-    EXPECT_FALSE(IsExistPt(-1, arr));
-    RemovePoint(4, arr);
-    RemovePoint(-1, arr);
-    EXPECT_EQ(arr.size(), 4u);
-    RemovePoint(0, arr);
-    RemovePoint(2, arr);
+    EXPECT_FALSE(IsExistPt(4, arr) || IsExistPt(-1, arr));
+    for (int i : {4, -1, 0, 2})
+        RemovePoint(i, arr);
     EXPECT_EQ(arr, (TMyPointArray{MyPoint(1, 1), MyPoint(2, 2)}));
 
     std::vector<TPoint> screen{TPoint(1, 2)};
@@ -217,30 +197,25 @@ TEST(Geometry, PointArraysIgnoreIndicesOutOfRange)
     EXPECT_FALSE(IsExistPt1(2, screen));
 }
 
-TEST(Geometry, ConnectorListsAddOnceRemoveLast)
+TEST(Geometry, ConnectorListsAndPadding)
 {
     std::vector<std::int32_t> links;
-    AddLinklineShape(links, 4);
-    AddLinklineShape(links, 2);
-    AddLinklineShape(links, 4);
+    for (int id : {4, 2, 4})
+        AddLinklineShape(links, id);
     EXPECT_EQ(links, (std::vector<std::int32_t>{4, 2}));
-
-    links = {3, 5, 3, 7}; // duplicates can come from a file
+    links = {3, 5, 3, 7}; // duplicates can come from a file: the last one goes
     RemoveLinklineShape(links, 3);
-    EXPECT_EQ(links, (std::vector<std::int32_t>{3, 5, 7}));
     RemoveLinklineShape(links, 9);
     EXPECT_EQ(links, (std::vector<std::int32_t>{3, 5, 7}));
     RemoveLinklineShape(links, 7);
     RemoveLinklineShape(links, 3);
     EXPECT_EQ(links, (std::vector<std::int32_t>{5}));
-}
 
-TEST(Geometry, AppendSpacePadsToOneMoreThanN)
-{
+    // AppendSpace pads to one more than n and never cuts.
     EXPECT_EQ(AppendSpace("ab", 4), QStringLiteral("ab   "));
     EXPECT_EQ(AppendSpace("abcd", 4), QStringLiteral("abcd "));
-    EXPECT_EQ(AppendSpace("abcdef", 4), QStringLiteral("abcdef"));
     EXPECT_EQ(AppendSpace("abcde", 4), QStringLiteral("abcde"));
+    EXPECT_EQ(AppendSpace("abcdef", 4), QStringLiteral("abcdef"));
     EXPECT_EQ(AppendSpace("", 0), QStringLiteral(" "));
 }
 

@@ -6,11 +6,11 @@
 #include <gtest/gtest.h>
 
 #include <QFile>
-#include <QPainter>
 #include <QTemporaryDir>
 
-#include <cstdlib>
 #include <initializer_list>
+#include <tuple>
+#include <vector>
 
 namespace tessal {
 namespace {
@@ -200,63 +200,57 @@ TEST_F(PictureFile, UnknownMissingAndBrokenFilesAnswerEmpty)
     EXPECT_TRUE(LoadGraphicsFile(Write(QStringLiteral("x.ico"), QByteArray(6, '\0'))).IsEmpty());
 }
 
-TEST_F(PictureFile, EnhancedMetafile)
+TEST_F(PictureFile, Metafiles)
 {
-    const QByteArray emf = MakeEmf();
-    QString reason;
-    const TBitmap b = LoadGraphicsFile(Write(QStringLiteral("r.emf"), emf), &reason);
+    // Both hold a red rectangle from (10, 10) to (60, 40) on 100 x 50 pixels. Every
+    // truncation fails cleanly, and so do a wrong signature, a record size running past the
+    // end and a wrong placeable-header checksum.
+    const struct
+    {
+        QString Name;
+        QByteArray Bytes;
+        bool Built;
+        int Step;
+        std::vector<std::pair<int, char>> Damage;
+    } files[] = {
 #if defined(TESSAL_HAVE_EMF)
-    ASSERT_FALSE(b.IsEmpty()) << reason.toStdString();
-    EXPECT_EQ(b.Width(), 100);
-    EXPECT_EQ(b.Height(), 50);
-    EXPECT_EQ(Rgb(b, 30, 25), 0xFF0000u);
-    EXPECT_EQ(Rgb(b, 5, 5), 0xFFFFFFu);
-    EXPECT_EQ(Rgb(b, 80, 45), 0xFFFFFFu);
-    EXPECT_EQ(b.Image().format(), QImage::Format_BGR888);
-    // Every truncation, a wrong signature and a record size running past the end all fail
-    // cleanly.
-    for (qsizetype cut = 0; cut < emf.size(); cut += 4) {
-        EXPECT_TRUE(LoadGraphicsFile(Write(QStringLiteral("t.emf"), emf.left(cut))).IsEmpty())
-            << cut;
-    }
-    QByteArray bad = emf;
-    bad[40] = 'X';
-    EXPECT_TRUE(LoadGraphicsFile(Write(QStringLiteral("s.emf"), bad), &reason).IsEmpty());
-    EXPECT_FALSE(reason.isEmpty());
-    bad = emf;
-    bad[108 + 4] = char(0xF0); // brush record claims 240 bytes
-    EXPECT_TRUE(LoadGraphicsFile(Write(QStringLiteral("o.emf"), bad)).IsEmpty());
+        {"r.emf", MakeEmf(), true, 4, {{40, 'X'}, {108 + 4, char(0xF0)}}},
 #else
-    EXPECT_TRUE(b.IsEmpty());
-    EXPECT_TRUE(reason.contains(QStringLiteral("not built in")));
+        {"r.emf", MakeEmf(), false, 4, {}},
 #endif
-}
-
-TEST_F(PictureFile, WindowsMetafile)
-{
-    const QByteArray wmf = MakeWmf();
-    QString reason;
-    const TBitmap b = LoadGraphicsFile(Write(QStringLiteral("r.WMF"), wmf), &reason);
 #if defined(TESSAL_HAVE_WMF)
-    ASSERT_FALSE(b.IsEmpty()) << reason.toStdString();
-    EXPECT_EQ(b.Width(), 100);
-    EXPECT_EQ(b.Height(), 50);
-    EXPECT_EQ(Rgb(b, 30, 25), 0xFF0000u);
-    EXPECT_EQ(Rgb(b, 12, 12), 0xFF0000u);
-    EXPECT_EQ(Rgb(b, 5, 5), 0xFFFFFFu);
-    EXPECT_EQ(Rgb(b, 70, 25), 0xFFFFFFu);
-    for (qsizetype cut = 0; cut < wmf.size(); cut += 2) {
-        EXPECT_TRUE(LoadGraphicsFile(Write(QStringLiteral("t.wmf"), wmf.left(cut))).IsEmpty())
-            << cut;
-    }
-    QByteArray bad = wmf;
-    bad[20] = char(bad[20] ^ 1); // checksum of the placeable header
-    EXPECT_TRUE(LoadGraphicsFile(Write(QStringLiteral("c.wmf"), bad), &reason).IsEmpty());
-    EXPECT_FALSE(reason.isEmpty());
+        {"r.WMF", MakeWmf(), true, 2, {{20, char(quint8(MakeWmf()[20]) ^ 1)}}},
 #else
-    EXPECT_TRUE(b.IsEmpty());
-    EXPECT_TRUE(reason.contains(QStringLiteral("not built in")));
+        {"r.WMF", MakeWmf(), false, 2, {}},
 #endif
+    };
+    for (const auto &f : files) {
+        SCOPED_TRACE(f.Name.toStdString());
+        QString reason;
+        const TBitmap b = LoadGraphicsFile(Write(f.Name, f.Bytes), &reason);
+        if (!f.Built) {
+            EXPECT_TRUE(b.IsEmpty());
+            EXPECT_TRUE(reason.contains(QStringLiteral("not built in")));
+            continue;
+        }
+        ASSERT_FALSE(b.IsEmpty()) << reason.toStdString();
+        EXPECT_EQ(std::pair(b.Width(), b.Height()), std::pair(100, 50));
+        EXPECT_EQ(b.Image().format(), QImage::Format_BGR888);
+        for (auto [x, y, rgb] : {std::tuple{30, 25, 0xFF0000u}, std::tuple{12, 12, 0xFF0000u},
+                                 std::tuple{5, 5, 0xFFFFFFu}, std::tuple{70, 25, 0xFFFFFFu},
+                                 std::tuple{80, 45, 0xFFFFFFu}})
+            EXPECT_EQ(Rgb(b, x, y), rgb) << x << "," << y;
+        const QString cutName = QStringLiteral("t.") + f.Name.right(3);
+        for (qsizetype cut = 0; cut < f.Bytes.size(); cut += f.Step)
+            EXPECT_TRUE(LoadGraphicsFile(Write(cutName, f.Bytes.left(cut))).IsEmpty()) << cut;
+        for (auto [at, byte] : f.Damage) {
+            QByteArray bad = f.Bytes;
+            bad[at] = byte;
+            reason.clear();
+            EXPECT_TRUE(LoadGraphicsFile(Write(cutName, bad), &reason).IsEmpty()) << at;
+            EXPECT_FALSE(reason.isEmpty()) << at;
+        }
+    }
 }
 
 } // namespace

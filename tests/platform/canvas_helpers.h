@@ -2,6 +2,7 @@
 // Small image helpers shared by the canvas tests.
 #pragma once
 
+#include <tessal/platform/canvas.h>
 #include <tessal/platform/types.h>
 
 #include <QImage>
@@ -44,6 +45,28 @@ inline TRect InkBounds(const QImage &image, unsigned background)
         r = {std::min(r.Left, p.X), std::min(r.Top, p.Y), std::max(r.Right, p.X + 1),
              std::max(r.Bottom, p.Y + 1)};
     return r;
+}
+
+// A w x h image of the background colour after draw(canvas) and a flush.
+template <class Draw>
+QImage Painted(int w, int h, Draw draw, unsigned background = 0xFFFFFF,
+               QImage::Format format = QImage::Format_RGB32)
+{
+    QImage image = Filled(w, h, background, format);
+    TCanvas canvas(&image);
+    draw(canvas);
+    canvas.Flush();
+    return image;
+}
+
+// Pixels whose inking (differing from the background) disagrees with the region.
+inline int RegionMismatches(const QImage &image, const TRegion &region, unsigned background)
+{
+    int mismatches = 0;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            mismatches += (Rgb(image, x, y) != background) != region.Contains({x, y}) ? 1 : 0;
+    return mismatches;
 }
 
 } // namespace tessal::test

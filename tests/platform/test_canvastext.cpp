@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 using namespace tessal;
 using namespace tessal::test;
 
@@ -23,16 +25,37 @@ TLogFont Font(int height, int escapement = 0)
     return lf;
 }
 
+// The text drawn with a transparent background at (x, y), its extent and its ink bounds.
+struct Drawn
+{
+    QImage Image;
+    TPoint Extent;
+    TRect Ink;
+};
+Drawn DrawText(int w, int h, const TLogFont &font, int x, int y, const QString &text)
+{
+    Drawn d;
+    d.Image = Painted(w, h, [&](TCanvas &canvas) {
+        canvas.SelectLogFont(font);
+        canvas.SetBkModeTransparent(true);
+        d.Extent = canvas.TextExtent(text);
+        canvas.TextOut(x, y, text);
+    });
+    d.Ink = InkBounds(d.Image, 0xFFFFFF);
+    return d;
+}
+
 } // namespace
 
 TEST(CanvasText, ExtentGrowsWithHeightAndStyle)
 {
     QImage image = Filled(10, 10, 0xFFFFFF);
     TCanvas canvas(&image);
+    const QString hello = QStringLiteral("Hello");
     canvas.SelectLogFont(Font(-10));
-    const TPoint small = canvas.TextExtent(QStringLiteral("Hello"));
+    const TPoint small = canvas.TextExtent(hello);
     canvas.SelectLogFont(Font(-20));
-    const TPoint large = canvas.TextExtent(QStringLiteral("Hello"));
+    const TPoint large = canvas.TextExtent(hello);
     EXPECT_GT(small.X, 10);
     EXPECT_GT(large.X, small.X * 3 / 2);
     EXPECT_GT(large.Y, small.Y * 3 / 2);
@@ -47,72 +70,57 @@ TEST(CanvasText, ExtentGrowsWithHeightAndStyle)
     TLogFont bold = Font(-20);
     bold.Weight = 700;
     canvas.SelectLogFont(bold);
-    EXPECT_GT(canvas.TextWidth(QStringLiteral("Hello")), large.X);
+    EXPECT_GT(canvas.TextWidth(hello), large.X);
     canvas.SelectLogFont(Font(-20, 450));
-    EXPECT_EQ(canvas.TextExtent(QStringLiteral("Hello")), large);
+    EXPECT_EQ(canvas.TextExtent(hello), large);
     canvas.SetTextCharacterExtra(3);
-    EXPECT_EQ(canvas.TextWidth(QStringLiteral("Hello")), large.X + 15);
+    EXPECT_EQ(canvas.TextWidth(hello), large.X + 15);
 }
 
-TEST(CanvasText, TextCellHangsBelowAndRightOfThePoint)
+TEST(CanvasText, PlacementOfPlainAndTurnedText)
 {
-    QImage image = Filled(120, 60, 0xFFFFFF);
-    TCanvas canvas(&image);
-    canvas.SelectLogFont(Font(-20));
-    canvas.SetBkModeTransparent(true);
-    const TPoint extent = canvas.TextExtent(QStringLiteral("Tg"));
-    canvas.TextOut(30, 20, QStringLiteral("Tg"));
-    canvas.Flush();
-    const TRect ink = InkBounds(image, 0xFFFFFF);
+    // The text cell hangs below and right of the point; the T reaches near the top of the
+    // cell, the g below the baseline.
+    const Drawn plain = DrawText(120, 60, Font(-20), 30, 20, QStringLiteral("Tg"));
+    const TRect ink = plain.Ink;
     ASSERT_FALSE(ink.IsEmpty());
     EXPECT_GE(ink.Left, 30);
+    EXPECT_LE(ink.Right, 30 + plain.Extent.X + 1);
     EXPECT_GE(ink.Top, 20);
-    EXPECT_LE(ink.Right, 30 + extent.X + 1);
-    EXPECT_LE(ink.Bottom, 20 + extent.Y);
-    // The T reaches near the top of the cell, the g below the baseline.
-    EXPECT_LE(ink.Top, 20 + extent.Y / 3);
-    EXPECT_GT(ink.Bottom, 20 + extent.Y * 2 / 3);
+    EXPECT_LE(ink.Top, 20 + plain.Extent.Y / 3);
+    EXPECT_GT(ink.Bottom, 20 + plain.Extent.Y * 2 / 3);
+    EXPECT_LE(ink.Bottom, 20 + plain.Extent.Y);
     // Aliased glyphs: only the font colour and the background occur.
-    for (TPoint p : Ink(image, 0xFFFFFF))
-        ASSERT_EQ(Rgb(image, p.X, p.Y), 0u);
+    for (TPoint p : Ink(plain.Image, 0xFFFFFF))
+        ASSERT_EQ(Rgb(plain.Image, p.X, p.Y), 0u);
+
+    // Turned a quarter left, the text runs up from (40, 90) with its cell to the right.
+    const Drawn turned = DrawText(100, 100, Font(-14, 900), 40, 90, QStringLiteral("Rotated"));
+    const TRect up = turned.Ink;
+    ASSERT_FALSE(up.IsEmpty());
+    EXPECT_GE(up.Left, 40);
+    EXPECT_LE(up.Right, 40 + turned.Extent.Y + 1);
+    EXPECT_LE(up.Bottom, 91);
+    EXPECT_GE(up.Top, 90 - turned.Extent.X - 1);
+    EXPECT_GT(up.Height(), up.Width() * 2);
 }
 
 TEST(CanvasText, OpaqueBackgroundAndFontColour)
 {
-    QImage image = Filled(120, 60, 0xFFFFFF);
-    TCanvas canvas(&image);
-    canvas.SelectLogFont(Font(-16));
-    canvas.Font().Color = clBlue; // a colour change keeps the selected font
-    canvas.Brush().Color = clYellow;
-    canvas.SetBkModeTransparent(false);
-    const TPoint extent = canvas.TextExtent(QStringLiteral("Wide"));
-    canvas.TextOut(5, 7, QStringLiteral("Wide"));
-    canvas.Flush();
+    TPoint extent;
+    const QImage image = Painted(120, 60, [&](TCanvas &canvas) {
+        canvas.SelectLogFont(Font(-16));
+        canvas.Font().Color = clBlue; // a colour change keeps the selected font
+        canvas.Brush().Color = clYellow;
+        canvas.SetBkModeTransparent(false);
+        extent = canvas.TextExtent(QStringLiteral("Wide"));
+        canvas.TextOut(5, 7, QStringLiteral("Wide"));
+        EXPECT_EQ(canvas.LogFont().Height, -16);
+    });
     EXPECT_EQ(InkBounds(image, 0xFFFFFF), TRect(5, 7, 5 + extent.X, 7 + extent.Y));
     const int blue = CountPixels(image, image.rect(), 0x0000FF);
-    const int yellow = CountPixels(image, image.rect(), 0xFFFF00);
     EXPECT_GT(blue, 20);
-    EXPECT_EQ(blue + yellow, extent.X * extent.Y);
-    EXPECT_EQ(canvas.LogFont().Height, -16);
-}
-
-TEST(CanvasText, EscapementTurnsCounterClockwiseAboutTheCorner)
-{
-    QImage image = Filled(100, 100, 0xFFFFFF);
-    TCanvas canvas(&image);
-    canvas.SelectLogFont(Font(-14, 900));
-    canvas.SetBkModeTransparent(true);
-    const TPoint extent = canvas.TextExtent(QStringLiteral("Rotated"));
-    canvas.TextOut(40, 90, QStringLiteral("Rotated"));
-    canvas.Flush();
-    // Turned a quarter left, the text runs up from (40, 90) with its cell to the right.
-    const TRect ink = InkBounds(image, 0xFFFFFF);
-    ASSERT_FALSE(ink.IsEmpty());
-    EXPECT_GE(ink.Left, 40);
-    EXPECT_LE(ink.Right, 40 + extent.Y + 1);
-    EXPECT_LE(ink.Bottom, 91);
-    EXPECT_GE(ink.Top, 90 - extent.X - 1);
-    EXPECT_GT(ink.Height(), ink.Width() * 2);
+    EXPECT_EQ(blue + CountPixels(image, image.rect(), 0xFFFF00), extent.X * extent.Y);
 }
 
 TEST(CanvasText, SetFontReplacesTheLogicalFont)
@@ -128,15 +136,10 @@ TEST(CanvasText, SetFontReplacesTheLogicalFont)
     font.Charset = 134;
     canvas.SetFont(font);
     const TLogFont &lf = canvas.LogFont();
-    EXPECT_EQ(lf.Height, -15);
-    EXPECT_EQ(lf.Weight, 700);
-    EXPECT_TRUE(lf.Italic);
-    EXPECT_TRUE(lf.Underline);
-    EXPECT_FALSE(lf.StrikeOut);
-    EXPECT_EQ(lf.Charset, 134);
+    EXPECT_EQ(std::tuple(lf.Height, lf.Weight, lf.Italic, lf.Underline, lf.StrikeOut, lf.Charset,
+                         lf.Escapement, lf.Color),
+              std::tuple(-15, 700, true, true, false, 134, 0, TColor(clRed)));
     EXPECT_EQ(lf.FaceName, QStringLiteral("DejaVu Serif"));
-    EXPECT_EQ(lf.Escapement, 0);
-    EXPECT_EQ(lf.Color, clRed);
     EXPECT_EQ(canvas.Font().Color, clRed);
     // Editing the canvas font directly takes effect at the next text call.
     const int before = canvas.TextHeight(QStringLiteral("x"));
