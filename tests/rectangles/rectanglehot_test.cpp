@@ -26,10 +26,8 @@ TEST(RectangleHandles, EachHandleAnswersItsNumberAndIsRemembered)
     EXPECT_EQ(r->InWhichHot({70, 45}), -1);
     EXPECT_EQ(r->CurrentHot(), -1);
     // HotSize 4: the handle square reaches 4 pixels up and left, 3 down and right.
-    EXPECT_EQ(r->InWhichHot({16, 16}), 0);
-    EXPECT_EQ(r->InWhichHot({23, 23}), 0);
-    EXPECT_EQ(r->InWhichHot({24, 20}), -1);
-    EXPECT_EQ(r->InWhichHot({15, 20}), -1);
+    for (auto [x, y, hot] : {std::tuple{16, 16, 0}, {23, 23, 0}, {24, 20, -1}, {15, 20, -1}})
+        EXPECT_EQ(r->InWhichHot({x, y}), hot) << x << "," << y;
     host.HotSizeValue = 8;
     EXPECT_EQ(r->InWhichHot({27, 13}), 0);
 }
@@ -42,13 +40,15 @@ TEST(RectangleHandles, HandlesOfAZoomedRotatedRectangle)
     r->RotateChangeValueByAngle({60, 40}, kPi / 2);
     // Turned a quarter about (60, 40): corner 0 goes to (80, 0), the top side becomes the
     // right-hand one; on screen everything doubles.
-    EXPECT_EQ(r->InWhichHot({160, 0}), 0);
-    EXPECT_EQ(r->InWhichHot({160, 160}), 1);
-    EXPECT_EQ(r->InWhichHot({160, 80}), 4);
-    EXPECT_EQ(r->InWhichHot({120, 160}), 5);
-    EXPECT_EQ(r->InWhichHot({80, 80}), 6);
-    EXPECT_EQ(r->InWhichHot({120, 0}), 7);
-    EXPECT_EQ(r->InWhichHot({40, 40}), -1); // where corner 0 was before the turn
+    // (40, 40) is where corner 0 was before the turn.
+    for (auto [x, y, hot] : {std::tuple{160, 0, 0},
+                             {160, 160, 1},
+                             {160, 80, 4},
+                             {120, 160, 5},
+                             {80, 80, 6},
+                             {120, 0, 7},
+                             {40, 40, -1}})
+        EXPECT_EQ(r->InWhichHot({x, y}), hot) << x << "," << y;
 }
 
 // A 4 x 4 rectangle has all eight handles on top of each other: the highest number in use
@@ -58,24 +58,22 @@ TEST(RectangleHandles, OverlappingHandlesAnswerTheHighestNumberInUse)
     TActionHost host;
     auto r = DrawnBy<TMyRectangle>(host, {50, 50}, {54, 54});
     const TPoint p{52, 52};
-    EXPECT_EQ(r->InWhichHot(p), 7);
-    r->SetShowHorizontalSideHot(false);
-    EXPECT_EQ(r->InWhichHot(p), 6);
-    r->SetShowVerticalSideHot(false);
-    EXPECT_EQ(r->InWhichHot(p), 3);
-    r->SetShowHorizontalSideHot(true);
-    EXPECT_EQ(r->InWhichHot(p), 7);
-    r->SetShowVerticalSideHot(true);
-    r->SetShowSideHot(false); // off wins over both specific switches
-    EXPECT_EQ(r->InWhichHot(p), 3);
-    r->SetShowSideHot(true);
-    for (TActionTools state : {TActionTools::dtRotating, TActionTools::dtRotateSelecting}) {
+    // {side hot, horizontal, vertical, state, answer}; the general switch wins over both.
+    using A = TActionTools;
+    for (auto [side, hor, ver, state, hot] : {std::tuple{true, true, true, A::dtSelecting, 7},
+                                              {true, false, true, A::dtSelecting, 6},
+                                              {true, false, false, A::dtSelecting, 3},
+                                              {true, true, false, A::dtSelecting, 7},
+                                              {false, true, true, A::dtSelecting, 3},
+                                              {true, true, true, A::dtRotating, 3},
+                                              {true, true, true, A::dtRotateSelecting, 3},
+                                              {true, true, true, A::dtResizing, 7},
+                                              {true, true, true, A::dtDragging, 7}}) {
+        r->SetShowSideHot(side);
+        r->SetShowHorizontalSideHot(hor);
+        r->SetShowVerticalSideHot(ver);
         host.Action = state;
-        EXPECT_EQ(r->InWhichHot(p), 3);
-    }
-    for (TActionTools state : {TActionTools::dtResizing, TActionTools::dtDragging}) {
-        host.Action = state;
-        EXPECT_EQ(r->InWhichHot(p), 7);
+        EXPECT_EQ(r->InWhichHot(p), hot) << side << hor << ver << int(state);
     }
     // Above and right of the cluster only corner 1 still reaches.
     host.Action = TActionTools::dtSelecting;
@@ -136,16 +134,17 @@ TEST(RectangleCursor, SideHandlesBySideCornersByPositionElseCross)
 {
     TActionHost host;
     auto r = DrawnBy<TMyRectangle>(host, {20, 20}, {120, 70});
-    EXPECT_EQ(r->GetMouseCursor(20, 20), crSizeNWSE);
-    EXPECT_EQ(r->GetMouseCursor(120, 20), crSizeNESW);
-    EXPECT_EQ(r->GetMouseCursor(121, 71), crSizeNWSE);
-    EXPECT_EQ(r->GetMouseCursor(20, 70), crSizeNESW);
-    EXPECT_EQ(r->GetMouseCursor(70, 20), crSizeNS);
-    EXPECT_EQ(r->GetMouseCursor(70, 70), crSizeNS);
-    EXPECT_EQ(r->GetMouseCursor(120, 45), crSizeWE);
-    EXPECT_EQ(r->GetMouseCursor(18, 45), crSizeWE);
-    EXPECT_EQ(r->GetMouseCursor(70, 45), crCross);
-    EXPECT_EQ(r->GetMouseCursor(5, 5), crCross);
+    for (auto [x, y, cursor] : {std::tuple{20, 20, crSizeNWSE},
+                                {120, 20, crSizeNESW},
+                                {121, 71, crSizeNWSE},
+                                {20, 70, crSizeNESW},
+                                {70, 20, crSizeNS},
+                                {70, 70, crSizeNS},
+                                {120, 45, crSizeWE},
+                                {18, 45, crSizeWE},
+                                {70, 45, crCross},
+                                {5, 5, crCross}})
+        EXPECT_EQ(r->GetMouseCursor(x, y), cursor) << x << "," << y;
     // A hidden side handle is no handle: the cross again.
     r->SetShowVerticalSideHot(false);
     EXPECT_EQ(r->GetMouseCursor(70, 20), crCross);
@@ -166,19 +165,19 @@ TEST(RectangleHitTest, InsideTheTurnedOutlineOnly)
     auto r = DrawnBy<TMyRectangle>(host, {40, 40}, {160, 80});
     QImage image = WhiteImage();
     TCanvas canvas(&image);
-    EXPECT_TRUE(r->IsClickedMe(canvas, {100, 60}));
-    EXPECT_TRUE(r->IsClickedMe(canvas, {60, 75}));
-    EXPECT_TRUE(r->IsClickedMe(canvas, {41, 41}));
-    EXPECT_FALSE(r->IsClickedMe(canvas, {39, 60}));
-    EXPECT_FALSE(r->IsClickedMe(canvas, {100, 85}));
+    for (auto [x, y, hit] : {std::tuple{100, 60, true},
+                             {60, 75, true},
+                             {41, 41, true},
+                             {39, 60, false},
+                             {100, 85, false}})
+        EXPECT_EQ(r->IsClickedMe(canvas, {x, y}), hit) << x << "," << y;
 
     r->RotateChangeValueByAngle({100, 60}, kPi / 4);
-    EXPECT_TRUE(r->IsClickedMe(canvas, {100, 60}));
-    // 55 pixels out along the long axis (half length 60): inside.
-    EXPECT_TRUE(r->IsClickedMe(canvas, {139, 99}));
-    // Inside the upright rectangle, 39 pixels off the long axis (half width 20): outside.
-    EXPECT_FALSE(r->IsClickedMe(canvas, {60, 75}));
-    EXPECT_FALSE(r->IsClickedMe(canvas, {45, 45}));
+    // (139, 99) is 55 out along the long axis (half length 60): inside. (60, 75) is inside
+    // the upright rectangle but 39 off the long axis (half width 20): outside.
+    for (auto [x, y, hit] :
+         {std::tuple{100, 60, true}, {139, 99, true}, {60, 75, false}, {45, 45, false}})
+        EXPECT_EQ(r->IsClickedMe(canvas, {x, y}), hit) << x << "," << y;
     // A hollow rectangle is hit anywhere inside too: the region ignores the brush.
     TBrush hollow = r->Brush();
     hollow.Style = TBrushStyle::bsClear;

@@ -45,11 +45,17 @@ TEST(RectanglePaint, UprightOutlineAndFill)
     auto r = DrawnBy<TMyRectangle>(host, {100, 60}, {20, 20});
     const QImage image = Painted(*r);
     EXPECT_EQ(PixelAt(image, 60, 40), kRed);
-    for (TPoint p : {TPoint{60, 20}, TPoint{100, 40}, TPoint{60, 60}, TPoint{20, 40},
-                     TPoint{20, 20}, TPoint{100, 60}})
-        EXPECT_EQ(PixelAt(image, p.X, p.Y), kBlue) << p.X << "," << p.Y;
-    for (TPoint p : {TPoint{60, 18}, TPoint{102, 40}, TPoint{60, 62}, TPoint{18, 40}})
-        EXPECT_EQ(PixelAt(image, p.X, p.Y), kWhite) << p.X << "," << p.Y;
+    for (auto [x, y, rgb] : {std::tuple{60, 20, kBlue},
+                             {100, 40, kBlue},
+                             {60, 60, kBlue},
+                             {20, 40, kBlue},
+                             {20, 20, kBlue},
+                             {100, 60, kBlue},
+                             {60, 18, kWhite},
+                             {102, 40, kWhite},
+                             {60, 62, kWhite},
+                             {18, 40, kWhite}})
+        EXPECT_EQ(PixelAt(image, x, y), rgb) << x << "," << y;
     EXPECT_EQ(CountPixels(image, QRect(22, 22, 77, 37), kRed), 77 * 37);
 }
 
@@ -131,11 +137,12 @@ TEST(EllipsePaint, OutlineFollowsTheAngleNotTheStoredCorners)
     auto e = DrawnBy<TMyEllipse>(host, {20, 20}, {100, 60});
     e->RotateChangeValueByAngle({60, 40}, kPi / 2);
     const QImage image = Painted(*e);
-    EXPECT_EQ(PixelAt(image, 80, 40), kBlue);
-    EXPECT_EQ(PixelAt(image, 40, 40), kBlue);
-    EXPECT_EQ(PixelAt(image, 60, 80), kBlue);
-    EXPECT_EQ(PixelAt(image, 60, 40), kRed);
-    EXPECT_EQ(PixelAt(image, 95, 40), kWhite);
+    for (auto [x, y, rgb] : {std::tuple{80, 40, kBlue},
+                             {40, 40, kBlue},
+                             {60, 80, kBlue},
+                             {60, 40, kRed},
+                             {95, 40, kWhite}})
+        EXPECT_EQ(PixelAt(image, x, y), rgb) << x << "," << y;
 }
 
 // Drawing previews select the rubber band themselves: a second call erases the first.
@@ -143,11 +150,8 @@ TEST(ShapePreview, DrawingIsExclusiveOrAndCoversTheBox)
 {
     TTestHost host;
     for (bool ellipse : {false, true}) {
-        std::unique_ptr<TMyRectangle> shape;
-        if (ellipse)
-            shape = std::make_unique<TMyEllipse>(&host);
-        else
-            shape = std::make_unique<TMyRectangle>(&host);
+        std::unique_ptr<TMyRectangle> shape =
+            ellipse ? std::make_unique<TMyEllipse>(&host) : std::make_unique<TMyRectangle>(&host);
         shape->AddPointByMouse({150, 100});
         QImage image = WhiteImage();
         TCanvas canvas(&image);
@@ -214,11 +218,16 @@ TEST(ShapePreview, EllipseDragShowsTheMovedOutlineOnly)
     canvas.Brush().Style = TBrushStyle::bsClear;
     e->Draging(canvas, {0, 0}, {30, 50});
     canvas.Flush();
-    for (TPoint p : {TPoint{90, 110}, TPoint{130, 90}, TPoint{90, 70}, TPoint{50, 90}})
-        EXPECT_EQ(PixelAt(image, p.X, p.Y), kBlack) << p.X << "," << p.Y;
-    EXPECT_EQ(PixelAt(image, 60, 60), kWhite);     // the unmoved bottom point
-    EXPECT_EQ(PixelAt(image, 90, 90), kWhite);     // no fill
-    EXPECT_EQ(PixelAt(image, 52, 72), kWhite);     // the moved box's corner
+    // Black on the moved extremes; white on the unmoved bottom point, inside (no fill) and
+    // at the moved box's corner.
+    for (auto [x, y, rgb] : {std::tuple{90, 110, kBlack},
+                             {130, 90, kBlack},
+                             {90, 70, kBlack},
+                             {50, 90, kBlack},
+                             {60, 60, kWhite},
+                             {90, 90, kWhite},
+                             {52, 72, kWhite}})
+        EXPECT_EQ(PixelAt(image, x, y), rgb) << x << "," << y;
     EXPECT_EQ(e->Points()[0], (TMyPoint{20, 20})); // previews change nothing
 }
 
