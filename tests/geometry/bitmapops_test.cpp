@@ -100,11 +100,10 @@ TEST(BitmapOps, RotatedSizeIsTheTurnedBoundingBox)
 {
     // Stretched to w x h first, then turned: 10 sqrt(2) = 14.14 -> 15; 40 cos 0.3 + 7 sin 0.3
     // = 40.28 -> 41 and 40 sin 0.3 + 7 cos 0.3 = 18.5 -> 19.
-    const struct
-    {
-        double Angle;
-        std::int32_t W, H, ExpectedW, ExpectedH;
-    } cases[] = {{Pi / 2, 20, 10, 10, 20}, {Pi / 4, 10, 10, 15, 15}, {0.3, 40, 7, 41, 19}};
+    // clang-format off
+    const struct { double Angle; std::int32_t W, H, ExpectedW, ExpectedH; } cases[] = {
+        {Pi / 2, 20, 10, 10, 20}, {Pi / 4, 10, 10, 15, 15}, {0.3, 40, 7, 41, 19}};
+    // clang-format on
     const TBitmap b(20, 10);
     for (const auto &c : cases) {
         const TBitmap r = RotateBitmap(b, c.Angle, c.W, c.H);

@@ -65,16 +65,11 @@ void ExpectSquare(const QImage &image, int h, unsigned fill)
 TEST(CanvasModes, HandleSizesShapesAndColours)
 {
     // Grouped handles are half size (5 / 2 = 2: integer halving), locked ones grey.
-    const struct
-    {
-        int HotSize;
-        bool Locked, Grouped;
-        int Half;
-        unsigned Fill;
-    } squares[] = {{4, false, false, 4, Green},
-                   {4, false, true, 2, Green},
-                   {5, true, false, 5, Grey},
-                   {5, true, true, 2, Grey}};
+    // clang-format off
+    const struct { int HotSize; bool Locked, Grouped; int Half; unsigned Fill; } squares[] = {
+        {4, false, false, 4, Green}, {4, false, true, 2, Green},
+        {5, true, false, 5, Grey}, {5, true, true, 2, Grey}};
+    // clang-format on
     for (const auto &s : squares) {
         SCOPED_TRACE(&s - squares);
         THandleLook look;

@@ -106,16 +106,15 @@ TEST(Geometry, IntersectionCases)
 {
     // Both vertical or both horizontal: half the difference of line A's values, not their
     // midpoint. One vertical: A at x = 2 against y = 2x + 1, then B at x = 3 against the same.
-    const struct
-    {
-        TMyPoint A1, A2, B1, B2;
-        float X, Y;
-    } cases[] = {{MyPoint(2, 10), MyPoint(5, 0), MyPoint(2, 30), MyPoint(5, 7), 2, 10},
-                 {MyPoint(2, 0), MyPoint(0, 1), MyPoint(2, 10), MyPoint(4, 9), 2, 5},
-                 {MyPoint(0, 1), MyPoint(3, -5), MyPoint(4, 9), MyPoint(3, 5), 3, 7},
-                 {MyPoint(10, 4), MyPoint(0, 8), MyPoint(30, 4), MyPoint(5, 8), 10, 4},
-                 {MyPoint(0, 0), MyPoint(0, 4), MyPoint(4, 4), MyPoint(4, 0), 2, 2},
-                 {MyPoint(1, 1), MyPoint(0, 6), MyPoint(3, 5), MyPoint(4, 2), 7.0f / 3, 11.0f / 3}};
+    // clang-format off
+    const struct { TMyPoint A1, A2, B1, B2; float X, Y; } cases[] = {
+        {MyPoint(2, 10), MyPoint(5, 0), MyPoint(2, 30), MyPoint(5, 7), 2, 10},
+        {MyPoint(2, 0), MyPoint(0, 1), MyPoint(2, 10), MyPoint(4, 9), 2, 5},
+        {MyPoint(0, 1), MyPoint(3, -5), MyPoint(4, 9), MyPoint(3, 5), 3, 7},
+        {MyPoint(10, 4), MyPoint(0, 8), MyPoint(30, 4), MyPoint(5, 8), 10, 4},
+        {MyPoint(0, 0), MyPoint(0, 4), MyPoint(4, 4), MyPoint(4, 0), 2, 2},
+        {MyPoint(1, 1), MyPoint(0, 6), MyPoint(3, 5), MyPoint(4, 2), 7.0f / 3, 11.0f / 3}};
+    // clang-format on
     for (const auto &c : cases) {
         const TMyPoint p = Getintersection(c.A1, c.A2, c.B1, c.B2);
         EXPECT_FLOAT_EQ(p.X, c.X) << &c - cases;
@@ -145,26 +144,27 @@ TEST(Geometry, ArrowHeadAndSplitPoints)
 {
     // A horizontal line, head opening to the right; a vertical one opening downwards (the
     // theta corner first); a tip right-below the tail (both signs negative).
+    // clang-format off
     const float h = float(Pi / 6);
-    auto [a1, a2] = GetTriangle(MyPoint(0, 0), MyPoint(100, 0), 10, h);
-    ExpectNear(a1, 8.660254, 5, 1e-4);
-    ExpectNear(a2, 8.660254, -5, 1e-4);
-    auto [b1, b2] = GetTriangle(MyPoint(0, 0), MyPoint(0, 50), 10, h);
-    ExpectNear(b1, -5, 8.660254, 1e-4);
-    ExpectNear(b2, 5, 8.660254, 1e-4);
-    auto [c1, c2] = GetTriangle(MyPoint(10, 10), MyPoint(0, 0), 20, 0.2f);
-    ExpectNear(c1, -1.0506258, -6.6698431, 1e-4);
-    ExpectNear(c2, -6.6698431, -1.0506258, 1e-4);
+    const struct { TMyPoint Tip, Tail; std::uint8_t N; float Half; double X1, Y1, X2, Y2; }
+    heads[] = {
+        {MyPoint(0, 0), MyPoint(100, 0), 10, h, 8.660254, 5, 8.660254, -5},
+        {MyPoint(0, 0), MyPoint(0, 50), 10, h, -5, 8.660254, 5, 8.660254},
+        {MyPoint(10, 10), MyPoint(0, 0), 20, 0.2f, -1.0506258, -6.6698431,
+         -6.6698431, -1.0506258}};
+    // clang-format on
+    for (const auto &c : heads) {
+        auto [a, b] = GetTriangle(c.Tip, c.Tail, c.N, c.Half);
+        ExpectNear(a, c.X1, c.Y1, 1e-4);
+        ExpectNear(b, c.X2, c.Y2, 1e-4);
+    }
 
     // SplitLine answers one point twice, n along from a towards b.
-    const struct
-    {
-        TMyPoint A, B;
-        std::int32_t N;
-        float X, Y;
-    } splits[] = {{MyPoint(0, 0), MyPoint(3, 4), 5, 3, 4},
-                  {MyPoint(10, 10), MyPoint(7, 6), 10, 4, 2},
-                  {MyPoint(0, 5), MyPoint(-10, 5), 4, -4, 5}};
+    // clang-format off
+    const struct { TMyPoint A, B; std::int32_t N; float X, Y; } splits[] = {
+        {MyPoint(0, 0), MyPoint(3, 4), 5, 3, 4}, {MyPoint(10, 10), MyPoint(7, 6), 10, 4, 2},
+        {MyPoint(0, 5), MyPoint(-10, 5), 4, -4, 5}};
+    // clang-format on
     for (const auto &s : splits) {
         auto [p, q] = SplitLine(s.A, s.B, s.N);
         EXPECT_EQ(p, q);

@@ -53,28 +53,21 @@ void Put32(QByteArray &b, qint64 v)
 QByteArray MakeEmf()
 {
     QByteArray f;
-    Put32(f, 1);   // EMR_HEADER
-    Put32(f, 108); // record size
-    for (int v : {0, 0, 99, 49})
-        Put32(f, v); // bounds, device pixels, inclusive
-    for (int v : {0, 0, 2645, 1322})
-        Put32(f, v); // frame, 0.01 mm
-    Put32(f, 0x464D4520);
-    Put32(f, 0x10000);
-    Put32(f, 0); // total bytes, patched below
-    Put32(f, 5); // records
-    Put16(f, 2); // handles
+    const auto put32 = [&f](std::initializer_list<qint64> values) {
+        for (qint64 v : values)
+            Put32(f, v);
+    };
+    // EMR_HEADER, size; bounds in device pixels (inclusive); frame in 0.01 mm; signature,
+    // version, total bytes (patched below), records; handles and a reserved word.
+    put32({1, 108, 0, 0, 99, 49, 0, 0, 2645, 1322, 0x464D4520, 0x10000, 0, 5});
+    Put16(f, 2);
     Put16(f, 0);
-    for (int v : {0, 0, 0, 1920, 1080, 508, 286, 0, 0, 0, 508000, 286000})
-        Put32(f, v); // description, palette, device size, mm, pixel format, micrometres
-    for (qint64 v : {39, 24, 1, 0, 0x0000FF, 0})
-        Put32(f, v); // EMR_CREATEBRUSHINDIRECT: solid red as 0x00BBGGRR
-    for (int v : {37, 12, 1})
-        Put32(f, v); // EMR_SELECTOBJECT
-    for (int v : {43, 24, 10, 10, 60, 40})
-        Put32(f, v); // EMR_RECTANGLE
-    for (int v : {14, 20, 0, 16, 20})
-        Put32(f, v); // EMR_EOF
+    // Description, palette, device size in pixels and mm, pixel format, micrometres.
+    put32({0, 0, 0, 1920, 1080, 508, 286, 0, 0, 0, 508000, 286000});
+    put32({39, 24, 1, 0, 0x0000FF, 0}); // EMR_CREATEBRUSHINDIRECT: solid red as 0x00BBGGRR
+    put32({37, 12, 1});                 // EMR_SELECTOBJECT
+    put32({43, 24, 10, 10, 60, 40});    // EMR_RECTANGLE
+    put32({14, 20, 0, 16, 20});         // EMR_EOF
     const qint64 n = f.size();
     for (int i = 0; i < 4; ++i)
         f[48 + i] = char((n >> (8 * i)) & 0xFF);
@@ -135,8 +128,7 @@ TEST_F(PictureFile, RasterFormatsByTheirLastThreeLetters)
     image.setPixel(3, 2, qRgb(0, 0, 255));
     QString reason = QStringLiteral("stale");
     TBitmap bmp = LoadGraphicsFile(Save(QStringLiteral("a.bmp"), image, "BMP"), &reason);
-    ASSERT_EQ(bmp.Width(), 7);
-    ASSERT_EQ(bmp.Height(), 5);
+    ASSERT_EQ(std::pair(bmp.Width(), bmp.Height()), std::pair(7, 5));
     EXPECT_EQ(bmp.Pixel(0, 0), RGBToColor(200, 30, 60));
     EXPECT_EQ(bmp.Pixel(3, 2), clBlue);
     EXPECT_TRUE(reason.isEmpty());
@@ -168,8 +160,7 @@ TEST_F(PictureFile, IconTransparencyBecomesWhite)
         for (int x = 4; x < 12; ++x)
             icon.setPixel(x, y, qRgba(255, 0, 0, 255));
     const TBitmap b = LoadGraphicsFile(Save(QStringLiteral("i.ICO"), icon, "ICO"));
-    ASSERT_EQ(b.Width(), 16);
-    ASSERT_EQ(b.Height(), 16);
+    ASSERT_EQ(std::pair(b.Width(), b.Height()), std::pair(16, 16));
     EXPECT_EQ(b.Pixel(8, 8), clRed);
     EXPECT_EQ(b.Pixel(1, 1), clWhite);
     EXPECT_EQ(b.Image().format(), QImage::Format_BGR888);

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <numbers>
+#include <tuple>
 
 namespace tessal {
 namespace {
@@ -33,30 +34,31 @@ int InkRows(const QImage &image, unsigned rgb)
     return rows;
 }
 
+// Height, weight, italic, underline, strike-out and escapement of a logical font.
+auto Fields(const TLogFont &lf)
+{
+    return std::tuple(lf.Height, lf.Weight, lf.Italic, lf.Underline, lf.StrikeOut, lf.Escapement);
+}
+
 TEST(ScaledText, LogFontConstruction)
 {
     QImage image(8, 8, QImage::Format_RGB32);
     TCanvas canvas(&image);
-    TLogFont lf = MakeScaledLogFont(canvas, PointFont(12), 2, 0);
-    EXPECT_EQ(lf.Height, -24);
-    EXPECT_EQ(lf.Weight, 400);
-    EXPECT_FALSE(lf.Italic || lf.Underline || lf.StrikeOut);
+    const TLogFont lf = MakeScaledLogFont(canvas, PointFont(12), 2, 0);
+    EXPECT_EQ(Fields(lf), std::tuple(-24, 400, false, false, false, 0));
+    EXPECT_EQ(lf.Orientation, 0);
     EXPECT_EQ(lf.Charset, 134);
     EXPECT_EQ(lf.FaceName, QStringLiteral("DejaVu Sans"));
-    EXPECT_EQ(lf.Escapement, 0);
-    EXPECT_EQ(lf.Orientation, 0);
 
-    lf = MakeScaledLogFont(canvas, PointFont(10, fsBold | fsItalic | fsUnderline | fsStrikeOut),
-                           1.25, Pi / 2);
-    EXPECT_EQ(lf.Height, -12); // 12.5 rounds to the even 12
-    EXPECT_EQ(lf.Weight, 700);
-    EXPECT_TRUE(lf.Italic && lf.Underline && lf.StrikeOut);
-    EXPECT_EQ(lf.Escapement, -900);
-    EXPECT_EQ(lf.Orientation, -900);
-
-    EXPECT_EQ(MakeScaledLogFont(canvas, PointFont(14), 1.25, -Pi / 4).Height, -18); // 17.5
-    EXPECT_EQ(MakeScaledLogFont(canvas, PointFont(14), 1.25, -Pi / 4).Escapement, 450);
-    EXPECT_EQ(MakeScaledLogFont(canvas, PointFont(8), 0.5, 1).Escapement, -573); // 572.96
+    // 12.5 rounds to the even 12, 17.5 to 18; the angle in tenths of a degree, negated
+    // (572.96 -> -573).
+    const TFontStyles all = fsBold | fsItalic | fsUnderline | fsStrikeOut;
+    const TLogFont turned = MakeScaledLogFont(canvas, PointFont(10, all), 1.25, Pi / 2);
+    EXPECT_EQ(Fields(turned), std::tuple(-12, 700, true, true, true, -900));
+    EXPECT_EQ(turned.Orientation, -900);
+    EXPECT_EQ(Fields(MakeScaledLogFont(canvas, PointFont(14), 1.25, -Pi / 4)),
+              std::tuple(-18, 400, false, false, false, 450));
+    EXPECT_EQ(MakeScaledLogFont(canvas, PointFont(8), 0.5, 1).Escapement, -573);
 }
 
 TEST(ScaledText, DrawsAndMeasuresWithTheSameFont)

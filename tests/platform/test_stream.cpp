@@ -119,19 +119,13 @@ TEST(BinaryStream, ShortReadsAndImpossibleCountsThrow)
 TEST(Extended, EncodesAndDecodesExactly)
 {
     // Exact encodings; 2^-1074, the smallest double subnormal, is a normal extended value.
-    const struct
-    {
-        double Value;
-        std::uint64_t Significand;
-        std::uint16_t Top;
-    } encodings[] = {{1.0, 0x8000000000000000, 0x3FFF},
-                     {-2.5, 0xA000000000000000, 0xC000},
-                     {0.0, 0, 0},
-                     {-0.0, 0, 0x8000},
-                     {0.1, 0xCCCCCCCCCCCCD000, 0x3FFB},
-                     {Inf, 0x8000000000000000, 0x7FFF},
-                     {-Inf, 0x8000000000000000, 0xFFFF},
-                     {std::ldexp(1.0, -1074), 0x8000000000000000, 16383 - 1074}};
+    // clang-format off
+    const struct { double Value; std::uint64_t Significand; std::uint16_t Top; } encodings[] = {
+        {1.0, 0x8000000000000000, 0x3FFF}, {-2.5, 0xA000000000000000, 0xC000}, {0.0, 0, 0},
+        {-0.0, 0, 0x8000}, {0.1, 0xCCCCCCCCCCCCD000, 0x3FFB},
+        {Inf, 0x8000000000000000, 0x7FFF}, {-Inf, 0x8000000000000000, 0xFFFF},
+        {std::ldexp(1.0, -1074), 0x8000000000000000, 16383 - 1074}};
+    // clang-format on
     for (const auto &e : encodings) {
         EXPECT_EQ(Extended(e.Value), Le(e.Significand, 8) + Le(e.Top, 2)) << e.Value;
         EXPECT_EQ(FromExtended(e.Significand, e.Top), e.Value) << e.Value;
@@ -159,20 +153,15 @@ TEST(Extended, EncodesAndDecodesExactly)
     // tie goes up; into the subnormal range 1.5 x 2^-1074 ties to 2^-1073 and 2^-1076
     // vanishes; beyond the double range lies infinity; unnormals (integer bit clear) decode
     // by their value.
-    const struct
-    {
-        std::uint64_t Significand;
-        std::uint16_t Top;
-        double Expected;
-    } roundings[] = {{0x8000000000000400, 0x3FFF, 1.0},
-                     {0x8000000000000C00, 0x3FFF, 1.0 + std::ldexp(1.0, -51)},
-                     {0x8000000000000401, 0x3FFF, 1.0 + std::ldexp(1.0, -52)},
-                     {0xFFFFFFFFFFFFFFFF, 0x3FFF, 2.0},
-                     {0xC000000000000000, 16383 - 1074, std::ldexp(1.0, -1073)},
-                     {0x8000000000000000, 16383 - 1076, 0.0},
-                     {0x8000000000000001, 16383 - 1075, std::ldexp(1.0, -1074)},
-                     {0x8000000000000000, 0x7FFE, Inf},
-                     {0x4000000000000000, 0x4000, 1.0}};
+    // clang-format off
+    const struct { std::uint64_t Significand; std::uint16_t Top; double Expected; } roundings[] = {
+        {0x8000000000000400, 0x3FFF, 1.0}, {0x8000000000000C00, 0x3FFF, 1.0 + std::ldexp(1.0, -51)},
+        {0x8000000000000401, 0x3FFF, 1.0 + std::ldexp(1.0, -52)}, {0xFFFFFFFFFFFFFFFF, 0x3FFF, 2.0},
+        {0xC000000000000000, 16383 - 1074, std::ldexp(1.0, -1073)},
+        {0x8000000000000000, 16383 - 1076, 0.0},
+        {0x8000000000000001, 16383 - 1075, std::ldexp(1.0, -1074)},
+        {0x8000000000000000, 0x7FFE, Inf}, {0x4000000000000000, 0x4000, 1.0}};
+    // clang-format on
     for (const auto &r : roundings)
         EXPECT_EQ(FromExtended(r.Significand, r.Top), r.Expected)
             << std::hex << r.Significand << " " << r.Top;

@@ -36,24 +36,13 @@ TEST(Color, ResolutionAndConversions)
 TEST(MulDiv, RoundsHalvesAwayFromZero)
 {
     // The last rows need a 64-bit product; no divisor or a quotient out of range gives -1.
-    const struct
-    {
-        int A, B, C, Expected;
-    } cases[] = {{5, 1, 2, 3},
-                 {3, 1, 2, 2},
-                 {-5, 1, 2, -3},
-                 {5, -1, 2, -3},
-                 {5, 1, -2, -3},
-                 {-5, -1, -2, -3},
-                 {-5, -1, 2, 3},
-                 {1, 1, 3, 0},
-                 {2, 1, 3, 1},
-                 {-2, 1, 3, -1},
-                 {-11, 72, 96, -8},
-                 {2000000000, 3, 4, 1500000000},
-                 {INT_MAX, INT_MAX, INT_MAX, INT_MAX},
-                 {7, 3, 0, -1},
-                 {INT_MAX, 2, 1, -1}};
+    // clang-format off
+    const struct { int A, B, C, Expected; } cases[] = {
+        {5, 1, 2, 3}, {3, 1, 2, 2}, {-5, 1, 2, -3}, {5, -1, 2, -3}, {5, 1, -2, -3},
+        {-5, -1, -2, -3}, {-5, -1, 2, 3}, {1, 1, 3, 0}, {2, 1, 3, 1}, {-2, 1, 3, -1},
+        {-11, 72, 96, -8}, {2000000000, 3, 4, 1500000000}, {INT_MAX, INT_MAX, INT_MAX, INT_MAX},
+        {7, 3, 0, -1}, {INT_MAX, 2, 1, -1}};
+    // clang-format on
     for (const auto &c : cases)
         EXPECT_EQ(MulDiv(c.A, c.B, c.C), c.Expected) << c.A << "*" << c.B << "/" << c.C;
 }
