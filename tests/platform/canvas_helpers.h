@@ -37,14 +37,10 @@ inline std::vector<TPoint> Ink(const QImage &image, unsigned background)
 // The smallest rectangle holding every differing pixel (Right, Bottom exclusive).
 inline TRect InkBounds(const QImage &image, unsigned background)
 {
-    const std::vector<TPoint> ink = Ink(image, background);
-    if (ink.empty())
-        return {};
-    TRect r{ink[0].X, ink[0].Y, ink[0].X + 1, ink[0].Y + 1};
-    for (TPoint p : ink)
-        r = {std::min(r.Left, p.X), std::min(r.Top, p.Y), std::max(r.Right, p.X + 1),
-             std::max(r.Bottom, p.Y + 1)};
-    return r;
+    QRect r;
+    for (TPoint p : Ink(image, background))
+        r |= QRect(p.X, p.Y, 1, 1);
+    return r.isEmpty() ? TRect{} : TRect{r.left(), r.top(), r.right() + 1, r.bottom() + 1};
 }
 
 // A w x h image of the background colour after draw(canvas) and a flush.

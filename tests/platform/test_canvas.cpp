@@ -55,19 +55,16 @@ TEST(CanvasPenMode, EveryModeOnEveryFormat)
                     canvas.Rectangle({1, 3, 7, 6});
                 },
                 kDest, format);
-            const auto label = ::testing::Message()
-                               << "format " << format << " mode " << int(c.Mode);
+            SCOPED_TRACE(::testing::Message() << "format " << format << " mode " << int(c.Mode));
             // The line covers 1..5, not the end pixel 6; the outline 14 pixels.
             for (int x = 0; x < 8; ++x)
-                ASSERT_EQ(Rgb(image, x, 1), x >= 1 && x < 6 ? c.Expected : kDest)
-                    << label << " x " << x;
-            EXPECT_EQ(Rgb(image, 6, 5), c.Expected) << label;
-            EXPECT_EQ(Rgb(image, 3, 4), kDest) << label << ": hollow inside";
+                ASSERT_EQ(Rgb(image, x, 1), x >= 1 && x < 6 ? c.Expected : kDest) << "x " << x;
+            EXPECT_EQ(Rgb(image, 6, 5), c.Expected);
+            EXPECT_EQ(Rgb(image, 3, 4), kDest); // hollow inside
             EXPECT_EQ(CountPixels(image, QRect(0, 3, 8, 3), c.Expected),
-                      c.Expected == kDest ? 24 : 14)
-                << label;
+                      c.Expected == kDest ? 24 : 14);
             if (format == QImage::Format_ARGB32) {
-                EXPECT_EQ(qAlpha(image.pixel(2, 1)), 255) << label;
+                EXPECT_EQ(qAlpha(image.pixel(2, 1)), 255);
             }
         }
     }
@@ -95,18 +92,17 @@ TEST(CanvasPenMode, FilledFiguresTouchEachPixelOnce)
                 canvas.Polygon(star);
             };
             QImage image = Painted(40, 30, drawAll, kDest, format);
-            const auto label = ::testing::Message()
-                               << "format " << format << " mode " << int(c.Mode);
-            EXPECT_EQ(Rgb(image, 1, 1), c.Outline) << label;
-            EXPECT_EQ(Rgb(image, 8, 6), c.Outline) << label;
-            EXPECT_EQ(Rgb(image, 4, 3), c.Inside) << label;
-            EXPECT_EQ(Rgb(image, 9, 3), kDest) << label;
-            EXPECT_EQ(Rgb(image, 12, 4), c.Inside) << label;
+            SCOPED_TRACE(::testing::Message() << "format " << format << " mode " << int(c.Mode));
+            EXPECT_EQ(Rgb(image, 1, 1), c.Outline);
+            EXPECT_EQ(Rgb(image, 8, 6), c.Outline);
+            EXPECT_EQ(Rgb(image, 4, 3), c.Inside);
+            EXPECT_EQ(Rgb(image, 9, 3), kDest);
+            EXPECT_EQ(Rgb(image, 12, 4), c.Inside);
             {
                 TCanvas canvas(&image);
                 drawAll(canvas);
             }
-            EXPECT_TRUE(ImagesEqual(image, Filled(40, 30, kDest, format))) << label;
+            EXPECT_TRUE(ImagesEqual(image, Filled(40, 30, kDest, format)));
         }
     }
 }

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <tuple>
 
 using namespace tessal;
 
@@ -50,21 +51,24 @@ TEST(MulDiv, RoundsHalvesAwayFromZero)
 TEST(Font, SizeAndHeightAreTwoViewsOfOneValue)
 {
     TFont f;
-    EXPECT_EQ(f.Height(), -11);
-    EXPECT_EQ(f.Size(), 8); // 8.25 points
-    f.SetSize(10);
-    EXPECT_EQ(f.Height(), -13); // 13.33 pixels
-    f.SetSize(9);
-    EXPECT_EQ(f.Height(), -12);
-    EXPECT_EQ(f.Size(), 9);
-    f.PixelsPerInch = 120;
-    f.SetSize(9);
-    EXPECT_EQ(f.Height(), -15);
-    f.PixelsPerInch = 48;
-    f.SetHeight(-1);
-    EXPECT_EQ(f.Size(), 2); // 1.5 points round away from zero
-    f.SetHeight(5);         // a positive (cell) height gives a negative size
-    EXPECT_EQ(f.Size(), -8);
+    EXPECT_EQ(std::pair(f.Height(), f.Size()), std::pair(-11, 8)); // 8.25 points
+    // Pixels per inch, whether a size (else a height) is set, the value and the other view:
+    // 10 points are 13.33 pixels; 1 pixel at 48 per inch is 1.5 points, rounded away from
+    // zero; a positive (cell) height gives a negative size. A size set reads back unchanged.
+    const std::tuple<int, bool, int, int> rows[] = {{96, true, 10, -13},
+                                                    {96, true, 9, -12},
+                                                    {120, true, 9, -15},
+                                                    {48, false, -1, 2},
+                                                    {48, false, 5, -8}};
+    for (auto [ppi, isSize, value, other] : rows) {
+        f.PixelsPerInch = ppi;
+        if (isSize)
+            f.SetSize(value);
+        else
+            f.SetHeight(value);
+        EXPECT_EQ(isSize ? f.Height() : f.Size(), other) << ppi << " " << value;
+        EXPECT_EQ(isSize ? f.Size() : f.Height(), value) << ppi << " " << value;
+    }
 }
 
 TEST(CodePage, Windows1252AndADoubleByteCodePage)
