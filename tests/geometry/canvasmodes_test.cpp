@@ -3,6 +3,7 @@
 #include <tessal/geometry/canvasmodes.h>
 
 #include "common/imagecompare.h"
+#include "platform/canvas_helpers.h"
 
 #include <gtest/gtest.h>
 
@@ -10,6 +11,7 @@ namespace tessal {
 namespace {
 
 using test::CountPixels;
+using test::Rgb;
 
 constexpr unsigned White = 0xFFFFFF;
 constexpr unsigned Black = 0x000000;
@@ -17,27 +19,10 @@ constexpr unsigned Green = 0x00FF00;
 constexpr unsigned Grey = 0x808080;
 constexpr unsigned Blue = 0x0000FF; // as 0xRRGGBB
 
-unsigned Rgb(const QImage &image, int x, int y)
-{
-    return image.pixel(x, y) & 0xFFFFFF;
-}
-
-// A white 32 x 32 image after draw(canvas).
-template <class Draw>
-QImage Drawn(Draw draw)
-{
-    QImage image(32, 32, QImage::Format_RGB32);
-    image.fill(Qt::white);
-    TCanvas canvas(&image);
-    draw(canvas);
-    canvas.Flush();
-    return image;
-}
-
 // One handle at p, by default (10, 10).
 QImage Handle(const THandleLook &look, TMyPoint p = MyPoint(10, 10))
 {
-    return Drawn([&](TCanvas &canvas) { DrawSquare(canvas, p, look); });
+    return test::Painted(32, 32, [&](TCanvas &canvas) { DrawSquare(canvas, p, look); });
 }
 
 bool Blank(const QImage &image)
@@ -127,7 +112,7 @@ TEST(CanvasModes, HandleCornersRoundToEven)
 TEST(CanvasModes, LinkSquareIsABlueCross)
 {
     // Corners 7.5 -> 8 and 12.5 -> 12: diagonals of the square (8, 8) - (12, 12).
-    const QImage image = Drawn([](TCanvas &canvas) {
+    const QImage image = test::Painted(32, 32, [](TCanvas &canvas) {
         DrawLinkSquare(canvas, MyPoint(10, 10));
         // The cross leaves the canvas with a copy-mode blue pen and the hot brush.
         EXPECT_EQ(canvas.Pen().Color, clBlue);
@@ -145,7 +130,8 @@ TEST(CanvasModes, LinkSquareIsABlueCross)
     EXPECT_EQ(CountPixels(image, image.rect(), Green), 0);
 
     // At 11 the corners are 8.5 -> 8 and 13.5 -> 14: a wider cross.
-    const QImage wide = Drawn([](TCanvas &canvas) { DrawLinkSquare(canvas, MyPoint(11, 11)); });
+    const QImage wide =
+        test::Painted(32, 32, [](TCanvas &canvas) { DrawLinkSquare(canvas, MyPoint(11, 11)); });
     EXPECT_EQ(Rgb(wide, 13, 13), Blue);
     EXPECT_EQ(Rgb(wide, 9, 13), Blue);
 }
@@ -208,7 +194,7 @@ TEST(CanvasModes, RubberBandErasesItselfWhenDrawnTwice)
 
 TEST(CanvasModes, DiamondAndLine)
 {
-    const QImage image = Drawn([](TCanvas &canvas) {
+    const QImage image = test::Painted(32, 32, [](TCanvas &canvas) {
         canvas.Brush().Color = clRed;
         DrawDiamond(canvas, MyPoint(15.5f, 16), 6); // corners (10,16) (16,10) (22,16) (16,22)
     });
@@ -218,7 +204,7 @@ TEST(CanvasModes, DiamondAndLine)
     EXPECT_EQ(CountPixels(image, QRect(0, 0, 9, 32), White), 9 * 32);
     EXPECT_EQ(CountPixels(image, QRect(24, 0, 8, 32), White), 8 * 32);
 
-    const QImage line = Drawn([](TCanvas &canvas) {
+    const QImage line = test::Painted(32, 32, [](TCanvas &canvas) {
         LineDraw(canvas, MyPoint(2.5f, 4.5f), MyPoint(20.4f, 4.4f)); // y 4.5 -> 4, 4.4 -> 4
     });
     // x 2.5 -> 2 and 20.4 -> 20, the end pixel excluded: pixels 2..19 of row 4 and no others.

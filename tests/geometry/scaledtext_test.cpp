@@ -3,6 +3,7 @@
 #include <tessal/geometry/scaledtext.h>
 
 #include "common/imagecompare.h"
+#include "platform/canvas_helpers.h"
 
 #include <gtest/gtest.h>
 
@@ -63,51 +64,41 @@ TEST(ScaledText, LogFontConstruction)
 
 TEST(ScaledText, DrawsAndMeasuresWithTheSameFont)
 {
-    QImage small(120, 80, QImage::Format_RGB32);
-    small.fill(Qt::white);
-    QImage large = small.copy();
+    // "HH" at scale k; the canvas keeps the scaled font, in the text colour, on a
+    // transparent background, and measuring selects the same font.
     const TFont font = PointFont(12);
-    {
-        TCanvas canvas(&small);
-        MyLogTextOut(canvas, 10, 10, QStringLiteral("HH"), font, 1, 0);
-        EXPECT_EQ(canvas.LogFont().Height, -12);
-        canvas.Flush();
-    }
-    TCanvas canvas(&large);
-    MyLogTextOut(canvas, 10, 10, QStringLiteral("HH"), font, 2, 0);
-    canvas.Flush();
-    // The canvas keeps the scaled font, in the text colour, on a transparent background.
-    EXPECT_EQ(canvas.LogFont().Height, -24);
-    EXPECT_EQ(canvas.LogFont().Color, clRed);
+    TPoint extent[3];
+    const auto draw = [&](int k) {
+        return test::Painted(120, 80, [&](TCanvas &canvas) {
+            MyLogTextOut(canvas, 10, 10, QStringLiteral("HH"), font, k, 0);
+            EXPECT_EQ(canvas.LogFont().Height, -12 * k);
+            EXPECT_EQ(canvas.LogFont().Color, clRed);
+            extent[k] = GetTextWidthHeight(canvas, QStringLiteral("HH"), font, k, 0);
+            EXPECT_EQ(canvas.LogFont().Height, -12 * k);
+        });
+    };
+    const QImage small = draw(1);
+    const QImage large = draw(2);
     EXPECT_EQ(test::CountPixels(large, QRect(0, 0, 120, 10), 0xFFFFFF), 120 * 10);
-
     const int smallRows = InkRows(small, 0xFF0000);
-    const int largeRows = InkRows(large, 0xFF0000);
     EXPECT_GE(smallRows, 6);
-    EXPECT_NEAR(largeRows, 2 * smallRows, 2);
-
-    const TPoint s1 = GetTextWidthHeight(canvas, QStringLiteral("HH"), font, 1, 0);
-    const TPoint s2 = GetTextWidthHeight(canvas, QStringLiteral("HH"), font, 2, 0);
-    EXPECT_EQ(canvas.LogFont().Height, -24);
-    EXPECT_GT(s1.X, 0);
-    EXPECT_NEAR(s2.X, 2 * s1.X, 2);
-    EXPECT_NEAR(s2.Y, 2 * s1.Y, 2);
+    EXPECT_NEAR(InkRows(large, 0xFF0000), 2 * smallRows, 2);
+    EXPECT_GT(extent[1].X, 0);
+    EXPECT_NEAR(extent[2].X, 2 * extent[1].X, 2);
+    EXPECT_NEAR(extent[2].Y, 2 * extent[1].Y, 2);
 }
 
 TEST(ScaledText, QuarterTurnRunsUpwards)
 {
-    QImage image(80, 120, QImage::Format_RGB32);
-    image.fill(Qt::white);
-    TCanvas canvas(&image);
     // An angle of -pi/2 is an escapement of +900: the text runs up the screen from (20, 100).
-    MyLogTextOut(canvas, 20, 100, QStringLiteral("HHHH"), PointFont(12), 1, -Pi / 2);
-    canvas.Flush();
-    const int red = test::CountPixels(image, image.rect(), 0xFF0000);
-    EXPECT_GT(red, 20);
+    const QImage image = test::Painted(80, 120, [](TCanvas &canvas) {
+        MyLogTextOut(canvas, 20, 100, QStringLiteral("HHHH"), PointFont(12), 1, -Pi / 2);
+    });
+    EXPECT_GT(test::CountPixels(image, image.rect(), 0xFF0000), 20);
     // Turned about the reference corner, the text cell lies right of x = 20 and above y = 100.
     EXPECT_EQ(test::CountPixels(image, QRect(0, 0, 19, 120), 0xFF0000), 0);
-    EXPECT_GT(InkRows(image, 0xFF0000), 2 * 12); // four letters stacked upwards
     EXPECT_EQ(test::CountPixels(image, QRect(0, 101, 80, 19), 0xFF0000), 0);
+    EXPECT_GT(InkRows(image, 0xFF0000), 2 * 12); // four letters stacked upwards
 }
 
 } // namespace
