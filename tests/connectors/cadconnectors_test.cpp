@@ -77,14 +77,13 @@ TEST(CadConnectors, RoutesGoRoundClosedShapesOnlyWhileAskedTo)
     EXPECT_EQ(link->Points().front(), (TMyPoint{80, 70}));
     EXPECT_EQ(link->Points().back(), (TMyPoint{220, 70}));
 
-    // Hidden shapes and a switched-off avoidance let the route through.
-    d.Cad.SetLinklineAroundShape(false);
-    link->UpdateRoute();
-    EXPECT_EQ(link->Points(), (TMyPointArray{{80, 70}, {220, 70}}));
-    d.Cad.SetLinklineAroundShape(true);
-    wall->SetVisible(false);
-    link->UpdateRoute();
-    EXPECT_EQ(link->Points(), (TMyPointArray{{80, 70}, {220, 70}}));
+    // A switched-off avoidance and hidden shapes let the route through.
+    for (bool around : {false, true}) {
+        d.Cad.SetLinklineAroundShape(around);
+        wall->SetVisible(!around);
+        link->UpdateRoute();
+        EXPECT_EQ(link->Points(), (TMyPointArray{{80, 70}, {220, 70}})) << around;
+    }
 
     // The straight style is the line between the ends whatever lies between.
     wall->SetVisible(true);
@@ -129,18 +128,21 @@ TEST(CadConnectors, LinkPointUnderTheMouseIsFoundAndHighlighted)
     screen->Flush();
     const QImage before = d.Cad.ScreenImage().copy();
 
-    std::int32_t no = 7, id = 7;
+    // The shape number and link point found at p, or {-1, -1}.
+    const auto found = [&d](TPoint p) {
+        std::int32_t no = 7, id = 7;
+        const bool hit = d.Cad.InWhichShapeWhichHotLinkId(p, no, id);
+        EXPECT_EQ(hit, no >= 0);
+        return std::pair{no, id};
+    };
+    const auto noOf = [&d](TMyShape *s) { return d.Cad.GetShapeNoInMyShapes(s); };
     // Within the 5-pixel square of B's second link point (250, 100).
-    EXPECT_TRUE(d.Cad.InWhichShapeWhichHotLinkId({254, 96}, no, id));
-    EXPECT_EQ(no, d.Cad.GetShapeNoInMyShapes(d.B));
-    EXPECT_EQ(id, 1);
+    EXPECT_EQ(found({254, 96}), std::pair(noOf(d.B), 1));
     screen->Flush();
     EXPECT_GT(CountPixels(d.Cad.ScreenImage(), QRect(243, 93, 15, 15), kRedPixel), 20);
 
     // Off the squares: nothing, and the highlight goes.
-    EXPECT_FALSE(d.Cad.InWhichShapeWhichHotLinkId({256, 100}, no, id));
-    EXPECT_EQ(no, -1);
-    EXPECT_EQ(id, -1);
+    EXPECT_EQ(found({256, 100}), std::pair(-1, -1));
     screen->Flush();
     EXPECT_TRUE(ImagesEqual(d.Cad.ScreenImage(), before));
 
@@ -148,37 +150,30 @@ TEST(CadConnectors, LinkPointUnderTheMouseIsFoundAndHighlighted)
     // passed over.
     TMyShape *top = d.Box(60, 60, 90, 90);
     top->LinkPoints() = {{10, 10}, {80, 70}};
-    EXPECT_TRUE(d.Cad.InWhichShapeWhichHotLinkId({80, 70}, no, id));
-    EXPECT_EQ(no, d.Cad.GetShapeNoInMyShapes(top));
-    EXPECT_EQ(id, 1);
-    const std::int32_t hidden = d.Cad.NewLayer(QStringLiteral("Hidden"), false);
-    top->SetLayerId(hidden);
-    EXPECT_TRUE(d.Cad.InWhichShapeWhichHotLinkId({80, 70}, no, id));
-    EXPECT_EQ(no, d.Cad.GetShapeNoInMyShapes(d.A));
-    EXPECT_EQ(id, 0);
+    EXPECT_EQ(found({80, 70}), std::pair(noOf(top), 1));
+    top->SetLayerId(d.Cad.NewLayer(QStringLiteral("Hidden"), false));
+    EXPECT_EQ(found({80, 70}), std::pair(noOf(d.A), 0));
 
     // Switching the highlight off restores the screen; a second time does nothing.
-    d.Cad.ClearAllLinkHot();
-    screen->Flush();
-    EXPECT_TRUE(ImagesEqual(d.Cad.ScreenImage(), before));
-    d.Cad.ClearAllLinkHot();
-    screen->Flush();
-    EXPECT_TRUE(ImagesEqual(d.Cad.ScreenImage(), before));
+    for (int twice = 0; twice < 2; ++twice) {
+        d.Cad.ClearAllLinkHot();
+        screen->Flush();
+        EXPECT_TRUE(ImagesEqual(d.Cad.ScreenImage(), before)) << twice;
+    }
 }
 
 TEST(CadConnectors, MainShapeOfAPressIsTheLinkPointElseTheNearestOneOfTheShapeHit)
 {
     TDiagram d;
     std::int32_t id = 7;
-    EXPECT_EQ(d.Cad.GetMainShape({251, 99}, id), d.B);
-    EXPECT_EQ(id, 1);
-    // Inside A, nearer its top link point (50, 40) than its side one (80, 70).
-    EXPECT_EQ(d.Cad.GetMainShape({45, 50}, id), d.A);
-    EXPECT_EQ(id, 1);
-    EXPECT_EQ(d.Cad.GetMainShape({75, 90}, id), d.A);
-    EXPECT_EQ(id, 0);
-    EXPECT_EQ(d.Cad.GetMainShape({150, 150}, id), nullptr);
-    EXPECT_EQ(id, -1);
+    // (45, 50) is inside A, nearer its top link point (50, 40) than its side one (80, 70).
+    for (auto [p, shape, point] : {std::tuple{TPoint{251, 99}, d.B, 1},
+                                   {TPoint{45, 50}, d.A, 1},
+                                   {TPoint{75, 90}, d.A, 0},
+                                   {TPoint{150, 150}, nullptr, -1}}) {
+        EXPECT_EQ(d.Cad.GetMainShape(p, id), shape) << p.X << "," << p.Y;
+        EXPECT_EQ(id, point) << p.X << "," << p.Y;
+    }
     // A shape without link points is not a place to start from.
     d.Box(140, 140, 160, 160);
     EXPECT_EQ(d.Cad.GetMainShape({150, 150}, id), nullptr);

@@ -88,10 +88,9 @@ TEST(ConnectorRouting, RandomBoxesGiveAlternatingRoutesThatKeepOutOfTheBoxes)
         std::vector<TMyPoint> route;
         for (std::int32_t i = 0; i < link->GetPointsCount(); ++i)
             route.push_back(link->GetPointInZoom(i));
-        ASSERT_NEAR(route.front().X, link->GetStartPoint().X, 1e-3) << "round " << round;
-        ASSERT_NEAR(route.front().Y, link->GetStartPoint().Y, 1e-3) << "round " << round;
-        ASSERT_NEAR(route.back().X, link->GetEndPoint().X, 1e-3) << "round " << round;
-        ASSERT_NEAR(route.back().Y, link->GetEndPoint().Y, 1e-3) << "round " << round;
+        for (auto [got, want] :
+             {std::pair{route.front(), link->GetStartPoint()}, {route.back(), link->GetEndPoint()}})
+            ASSERT_LT(std::hypot(got.X - want.X, got.Y - want.Y), 1e-3) << "round " << round;
         ASSERT_TRUE(KeepsOutOf(route, a, b)) << "round " << round;
     }
 }
@@ -103,16 +102,10 @@ TRouteEnd BoundEnd(TMyPoint at, TRouteBox box)
                          std::abs(at.Y - box.Top), std::abs(at.Y - box.Bottom)};
     const auto side = std::min_element(std::begin(d), std::end(d)) - std::begin(d);
     TMyPoint corner = at;
-    if (d[side] < 25) {
-        if (side == 0)
-            corner.X = float(box.Left);
-        else if (side == 1)
-            corner.X = float(box.Right);
-        else if (side == 2)
-            corner.Y = float(box.Top);
-        else
-            corner.Y = float(box.Bottom);
-    }
+    const double edge[4] = {double(box.Left), double(box.Right), double(box.Top),
+                            double(box.Bottom)};
+    if (d[side] < 25)
+        (side < 2 ? corner.X : corner.Y) = float(edge[side]);
     return {at, box, corner};
 }
 
@@ -185,8 +178,7 @@ TEST(ConnectorRouting, GoesRoundAnObstacleAndStaysStraightWithoutOne)
     request.Obstacles = {{-100, -100, 150, 150}};
     const std::vector<TMyPoint> through = RouteOrthogonal(request);
     EXPECT_TRUE(Alternates(through));
-    EXPECT_EQ(through.front(), (TMyPoint{40, 20}));
-    EXPECT_EQ(through.back(), (TMyPoint{200, 20}));
+    EXPECT_TRUE(through.front() == route.front() && through.back() == route.back());
 }
 
 TEST(ConnectorRouting, TurnsOnTheLatticeOfTheStartStub)
@@ -257,7 +249,7 @@ TEST(ConnectorRouting, FreeStyleIsTheStraightLineAndMergingDropsCollinearPoints)
     for (const TCase &c : cases) {
         std::vector<TMyPoint> points = c.In;
         MergePoints(points);
-        EXPECT_EQ(points, c.Out);
+        EXPECT_EQ(points, c.Out) << &c - cases;
     }
     link.Points() = {{0, 0}, {0, 5}, {0, 9}, {4, 9}, {8, 9}};
     link.MergePoints();
