@@ -10,6 +10,8 @@
 
 #include <cmath>
 #include <numbers>
+#include <utility>
+#include <vector>
 
 using namespace tessal;
 using tessal::test::CountPixels;
@@ -106,10 +108,8 @@ TEST(CadHost, ShapesCopyTheSurfaceDefaults)
 TEST(CadHost, RootParents)
 {
     TGroups g;
-    EXPECT_EQ(g.Cad.GetRootParentShape(g.C), g.R);
-    EXPECT_EQ(g.Cad.GetRootParentShape(g.A), g.R);
-    EXPECT_EQ(g.Cad.GetRootParentShape(g.R), g.R);
-    EXPECT_EQ(g.Cad.GetRootParentShape(g.D), g.D);
+    for (auto [shape, root] : {std::pair{g.C, g.R}, {g.A, g.R}, {g.R, g.R}, {g.D, g.D}})
+        EXPECT_EQ(g.Cad.GetRootParentShape(shape), root) << shape->ShapeNo();
     EXPECT_EQ(g.Cad.GetRootParentShape(nullptr), nullptr);
     // A parent number beyond the list ends the walk at the last shape found.
     g.D->SetParentNo(99);
@@ -151,18 +151,18 @@ TEST(CadHost, RotateShapeToTurnsTheWholeGroup)
 TEST(CadHost, LockShapeLocksTheShapeAndItsMembers)
 {
     TGroups g;
+    const auto locked = [&g] {
+        std::vector<bool> flags;
+        for (TMyShape *s : {g.R, g.A, g.B, g.C, g.D})
+            flags.push_back(s->Locked());
+        return flags;
+    };
     g.B->SetLocked(true);
-    EXPECT_TRUE(g.B->Locked());
-    EXPECT_TRUE(g.C->Locked());
-    EXPECT_FALSE(g.R->Locked());
-    EXPECT_FALSE(g.A->Locked());
+    EXPECT_EQ(locked(), (std::vector<bool>{false, false, true, true, false}));
     g.Cad.LockShape(g.R, true);
-    for (TMyShape *s : {g.R, g.A, g.B, g.C})
-        EXPECT_TRUE(s->Locked());
-    EXPECT_FALSE(g.D->Locked());
+    EXPECT_EQ(locked(), (std::vector<bool>{true, true, true, true, false}));
     g.R->SetLocked(false);
-    for (TMyShape *s : {g.R, g.A, g.B, g.C})
-        EXPECT_FALSE(s->Locked());
+    EXPECT_EQ(locked(), (std::vector<bool>{false, false, false, false, false}));
 }
 
 // What is drawn on the screen canvas stays on screen through plain exposes; only an

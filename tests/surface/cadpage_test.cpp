@@ -39,18 +39,21 @@ TEST(CadPage, StylesSizeTheControlInBothOrientations)
     TMyCAD cad;
     const int dpi = cad.logicalDpiX();
     EXPECT_EQ(cad.size(), QSize(Pixels(210, 1, dpi), Pixels(297, 1, dpi)));
-    for (const TStyleSize &s : PortraitSizes) {
-        cad.SetPageOrientation(TPrinterOrientation::poPortrait);
-        cad.SetPageStyle(s.Style);
-        EXPECT_EQ(cad.PageWidth(), s.Width);
-        EXPECT_EQ(cad.PageHeight(), s.Height);
-        EXPECT_EQ(cad.size(), QSize(Pixels(s.Width, 1, dpi), Pixels(s.Height, 1, dpi)));
-        cad.SetPageOrientation(TPrinterOrientation::poLandscape);
-        cad.SetPageStyle(s.Style);
-        EXPECT_EQ(cad.PageWidth(), s.Height);
-        EXPECT_EQ(cad.PageHeight(), s.Width);
-        EXPECT_EQ(cad.size(), QSize(Pixels(s.Height, 1, dpi), Pixels(s.Width, 1, dpi)));
-        EXPECT_EQ(cad.PageStyle(), s.Style);
+    for (const double zoom : {1.0, 2.0}) {
+        cad.SetZoom(zoom);
+        for (const TStyleSize &s : PortraitSizes)
+            for (const bool landscape : {false, true}) {
+                SCOPED_TRACE(testing::Message() << s.Width << " landscape " << landscape);
+                cad.SetPageOrientation(landscape ? TPrinterOrientation::poLandscape
+                                                 : TPrinterOrientation::poPortrait);
+                cad.SetPageStyle(s.Style);
+                const std::uint32_t w = landscape ? s.Height : s.Width;
+                const std::uint32_t h = landscape ? s.Width : s.Height;
+                EXPECT_EQ(cad.PageWidth(), w);
+                EXPECT_EQ(cad.PageHeight(), h);
+                EXPECT_EQ(cad.size(), QSize(Pixels(w, zoom, dpi), Pixels(h, zoom, dpi)));
+                EXPECT_EQ(cad.PageStyle(), s.Style);
+            }
     }
     // Turning the page swaps the sizes of the current style.
     cad.SetPageOrientation(TPrinterOrientation::poPortrait);
@@ -58,7 +61,8 @@ TEST(CadPage, StylesSizeTheControlInBothOrientations)
     cad.SetPageOrientation(TPrinterOrientation::poLandscape);
     EXPECT_EQ(cad.PageWidth(), 297u);
     EXPECT_EQ(cad.PageHeight(), 210u);
-    EXPECT_EQ(cad.width(), Pixels(297, 1, dpi));
+    EXPECT_EQ(cad.width(), Pixels(297, 2, dpi));
+    EXPECT_FALSE(cad.IsBusy());
 }
 
 TEST(CadPage, CustomerPageKeepsSizeAndControl)
@@ -79,17 +83,19 @@ TEST(CadPage, CustomerPageKeepsSizeAndControl)
 TEST(CadPage, StyleByWidthAndHeight)
 {
     TMyCAD cad;
-    EXPECT_EQ(cad.GetPageStyleByWH(210, 297), TPageStyle::A4);
-    EXPECT_EQ(cad.GetPageStyleByWH(297, 210), TPageStyle::CustomerPage);
     EXPECT_EQ(cad.GetPageStyleByWH(0, 0), TPageStyle::CustomerPage);
     EXPECT_EQ(cad.GetPageStyleByWH(210, 296), TPageStyle::CustomerPage);
-    for (const TStyleSize &s : PortraitSizes)
-        EXPECT_EQ(cad.GetPageStyleByWH(s.Width, s.Height), s.Style);
-    cad.SetPageOrientation(TPrinterOrientation::poLandscape);
-    EXPECT_EQ(cad.GetPageStyleByWH(210, 297), TPageStyle::CustomerPage);
-    EXPECT_EQ(cad.GetPageStyleByWH(297, 210), TPageStyle::A4);
-    for (const TStyleSize &s : PortraitSizes)
-        EXPECT_EQ(cad.GetPageStyleByWH(s.Height, s.Width), s.Style);
+    // Only the current orientation's sizes name a style.
+    for (const bool landscape : {false, true}) {
+        cad.SetPageOrientation(landscape ? TPrinterOrientation::poLandscape
+                                         : TPrinterOrientation::poPortrait);
+        for (const TStyleSize &s : PortraitSizes) {
+            const std::uint32_t w = landscape ? s.Height : s.Width;
+            const std::uint32_t h = landscape ? s.Width : s.Height;
+            EXPECT_EQ(cad.GetPageStyleByWH(w, h), s.Style) << w << " x " << h;
+            EXPECT_EQ(cad.GetPageStyleByWH(h, w), TPageStyle::CustomerPage) << h << " x " << w;
+        }
+    }
 }
 
 TEST(CadPage, ZoomResizesAndRemembersThePreviousZoom)
@@ -98,6 +104,7 @@ TEST(CadPage, ZoomResizesAndRemembersThePreviousZoom)
     const int dpi = cad.logicalDpiX();
     // The rule at 96 pixels per inch: an A4 page at zoom 2 is 1587 pixels wide.
     EXPECT_EQ(Pixels(210, 2, 96), 1587);
+    EXPECT_EQ(Pixels(297, 2, 96), 2245);
     cad.SetZoom(2);
     EXPECT_EQ(cad.width(), Pixels(210, 2, dpi));
     EXPECT_EQ(cad.height(), Pixels(297, 2, dpi));

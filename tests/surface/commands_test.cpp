@@ -79,8 +79,7 @@ TEST(Commands, GroupingRefusalsLeaveEverything)
     EXPECT_EQ(g->CenterPoint(), (TMyPoint{15, 12.5f}));
     EXPECT_EQ(g->TextPoint(), (TMyPoint{15, 35}));
     EXPECT_EQ(g->ChildShapes(), (std::vector<std::int32_t>{0, 1}));
-    EXPECT_EQ(a->ParentNo(), 3);
-    EXPECT_EQ(b->ParentNo(), 3);
+    EXPECT_TRUE(RelationsValid(cad)); // so both members name the group
     EXPECT_EQ(cad.WorkingShapes(), std::vector<TMyShape *>{g});
     EXPECT_EQ(cad.CurrentShape(), g);
     ASSERT_EQ(cad.UndoRedoShapeList().size(), records + 1);
@@ -233,11 +232,8 @@ TEST(Commands, SwapKeepsConnectorsAndGroupsOnTheirShapes)
     cad.SwapShape(a, c);
     EXPECT_EQ(cad.GetShapeByNo(0), c);
     EXPECT_EQ(cad.GetShapeByNo(2), a);
-    EXPECT_EQ(a->ShapeNo(), 2);
-    EXPECT_EQ(link->StartSpNo(), 2);
-    EXPECT_EQ(link->EndSpNo(), 0);
+    EXPECT_EQ(Ends(link), (std::array{2, 0, 0, 1}));
     EXPECT_EQ(g->ChildShapes(), (std::vector<std::int32_t>{0, 1}));
-    EXPECT_EQ(c->ParentNo(), 3);
     EXPECT_TRUE(RelationsValid(cad));
     EXPECT_EQ(Snapshot(cad), before);
 
@@ -326,10 +322,8 @@ TEST(Commands, RotateAndTiltTurnShapesWithMembers)
     const float angle = cad.Tilt(g, {0, 0}, {10, 0}, {10, 10}, false);
     const float h = float(std::numbers::sqrt2 / 2);
     EXPECT_FLOAT_EQ(angle, float(std::numbers::pi / 4));
-    EXPECT_NEAR(q->GetPoint(0).X, 10 * h, 1e-4);
-    EXPECT_NEAR(q->GetPoint(0).Y, 10 * h, 1e-4);
-    EXPECT_NEAR(r->GetPoint(1).X, 5 * h, 1e-4);
-    EXPECT_NEAR(r->GetPoint(1).Y, -5 * h, 1e-4);
+    ExpectNear(q->Points(), {{10 * h, 10 * h}, {12 * h, 12 * h}});
+    ExpectNear(r->Points(), {{3 * h, -3 * h}, {5 * h, -5 * h}});
     EXPECT_FLOAT_EQ(g->Angle(), float(std::numbers::pi / 4));
     EXPECT_EQ(StepCount(cad), steps);
     EXPECT_EQ(cad.Tilt(nullptr, {0, 0}, {1, 0}, {0, 1}, false), 0);

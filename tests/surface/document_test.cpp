@@ -130,8 +130,7 @@ TEST(Document, AddShapeByCodePoints)
     TMyShape *turned = cad.GetShapeByID(
         cad.AddShapeByCode(TDrawTool::SpPolyLine, {}, box, std::numbers::pi / 2, {}));
     EXPECT_FLOAT_EQ(turned->Angle(), float(std::numbers::pi / 2));
-    EXPECT_NEAR(turned->GetPoint(0).X, 15, 1e-4);
-    EXPECT_NEAR(turned->GetPoint(0).Y, -5, 1e-4);
+    ExpectNear(turned->Points(), {{15, -5}, {5, 15}});
 }
 
 TEST(Document, AddShapeByBoxAndImage)
@@ -142,12 +141,7 @@ TEST(Document, AddShapeByBoxAndImage)
     TMyShape *diamond = cad.GetShapeByID(
         cad.AddShapeByCode2(TDrawTool::SpPolygon, {}, {10, 20}, 100, 50, 4, 0, {}));
     ASSERT_NE(diamond, nullptr);
-    const TMyPointArray expected{{60, 20}, {110, 45}, {60, 70}, {10, 45}, {60, 20}};
-    ASSERT_EQ(diamond->GetPointsCount(), 5);
-    for (std::size_t i = 0; i < expected.size(); ++i) {
-        EXPECT_NEAR(diamond->Points()[i].X, expected[i].X, 1e-4) << i;
-        EXPECT_NEAR(diamond->Points()[i].Y, expected[i].Y, 1e-4) << i;
-    }
+    ExpectNear(diamond->Points(), {{60, 20}, {110, 45}, {60, 70}, {10, 45}, {60, 20}});
     TMyShape *line =
         cad.GetShapeByID(cad.AddShapeByCode2(TDrawTool::SpLine, {}, {1, 2}, 30, -2, 9, 0, {}));
     EXPECT_EQ(line->Points(), (TMyPointArray{{1, 2}, {31, 0}}));
@@ -197,13 +191,8 @@ TEST(Document, DeletionRenumbersRelations)
     // B C D G L M E are now 0 to 6.
     EXPECT_EQ(g->ChildShapes(), (std::vector<std::int32_t>{0, 1}));
     EXPECT_EQ(b->ParentNo(), 3);
-    EXPECT_EQ(c->ParentNo(), 3);
-    EXPECT_EQ(l->StartSpNo(), -1);
-    EXPECT_EQ(l->StartSpPtId(), -1);
-    EXPECT_EQ(l->EndSpNo(), 2);
-    EXPECT_EQ(l->EndSpPtId(), 1);
-    EXPECT_EQ(m->StartSpNo(), 1);
-    EXPECT_EQ(m->EndSpNo(), 2);
+    EXPECT_EQ(Ends(l), (std::array{-1, -1, 2, 1}));
+    EXPECT_EQ(Ends(m), (std::array{1, 0, 2, 1}));
     EXPECT_EQ(d->LinkShapes(), (std::vector<std::int32_t>{4, 5}));
     EXPECT_EQ(c->LinkShapes(), (std::vector<std::int32_t>{5}));
     EXPECT_EQ(e->ShapeNo(), 6);
@@ -213,9 +202,8 @@ TEST(Document, DeletionRenumbersRelations)
     ASSERT_TRUE(cad.DeleteShapeById(g->ShapeId(), false));
     EXPECT_EQ(deleted.size(), 2u);
     ASSERT_EQ(cad.GetShapesCount(), 4); // D L M E
-    EXPECT_EQ(m->StartSpNo(), -1);
-    EXPECT_EQ(m->EndSpNo(), 0);
-    EXPECT_EQ(l->EndSpNo(), 0);
+    EXPECT_EQ(Ends(m), (std::array{-1, -1, 0, 1}));
+    EXPECT_EQ(Ends(l), (std::array{-1, -1, 0, 1}));
     EXPECT_EQ(d->LinkShapes(), (std::vector<std::int32_t>{1, 2}));
     EXPECT_TRUE(RelationsValid(cad));
 
@@ -255,11 +243,9 @@ TEST(Document, RelationsAndSelectionDeletes)
     TMyShape *d = AddRectangle(cad, 60, 0, 70, 10);
     // a b c g outer d
     EXPECT_EQ(cad.GetRootParentShape(a), outer);
-    EXPECT_TRUE(cad.areTheyBrother(a, c));
-    EXPECT_TRUE(cad.areTheyBrother(a, b));
-    EXPECT_FALSE(cad.areTheyBrother(a, a));
-    EXPECT_FALSE(cad.areTheyBrother(a, outer));
-    EXPECT_FALSE(cad.areTheyBrother(a, d));
+    for (auto [other, brother] :
+         {std::pair{c, true}, {b, true}, {a, false}, {outer, false}, {d, false}})
+        EXPECT_EQ(cad.areTheyBrother(a, other), brother) << other->ShapeNo();
     EXPECT_EQ(cad.GetNextSingleorRootShape(0), outer);
     EXPECT_EQ(cad.GetNextSingleorRootShape(4), d);
     EXPECT_EQ(cad.GetNextSingleorRootShape(5), nullptr);
@@ -336,8 +322,7 @@ TEST(Document, LayerEditsAndShapesOnLayers)
     ASSERT_TRUE(cad.DeleteLayerByName(QStringLiteral("Doors")));
     EXPECT_EQ(cad.GetShapesCount(), 3);
     EXPECT_EQ(cad.GetShapeNoInMyShapes(link), 2);
-    EXPECT_EQ(link->StartSpNo(), 0);
-    EXPECT_EQ(link->EndSpNo(), -1);
+    EXPECT_EQ(Ends(link), (std::array{0, 0, -1, -1}));
     EXPECT_EQ(a->LinkShapes(), (std::vector<std::int32_t>{2}));
     EXPECT_TRUE(RelationsValid(cad));
     EXPECT_EQ(cad.CurrentLayerId(), 0);

@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <map>
 #include <vector>
 
@@ -37,6 +38,12 @@ inline TMyLinkLine *AddConnector(TMyCAD &cad, TMyShape *a, TMyShape *b)
     AddLinklineShape(*a, self);
     AddLinklineShape(*b, self);
     return link;
+}
+
+// A connector's ends: start shape and point, end shape and point.
+inline std::array<std::int32_t, 4> Ends(const TMyLinkLine *link)
+{
+    return {link->StartSpNo(), link->StartSpPtId(), link->EndSpNo(), link->EndSpPtId()};
 }
 
 inline std::int32_t IdAt(const TMyCAD &cad, std::int32_t no)
@@ -132,6 +139,16 @@ inline ::testing::AssertionResult RelationsValid(const TMyCAD &cad)
         }
     }
     return ::testing::AssertionSuccess();
+}
+
+// Points equal to expected within 1e-4.
+inline void ExpectNear(const TMyPointArray &actual, const TMyPointArray &expected)
+{
+    ASSERT_EQ(actual.size(), expected.size());
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        EXPECT_NEAR(actual[i].X, expected[i].X, 1e-4) << "point " << i;
+        EXPECT_NEAR(actual[i].Y, expected[i].Y, 1e-4) << "point " << i;
+    }
 }
 
 // The number of steps in the history.

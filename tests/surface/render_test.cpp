@@ -63,27 +63,6 @@ unsigned PictureRgb(const TBitmap &bitmap, int x, int y)
 
 } // namespace
 
-TEST(Render, ControlSizeFollowsPageZoomAndResolution)
-{
-    TMyCAD cad;
-    const int dpi = cad.logicalDpiX();
-    cad.SetZoom(2);
-    // round(210 x 2 x dpi / 25.4): 1587 at 96 dpi.
-    EXPECT_EQ(cad.width(), int(std::nearbyint(210 * 2 * dpi / 25.4)));
-    if (dpi == 96) {
-        EXPECT_EQ(cad.width(), 1587);
-    }
-    cad.SetPageOrientation(TPrinterOrientation::poLandscape);
-    cad.SetPageStyle(TPageStyle::A4);
-    EXPECT_EQ(cad.size(), QSize(int(std::nearbyint(297 * 2 * dpi / 25.4)),
-                                int(std::nearbyint(210 * 2 * dpi / 25.4))));
-    if (dpi == 96) {
-        EXPECT_EQ(cad.size(), QSize(2245, 1587));
-    }
-    EXPECT_EQ(cad.PreZoom(), 1.0);
-    EXPECT_FALSE(cad.IsBusy());
-}
-
 TEST(Render, GridLinesKeepThePagePhaseWithHalvesToEven)
 {
     TMyCAD cad;
