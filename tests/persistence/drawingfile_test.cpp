@@ -41,6 +41,12 @@ Bytes Settings(std::int32_t width, std::int32_t height)
     return Bytes().U32(0xFFFFFF).I32(width).I32(height).U8(1).I64(0).I32(2).F64(1.0);
 }
 
+// A line's arrow fields, then a connector's unbound ends and its draw style.
+Bytes Arrows(Bytes b)
+{
+    return b.I32(10).U8(30).U8(0).U8(0);
+}
+
 QByteArray SavedDrawing(const TMyCAD &cad)
 {
     QByteArray data;
@@ -78,34 +84,13 @@ TEST(DrawingFile, EmptyAndSmallDrawingsByteForByte)
     static_cast<TMyLinkLine &>(*link).SetLinkLineDrawStyle(TLinkLineDrawStyle::lldsFree);
     test::FillBaseFields(*link);
     ASSERT_TRUE(cad.AddShape(link.release(), true, true));
-    const Bytes expected = Header()
-                               .Append(Settings(300, 200))
-                               .I32(-5)
-                               .I32(1)
-                               .Text("owner")
-                               .Text("me")
-                               .I32(2)
-                               .Text("Layer0")
-                               .I32(0)
-                               .I32(1)
-                               .Text("Top")
-                               .I32(1)
-                               .I32(0)
-                               .I32(1) // current layer
-                               .I32(2)
-                               .Fixed("TMyRectangle", 16)
-                               .Append(BaseRecord(Layout::XPj))
-                               .Fixed("TMyLinkLine", 16)
-                               .Append(BaseRecord(Layout::XPj))
-                               .I32(10)
-                               .U8(30)
-                               .U8(0)
-                               .U8(0)
-                               .I32(-1)
-                               .I32(-1)
-                               .I32(-1)
-                               .I32(-1)
-                               .U8(1);
+    Bytes expected = Header().Append(Settings(300, 200));
+    expected.I32(-5).I32(1).Text("owner").Text("me");                       // tag, user data
+    expected.I32(2).Text("Layer0").I32(0).I32(1).Text("Top").I32(1).I32(0); // layers
+    expected.I32(1).I32(2);                                                 // current layer, shapes
+    expected.Fixed("TMyRectangle", 16).Append(BaseRecord(Layout::XPj));
+    expected.Fixed("TMyLinkLine", 16).Append(Arrows(BaseRecord(Layout::XPj)));
+    expected.I32(-1).I32(-1).I32(-1).I32(-1).U8(1);
     EXPECT_EQ(SavedDrawing(cad), expected.Data());
 }
 
@@ -132,23 +117,10 @@ TEST(DrawingFile, SizeIsStoredUnzoomedAndLoadsAtZoomOne)
 // whose identity is 41.
 TEST(DrawingFile, LoadRestoresLayersIdentitiesAndNextFreeNumbers)
 {
-    const QByteArray file = Header()
-                                .Append(Settings(640, 480))
-                                .I32(12)
-                                .I32(1)
-                                .Text("k")
-                                .Text("v")
-                                .I32(2)
-                                .Text("A")
-                                .I32(3)
-                                .I32(1)
-                                .Text("B")
-                                .I32(7)
-                                .I32(2)
-                                .I32(7)
-                                .I32(1)
-                                .Fixed("TMyRectangle", 16)
-                                .Append(BaseRecord(Layout::XPj, 41));
+    Bytes file = Header().Append(Settings(640, 480));
+    file.I32(12).I32(1).Text("k").Text("v");
+    file.I32(2).Text("A").I32(3).I32(1).Text("B").I32(7).I32(2);
+    file.I32(7).I32(1).Fixed("TMyRectangle", 16).Append(BaseRecord(Layout::XPj, 41));
     TMyCAD cad;
     cad.CreateAddShapeByName(QStringLiteral("TMyEllipse"));
     ASSERT_TRUE(Load(cad, file)) << cad.LastError().toStdString();
@@ -174,16 +146,9 @@ TEST(DrawingFile, LoadRestoresLayersIdentitiesAndNextFreeNumbers)
 
 TEST(DrawingFile, OlderBodiesHaveNoDrawingTagOrUserData)
 {
-    const QByteArray file = Header("XP.e   ")
-                                .Append(Settings(50, 60))
-                                .I32(1)
-                                .Text("Only")
-                                .I32(4)
-                                .I32(0)
-                                .I32(4)
-                                .I32(1)
-                                .Fixed("TMyRectangle", 16)
-                                .Append(BaseRecord(Layout::XPe));
+    Bytes file = Header("XP.e   ").Append(Settings(50, 60));
+    file.I32(1).Text("Only").I32(4).I32(0).I32(4);
+    file.I32(1).Fixed("TMyRectangle", 16).Append(BaseRecord(Layout::XPe));
     TMyCAD cad;
     ASSERT_TRUE(Load(cad, file)) << cad.LastError().toStdString();
     EXPECT_EQ(cad.DiskFileVersion(), QStringLiteral("XP.e"));
@@ -197,17 +162,9 @@ TEST(DrawingFile, OlderBodiesHaveNoDrawingTagOrUserData)
 TEST(DrawingFile, FailuresKeepWhatWasReadAndSayWhy)
 {
     const Bytes start = Header().Append(Settings(10, 10)).I32(0).I32(0);
-    const QByteArray unknownClass = Bytes(start)
-                                        .I32(1)
-                                        .Text("L")
-                                        .I32(0)
-                                        .I32(1)
-                                        .I32(0)
-                                        .I32(2)
-                                        .Fixed("TMyRectangle", 16)
-                                        .Append(BaseRecord(Layout::XPj, 30))
-                                        .Fixed("TMyBogusShape", 16)
-                                        .Append(BaseRecord(Layout::XPj, 31));
+    Bytes unknownClass = Bytes(start).I32(1).Text("L").I32(0).I32(1).I32(0).I32(2);
+    unknownClass.Fixed("TMyRectangle", 16).Append(BaseRecord(Layout::XPj, 30));
+    unknownClass.Fixed("TMyBogusShape", 16).Append(BaseRecord(Layout::XPj, 31));
     TMyCAD cad;
     cad.CreateAddShapeByName(QStringLiteral("TMyLine"));
     const std::int32_t counter = cad.ShapeIdCounter();
@@ -221,10 +178,9 @@ TEST(DrawingFile, FailuresKeepWhatWasReadAndSayWhy)
     // Shapes without any layer: the no-layer handler runs and the load fails.
     int handlerCalls = 0;
     const auto previous = TMyCAD::SetNoLayerHandler([&handlerCalls](TMyCAD *) { ++handlerCalls; });
-    const QByteArray noLayer = Bytes(start).I32(0).I32(0).I32(1).Fixed("TMyLine", 16).Data();
+    const Bytes noLayer = Bytes(start).I32(0).I32(0).I32(1).Fixed("TMyLine", 16);
     TMyCAD bare;
-    EXPECT_FALSE(Load(
-        bare, Bytes().Raw(noLayer).Append(BaseRecord(Layout::XPj)).I32(10).U8(30).U8(0).U8(0)));
+    EXPECT_FALSE(Load(bare, Arrows(Bytes(noLayer).Append(BaseRecord(Layout::XPj)))));
     TMyCAD::SetNoLayerHandler(previous);
     EXPECT_EQ(handlerCalls, 1);
     EXPECT_EQ(bare.GetShapesCount(), 0);
