@@ -399,6 +399,13 @@ TEST(Library, PreviewScalesTheEntryIntoTheImage)
     EXPECT_EQ(bitmap.Pixel(27, 44), clWhite);
     EXPECT_EQ(bitmap.Pixel(0, 27), clWhite);
     EXPECT_FALSE(lib.GetCmbShapeImage("S", bitmap, 54, 54));
+
+    // A 1 x 1 entry scaled up a hundredfold, within the image asked for.
+    auto mark = cad.CreateShapeByName(QStringLiteral("TMyLinkPoint"));
+    mark->Points() = {{0, 0}, {1, 0}, {1, 1}, {0, 1}};
+    TMyShape *pin[] = {mark.get()};
+    ASSERT_TRUE(lib.AppendNewShape("Pin", pin, {}));
+    EXPECT_EQ(lib.GetCmbShapeImage("Pin", QSize(104, 104)).size(), QSize(104, 104));
 }
 
 } // namespace
