@@ -41,13 +41,11 @@ TEST(RectangleHandles, HandlesOfAZoomedRotatedRectangle)
     // Turned a quarter about (60, 40): corner 0 goes to (80, 0), the top side becomes the
     // right-hand one; on screen everything doubles.
     // (40, 40) is where corner 0 was before the turn.
-    for (auto [x, y, hot] : {std::tuple{160, 0, 0},
-                             {160, 160, 1},
-                             {160, 80, 4},
-                             {120, 160, 5},
-                             {80, 80, 6},
-                             {120, 0, 7},
-                             {40, 40, -1}})
+    const std::tuple<int, int, int> hots[] = {
+        {160, 0, 0}, {160, 160, 1}, {160, 80, 4}, {120, 160, 5},
+        {80, 80, 6}, {120, 0, 7},   {40, 40, -1},
+    };
+    for (auto [x, y, hot] : hots)
         EXPECT_EQ(r->InWhichHot({x, y}), hot) << x << "," << y;
 }
 
@@ -60,15 +58,14 @@ TEST(RectangleHandles, OverlappingHandlesAnswerTheHighestNumberInUse)
     const TPoint p{52, 52};
     // {side hot, horizontal, vertical, state, answer}; the general switch wins over both.
     using A = TActionTools;
-    for (auto [side, hor, ver, state, hot] : {std::tuple{true, true, true, A::dtSelecting, 7},
-                                              {true, false, true, A::dtSelecting, 6},
-                                              {true, false, false, A::dtSelecting, 3},
-                                              {true, true, false, A::dtSelecting, 7},
-                                              {false, true, true, A::dtSelecting, 3},
-                                              {true, true, true, A::dtRotating, 3},
-                                              {true, true, true, A::dtRotateSelecting, 3},
-                                              {true, true, true, A::dtResizing, 7},
-                                              {true, true, true, A::dtDragging, 7}}) {
+    const std::tuple<bool, bool, bool, A, int> hots2[] = {
+        {true, true, true, A::dtSelecting, 7},       {true, false, true, A::dtSelecting, 6},
+        {true, false, false, A::dtSelecting, 3},     {true, true, false, A::dtSelecting, 7},
+        {false, true, true, A::dtSelecting, 3},      {true, true, true, A::dtRotating, 3},
+        {true, true, true, A::dtRotateSelecting, 3}, {true, true, true, A::dtResizing, 7},
+        {true, true, true, A::dtDragging, 7},
+    };
+    for (auto [side, hor, ver, state, hot] : hots2) {
         r->SetShowSideHot(side);
         r->SetShowHorizontalSideHot(hor);
         r->SetShowVerticalSideHot(ver);
@@ -134,16 +131,12 @@ TEST(RectangleCursor, SideHandlesBySideCornersByPositionElseCross)
 {
     TActionHost host;
     auto r = DrawnBy<TMyRectangle>(host, {20, 20}, {120, 70});
-    for (auto [x, y, cursor] : {std::tuple{20, 20, crSizeNWSE},
-                                {120, 20, crSizeNESW},
-                                {121, 71, crSizeNWSE},
-                                {20, 70, crSizeNESW},
-                                {70, 20, crSizeNS},
-                                {70, 70, crSizeNS},
-                                {120, 45, crSizeWE},
-                                {18, 45, crSizeWE},
-                                {70, 45, crCross},
-                                {5, 5, crCross}})
+    const std::tuple<int, int, TCursor> cursors[] = {
+        {20, 20, crSizeNWSE}, {120, 20, crSizeNESW}, {121, 71, crSizeNWSE}, {20, 70, crSizeNESW},
+        {70, 20, crSizeNS},   {70, 70, crSizeNS},    {120, 45, crSizeWE},   {18, 45, crSizeWE},
+        {70, 45, crCross},    {5, 5, crCross},
+    };
+    for (auto [x, y, cursor] : cursors)
         EXPECT_EQ(r->GetMouseCursor(x, y), cursor) << x << "," << y;
     // A hidden side handle is no handle: the cross again.
     r->SetShowVerticalSideHot(false);
@@ -165,18 +158,22 @@ TEST(RectangleHitTest, InsideTheTurnedOutlineOnly)
     auto r = DrawnBy<TMyRectangle>(host, {40, 40}, {160, 80});
     QImage image = WhiteImage();
     TCanvas canvas(&image);
-    for (auto [x, y, hit] : {std::tuple{100, 60, true},
-                             {60, 75, true},
-                             {41, 41, true},
-                             {39, 60, false},
-                             {100, 85, false}})
+    const std::tuple<int, int, bool> hits[] = {
+        {100, 60, true}, {60, 75, true}, {41, 41, true}, {39, 60, false}, {100, 85, false},
+    };
+    for (auto [x, y, hit] : hits)
         EXPECT_EQ(r->IsClickedMe(canvas, {x, y}), hit) << x << "," << y;
 
     r->RotateChangeValueByAngle({100, 60}, kPi / 4);
     // (139, 99) is 55 out along the long axis (half length 60): inside. (60, 75) is inside
     // the upright rectangle but 39 off the long axis (half width 20): outside.
-    for (auto [x, y, hit] :
-         {std::tuple{100, 60, true}, {139, 99, true}, {60, 75, false}, {45, 45, false}})
+    const std::tuple<int, int, bool> hits2[] = {
+        {100, 60, true},
+        {139, 99, true},
+        {60, 75, false},
+        {45, 45, false},
+    };
+    for (auto [x, y, hit] : hits2)
         EXPECT_EQ(r->IsClickedMe(canvas, {x, y}), hit) << x << "," << y;
     // A hollow rectangle is hit anywhere inside too: the region ignores the brush.
     TBrush hollow = r->Brush();

@@ -45,16 +45,11 @@ TEST(RectanglePaint, UprightOutlineAndFill)
     auto r = DrawnBy<TMyRectangle>(host, {100, 60}, {20, 20});
     const QImage image = Painted(*r);
     EXPECT_EQ(PixelAt(image, 60, 40), kRed);
-    for (auto [x, y, rgb] : {std::tuple{60, 20, kBlue},
-                             {100, 40, kBlue},
-                             {60, 60, kBlue},
-                             {20, 40, kBlue},
-                             {20, 20, kBlue},
-                             {100, 60, kBlue},
-                             {60, 18, kWhite},
-                             {102, 40, kWhite},
-                             {60, 62, kWhite},
-                             {18, 40, kWhite}})
+    const std::tuple<int, int, unsigned> pixels[] = {
+        {60, 20, kBlue},  {100, 40, kBlue}, {60, 60, kBlue},   {20, 40, kBlue},  {20, 20, kBlue},
+        {100, 60, kBlue}, {60, 18, kWhite}, {102, 40, kWhite}, {60, 62, kWhite}, {18, 40, kWhite},
+    };
+    for (auto [x, y, rgb] : pixels)
         EXPECT_EQ(PixelAt(image, x, y), rgb) << x << "," << y;
     EXPECT_EQ(CountPixels(image, QRect(22, 22, 77, 37), kRed), 77 * 37);
 }
@@ -137,11 +132,10 @@ TEST(EllipsePaint, OutlineFollowsTheAngleNotTheStoredCorners)
     auto e = DrawnBy<TMyEllipse>(host, {20, 20}, {100, 60});
     e->RotateChangeValueByAngle({60, 40}, kPi / 2);
     const QImage image = Painted(*e);
-    for (auto [x, y, rgb] : {std::tuple{80, 40, kBlue},
-                             {40, 40, kBlue},
-                             {60, 80, kBlue},
-                             {60, 40, kRed},
-                             {95, 40, kWhite}})
+    const std::tuple<int, int, unsigned> pixels2[] = {
+        {80, 40, kBlue}, {40, 40, kBlue}, {60, 80, kBlue}, {60, 40, kRed}, {95, 40, kWhite},
+    };
+    for (auto [x, y, rgb] : pixels2)
         EXPECT_EQ(PixelAt(image, x, y), rgb) << x << "," << y;
 }
 
@@ -220,13 +214,11 @@ TEST(ShapePreview, EllipseDragShowsTheMovedOutlineOnly)
     canvas.Flush();
     // Black on the moved extremes; white on the unmoved bottom point, inside (no fill) and
     // at the moved box's corner.
-    for (auto [x, y, rgb] : {std::tuple{90, 110, kBlack},
-                             {130, 90, kBlack},
-                             {90, 70, kBlack},
-                             {50, 90, kBlack},
-                             {60, 60, kWhite},
-                             {90, 90, kWhite},
-                             {52, 72, kWhite}})
+    const std::tuple<int, int, unsigned> pixels3[] = {
+        {90, 110, kBlack}, {130, 90, kBlack}, {90, 70, kBlack}, {50, 90, kBlack},
+        {60, 60, kWhite},  {90, 90, kWhite},  {52, 72, kWhite},
+    };
+    for (auto [x, y, rgb] : pixels3)
         EXPECT_EQ(PixelAt(image, x, y), rgb) << x << "," << y;
     EXPECT_EQ(e->Points()[0], (TMyPoint{20, 20})); // previews change nothing
 }

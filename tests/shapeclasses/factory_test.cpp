@@ -43,23 +43,18 @@ TEST(ShapeFactory, EveryClassNameMakesThatClass)
 TEST(ShapeFactory, ToolsMakeTheirClassesAndTheRestNothing)
 {
     TClassHost host;
+    // clang-format off
     const std::map<TDrawTool, const char *> made = {
-        {TDrawTool::SpLinkLine, "TMyLinkLine"},
-        {TDrawTool::SpLine, "TMyLine"},
-        {TDrawTool::SpRuleLine, "TMyRuleLine"},
-        {TDrawTool::SpPolyLine, "TMyPolyLine"},
-        {TDrawTool::SpRectangle, "TMyRectangle"},
-        {TDrawTool::SpLinkPoint, "TMyLinkPoint"},
-        {TDrawTool::SpLineLinkLine, "TMyLineLinkLine"},
-        {TDrawTool::SpEllipse, "TMyEllipse"},
-        {TDrawTool::SpText, "TMyText"},
-        {TDrawTool::SpImage, "TMyImage"},
-        {TDrawTool::SpPolygon, "TMyPolygon"},
-        {TDrawTool::SpPolyBezier, "TMyPolyBezier"},
-        {TDrawTool::SpElliArc, "TMyElliArc"},
-        {TDrawTool::SpFreeLine, "TMyFreeLine"},
+        {TDrawTool::SpLinkLine, "TMyLinkLine"}, {TDrawTool::SpLine, "TMyLine"},
+        {TDrawTool::SpRuleLine, "TMyRuleLine"}, {TDrawTool::SpPolyLine, "TMyPolyLine"},
+        {TDrawTool::SpRectangle, "TMyRectangle"}, {TDrawTool::SpLinkPoint, "TMyLinkPoint"},
+        {TDrawTool::SpLineLinkLine, "TMyLineLinkLine"}, {TDrawTool::SpEllipse, "TMyEllipse"},
+        {TDrawTool::SpText, "TMyText"}, {TDrawTool::SpImage, "TMyImage"},
+        {TDrawTool::SpPolygon, "TMyPolygon"}, {TDrawTool::SpPolyBezier, "TMyPolyBezier"},
+        {TDrawTool::SpElliArc, "TMyElliArc"}, {TDrawTool::SpFreeLine, "TMyFreeLine"},
         {TDrawTool::SpBLine, "TMyBLine"},
     };
+    // clang-format on
     for (int t = 0; t <= int(TDrawTool::SpBLine); ++t) {
         const auto tool = TDrawTool(t);
         const auto shape = CreateShapeForTool(tool, &host);
@@ -114,41 +109,25 @@ TBitmap SmallPicture()
 // One non-default value per published property of the shape classes, by name.
 const std::map<std::string, TRow> &Rows()
 {
+    // clang-format off
     static const std::map<std::string, TRow> rows = {
-        {"ArrowAngle", Row<int>(25)},
-        {"ArrowLength", Row<std::uint8_t>(200)},
-        {"ArrowOffset", Row<std::uint8_t>(7)},
-        {"ArrowStyle", Row(TArrowStyle::ADouble)},
-        {"StartSpNo", Row<int>(3)},
-        {"StartSpPtId", Row<int>(1)},
-        {"EndSpNo", Row<int>(4)},
-        {"EndSpPtId", Row<int>(2)},
-        {"LinkLineDrawStyle", Row(TLinkLineDrawStyle::lldsFree)},
-        {"Size", Row<std::uint8_t>(12)},
-        {"AssociateSideResizing", Row(true)},
-        {"ShowSideHot", Row(false)},
-        {"ShowHorizontalSideHot", Row(false)},
-        {"ShowVerticalSideHot", Row(false)},
-        {"ArcMode", Row(TArcMode::amEllipse)},
-        {"ArcStyle", Row(TArcStyle::asPie)},
-        {"IsBorder", Row(true)},
-        {"IsSolid", Row(true)},
-        {"Lines", Row(QStringList{"first", "second"})},
-        {"VAlignment", Row(TVAlignment::vaBottom)},
-        {"HAlignment", Row(TAlignment::taCenter)},
-        {"WordWrap", Row(true)},
-        {"Bitmap", Row(SmallPicture())},
-        {"Brightness", Row<int>(40)},
-        {"Contrast", Row<int>(-20)},
-        {"Transparent", Row(true)},
-        {"Border", Row(true)},
-        {"GrayScale", Row(true)},
+        {"ArrowAngle", Row<int>(25)}, {"ArrowLength", Row<std::uint8_t>(200)},
+        {"ArrowOffset", Row<std::uint8_t>(7)}, {"ArrowStyle", Row(TArrowStyle::ADouble)},
+        {"StartSpNo", Row<int>(3)}, {"StartSpPtId", Row<int>(1)}, {"EndSpNo", Row<int>(4)},
+        {"EndSpPtId", Row<int>(2)}, {"LinkLineDrawStyle", Row(TLinkLineDrawStyle::lldsFree)},
+        {"Size", Row<std::uint8_t>(12)}, {"AssociateSideResizing", Row(true)},
+        {"ShowSideHot", Row(false)}, {"ShowHorizontalSideHot", Row(false)},
+        {"ShowVerticalSideHot", Row(false)}, {"ArcMode", Row(TArcMode::amEllipse)},
+        {"ArcStyle", Row(TArcStyle::asPie)}, {"IsBorder", Row(true)}, {"IsSolid", Row(true)},
+        {"Lines", Row(QStringList{"first", "second"})}, {"VAlignment", Row(TVAlignment::vaBottom)},
+        {"HAlignment", Row(TAlignment::taCenter)}, {"WordWrap", Row(true)},
+        {"Bitmap", Row(SmallPicture())}, {"Brightness", Row<int>(40)}, {"Contrast", Row<int>(-20)},
+        {"Transparent", Row(true)}, {"Border", Row(true)}, {"GrayScale", Row(true)},
         {"TransparentColor", Row<TColor>(0x123456)},
-        {"TransparentMode", Row(TTransparentMode::tmFixed)},
-        {"ShowUserInfo", Row(true)},
-        {"TickStyle", Row(TTickStyle::tsTop)},
-        {"UserInfo", Row(QString("ruler"))},
+        {"TransparentMode", Row(TTransparentMode::tmFixed)}, {"ShowUserInfo", Row(true)},
+        {"TickStyle", Row(TTickStyle::tsTop)}, {"UserInfo", Row(QString("ruler"))},
     };
+    // clang-format on
     return rows;
 }
 
