@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: MIT
+// tessal-cli: dispatching a command line, reporting failures, loading drawings.
+#include "cli.h"
+
+#include "convert.h"
+#include "dump.h"
+#include "info.h"
+#include "libcommands.h"
+
+#include <tessal/surface/cad.h>
+
+#include <QFile>
+
+namespace tessal::Cli {
+
+QString UsageText()
+{
+    return QStringLiteral(
+        "usage: tessal-cli COMMAND ARGUMENTS\n"
+        "  info FILE                 version, page, size, unit, layers and shape counts\n"
+        "  dump FILE                 the whole drawing as JSON\n"
+        "  convert FILE OUT          render the page to OUT: .png, .svg or .pdf\n"
+        "  lib list LIBFILE          the entries of a shape library\n"
+        "  lib dump LIBFILE NAME     one library entry as JSON\n"
+        "  lib upgrade LIBFILE [OUT] rewrite a library in the current layout\n"
+        "                            (in place unless OUT is given)\n");
+}
+
+int Usage(TIo io)
+{
+    io.Err << UsageText();
+    io.Err.flush();
+    return ExitUsage;
+}
+
+int Fail(TIo io, const QString &reason)
+{
+    // Readers may report multi-line texts; a caller scripting the tool expects one line.
+    QString line = reason.simplified();
+    if (line.isEmpty())
+        line = QStringLiteral("unknown error");
+    io.Err << line << '\n';
+    io.Err.flush();
+    return ExitFailure;
+}
+
+std::unique_ptr<TMyCAD> LoadDrawing(const QString &fileName, QString &error)
+{
+    // A file that cannot be opened gets the system's reason rather than "not a drawing".
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly)) {
+        error = QStringLiteral("%1: %2").arg(fileName, file.errorString());
+        return nullptr;
+    }
+    file.close();
+    TMyCAD::SetNoLayerHandler([](TMyCAD *) {});
+    auto cad = std::make_unique<TMyCAD>();
+    if (!cad->LoadFromFile(fileName)) {
+        const QString &reason = cad->LastError();
+        error = reason.contains(fileName) ? reason : QStringLiteral("%1: %2").arg(fileName, reason);
+        return nullptr;
+    }
+    return cad;
+}
+
+int Run(const QStringList &args, TIo io)
+{
+    if (args.isEmpty())
+        return Usage(io);
+    const QString &command = args.first();
+    const QStringList rest = args.mid(1);
+    if (command == QLatin1String("info") && rest.size() == 1)
+        return RunInfo(rest[0], io);
+    if (command == QLatin1String("dump") && rest.size() == 1)
+        return RunDump(rest[0], io);
+    if (command == QLatin1String("convert") && rest.size() == 2)
+        return RunConvert(rest[0], rest[1], io);
+    if (command == QLatin1String("lib"))
+        return RunLib(rest, io);
+    return Usage(io);
+}
+
+} // namespace tessal::Cli

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+// tessal-cli convert: the drawing's page as a picture or a document.
+#pragma once
+
+#include "cli.h"
+
+#include <QImage>
+
+namespace tessal::Cli {
+
+// The whole page as the surface composes it on screen at zoom 1: background, background
+// picture, grid and shapes, without selection handles.
+QImage RenderPage(TMyCAD &cad);
+
+// Writes the page to out by its extension (.png, .svg, .pdf); false with a reason.
+bool WritePng(TMyCAD &cad, const QString &out, QString &error);
+bool WriteSvg(TMyCAD &cad, const QString &out, QString &error);
+bool WritePdf(TMyCAD &cad, const QString &out, QString &error);
+
+int RunConvert(const QString &fileName, const QString &out, TIo io);
+
+} // namespace tessal::Cli

@@ -1,0 +1,317 @@
+// SPDX-License-Identifier: MIT
+// tessal-cli on drawing files: info and dump read back exactly, the page renders with ink
+// where the shapes are, damaged files and bad command lines end with their exit statuses.
+#include "clitool.h"
+#include "common/imagecompare.h"
+#include "sample.h"
+
+#include <tessal/shapes/shape.h>
+#include <tessal/surface/cad.h>
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QMetaProperty>
+#include <QPainter>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QSvgRenderer>
+#include <QTemporaryDir>
+
+#include <map>
+
+using namespace tessal;
+using namespace tessal::test;
+
+namespace {
+
+QString DataFile(const char *name)
+{
+    return QStringLiteral(TESSAL_TEST_DATA_DIR "/drawings/") + QLatin1String(name);
+}
+
+// Points as the dump writes them: [[x, y], ...], compared as the floats they were.
+void ExpectPoints(const QJsonValue &json, const TMyPointArray &points)
+{
+    const QJsonArray list = json.toArray();
+    ASSERT_EQ(list.size(), qsizetype(points.size()));
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        EXPECT_EQ(float(list[qsizetype(i)][0].toDouble()), points[i].X) << "point " << i;
+        EXPECT_EQ(float(list[qsizetype(i)][1].toDouble()), points[i].Y) << "point " << i;
+    }
+}
+
+} // namespace
+
+// info on the stored drawings: version, page, size, unit, layer lines with shape counts and
+// the shapes of each class, exactly.
+TEST(CliInfo, StoredDrawings)
+{
+    const QString head = QStringLiteral("page: A4, 210 x 297 mm, poPortrait\n"
+                                        "size: 200 x 150 pixels\n"
+                                        "unit: mm\n"
+                                        "layers: 1, current 0\n");
+    const std::map<const char *, QString> expected = {
+        {"empty.tsd", "version: XP.j\n" + head +
+                          "  layer 0 \"Layer0\" visible 0 shapes\n"
+                          "shapes: 0\n"},
+        {"shapes_xp4.tsd", "version: XP.4\n" + head +
+                               "  layer 0 \"Layer0\" visible 2 shapes\n"
+                               "shapes: 2\n  TMyLinkLine 1\n  TMyRectangle 1\n"},
+        {"shapes_xpj.tsd", "version: XP.j\n" + head +
+                               "  layer 0 \"Layer0\" visible 3 shapes\n"
+                               "shapes: 3\n  TMyLinkLine 1\n  TMyRectangle 1\n  TMyText 1\n"},
+    };
+    for (const auto &[name, text] : expected) {
+        const TToolResult r = RunTool({QStringLiteral("info"), DataFile(name)});
+        EXPECT_EQ(r.Status, Cli::ExitOk) << name;
+        EXPECT_EQ(r.Out, "file: " + DataFile(name) + '\n' + text) << name;
+        EXPECT_TRUE(r.Err.isEmpty()) << name;
+    }
+}
+
+// dump parses back as JSON with the top keys in their order and the exact stored values.
+TEST(CliDump, StoredDrawingValues)
+{
+    const TToolResult r = RunTool({QStringLiteral("dump"), DataFile("shapes_xpj.tsd")});
+    ASSERT_EQ(r.Status, Cli::ExitOk) << r.Err.toStdString();
+    QStringList topKeys;
+    for (const auto &match :
+         QRegularExpression(QStringLiteral("^  \"(\\w+)\":"), QRegularExpression::MultilineOption)
+             .globalMatch(r.Out))
+        topKeys << match.captured(1);
+    EXPECT_EQ(topKeys.join(' '), "Version Width Height ColorOfBackGround TheUNIT Ratio "
+                                 "BkBitmapMode BkBitmap Tag UserData Layers CurrentLayerId Shapes");
+
+    const QJsonObject top = ParseJson(r.Out).object();
+    EXPECT_EQ(top["Version"], "XP.j");
+    EXPECT_EQ(top["Width"], 200);
+    EXPECT_EQ(top["Height"], 150);
+    EXPECT_EQ(top["ColorOfBackGround"], 0xFFFFFF);
+    EXPECT_EQ(top["TheUNIT"], "mm");
+    EXPECT_EQ(top["BkBitmapMode"], "Center");
+    EXPECT_EQ(top["Layers"],
+              ParseJson(R"([{"Name": "Layer0", "Id": 0, "Visible": true}])").array());
+    const QJsonArray shapes = top["Shapes"].toArray();
+    ASSERT_EQ(shapes.size(), 3);
+    const QJsonObject rect = shapes[0].toObject();
+    EXPECT_EQ(rect["ClassName"], "TMyRectangle");
+    EXPECT_EQ(rect["Points"], ParseJson("[[10, 10], [60, 10], [60, 40], [10, 40]]").array());
+    EXPECT_EQ(rect["Pen"].toObject()["Style"], "psSolid");
+    EXPECT_EQ(rect["GradientStyle"], "gsNone");
+    const QJsonObject link = shapes[1].toObject();
+    EXPECT_EQ(link["ClassName"], "TMyLinkLine");
+    EXPECT_EQ(link["ShapeNo"], 1);
+    EXPECT_EQ(link["Points"], ParseJson("[[70, 20], [120, 80]]").array());
+    EXPECT_EQ(link["ArrowStyle"], "ALeft");
+    EXPECT_EQ(link["LinkLineDrawStyle"], "lldsHV");
+    EXPECT_EQ(link["StartSpNo"], -1);
+    const QJsonObject text = shapes[2].toObject();
+    EXPECT_EQ(text["ClassName"], "TMyText");
+    EXPECT_EQ(text["Lines"], QJsonArray{"hi"});
+    EXPECT_EQ(text["VAlignment"], "vaTop");
+    EXPECT_EQ(text["IsBorder"], true);
+}
+
+// The editor's sample (every shape class, two layers, a group, a combine, bound connectors)
+// saved, then described by info and dump: both agree with the drawing that was saved, every
+// published property of every class is written, and enumerations by their names.
+TEST(CliDump, EditorSampleDrawing)
+{
+    TMyCAD cad;
+    cad.resize(800, 700);
+    BuildSampleDrawing(cad);
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("sample.tsd"));
+    ASSERT_TRUE(cad.SaveToFile(path));
+
+    const TToolResult info = RunTool({QStringLiteral("info"), path});
+    ASSERT_EQ(info.Status, Cli::ExitOk) << info.Err.toStdString();
+    EXPECT_TRUE(info.Out.contains("size: 800 x 700 pixels\n"));
+    std::map<QString, int> byClass;
+    for (std::int32_t no = 0; no < cad.GetShapesCount(); ++no)
+        ++byClass[cad.GetShapeByNo(no)->ClassName()];
+    EXPECT_EQ(byClass.size(), 17u) << "the sample holds one shape of every class";
+    for (const auto &[className, count] : byClass)
+        EXPECT_TRUE(info.Out.contains(QStringLiteral("\n  %1 %2\n").arg(className).arg(count)))
+            << className.toStdString();
+    ASSERT_EQ(cad.GetLayersCount(), 2);
+    for (const TLayer &layer : cad.Layers())
+        EXPECT_TRUE(info.Out.contains(QStringLiteral("  layer %1 \"%2\" visible %3 shapes\n")
+                                          .arg(layer.Id)
+                                          .arg(layer.Name)
+                                          .arg(cad.GetShapesCountInALayer(layer.Id))));
+
+    const TToolResult dump = RunTool({QStringLiteral("dump"), path});
+    ASSERT_EQ(dump.Status, Cli::ExitOk) << dump.Err.toStdString();
+    const QJsonObject top = ParseJson(dump.Out).object();
+    EXPECT_EQ(top["CurrentLayerId"], cad.CurrentLayerId());
+    const QJsonArray shapes = top["Shapes"].toArray();
+    ASSERT_EQ(shapes.size(), cad.GetShapesCount());
+    for (std::int32_t no = 0; no < cad.GetShapesCount(); ++no) {
+        const TMyShape &shape = *cad.GetShapeByNo(no);
+        const QJsonObject json = shapes[no].toObject();
+        const std::string where =
+            "shape " + std::to_string(no) + " " + shape.ClassName().toStdString();
+        SCOPED_TRACE(where);
+        EXPECT_EQ(json["ClassName"], shape.ClassName());
+        EXPECT_EQ(json["Name"], shape.Name());
+        EXPECT_EQ(json["ShapeId"], shape.ShapeId());
+        EXPECT_EQ(json["LayerId"], shape.LayerId());
+        EXPECT_EQ(json["ParentNo"], shape.ParentNo());
+        QJsonArray children, links;
+        for (const std::int32_t n : shape.ChildShapes())
+            children.append(n);
+        for (const std::int32_t n : shape.LinkShapes())
+            links.append(n);
+        EXPECT_EQ(json["ChildShapes"], children);
+        EXPECT_EQ(json["LinkShapes"], links);
+        ExpectPoints(json["Points"], shape.Points());
+        ExpectPoints(json["LinkPoints"], shape.LinkPoints());
+        // Every published value is written; enumerations by name, numbers as the same float.
+        const QMetaObject &meta = *shape.MetaObject();
+        for (int i = 0; i < meta.propertyCount(); ++i) {
+            const QMetaProperty property = meta.property(i);
+            const QLatin1String name(property.name());
+            if (name == QLatin1String("OnClick"))
+                continue;
+            ASSERT_TRUE(json.contains(name)) << property.name();
+            const QVariant value = property.readOnGadget(&shape);
+            const QJsonValue written = json[name];
+            if (property.isEnumType()) {
+                EXPECT_EQ(written, QLatin1String(property.enumerator().valueToKey(value.toInt())));
+            } else if (written.isDouble()) {
+                EXPECT_EQ(float(written.toDouble()), value.toFloat()) << property.name();
+            } else if (written.isBool() || written.isString()) {
+                EXPECT_EQ(written.toVariant(), value) << property.name();
+            }
+        }
+    }
+}
+
+// convert: a PNG of the page's size with ink where the shapes are and the grid covered by
+// the box's fill; the SVG shows the same pixels; the PDF page has the drawing's size.
+TEST(CliConvert, PageFormats)
+{
+    QTemporaryDir dir;
+    const QString png = dir.filePath(QStringLiteral("page.png"));
+    const QString source = DataFile("shapes_xpj.tsd");
+    ASSERT_EQ(RunTool({QStringLiteral("convert"), source, png}).Status, Cli::ExitOk);
+    const QImage page(png);
+    ASSERT_EQ(page.size(), QSize(200, 150));
+    // Box (10, 10)-(60, 40) with a black pen over a white fill; the grid shows elsewhere.
+    EXPECT_EQ(page.pixel(10, 25) & 0xFFFFFF, 0x000000u) << "left edge of the box";
+    EXPECT_EQ(page.pixel(35, 40) & 0xFFFFFF, 0x000000u) << "bottom edge of the box";
+    const unsigned gridInk = page.pixel(40, 100) & 0xFFFFFF;
+    EXPECT_NE(gridInk, 0xFFFFFFu) << "a grid line crosses x = 40";
+    EXPECT_EQ(page.pixel(40, 30) & 0xFFFFFF, 0xFFFFFFu) << "the box's fill covers the grid";
+    EXPECT_EQ(page.pixel(100, 20) & 0xFFFFFF, 0x000000u) << "the connector's first leg";
+    EXPECT_GT(CountPixels(page, QRect(110, 60, 20, 25), 0x000000), 20) << "the arrow head";
+
+    const QString svg = dir.filePath(QStringLiteral("page.svg"));
+    const TToolResult svgRun = RunTool({QStringLiteral("convert"), source, svg});
+    ASSERT_EQ(svgRun.Status, Cli::ExitOk);
+    EXPECT_TRUE(svgRun.Err.startsWith("note: ")) << "the embedded picture is announced";
+    QSvgRenderer renderer(svg);
+    ASSERT_TRUE(renderer.isValid());
+    ASSERT_EQ(renderer.viewBox(), QRect(QPoint(0, 0), page.size()));
+    QImage drawn(page.size(), QImage::Format_RGB32);
+    drawn.fill(Qt::magenta);
+    QPainter painter(&drawn);
+    renderer.render(&painter);
+    painter.end();
+    EXPECT_TRUE(ImagesEqual(drawn, page.convertToFormat(QImage::Format_RGB32)));
+
+    const QString pdf = dir.filePath(QStringLiteral("page.pdf"));
+    ASSERT_EQ(RunTool({QStringLiteral("convert"), source, pdf}).Status, Cli::ExitOk);
+    QFile file(pdf);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray bytes = file.readAll();
+    EXPECT_TRUE(bytes.startsWith("%PDF-"));
+    // 200 x 150 pixels at 96 per inch are 150 x 112.5 points.
+    EXPECT_TRUE(bytes.contains("/MediaBox [0 0 150")) << "page width from the drawing";
+}
+
+// Every damaged copy of a drawing fails with one line naming the file and nothing on the
+// output; command lines the tool does not know print the usage and exit with 2.
+TEST(CliErrors, DamagedFilesAndUsage)
+{
+    QFile original(DataFile("shapes_xpj.tsd"));
+    ASSERT_TRUE(original.open(QIODevice::ReadOnly));
+    const QByteArray bytes = original.readAll();
+    QTemporaryDir dir;
+    const QString damaged = dir.filePath(QStringLiteral("damaged.tsd"));
+    for (qsizetype length = 0; length < bytes.size(); length += 13) {
+        QFile file(damaged);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(bytes.left(length));
+        file.close();
+        for (const char *command : {"info", "dump", "convert"}) {
+            QStringList args{QLatin1String(command), damaged};
+            if (args[0] == "convert")
+                args << dir.filePath(QStringLiteral("out.png"));
+            const TToolResult r = RunTool(args);
+            EXPECT_EQ(r.Status, Cli::ExitFailure) << command << " " << length;
+            EXPECT_TRUE(r.Out.isEmpty()) << command << " " << length;
+            EXPECT_EQ(r.Err.count('\n'), 1) << r.Err.toStdString();
+            EXPECT_TRUE(r.Err.startsWith(damaged)) << r.Err.toStdString();
+        }
+    }
+    // The layer table emptied (count, then name length, name, identity and visibility) while
+    // shapes follow: the load fails instead of ending the program.
+    QByteArray noLayer = bytes;
+    const qsizetype layerCount = bytes.indexOf("Layer0") - 8;
+    ASSERT_EQ(noLayer.mid(layerCount, 8), QByteArray("\1\0\0\0\6\0\0\0", 8));
+    noLayer.replace(layerCount, 4 + 4 + 6 + 4 + 4, QByteArray(4, '\0'));
+    QFile file(damaged);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write(noLayer);
+    file.close();
+    const TToolResult noLayerRun = RunTool({QStringLiteral("info"), damaged});
+    EXPECT_EQ(noLayerRun.Status, Cli::ExitFailure);
+    EXPECT_TRUE(noLayerRun.Err.contains("no layer")) << noLayerRun.Err.toStdString();
+
+    const QString good = DataFile("shapes_xpj.tsd");
+    for (const QStringList &args : {QStringList{},
+                                    {"info"},
+                                    {"info", good, "extra"},
+                                    {"frobnicate", good},
+                                    {"convert", good, dir.filePath("page.bmp")},
+                                    {"lib", "list"}}) {
+        const TToolResult r = RunTool(args);
+        EXPECT_EQ(r.Status, Cli::ExitUsage) << args.join(' ').toStdString();
+        EXPECT_TRUE(r.Err.contains(Cli::UsageText())) << args.join(' ').toStdString();
+    }
+    const TToolResult dxf = RunTool({"convert", good, dir.filePath("page.dxf")});
+    EXPECT_EQ(dxf.Status, Cli::ExitFailure);
+    EXPECT_EQ(dxf.Err, "DXF export is not available yet\n");
+}
+
+// The built program: without any display setting it runs offscreen, prints what the
+// command prints in process, and exits with the statuses above.
+TEST(CliProgram, RunsWithoutDisplay)
+{
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    for (const char *name : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
+        env.remove(QLatin1String(name));
+    const auto run = [&](const QStringList &args) {
+        QProcess process;
+        process.setProcessEnvironment(env);
+        process.start(QStringLiteral(TESSAL_CLI_PROGRAM), args);
+        EXPECT_TRUE(process.waitForFinished(60000));
+        return TToolResult{process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
+                           QString::fromUtf8(process.readAllStandardError())};
+    };
+    const QStringList info{QStringLiteral("info"), DataFile("shapes_xpj.tsd")};
+    const TToolResult ok = run(info);
+    EXPECT_EQ(ok.Status, Cli::ExitOk);
+    EXPECT_EQ(ok.Out, RunTool(info).Out);
+    EXPECT_TRUE(ok.Err.isEmpty()) << ok.Err.toStdString();
+
+    const TToolResult bad = run({QStringLiteral("dump"), QStringLiteral(__FILE__)});
+    EXPECT_EQ(bad.Status, Cli::ExitFailure);
+    EXPECT_EQ(bad.Err, QStringLiteral(__FILE__ " is not a drawing file\n"));
+    EXPECT_EQ(run({}).Status, Cli::ExitUsage);
+}
