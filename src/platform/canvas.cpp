@@ -415,6 +415,38 @@ void TCanvas::RenderSinglePass(const QPainterPath &outline, const QPainterPath *
     p.setWorldTransform(DeviceTransform());
 }
 
+// A one-pixel line covers its start pixel and leaves out its end pixel, whichever way it
+// runs. The rasteriser leaves out the pixel at the larger end of the major axis, which is
+// the end only for lines running right or down; a line running the other way is drawn with
+// the same pixels but the two ends exchanged.
+bool TCanvas::EndPixelNeedsMoving(TPoint from, TPoint to) const
+{
+    if (m_Geometric || m_Pen.Width > 1 || m_Pen.Style == TPenStyle::psClear ||
+        DeviceTransform().type() > QTransform::TxTranslate)
+        return false;
+    const std::int32_t dx = to.X - from.X;
+    const std::int32_t dy = to.Y - from.Y;
+    return std::abs(dx) >= std::abs(dy) ? dx < 0 : dy < 0;
+}
+
+void TCanvas::DrawBackwardLine(TPoint from, TPoint to)
+{
+    QPainter &p = d->Painter;
+    QPainterPath line(QPointF(from.X, from.Y));
+    line.lineTo(to.X, to.Y);
+    const QRect box = QRect(QPoint(std::min(from.X, to.X), std::min(from.Y, to.Y)),
+                            QPoint(std::max(from.X, to.X), std::max(from.Y, to.Y)))
+                          .adjusted(-2, -2, 2, 2);
+    p.save();
+    p.setClipRegion(QRegion(box) - QRegion(to.X, to.Y, 1, 1),
+                    p.hasClipping() ? Qt::IntersectClip : Qt::ReplaceClip);
+    Render(line, nullptr);
+    p.restore();
+    QPainterPath start;
+    start.addRect(from.X, from.Y, 1, 1);
+    Render(start, nullptr, OutlinePlacement::Area);
+}
+
 void TCanvas::MoveTo(std::int32_t x, std::int32_t y)
 {
     m_PenPos = {x, y};
@@ -429,6 +461,8 @@ void TCanvas::LineTo(std::int32_t x, std::int32_t y)
             d->Path.currentPosition() != QPointF(m_PenPos.X, m_PenPos.Y))
             d->Path.moveTo(m_PenPos.X, m_PenPos.Y);
         d->Path.lineTo(x, y);
+    } else if (EndPixelNeedsMoving(m_PenPos, {x, y})) {
+        DrawBackwardLine(m_PenPos, {x, y});
     } else {
         QPainterPath line(QPointF(m_PenPos.X, m_PenPos.Y));
         line.lineTo(x, y);

@@ -185,6 +185,8 @@ private:
     void RenderDirect(const QPainterPath &outline, const QPainterPath *fill,
                       OutlinePlacement placement);
     bool DrawExactEllipse(const TRect &r);
+    bool EndPixelNeedsMoving(TPoint from, TPoint to) const;
+    void DrawBackwardLine(TPoint from, TPoint to);
     // Fill and outline combined off-target, then merged pixel by pixel, so that modes which
     // are not idempotent touch every pixel once.
     void RenderSinglePass(const QPainterPath &outline, const QPainterPath *fill,

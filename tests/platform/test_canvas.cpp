@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <tuple>
 
 using namespace tessal;
 using namespace tessal::test;
@@ -138,6 +139,41 @@ TEST(CanvasLines, EndPixelIsExcludedAndPolylinesJoinOnce)
         0);
     EXPECT_EQ(CountPixels(square, square.rect(), 0xFFFFFF), 20);
     EXPECT_EQ(InkBounds(square, 0), TRect(1, 1, 7, 7));
+}
+
+// Whichever way a line runs, it covers its start pixel and not its end pixel, and drawing
+// it back the other way in xor mode leaves exactly the two end pixels.
+TEST(CanvasLines, EveryDirectionKeepsTheStartAndLeavesOutTheEnd)
+{
+    const TPoint ends[][2] = {{{5, 10}, {15, 10}}, {{15, 10}, {5, 10}}, {{10, 5}, {10, 15}},
+                              {{10, 15}, {10, 5}}, {{5, 5}, {15, 15}},  {{15, 15}, {5, 5}},
+                              {{15, 5}, {5, 15}},  {{5, 15}, {15, 5}},  {{5, 8}, {15, 12}},
+                              {{15, 12}, {5, 8}}};
+    for (const auto &[from, to] : ends) {
+        SCOPED_TRACE(testing::Message()
+                     << from.X << "," << from.Y << " -> " << to.X << "," << to.Y);
+        const QImage image = Painted(20, 20, [&](TCanvas &canvas) {
+            canvas.MoveTo(from.X, from.Y);
+            canvas.LineTo(to.X, to.Y);
+        });
+        EXPECT_EQ(Rgb(image, from.X, from.Y), 0u);
+        EXPECT_EQ(Rgb(image, to.X, to.Y), 0xFFFFFFu);
+        EXPECT_EQ(20 * 20 - CountPixels(image, image.rect(), 0xFFFFFF), 10);
+        const QImage there = Painted(
+            20, 20,
+            [&](TCanvas &canvas) {
+                canvas.Pen().Color = clWhite;
+                canvas.Pen().Mode = TPenMode::pmXor;
+                canvas.MoveTo(from.X, from.Y);
+                canvas.LineTo(to.X, to.Y);
+                canvas.LineTo(from.X, from.Y);
+            },
+            0);
+        const bool fromFirst = std::tie(from.Y, from.X) < std::tie(to.Y, to.X);
+        const std::vector<TPoint> endsOnly =
+            fromFirst ? std::vector<TPoint>{from, to} : std::vector<TPoint>{to, from};
+        EXPECT_EQ(Ink(there, 0), endsOnly);
+    }
 }
 
 TEST(CanvasFigures, RightAndBottomEdgesAreExclusive)
