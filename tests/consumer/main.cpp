@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
-// Builds against the installed headers and library and makes a surface with one shape.
+// Builds against the installed headers and library, makes a surface and draws a shape.
+#include <tessal/shapes/shape.h>
 #include <tessal/surface/cad.h>
 
 #include <QApplication>
 
 #include <cstdio>
+#include <vector>
 
 int main(int argc, char **argv)
 {
@@ -19,6 +21,17 @@ int main(int argc, char **argv)
         std::fprintf(stderr, "NewLayer failed\n");
         return 1;
     }
-    std::printf("consumer ok: %d layers\n", cad.GetLayersCount());
+    // The README's first steps: an event handler and a shape drawn from code.
+    int added = 0;
+    cad.SetOnShapeAdded(
+        [&added](tessal::TMyCAD *, tessal::TMyShape *, int count) { added = count; });
+    const std::vector<tessal::TMyPoint> corners{{40, 40}, {200, 120}};
+    const int id = cad.AddShapeByCode(tessal::TDrawTool::SpRectangle, "Box", corners, 0, {});
+    tessal::TMyShape *box = cad.GetShapeByID(id);
+    if (!box || box->GetPointsCount() != 4 || added != 1) {
+        std::fprintf(stderr, "AddShapeByCode did not add the rectangle\n");
+        return 1;
+    }
+    std::printf("consumer ok: %d layers, %d shape\n", cad.GetLayersCount(), cad.GetShapesCount());
     return 0;
 }
