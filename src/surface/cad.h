@@ -56,6 +56,11 @@ struct TLayer
     friend bool operator==(const TLayer &, const TLayer &) = default;
 };
 
+// ---- Blocks (defined in the persistence layer) ----
+// Where the shapes of a drawing inserted as a block go: all onto the current layer (Merge),
+// or onto the drawing's layers at the places their layers have in the block (Import).
+enum class TBlockLayerMode : std::uint8_t { Merge = 0, Import = 1 };
+
 // The surface. Document geometry is in pixels at zoom 1; the widget's own coordinates
 // (mouse positions, repaint rectangles) are screen pixels, i.e. document values x Zoom.
 // Page sizes are millimetres. The surface owns every shape in its list, its layer table,
@@ -503,6 +508,71 @@ public:
     // Set by the application when the drawing changes; a successful SaveToFile clears it.
     bool Modified() const { return m_Modified; }
     void SetModified(bool modified) { m_Modified = modified; }
+
+    // ---- Blocks (defined in the persistence layer) ----
+    // Inserts a drawing file into this drawing as a block: marks the drawing modified and,
+    // when IsZEDAFile accepts the file, reads it into the memory list and pastes that
+    // (PasteforBlock). The memory list is empty afterwards. True when the block was read; a
+    // refused file is ignored silently, a damaged one leaves LastError().
+    bool AddBlockfromZEDAFile(const QString &fileName, TBlockLayerMode mode);
+    // Reads a drawing stream (from position 0) into the memory list, not into the drawing.
+    // Existing named shapes are first renamed "A" followed by their identity in decimal (an
+    // identity is unique, so the names stay unique and do not grow with each insertion).
+    // The stream's version becomes the disk file version; the background colour, picture,
+    // its mode, the ratio, the unit and (from "XP.h" on) the Tag are taken over and the user
+    // data appended; the control grows to the block's size in each direction but never
+    // shrinks. Merge puts every shape on the current layer. Import first appends layers
+    // "Block1", "Block2", ... (skipping names in use, visible) until the drawing has as many
+    // layers as the block, then gives each shape the layer at the place that its layer has
+    // in the block's table, comparing the low 8 bits of layer IDs, the last match winning;
+    // a shape whose layer is not in the table gets layer ID -1. False, with LastError() and
+    // an empty memory list, on a damaged stream.
+    bool LoadFromStreamforBlock(QIODevice *stream, TBlockLayerMode mode);
+    // Adds the memory shapes to the drawing where they are, as PlaceShapes does, keeping
+    // the layers LoadFromStreamforBlock gave them. False only without any layer.
+    bool PasteforBlock();
+    // The shapes read by LoadFromStreamforBlock, created for this surface; their relations
+    // name places in this list.
+    const std::vector<std::unique_ptr<TMyShape>> &MemoryShapes() const { return m_MemoryShapes; }
+
+    // ---- Clipboard ----
+    // The working shapes go to the system clipboard as records under ShapesMimeType(),
+    // together with their group members and every top-level connector bound at both ends
+    // to copied shapes; relations name places within the copied set, and a binding to a
+    // shape left behind is dropped. A PNG ("image/png") and an SVG ("image/svg+xml", the same
+    // picture embedded) of the copied shapes, drawn as the surface draws them at the current
+    // zoom on the background colour, serve other applications. False when nothing is
+    // selected.
+    bool CopyToClipboard();
+    // Copies, then deletes the copied top-level shapes as one "ACT_DELETE" step.
+    bool CutToClipboard();
+    // Adds the clipboard's shapes PasteOffset units right of and below where they were
+    // copied, on the current layer (see PlaceShapes). False, with LastError(), when the
+    // clipboard holds no shapes of ours or their data is damaged; nothing is added then.
+    bool PasteFromClipboard();
+    static QString ShapesMimeType() { return QStringLiteral("application/x-tessal-shapes"); }
+    static constexpr float PasteOffset = 10;
+    // The clipboard data of the working shapes (empty when none): a 16-byte text
+    // "Tessal shapes", the 16-byte version of the records (FileVersion()), the shape count
+    // (int32), then per shape its 16-byte class name and its record.
+    QByteArray CopiedShapesData();
+    // Reads such data and places its shapes as PasteFromClipboard does.
+    bool PasteShapesData(const QByteArray &data);
+    // The copied shapes' picture (control pixels of their painted extent); null when
+    // nothing is selected or the extent is empty or larger than 8192 pixels a side.
+    QImage SelectionImage();
+    // A copy of source (of any surface) created for this surface through the stored record:
+    // every stored field and the centre point equal; not in the document.
+    std::unique_ptr<TMyShape> CloneShape(const TMyShape &source);
+    // Appends shapes in their order, moved by offset (document units), with fresh
+    // identities, ShapeNo their places and names "Shape" followed by the identity. Their
+    // relations (ParentNo, ChildShapes, LinkShapes, connector ends) name places within
+    // shapes and become the new list places; a number outside the list is dropped. Unless
+    // keepLayer they join the current layer. The addition is one "ACT_ADD" step, the
+    // shapes without parent become the working shapes (the last one current), and
+    // OnShapeAdded fires for each. Answers the added shapes; none without any layer.
+    std::vector<TMyShape *> PlaceShapes(std::vector<std::unique_ptr<TMyShape>> shapes,
+                                        TMyPoint offset, bool keepLayer);
 
     // ---- Repaint ----
     // Marks the whole control (or rect, in control pixels) for recomposition. Neither says
@@ -961,6 +1031,13 @@ private:
     QString m_DiskFileVersion = QStringLiteral("XP.j");
     mutable QString m_LastError;
     bool m_Modified = false;
+
+    // Blocks (persistence layer) and clipboard.
+    void ReadBlockSettings(BinaryStream &stream);
+    std::vector<TLayer> ReadBlockLayers(BinaryStream &stream);
+    void ReadBlockShapes(BinaryStream &stream);
+    void AssignBlockLayers(const std::vector<TLayer> &blockLayers, TBlockLayerMode mode);
+    std::vector<std::unique_ptr<TMyShape>> m_MemoryShapes;
 
     // Interaction and repaint state.
     TActionTools m_ActionTool = TActionTools::dtSelecting;

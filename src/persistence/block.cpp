@@ -1,0 +1,258 @@
+// SPDX-License-Identifier: MIT
+// Bringing stored shapes into an open drawing: a whole drawing file inserted as a block, and
+// a shape library entry placed at a point.
+#include <tessal/persistence/block.h>
+#include <tessal/persistence/drawingfile.h>
+#include <tessal/persistence/library.h>
+#include <tessal/surface/cad.h>
+
+#include <tessal/platform/binarystream.h>
+#include <tessal/platform/streamprimitives.h>
+#include <tessal/shapes/link.h>
+#include <tessal/shapes/rectangle.h>
+#include <tessal/shapes/shape.h>
+
+#include <QFile>
+
+#include <algorithm>
+#include <new>
+
+namespace tessal {
+
+namespace {
+
+// The same bound as for an opened drawing: no real drawing is larger.
+constexpr std::int32_t MaxControlSide = 32767;
+
+// The drawing Tag and user data came with XP.h.
+bool HasDrawingUserData(const QString &version)
+{
+    return version == QLatin1String("XP.h") || version == QLatin1String("XP.i") ||
+           version == QLatin1String("XP.j");
+}
+
+std::int32_t ReadCount(BinaryStream &stream, std::int64_t elementSize)
+{
+    const std::int32_t count = stream.ReadInt32();
+    if (count <= 0)
+        return 0;
+    stream.RequireBytes(count, elementSize);
+    return count;
+}
+
+// Layer IDs of old blocks were bytes; only those bits identify a block's layer.
+std::int32_t BlockLayerPosition(const std::vector<TLayer> &layers, std::int32_t id)
+{
+    std::int32_t position = -1;
+    for (std::size_t i = 0; i < layers.size(); ++i)
+        if ((layers[i].Id & 0xFF) == (id & 0xFF))
+            position = std::int32_t(i);
+    return position;
+}
+
+} // namespace
+
+// ---- Blocks ----
+
+bool TMyCAD::AddBlockfromZEDAFile(const QString &fileName, TBlockLayerMode mode)
+{
+    SetModified(true);
+    if (!IsZEDAFile(fileName))
+        return false;
+    QFile file(fileName);
+    bool read = false;
+    if (!file.open(QIODevice::ReadOnly))
+        m_LastError = file.errorString();
+    else if ((read = LoadFromStreamforBlock(&file, mode)))
+        PasteforBlock();
+    m_MemoryShapes.clear();
+    return read;
+}
+
+bool TMyCAD::LoadFromStreamforBlock(QIODevice *stream, TBlockLayerMode mode)
+{
+    m_LastError.clear();
+    if (!stream || !stream->isReadable()) {
+        m_LastError = QStringLiteral("the stream is not open for reading");
+        return false;
+    }
+    SetLoading(true);
+    for (const auto &shape : m_Shapes)
+        if (!shape->Name().isEmpty())
+            shape->SetName(QStringLiteral("A") + QString::number(shape->ShapeId()));
+    m_MemoryShapes.clear();
+    SetZoom(1.0);
+    try {
+        if (!stream->seek(0))
+            throw TStreamError("the stream cannot be read from its start");
+        BinaryStream s(stream);
+        ReadBlockSettings(s);
+        const std::vector<TLayer> blockLayers = ReadBlockLayers(s);
+        ReadBlockShapes(s);
+        AssignBlockLayers(blockLayers, mode);
+    } catch (const TStreamError &e) {
+        m_LastError = QString::fromStdString(e.what());
+    } catch (const std::bad_alloc &) {
+        m_LastError = QStringLiteral("out of memory");
+    }
+    SetLoading(false);
+    Invalidate();
+    if (m_LastError.isEmpty())
+        return true;
+    m_MemoryShapes.clear();
+    return false;
+}
+
+void TMyCAD::ReadBlockSettings(BinaryStream &stream)
+{
+    ReadFixedText(stream, DrawingFile::TagWidth);
+    ReadFixedText(stream, DrawingFile::TitleWidth);
+    // The block's shape records are read in the block's own layout.
+    m_DiskFileVersion = ReadFixedText(stream, DrawingFile::VersionWidth).trimmed();
+    ReadFixedText(stream, DrawingFile::DateWidth);
+    ReadFixedText(stream, DrawingFile::ReservedWidth);
+
+    m_ColorOfBackGround = stream.ReadUInt32();
+    const std::int32_t w = stream.ReadInt32();
+    const std::int32_t h = stream.ReadInt32();
+    if (w < 0 || h < 0 || w > MaxControlSide || h > MaxControlSide)
+        throw TStreamError("implausible block size " + std::to_string(w) + " x " +
+                           std::to_string(h));
+    // A block never makes the drawing smaller.
+    if (w > width() || h > height())
+        resize(std::max(w, width()), std::max(h, height()));
+    const std::uint8_t unit = stream.ReadUInt8();
+    if (unit > std::uint8_t(TUnits::inch))
+        throw TStreamError("invalid unit " + std::to_string(unit));
+    m_TheUNIT = TUnits(unit);
+    TBitmap picture;
+    ReadBitmapBuffer(stream, picture); // none, or one the decoder refuses, clears it
+    m_BkBitmap = picture;
+    const std::int32_t mode = stream.ReadInt32();
+    if (mode < 0 || mode > std::int32_t(TBkBitmapMode::LeftTop))
+        throw TStreamError("invalid background mode " + std::to_string(mode));
+    m_BkBitmapMode = TBkBitmapMode(mode);
+    m_Ratio = stream.ReadDouble();
+    if (!HasDrawingUserData(m_DiskFileVersion))
+        return;
+    m_Tag = stream.ReadInt32();
+    std::vector<TUserDataRecord> records = m_UserData.Records();
+    for (std::int32_t i = ReadCount(stream, 8); i > 0; --i) {
+        QString key = ReadCountedText(stream);
+        records.push_back({key, ReadCountedText(stream)});
+    }
+    m_UserData.SetUserDataRecord(records);
+}
+
+// The block's layer table, only 1 reading as visible; its current layer is not used.
+std::vector<TLayer> TMyCAD::ReadBlockLayers(BinaryStream &stream)
+{
+    std::vector<TLayer> layers;
+    const std::int32_t count = ReadCount(stream, 12);
+    layers.reserve(std::size_t(count));
+    for (std::int32_t i = 0; i < count; ++i) {
+        TLayer layer;
+        layer.Name = ReadCountedText(stream);
+        layer.Id = stream.ReadInt32();
+        layer.Visible = stream.ReadInt32() == 1;
+        layers.push_back(layer);
+    }
+    stream.ReadInt32();
+    return layers;
+}
+
+void TMyCAD::ReadBlockShapes(BinaryStream &stream)
+{
+    const std::int32_t count = ReadCount(stream, DrawingFile::ClassNameWidth);
+    m_MemoryShapes.reserve(std::size_t(count));
+    for (std::int32_t i = 0; i < count; ++i) {
+        const QString className = ReadFixedText(stream, DrawingFile::ClassNameWidth).trimmed();
+        std::unique_ptr<TMyShape> shape = CreateShapeByName(className);
+        if (!shape)
+            throw TStreamError("unknown shape class \"" + className.toStdString() +
+                               "\" at offset " + std::to_string(stream.Pos() - 16));
+        shape->LoadFromStream(stream);
+        shape->SetCenterPoint(shape->GetCenterPoint());
+        m_MemoryShapes.push_back(std::move(shape));
+    }
+}
+
+void TMyCAD::AssignBlockLayers(const std::vector<TLayer> &blockLayers, TBlockLayerMode mode)
+{
+    if (mode == TBlockLayerMode::Merge) {
+        for (const auto &shape : m_MemoryShapes)
+            shape->SetLayerId(m_CurrentLayerId);
+        return;
+    }
+    const std::int32_t wanted = std::min(std::int32_t(blockLayers.size()), MaxLayers);
+    // A name already in use is skipped, so the numbers always lead to a new layer.
+    for (std::int32_t number = 1; GetLayersCount() < wanted; ++number)
+        NewLayer(QStringLiteral("Block") + QString::number(number), true);
+    for (const auto &shape : m_MemoryShapes)
+        shape->SetLayerId(GetLayerIdByNo(BlockLayerPosition(blockLayers, shape->LayerId())));
+}
+
+bool TMyCAD::PasteforBlock()
+{
+    std::vector<std::unique_ptr<TMyShape>> shapes = std::move(m_MemoryShapes);
+    m_MemoryShapes.clear();
+    if (shapes.empty())
+        return true;
+    return !PlaceShapes(std::move(shapes), {0, 0}, true).empty();
+}
+
+// ---- Library entries ----
+
+bool AddUserDefineShapefromLib(TLibManager &library, const QString &name, std::int32_t x,
+                               std::int32_t y, TMyCAD &target)
+{
+    TMyPointArray linkPoints;
+    TUserData userData;
+    TLibManager::TShapeList entry;
+    std::int32_t width = 0, height = 0;
+    if (!library.GetCmbShape(name, true, linkPoints, userData, entry, width, height))
+        return false;
+    const double zoom = target.Zoom() > 0 ? target.Zoom() : 1.0;
+    const TMyPoint at{float(x / zoom), float(y / zoom)};
+    const auto placed = [at](TMyPoint p) { return TMyPoint{p.X + at.X, p.Y + at.Y}; };
+
+    std::vector<std::unique_ptr<TMyShape>> shapes;
+    const std::int32_t combineNo = std::int32_t(entry.size());
+    for (const auto &source : entry) {
+        std::unique_ptr<TMyShape> member = target.CloneShape(*source);
+        if (!member)
+            return false;
+        member->ChildShapes().clear();
+        member->LinkShapes().clear();
+        member->SetParentNo(combineNo);
+        if (auto *link = dynamic_cast<TMyLinkLine *>(member.get())) {
+            link->SetStartSpNo(-1);
+            link->SetStartSpPtId(-1);
+            link->SetEndSpNo(-1);
+            link->SetEndSpPtId(-1);
+        }
+        for (TMyPoint &p : member->Points())
+            p = placed(p);
+        for (TMyPoint &p : member->LinkPoints())
+            p = placed(p);
+        member->SetTextPoint(placed(member->TextPoint()));
+        member->SetCenterPoint(member->GetCenterPoint());
+        shapes.push_back(std::move(member));
+    }
+
+    std::unique_ptr<TMyShape> combine = target.CreateShapeByName(QStringLiteral("TMyCombine"));
+    const float w = float(width), h = float(height);
+    combine->Points() = {at, {at.X + w, at.Y}, {at.X + w, at.Y + h}, {at.X, at.Y + h}};
+    for (TMyPoint p : linkPoints)
+        combine->LinkPoints().push_back(placed(p));
+    for (std::int32_t i = 0; i < combineNo; ++i)
+        combine->ChildShapes().push_back(i);
+    const TMyPoint centre = combine->GetCenterPoint();
+    combine->SetCenterPoint(centre);
+    combine->SetTextPoint({centre.X, at.Y + h + 10});
+    combine->SetUserData(userData);
+    shapes.push_back(std::move(combine));
+    return !target.PlaceShapes(std::move(shapes), {0, 0}, false).empty();
+}
+
+} // namespace tessal
