@@ -126,6 +126,47 @@ TEST(ShapeRecords, NewestLayoutOfEachFamilyByteForByte)
     image->SetTransparentMode(TTransparentMode::tmFixed);
     const Bytes imageTail = Bytes().I64(0).I32(-20).I32(15).U8(0).U8(1).U8(0).U32(0x00FF00).I32(1);
     EXPECT_EQ(test::Saved(*image), BaseRecord(Layout::XPj).Append(imageTail).Data());
+
+    auto rule = Make<TMyRuleLine>(cad, "TMyRuleLine");
+    test::FillBaseFields(*rule);
+    rule->SetArrowAngle(10);
+    rule->SetArrowLength(30);
+    rule->SetArrowOffset(0);
+    rule->SetArrowStyle(TArrowStyle::ARight);
+    rule->SetShowUserInfo(true);
+    rule->SetTickStyle(TTickStyle::tsTop);
+    rule->SetUserInfo(QStringLiteral("Span"));
+    const Bytes ruleTail = Bytes().I32(10).U8(30).U8(0).U8(2).U8(1).U8(2).Text("Span");
+    EXPECT_EQ(test::Saved(*rule), BaseRecord(Layout::XPj).Append(ruleTail).Data());
+
+    auto arc = Make<TMyElliArc>(cad, "TMyElliArc");
+    test::FillBaseFields(*arc);
+    arc->SetArcMode(TArcMode::amEllipse);
+    arc->SetArcStyle(TArcStyle::asPie);
+    EXPECT_EQ(test::Saved(*arc), BaseRecord(Layout::XPj).U8(1).U8(2).Data());
+
+    for (const char *name : {"TMyLinkPoint", "TMyLineLinkLine"}) {
+        auto mark = Make<TMyLinkPoint>(cad, name);
+        test::FillBaseFields(*mark);
+        mark->SetSize(12);
+        EXPECT_EQ(test::Saved(*mark), BaseRecord(Layout::XPj).U8(12).Data()) << name;
+    }
+    // Classes that add nothing write their parent's part only.
+    for (const char *name : {"TMyEllipse", "TMyGroup", "TMyCombine", "TMyPolyBezier", "TMyBLine"}) {
+        auto plain = Make<TMyShape>(cad, name);
+        test::FillBaseFields(*plain);
+        EXPECT_EQ(test::Saved(*plain), BaseRecord(Layout::XPj).Data()) << name;
+    }
+    for (const char *name : {"TMyPolyLine", "TMyPolygon", "TMyFreeLine"}) {
+        auto chain = Make<TMyLine>(cad, name);
+        test::FillBaseFields(*chain);
+        chain->SetArrowAngle(25);
+        chain->SetArrowLength(12);
+        chain->SetArrowOffset(3);
+        chain->SetArrowStyle(TArrowStyle::ANone);
+        EXPECT_EQ(test::Saved(*chain), BaseRecord(Layout::XPj).I32(25).U8(12).U8(3).U8(0).Data())
+            << name;
+    }
 }
 
 // Each layout read from its own bytes leaves the same fields, and uses every byte.
