@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// tessal-cli convert: composing the page once and writing it as PNG, SVG or PDF.
+// tessal-cli convert: the page written as a PNG picture, or as SVG or PDF figures.
 #include "convert.h"
 
 #include <tessal/surface/cad.h>
@@ -7,17 +7,26 @@
 #include <QFileInfo>
 #include <QPageLayout>
 #include <QPageSize>
-#include <QPainter>
 #include <QPdfWriter>
 #include <QSvgGenerator>
 
 namespace tessal::Cli {
 
-QImage RenderPage(TMyCAD &cad)
+namespace {
+
+// The whole page at zoom 1 without selection.
+TRect PreparePage(TMyCAD &cad)
 {
     cad.SetZoom(1.0);
     cad.ClearWorkingShapes();
-    cad.DrawAll(TRect(0, 0, cad.width(), cad.height()));
+    return TRect(0, 0, cad.width(), cad.height());
+}
+
+} // namespace
+
+QImage RenderPage(TMyCAD &cad)
+{
+    cad.DrawAll(PreparePage(cad));
     return cad.OffscreenImage().copy();
 }
 
@@ -29,46 +38,41 @@ bool WritePng(TMyCAD &cad, const QString &out, QString &error)
     return false;
 }
 
-// The shapes paint through a canvas that only targets images (pen modes such as xor need
-// the pixels), so the SVG carries the composed page as one embedded picture.
 bool WriteSvg(TMyCAD &cad, const QString &out, QString &error)
 {
-    const QImage page = RenderPage(cad);
+    const TRect page = PreparePage(cad);
+    const QSize size(page.Width(), page.Height());
     QSvgGenerator generator;
     generator.setFileName(out);
-    generator.setSize(page.size());
+    generator.setSize(size);
     generator.setResolution(cad.ScreenPixelsPerInch());
-    generator.setViewBox(QRect(QPoint(0, 0), page.size()));
+    generator.setViewBox(QRect(QPoint(0, 0), size));
     generator.setTitle(QFileInfo(out).completeBaseName());
     generator.setDescription(QStringLiteral("Drawing page rendered by tessal-cli"));
-    QPainter painter;
-    if (!painter.begin(&generator)) {
+    if (!cad.RenderTo(&generator, page, true)) {
         error = QStringLiteral("%1: cannot write the document").arg(out);
         return false;
     }
-    painter.drawImage(0, 0, page);
-    return painter.end();
+    return true;
 }
 
-// One page of the drawing's size: its pixels at the surface's screen resolution.
+// One page of the drawing's size at 96 dots per inch, one device unit per drawing pixel.
 bool WritePdf(TMyCAD &cad, const QString &out, QString &error)
 {
-    const QImage page = RenderPage(cad);
-    const int dpi = cad.ScreenPixelsPerInch();
-    const QSizeF mm(page.width() * 25.4 / dpi, page.height() * 25.4 / dpi);
+    constexpr int Dpi = 96;
+    const TRect page = PreparePage(cad);
+    const QSizeF points(page.Width() * 72.0 / Dpi, page.Height() * 72.0 / Dpi);
     QPdfWriter writer(out);
-    writer.setResolution(dpi);
+    writer.setResolution(Dpi);
     writer.setPageLayout(
-        QPageLayout(QPageSize(mm, QPageSize::Millimeter, QString(), QPageSize::ExactMatch),
+        QPageLayout(QPageSize(points, QPageSize::Point, QString(), QPageSize::ExactMatch),
                     QPageLayout::Portrait, QMarginsF()));
     writer.setCreator(QStringLiteral("tessal-cli"));
-    QPainter painter;
-    if (!painter.begin(&writer)) {
+    if (!cad.RenderTo(&writer, page, true)) {
         error = QStringLiteral("%1: cannot write the document").arg(out);
         return false;
     }
-    painter.drawImage(QRectF(0, 0, writer.width(), writer.height()), page);
-    return painter.end();
+    return true;
 }
 
 int RunConvert(const QString &fileName, const QString &out, TIo io)
@@ -95,11 +99,6 @@ int RunConvert(const QString &fileName, const QString &out, TIo io)
         return Fail(io, error);
     if (!writer(*cad, out, error))
         return Fail(io, error);
-    if (writer == &WriteSvg) {
-        io.Err << "note: " << out
-               << " holds the page as an embedded picture; shapes are drawn on images only\n";
-        io.Err.flush();
-    }
     return ExitOk;
 }
 

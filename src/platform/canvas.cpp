@@ -231,8 +231,22 @@ using namespace canvasdetail;
 TCanvas::TCanvas(QImage *target)
     : d(std::make_unique<Impl>())
     , m_Target(target)
+    , m_Device(target)
 {
     d->Painter.begin(target);
+    d->Painter.setRenderHint(QPainter::Antialiasing, false);
+    d->Painter.setRenderHint(QPainter::TextAntialiasing, false);
+    SetFont(m_Font);
+}
+
+// An image handed over as a plain device still gets the pixel rules.
+TCanvas::TCanvas(QPaintDevice *device)
+    : d(std::make_unique<Impl>())
+    , m_Target(device && device->devType() == QInternal::Image ? static_cast<QImage *>(device)
+                                                               : nullptr)
+    , m_Device(device)
+{
+    d->Painter.begin(device);
     d->Painter.setRenderHint(QPainter::Antialiasing, false);
     d->Painter.setRenderHint(QPainter::TextAntialiasing, false);
     SetFont(m_Font);
@@ -265,6 +279,8 @@ void TCanvas::SetPrinter(bool printer, int colorCount)
 
 void TCanvas::Flush()
 {
+    if (IsVector())
+        return;
     // Ending the painter releases the image for direct access; painting resumes at once.
     d->Painter.end();
     d->Painter.begin(m_Target);
@@ -307,7 +323,8 @@ QTransform TCanvas::OutlineTransform(OutlinePlacement placement) const
 {
     // One-pixel lines at integer coordinates cover the pixel right of and below the point;
     // wider strokes are centred on the same pixel centre.
-    const bool wide = m_Geometric || m_Pen.Width > 1;
+    // On a vector device the one-unit stroke through the pixel centres covers those pixels.
+    const bool wide = m_Geometric || m_Pen.Width > 1 || IsVector();
     if (placement != OutlinePlacement::PixelCentres || !wide)
         return DeviceTransform();
     return d->World * QTransform::fromTranslate(0.5, 0.5) * OriginShift();
@@ -322,7 +339,7 @@ void TCanvas::Render(const QPainterPath &outline, const QPainterPath *fill,
     }
     const bool hasFill = fill && (m_Brush.HasBitmap() || m_Brush.Style != TBrushStyle::bsClear);
     const bool hasOutline = m_Pen.Style != TPenStyle::psClear;
-    if (hasFill && hasOutline && ModeNeedsSinglePass(m_Pen.Mode))
+    if (hasFill && hasOutline && ModeNeedsSinglePass(m_Pen.Mode) && !IsVector())
         RenderSinglePass(outline, fill, placement);
     else
         RenderDirect(outline, hasFill ? fill : nullptr, placement);
@@ -331,9 +348,12 @@ void TCanvas::Render(const QPainterPath &outline, const QPainterPath *fill,
 void TCanvas::RenderDirect(const QPainterPath &outline, const QPainterPath *fill,
                            OutlinePlacement placement)
 {
-    const ModeSetup mode = SetupForMode(m_Pen.Mode);
+    ModeSetup mode = SetupForMode(m_Pen.Mode);
     if (!mode.Draw)
         return;
+    // Without pixels to combine with, the raster operations draw as copy.
+    if (IsVector())
+        mode.Composition = QPainter::CompositionMode_SourceOver;
     QPainter &p = d->Painter;
     p.setCompositionMode(mode.Composition);
     if (fill) {
@@ -345,6 +365,14 @@ void TCanvas::RenderDirect(const QPainterPath &outline, const QPainterPath *fill
         p.drawPath(*fill);
     }
     QPen pen = MakeQPen(m_Pen, m_Geometric, m_Join, m_Cap);
+    if (IsVector() && pen.widthF() == 0) {
+        // A zero width means "one device pixel" to the rasteriser but "nothing" or "as thin
+        // as the output allows" to vector formats. Mitred joins fill the corner pixels as
+        // the rasteriser does.
+        pen.setWidthF(1);
+        pen.setCosmetic(true);
+        pen.setJoinStyle(Qt::MiterJoin);
+    }
     if (pen.style() != Qt::NoPen && placement == OutlinePlacement::Area) {
         p.setPen(Qt::NoPen);
         p.setBrush(mode.ForcedColor ? *mode.ForcedColor : pen.color());
@@ -421,7 +449,7 @@ void TCanvas::RenderSinglePass(const QPainterPath &outline, const QPainterPath *
 // the same pixels but the two ends exchanged.
 bool TCanvas::EndPixelNeedsMoving(TPoint from, TPoint to) const
 {
-    if (m_Geometric || m_Pen.Width > 1 || m_Pen.Style == TPenStyle::psClear ||
+    if (IsVector() || m_Geometric || m_Pen.Width > 1 || m_Pen.Style == TPenStyle::psClear ||
         DeviceTransform().type() > QTransform::TxTranslate)
         return false;
     const std::int32_t dx = to.X - from.X;
@@ -572,7 +600,8 @@ bool TCanvas::DrawExactEllipse(const TRect &r)
     const QTransform &t = d->World;
     const bool shiftOnly = t.type() <= QTransform::TxTranslate && t.dx() == std::floor(t.dx()) &&
                            t.dy() == std::floor(t.dy());
-    if (!thin || !shiftOnly || m_Recording || r.IsEmpty())
+    // Pixel spans would turn into a staircase of little rectangles on a vector device.
+    if (!thin || !shiftOnly || m_Recording || r.IsEmpty() || IsVector())
         return false;
     const bool pen = m_Pen.Style != TPenStyle::psClear;
     // Without a pen the figure loses its last column and row, as rectangles do.
@@ -652,7 +681,7 @@ TColor TCanvas::GetPixel(std::int32_t x, std::int32_t y) const
 {
     const QPointF dev = DeviceTransform().map(QPointF(x, y));
     const QPoint at(int(std::floor(dev.x())), int(std::floor(dev.y())));
-    if (!m_Target->valid(at))
+    if (!m_Target || !m_Target->valid(at))
         return clNone;
     return FromQColor(QColor(m_Target->pixel(at)));
 }

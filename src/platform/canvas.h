@@ -15,6 +15,7 @@
 #include <span>
 #include <vector>
 
+class QPaintDevice;
 class QPainter;
 
 namespace tessal {
@@ -58,16 +59,29 @@ struct TLogFont
 // raster operations; they only take effect on image-backed canvases, which is why every
 // drawing of the component happens on images. Coordinates are pixels; the world transform
 // applies to everything drawn.
+//
+// A canvas over any other paint device (an SVG or PDF writer, a printer) draws the same
+// figures as vectors, one device unit per pixel. Such a device has no pixels to combine
+// with: copy mode is honoured, black and white paint in that colour, nop draws nothing, and
+// every other pen mode draws as copy. GetPixel answers clNone there. Thin outlines are
+// strokes one unit wide through the middle of the pixels an image would paint, so that the
+// vector figure covers the same area.
 class TCanvas
 {
 public:
     // Draws on the given image, which must outlive the canvas (its format is kept).
     explicit TCanvas(QImage *target);
+    // Draws on a vector device, which must outlive the canvas. The painter stays open until
+    // the canvas is destroyed: that is when a writer finishes its document.
+    explicit TCanvas(QPaintDevice *device);
     TCanvas(const TCanvas &) = delete;
     TCanvas &operator=(const TCanvas &) = delete;
     ~TCanvas();
 
+    // The image drawn on, nullptr for a vector device.
     QImage *Target() const { return m_Target; }
+    QPaintDevice *Device() const { return m_Device; }
+    bool IsVector() const { return m_Target == nullptr; }
     // The painter, for the rare drawing that has no canvas operation.
     QPainter &Painter();
 
@@ -167,7 +181,8 @@ public:
     std::int32_t TextWidth(const QString &text) const { return TextExtent(text).X; }
     std::int32_t TextHeight(const QString &text) const { return TextExtent(text).Y; }
 
-    // Finishes pending painting so that the target image can be read.
+    // Finishes pending painting so that the target image can be read. Nothing on a vector
+    // device, whose document would end with the painter.
     void Flush();
 
 private:
@@ -200,6 +215,7 @@ private:
 
     std::unique_ptr<Impl> d;
     QImage *m_Target = nullptr;
+    QPaintDevice *m_Device = nullptr;
     TPen m_Pen;
     TBrush m_Brush;
     TFont m_Font;

@@ -92,7 +92,7 @@ void TCanvas::SelectLogFont(const TLogFont &lf)
     QFont font = BaseFont(lf);
     d->CellHeight = std::max(lf.Height, 0);
     if (lf.Height > 0)
-        font.setPixelSize(PixelSizeForCell(font, lf.Height, m_Target));
+        font.setPixelSize(PixelSizeForCell(font, lf.Height, m_Device));
     else
         font.setPixelSize(lf.Height < 0 ? -lf.Height : kDefaultPixelHeight);
     d->QtFont = font;
@@ -110,7 +110,7 @@ TPoint TCanvas::TextExtent(const QString &text) const
     QFont font = d->QtFont;
     if (m_CharExtra != 0)
         font.setLetterSpacing(QFont::AbsoluteSpacing, m_CharExtra);
-    const QFontMetrics m(font, m_Target);
+    const QFontMetrics m(font, m_Device);
     return {m.horizontalAdvance(text), d->CellHeight ? d->CellHeight : m.ascent() + m.descent()};
 }
 
@@ -120,7 +120,7 @@ void TCanvas::TextOut(std::int32_t x, std::int32_t y, const QString &text)
     QFont font = d->QtFont;
     if (m_CharExtra != 0)
         font.setLetterSpacing(QFont::AbsoluteSpacing, m_CharExtra);
-    const QFontMetrics m(font, m_Target);
+    const QFontMetrics m(font, m_Device);
     QPainter &p = d->Painter;
     // The escapement turns the text counter-clockwise about the top-left of its cell.
     QTransform place;

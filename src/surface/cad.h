@@ -539,10 +539,9 @@ public:
     // The working shapes go to the system clipboard as records under ShapesMimeType(),
     // together with their group members and every top-level connector bound at both ends
     // to copied shapes; relations name places within the copied set, and a binding to a
-    // shape left behind is dropped. A PNG ("image/png") and an SVG ("image/svg+xml", the same
-    // picture embedded) of the copied shapes, drawn as the surface draws them at the current
-    // zoom on the background colour, serve other applications. False when nothing is
-    // selected.
+    // shape left behind is dropped. A PNG ("image/png") and an SVG ("image/svg+xml", vector
+    // figures) of the copied shapes, drawn as the surface draws them at the current zoom on
+    // the background colour, serve other applications. False when nothing is selected.
     bool CopyToClipboard();
     // Copies, then deletes the copied top-level shapes as one "ACT_DELETE" step.
     bool CutToClipboard();
@@ -561,6 +560,9 @@ public:
     // The copied shapes' picture (control pixels of their painted extent); null when
     // nothing is selected or the extent is empty or larger than 8192 pixels a side.
     QImage SelectionImage();
+    // The same picture as an SVG document of vector figures, one unit per pixel; empty
+    // where SelectionImage() is null.
+    QByteArray SelectionSvg();
     // A copy of source (of any surface) created for this surface through the stored record:
     // every stored field and the centre point equal; not in the document.
     std::unique_ptr<TMyShape> CloneShape(const TMyShape &source);
@@ -636,6 +638,17 @@ public:
     // ShapesRenumbered after the list's order or length or the group relations changed.
     void ShapeGeometryChanged(TMyShape *shape);
     void ShapesRenumbered();
+
+    // ---- Export ----
+    // Draws the part page (control pixels) of the document on canvas, page's top-left corner
+    // at the canvas's (0, 0): the background colour, the background picture, the grid when
+    // grid is true, and the shapes of visible layers in list order as a repaint draws them,
+    // without handles. The canvas may be over any paint device; on a vector device the
+    // shapes become vector figures (see TCanvas for the pen modes there).
+    void DrawDocument(TCanvas &canvas, const TRect &page, bool grid = false);
+    // DrawDocument through a canvas over device, one device unit per control pixel. False
+    // when the device cannot be painted on.
+    bool RenderTo(QPaintDevice *device, const TRect &page, bool grid = false);
 
     // ---- TShapeHost ----
     std::int32_t ControlWidth() const override { return width(); }
@@ -1064,6 +1077,8 @@ private:
     void DrawWorkingHandles(const TRect &clip);
     void DrawBkBitmapPart(QImage &image, QRect page, QRect clip);
     void DrawGridDots(TCanvas &canvas, QSize size, double sx, double sy);
+    // The grid of page drawn on an export canvas (export.cpp).
+    void DrawGridOn(TCanvas &canvas, const TRect &page);
     void DrawGridLines(TCanvas &canvas, QSize size, double sx, double sy, const TRect &rect);
     void EnsureIndex();
     bool m_GridDrawing = false;

@@ -186,22 +186,23 @@ QByteArray Encoded(const QImage &image, const char *format)
     return bytes;
 }
 
-// The picture as an SVG document of the same size, for applications that take only
-// vector formats.
-QByteArray SvgOf(const QImage &image)
+// The painted extent (control pixels) of the copied roots; false when it is empty or too
+// large to become a picture.
+bool SelectionBox(const TMyCAD &cad, const std::vector<TMyShape *> &roots, TRect &box)
 {
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    QSvgGenerator generator;
-    generator.setOutputDevice(&buffer);
-    generator.setSize(image.size());
-    generator.setViewBox(QRect(QPoint(0, 0), image.size()));
-    generator.setTitle(QStringLiteral("Shapes"));
-    QPainter painter(&generator);
-    painter.drawImage(QPoint(0, 0), image);
-    painter.end();
-    return bytes;
+    bool any = false;
+    for (TMyShape *root : roots) {
+        const TRect r = cad.ShapeScreenRect(root);
+        if (r.Right <= r.Left || r.Bottom <= r.Top)
+            continue;
+        box = any ? TRect(std::min(box.Left, r.Left), std::min(box.Top, r.Top),
+                          std::max(box.Right, r.Right), std::max(box.Bottom, r.Bottom))
+                  : r;
+        any = true;
+    }
+    const std::int64_t w = std::int64_t(box.Right) - box.Left;
+    const std::int64_t h = std::int64_t(box.Bottom) - box.Top;
+    return any && w <= MaxPictureSide && h <= MaxPictureSide;
 }
 
 } // namespace
@@ -314,21 +315,9 @@ QImage TMyCAD::SelectionImage()
 {
     const std::vector<TMyShape *> roots = CopiedRoots(*this, CopiedNumbers(*this));
     TRect box;
-    bool any = false;
-    for (TMyShape *root : roots) {
-        const TRect r = ShapeScreenRect(root);
-        if (r.Right <= r.Left || r.Bottom <= r.Top)
-            continue;
-        box = any ? TRect(std::min(box.Left, r.Left), std::min(box.Top, r.Top),
-                          std::max(box.Right, r.Right), std::max(box.Bottom, r.Bottom))
-                  : r;
-        any = true;
-    }
-    const std::int64_t w = std::int64_t(box.Right) - box.Left;
-    const std::int64_t h = std::int64_t(box.Bottom) - box.Top;
-    if (!any || w > MaxPictureSide || h > MaxPictureSide)
+    if (!SelectionBox(*this, roots, box))
         return {};
-    QImage image(int(w), int(h), QImage::Format_RGB32);
+    QImage image(box.Width(), box.Height(), QImage::Format_RGB32);
     image.fill(ToQColor(m_ColorOfBackGround));
     {
         TCanvas canvas(&image);
@@ -341,11 +330,43 @@ QImage TMyCAD::SelectionImage()
     return image;
 }
 
+// The shapes go through a canvas over the SVG writer, so that they arrive as figures that
+// other applications can edit and scale.
+QByteArray TMyCAD::SelectionSvg()
+{
+    const std::vector<TMyShape *> roots = CopiedRoots(*this, CopiedNumbers(*this));
+    TRect box;
+    if (!SelectionBox(*this, roots, box))
+        return {};
+    const QSize size(box.Width(), box.Height());
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    QSvgGenerator generator;
+    generator.setOutputDevice(&buffer);
+    generator.setSize(size);
+    generator.setViewBox(QRect(QPoint(0, 0), size));
+    generator.setResolution(ScreenPixelsPerInch());
+    generator.setTitle(QStringLiteral("Shapes"));
+    {
+        TCanvas canvas(static_cast<QPaintDevice *>(&generator));
+        canvas.SetOrigin(TPoint(box.Left, box.Top));
+        canvas.Brush().Color = m_ColorOfBackGround;
+        canvas.Brush().Style = TBrushStyle::bsSolid;
+        canvas.FillRect(box);
+        for (TMyShape *root : roots)
+            if (root->Visible())
+                DrawShapeTree(canvas, root, 0);
+    }
+    return bytes;
+}
+
 bool TMyCAD::CopyToClipboard()
 {
     // The picture first: drawing updates what the line classes derive from their points
     // (their angle), and the records should hold the shapes as the copy leaves them.
     const QImage image = SelectionImage();
+    const QByteArray svg = SelectionSvg();
     const QByteArray data = CopiedShapesData();
     if (data.isEmpty())
         return false;
@@ -353,7 +374,7 @@ bool TMyCAD::CopyToClipboard()
     mime->setData(ShapesMimeType(), data);
     if (!image.isNull()) {
         mime->setData(QStringLiteral("image/png"), Encoded(image, "PNG"));
-        mime->setData(QStringLiteral("image/svg+xml"), SvgOf(image));
+        mime->setData(QStringLiteral("image/svg+xml"), svg);
     }
     QGuiApplication::clipboard()->setMimeData(mime);
     return true;

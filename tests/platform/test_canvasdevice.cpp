@@ -1,0 +1,135 @@
+// SPDX-License-Identifier: MIT
+// The canvas over vector devices: figures arrive as vector elements that cover the pixels an
+// image canvas paints, pen modes reduce to copy, and a PDF page holds no picture.
+#include "canvas_helpers.h"
+
+#include <tessal/platform/canvas.h>
+
+#include <gtest/gtest.h>
+
+#include <QBuffer>
+#include <QPageLayout>
+#include <QPageSize>
+#include <QPainter>
+#include <QPdfWriter>
+#include <QRegularExpression>
+#include <QSvgGenerator>
+#include <QSvgRenderer>
+
+using namespace tessal;
+using namespace tessal::test;
+
+namespace {
+
+constexpr int kWidth = 60, kHeight = 40;
+
+// Figures that exercise the outline placement, the thin pen and the modes: a red box with a
+// one-pixel black outline, a thin line, a green box in xor (drawn as copy), a nop box
+// (nothing) and a white-mode box (white whatever the colours).
+void DrawFigures(TCanvas &canvas)
+{
+    canvas.Pen() = TPen{clBlack, TPenMode::pmCopy, TPenStyle::psSolid, 1};
+    canvas.Brush() = TBrush{0x0000FF, TBrushStyle::bsSolid, {}};
+    canvas.Rectangle(TRect(10, 5, 30, 25));
+    canvas.MoveTo(2, 35);
+    canvas.LineTo(58, 35);
+    canvas.Flush(); // ends nothing on a vector device: later figures still arrive
+    canvas.Pen().Mode = TPenMode::pmXor;
+    canvas.Brush().Color = 0x00FF00;
+    canvas.Rectangle(TRect(35, 5, 45, 15));
+    canvas.Pen().Mode = TPenMode::pmNop;
+    canvas.Rectangle(TRect(35, 18, 45, 28));
+    canvas.Pen().Mode = TPenMode::pmWhite;
+    canvas.Brush().Color = 0x00FF00;
+    canvas.Rectangle(TRect(48, 5, 58, 15));
+}
+
+QImage RenderedBack(const QByteArray &svg)
+{
+    QSvgRenderer renderer(svg);
+    EXPECT_TRUE(renderer.isValid());
+    QImage image = Filled(kWidth, kHeight, 0xFFFFFF);
+    QPainter painter(&image);
+    renderer.render(&painter, QRectF(0, 0, kWidth, kHeight));
+    return image;
+}
+
+} // namespace
+
+TEST(CanvasDevice, SvgHoldsFiguresCoveringTheImagePixels)
+{
+    QByteArray svg;
+    {
+        QBuffer buffer(&svg);
+        buffer.open(QIODevice::WriteOnly);
+        QSvgGenerator generator;
+        generator.setOutputDevice(&buffer);
+        generator.setSize(QSize(kWidth, kHeight));
+        generator.setViewBox(QRect(0, 0, kWidth, kHeight));
+        TCanvas canvas(static_cast<QPaintDevice *>(&generator));
+        EXPECT_TRUE(canvas.IsVector());
+        EXPECT_EQ(canvas.Target(), nullptr);
+        DrawFigures(canvas);
+        EXPECT_EQ(canvas.GetPixel(20, 15), clNone);
+    }
+    EXPECT_TRUE(svg.contains("<path") || svg.contains("<rect") || svg.contains("<polygon"));
+    EXPECT_FALSE(svg.contains("<image"));
+
+    QImage reference = Filled(kWidth, kHeight, 0xFFFFFF);
+    {
+        TCanvas canvas(&reference);
+        DrawFigures(canvas);
+        canvas.Flush();
+    }
+    const QImage drawn = RenderedBack(svg);
+    // Inside, on and just beyond every edge of the box; the thin line; the mode boxes.
+    struct Probe
+    {
+        int X, Y;
+        unsigned Rgb;
+    };
+    const Probe probes[] = {
+        {20, 15, 0xFF0000}, {10, 15, 0x000000}, {29, 15, 0x000000}, {20, 5, 0x000000},
+        {20, 24, 0x000000}, {9, 15, 0xFFFFFF},  {30, 15, 0xFFFFFF}, {20, 25, 0xFFFFFF},
+        {30, 35, 0x000000}, {30, 34, 0xFFFFFF}, {40, 10, 0x00FF00}, {40, 23, 0xFFFFFF},
+        {53, 10, 0xFFFFFF}, {5, 5, 0xFFFFFF},
+    };
+    for (const Probe &p : probes)
+        EXPECT_EQ(Rgb(drawn, p.X, p.Y), p.Rgb) << p.X << ", " << p.Y;
+    // The image canvas paints the same pixels except where xor combines with what is there.
+    for (const Probe &p : probes) {
+        if (p.X < 35 || p.X > 45 || p.Y > 15) {
+            EXPECT_EQ(Rgb(reference, p.X, p.Y), p.Rgb) << "image " << p.X << ", " << p.Y;
+        }
+    }
+}
+
+// A page of 200 x 100 units at 96 per inch is 150 x 75 points; the figures are drawn as
+// vectors, so the file holds no image object however large the filled area.
+TEST(CanvasDevice, PdfPageOfFigures)
+{
+    QByteArray pdf;
+    {
+        QBuffer buffer(&pdf);
+        buffer.open(QIODevice::WriteOnly);
+        QPdfWriter writer(&buffer);
+        writer.setResolution(96);
+        writer.setPageLayout(QPageLayout(
+            QPageSize(QSizeF(150, 75), QPageSize::Point, QString(), QPageSize::ExactMatch),
+            QPageLayout::Portrait, QMarginsF()));
+        TCanvas canvas(static_cast<QPaintDevice *>(&writer));
+        EXPECT_EQ(writer.width(), 200);
+        canvas.Brush() = TBrush{0x0000FF, TBrushStyle::bsSolid, {}};
+        canvas.Rectangle(TRect(0, 0, 200, 100));
+        EXPECT_EQ(canvas.GetPixel(5, 5), clNone);
+    }
+    EXPECT_TRUE(pdf.startsWith("%PDF-"));
+    const QRegularExpressionMatch box =
+        QRegularExpression(QStringLiteral(R"(/MediaBox \[0 0 ([\d.]+) ([\d.]+)\])"))
+            .match(QString::fromLatin1(pdf));
+    ASSERT_TRUE(box.hasMatch());
+    EXPECT_EQ(box.captured(1).toDouble(), 150.0);
+    EXPECT_EQ(box.captured(2).toDouble(), 75.0);
+    EXPECT_FALSE(pdf.contains("/Subtype /Image"));
+    EXPECT_LT(pdf.size(), 4000);
+}
