@@ -21,16 +21,6 @@ namespace tessal {
 
 namespace {
 
-// The same bound as for an opened drawing: no real drawing is larger.
-constexpr std::int32_t MaxControlSide = 32767;
-
-// The drawing Tag and user data came with XP.h.
-bool HasDrawingUserData(const QString &version)
-{
-    return version == QLatin1String("XP.h") || version == QLatin1String("XP.i") ||
-           version == QLatin1String("XP.j");
-}
-
 std::int32_t ReadCount(BinaryStream &stream, std::int64_t elementSize)
 {
     const std::int32_t count = stream.ReadInt32();
@@ -86,7 +76,7 @@ bool TMyCAD::LoadFromStreamforBlock(QIODevice *stream, TBlockLayerMode mode)
         if (!stream->seek(0))
             throw TStreamError("the stream cannot be read from its start");
         BinaryStream s(stream);
-        ReadBlockSettings(s);
+        ReadDrawingSettings(s, true); // a block never makes the drawing smaller
         const std::vector<TLayer> blockLayers = ReadBlockLayers(s);
         ReadBlockShapes(s);
         AssignBlockLayers(blockLayers, mode);
@@ -101,47 +91,6 @@ bool TMyCAD::LoadFromStreamforBlock(QIODevice *stream, TBlockLayerMode mode)
         return true;
     m_MemoryShapes.clear();
     return false;
-}
-
-void TMyCAD::ReadBlockSettings(BinaryStream &stream)
-{
-    ReadFixedText(stream, DrawingFile::TagWidth);
-    ReadFixedText(stream, DrawingFile::TitleWidth);
-    // The block's shape records are read in the block's own layout.
-    m_DiskFileVersion = ReadFixedText(stream, DrawingFile::VersionWidth).trimmed();
-    ReadFixedText(stream, DrawingFile::DateWidth);
-    ReadFixedText(stream, DrawingFile::ReservedWidth);
-
-    m_ColorOfBackGround = stream.ReadUInt32();
-    const std::int32_t w = stream.ReadInt32();
-    const std::int32_t h = stream.ReadInt32();
-    if (w < 0 || h < 0 || w > MaxControlSide || h > MaxControlSide)
-        throw TStreamError("implausible block size " + std::to_string(w) + " x " +
-                           std::to_string(h));
-    // A block never makes the drawing smaller.
-    if (w > width() || h > height())
-        resize(std::max(w, width()), std::max(h, height()));
-    const std::uint8_t unit = stream.ReadUInt8();
-    if (unit > std::uint8_t(TUnits::inch))
-        throw TStreamError("invalid unit " + std::to_string(unit));
-    m_TheUNIT = TUnits(unit);
-    TBitmap picture;
-    ReadBitmapBuffer(stream, picture); // none, or one the decoder refuses, clears it
-    m_BkBitmap = picture;
-    const std::int32_t mode = stream.ReadInt32();
-    if (mode < 0 || mode > std::int32_t(TBkBitmapMode::LeftTop))
-        throw TStreamError("invalid background mode " + std::to_string(mode));
-    m_BkBitmapMode = TBkBitmapMode(mode);
-    m_Ratio = stream.ReadDouble();
-    if (!HasDrawingUserData(m_DiskFileVersion))
-        return;
-    m_Tag = stream.ReadInt32();
-    std::vector<TUserDataRecord> records = m_UserData.Records();
-    for (std::int32_t i = ReadCount(stream, 8); i > 0; --i) {
-        QString key = ReadCountedText(stream);
-        records.push_back({key, ReadCountedText(stream)});
-    }
-    m_UserData.SetUserDataRecord(records);
 }
 
 // The block's layer table, only 1 reading as visible; its current layer is not used.

@@ -207,7 +207,10 @@ void TMyCAD::ResetForLoad()
     m_Layers.clear();
 }
 
-void TMyCAD::ReadDrawingSettings(BinaryStream &stream)
+// The header and the drawing's own settings. A drawing takes the stored size; a block
+// (growOnly) only enlarges the control where it is larger. Either way the shape records
+// that follow are read in the stream's own layout.
+void TMyCAD::ReadDrawingSettings(BinaryStream &stream, bool growOnly)
 {
     ReadFixedText(stream, DrawingFile::TagWidth);
     ReadFixedText(stream, DrawingFile::TitleWidth);
@@ -221,7 +224,10 @@ void TMyCAD::ReadDrawingSettings(BinaryStream &stream)
     if (w < 0 || h < 0 || w > MaxControlSide || h > MaxControlSide)
         throw TStreamError("implausible drawing size " + std::to_string(w) + " x " +
                            std::to_string(h));
-    resize(w, h);
+    if (!growOnly)
+        resize(w, h);
+    else if (w > width() || h > height())
+        resize(std::max(w, width()), std::max(h, height()));
     const std::uint8_t unit = stream.ReadUInt8();
     if (unit > std::uint8_t(TUnits::inch))
         throw TStreamError("invalid unit " + std::to_string(unit));

@@ -1038,7 +1038,7 @@ private:
 
     // Drawing files (persistence layer).
     void ResetForLoad();
-    void ReadDrawingSettings(BinaryStream &stream);
+    void ReadDrawingSettings(BinaryStream &stream, bool growOnly = false);
     void ReadLayerTable(BinaryStream &stream);
     void ReadShapeList(BinaryStream &stream);
     QString m_DiskFileVersion = QStringLiteral("XP.j");
@@ -1046,7 +1046,6 @@ private:
     bool m_Modified = false;
 
     // Blocks (persistence layer) and clipboard.
-    void ReadBlockSettings(BinaryStream &stream);
     std::vector<TLayer> ReadBlockLayers(BinaryStream &stream);
     void ReadBlockShapes(BinaryStream &stream);
     void AssignBlockLayers(const std::vector<TLayer> &blockLayers, TBlockLayerMode mode);
