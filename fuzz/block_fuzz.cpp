@@ -1,40 +1,18 @@
 // SPDX-License-Identifier: MIT
 // Any bytes given to the block reader, and the paste of whatever it accepted: an answer,
 // never a crash, a hang or a huge allocation.
+#include "fuzzapp.h"
+
 #include <tessal/surface/cad.h>
 
-#include <QApplication>
 #include <QBuffer>
 
 #include <cstddef>
 #include <cstdint>
 
-namespace {
-
-void Quiet(QtMsgType, const QMessageLogContext &, const QString &)
-{}
-
-// One application for the whole run, on the offscreen platform, without message output and
-// with the no-layer answer (which would end the program) switched off.
-void EnsureApplication()
-{
-    static int argc = 1;
-    static char name[] = "fuzz_block";
-    static char *argv[] = {name, nullptr};
-    static QApplication *app = [] {
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-        qInstallMessageHandler(Quiet);
-        tessal::TMyCAD::SetNoLayerHandler([](tessal::TMyCAD *) {});
-        return new QApplication(argc, argv);
-    }();
-    (void)app;
-}
-
-} // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
-    EnsureApplication();
+    tessal::fuzz::EnsureApplication();
     if (size == 0)
         return 0;
     // The first byte chooses the layer mode; the rest is the block.

@@ -1,39 +1,18 @@
 // SPDX-License-Identifier: MIT
 // Any bytes given to the shape library reader: an answer, never a crash, a hang or a huge
 // allocation, through loading, reading every entry and rewriting it in the current layout.
+#include "fuzzapp.h"
+
 #include <tessal/persistence/library.h>
 #include <tessal/surface/cad.h>
-
-#include <QApplication>
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
-namespace {
-
-void Quiet(QtMsgType, const QMessageLogContext &, const QString &)
-{}
-
-void EnsureApplication()
-{
-    static int argc = 1;
-    static char name[] = "fuzz_library";
-    static char *argv[] = {name, nullptr};
-    static QApplication *app = [] {
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-        qInstallMessageHandler(Quiet);
-        tessal::TMyCAD::SetNoLayerHandler([](tessal::TMyCAD *) {});
-        return new QApplication(argc, argv);
-    }();
-    (void)app;
-}
-
-} // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
-    EnsureApplication();
+    tessal::fuzz::EnsureApplication();
     tessal::TLibManager lib;
     if (!lib.LoadFromBuffer(QByteArray(reinterpret_cast<const char *>(data), qsizetype(size))))
         return 0;
