@@ -20,6 +20,10 @@ class QPainter;
 
 namespace tessal {
 
+namespace canvasdetail {
+struct TSpan;
+}
+
 // A polygon region for hit tests, fills and clipping, with either fill rule.
 class TRegion
 {
@@ -200,6 +204,12 @@ private:
     void RenderDirect(const QPainterPath &outline, const QPainterPath *fill,
                       OutlinePlacement placement);
     bool DrawExactEllipse(const TRect &r);
+    bool RoundStrokeApplies() const;
+    bool CollectRoundStroke(const QPainterPath &outline, const QRect &bounds);
+    bool StrokeAsSpans(const QPainterPath &outline, const QColor &colour);
+    void WriteSpans(const std::vector<canvasdetail::TSpan> &spans, QRgb colour, TPenMode mode);
+    void PaintSpansOnLayer(const QPainterPath &outline, const QRect &box, QImage &layer,
+                           const QColor &colour);
     bool EndPixelNeedsMoving(TPoint from, TPoint to) const;
     void DrawBackwardLine(TPoint from, TPoint to);
     // Fill and outline combined off-target, then merged pixel by pixel, so that modes which

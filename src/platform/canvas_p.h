@@ -4,6 +4,8 @@
 
 #include <tessal/platform/canvas.h>
 
+#include "roundstroke_p.h"
+
 #include <QFont>
 #include <QPainter>
 #include <QPainterPath>
@@ -18,6 +20,10 @@ struct TCanvas::Impl
     QTransform World;
     // Clipping in device pixels (clip regions are not subject to the world transform).
     std::optional<QPainterPath> Clip;
+    // The same clipping when it is a plain rectangle, which wide strokes honour directly.
+    std::optional<QRect> ClipRect;
+    // The pixels of the wide stroke being drawn; kept to reuse its memory.
+    canvasdetail::TRoundStroke Stroke;
     // The path being recorded or last recorded, in logical coordinates.
     QPainterPath Path;
     // The font last turned into the log font, to notice edits made through Font().

@@ -173,6 +173,7 @@ void TCanvas::SelectClipRgn(const TRegion *region)
         d->Clip = region->Path();
     else
         d->Clip.reset();
+    d->ClipRect.reset();
     RestoreDeviceState();
 }
 
@@ -183,8 +184,10 @@ void TCanvas::SelectClipRect(const TRect *rect)
         const TRect n = rect->Normalized();
         clip.addRect(QRectF(n.Left, n.Top, n.Width(), n.Height()));
         d->Clip = clip;
+        d->ClipRect = QRect(n.Left, n.Top, n.Width(), n.Height());
     } else {
         d->Clip.reset();
+        d->ClipRect.reset();
     }
     RestoreDeviceState();
 }

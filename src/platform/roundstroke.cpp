@@ -1,0 +1,217 @@
+// SPDX-License-Identifier: MIT
+// TRoundStroke: rows of a union of round capsules, found approximately and settled exactly.
+#include "roundstroke_p.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+namespace tessal::canvasdetail {
+
+#ifndef __SIZEOF_INT128__
+#error "the stroke rasteriser needs a compiler with 128-bit integers"
+#endif
+__extension__ typedef __int128 Wide; // exact products of 64-bit coordinates
+
+struct TRoundStroke::Capsule
+{
+    std::int64_t Ax, Ay, Bx, By, Dx, Dy;
+    Wide Length2; // squared length of the segment
+    Wide Reach2;  // the squared width times Length2: four times the squared radius, scaled
+    bool Huge;    // coordinates beyond what a double estimate settles to a thousandth
+};
+
+namespace {
+
+// Whether a centre at (qx, qy) from a disc's middle is covered by a disc of width w.
+bool InDisc(std::int64_t qx, std::int64_t qy, std::int64_t w)
+{
+    const Wide d2 = 4 * (Wide(qx) * qx + Wide(qy) * qy);
+    const Wide w2 = Wide(w) * w;
+    if (d2 != w2)
+        return d2 < w2;
+    // On the rim: covered when the middle lies to the right, or straight below.
+    return -qx > 0 || (qx == 0 && -qy > 0);
+}
+
+} // namespace
+
+void TRoundStroke::Reset(std::int32_t width, const QRect &bounds)
+{
+    m_Width = std::max(width, 1);
+    m_Radius = m_Width / 2.0;
+    m_Bounds = bounds;
+    m_Spans.clear();
+    m_Merged = true;
+}
+
+void TRoundStroke::AddSegment(QPoint from, QPoint to)
+{
+    Capsule c{from.x(),
+              from.y(),
+              to.x(),
+              to.y(),
+              to.x() - std::int64_t(from.x()),
+              to.y() - std::int64_t(from.y()),
+              0,
+              0,
+              false};
+    constexpr std::int64_t Limit = std::int64_t(1) << 24;
+    c.Huge = std::max({std::abs(c.Ax), std::abs(c.Ay), std::abs(c.Bx), std::abs(c.By)}) > Limit;
+    c.Length2 = Wide(c.Dx) * c.Dx + Wide(c.Dy) * c.Dy;
+    c.Reach2 = Wide(m_Width) * m_Width * c.Length2;
+    const double reach = m_Radius + 1e-6;
+    const double top = std::max<double>(std::min(c.Ay, c.By) - reach, m_Bounds.top());
+    const double bottom = std::min<double>(std::max(c.Ay, c.By) + reach, m_Bounds.bottom());
+    if (std::max(c.Ax, c.Bx) + reach < m_Bounds.left() ||
+        std::min(c.Ax, c.Bx) - reach > m_Bounds.right())
+        return;
+    for (auto y = std::int32_t(std::ceil(top)); y <= std::int32_t(std::floor(bottom)); ++y)
+        AddRow(c, y);
+}
+
+namespace {
+
+// Whether the centre (x, y) is covered by the capsule of a segment, by the rule of the class.
+template <typename C>
+bool Covered(const C &c, std::int64_t x, std::int64_t y, std::int64_t w)
+{
+    const std::int64_t qx = x - c.Ax, qy = y - c.Ay;
+    const Wide along = Wide(qx) * c.Dx + Wide(qy) * c.Dy;
+    if (along <= 0)
+        return InDisc(qx, qy, w);
+    if (along >= c.Length2)
+        return InDisc(x - c.Bx, y - c.By, w);
+    // Beside the segment: the cross product is the distance times the length.
+    const Wide cross = Wide(c.Dx) * qy - Wide(c.Dy) * qx;
+    constexpr Wide Far = Wide(1) << 62;
+    if (cross > Far || cross < -Far)
+        return false;
+    const Wide d2 = 4 * cross * cross;
+    if (d2 != c.Reach2)
+        return d2 < c.Reach2;
+    // On the rim: the nearest point lies in direction cross * (Dy, -Dx).
+    const Wide gx = cross * c.Dy, gy = -cross * c.Dx;
+    return gx > 0 || (gx == 0 && gy > 0);
+}
+
+// Widens [lo, hi] by the part of row y that a disc of width w about (cx, cy) covers. A row at
+// exactly half the width touches the disc in one point, covered only above the middle.
+void Widen(std::int64_t cx, std::int64_t cy, std::int64_t w, std::int64_t y, double &lo, double &hi)
+{
+    const std::int64_t off = 2 * (y - cy);
+    if (std::abs(off) > w || off == w)
+        return;
+    const double h = std::sqrt(double(w * w - off * off)) / 2;
+    lo = std::min(lo, double(cx) - h);
+    hi = std::max(hi, double(cx) + h);
+}
+
+} // namespace
+
+// The capsule's covered part of row y: a floating-point estimate of the interval whose ends
+// are settled by the exact test wherever they come near a pixel centre. Inside the interval
+// every centre is covered: the rows where a whole stretch lies on the rim, tangent to a disc
+// or along a horizontal band's edge, are decided exactly before estimating.
+void TRoundStroke::AddRow(const Capsule &c, std::int32_t y)
+{
+    const double r = m_Radius;
+    double lo = HUGE_VAL, hi = -HUGE_VAL;
+    Widen(c.Ax, c.Ay, m_Width, y, lo, hi);
+    Widen(c.Bx, c.By, m_Width, y, lo, hi);
+    const double dx = double(c.Dx), dy = double(c.Dy), qy = y - double(c.Ay);
+    if (c.Dy != 0) {
+        // The band beside the segment, limited to the stretch between its ends.
+        const double half = r * std::sqrt(dx * dx + dy * dy);
+        double a = double(c.Ax) + (dx * qy - half) / dy, b = double(c.Ax) + (dx * qy + half) / dy;
+        if (a > b)
+            std::swap(a, b);
+        if (c.Dx != 0) {
+            double s = double(c.Ax) - qy * dy / dx, e = s + (dx * dx + dy * dy) / dx;
+            if (s > e)
+                std::swap(s, e);
+            a = std::max(a, s);
+            b = std::min(b, e);
+        } else if (qy < std::min(0.0, dy) || qy > std::max(0.0, dy)) {
+            a = HUGE_VAL; // a vertical segment is beside this row only between its ends
+        }
+        if (a <= b) {
+            lo = std::min(lo, a);
+            hi = std::max(hi, b);
+        }
+    } else if (const std::int64_t off = 2 * (y - c.Ay);
+               std::abs(off) < m_Width || off == -m_Width) {
+        // A horizontal segment's band: a row at exactly half the width is covered above the
+        // segment and not below, all along (the only place where a whole row is on the rim).
+        lo = std::min(lo, double(std::min(c.Ax, c.Bx)));
+        hi = std::max(hi, double(std::max(c.Ax, c.Bx)));
+    }
+    if (lo > hi)
+        return;
+    const auto covered = [&](std::int64_t x) { return Covered(c, x, y, m_Width); };
+    std::int64_t left = 0, right = 0;
+    if (c.Huge) {
+        // Far-off coordinates leave the estimate too coarse to trust: walk to the ends.
+        left = std::int64_t(std::ceil(lo - 1));
+        right = std::int64_t(std::floor(hi + 1));
+        while (left <= right && !covered(left))
+            ++left;
+        while (right >= left && !covered(right))
+            --right;
+    } else {
+        // The estimate is off by far less than Near; an end that close to a centre is settled
+        // by the exact test, any other is where the estimate puts it.
+        constexpr double Near = 1e-3;
+        const double nl = std::nearbyint(lo), nr = std::nearbyint(hi);
+        left = std::abs(lo - nl) < Near ? std::int64_t(nl) + (covered(std::int64_t(nl)) ? 0 : 1)
+                                        : std::int64_t(std::ceil(lo));
+        right = std::abs(hi - nr) < Near ? std::int64_t(nr) - (covered(std::int64_t(nr)) ? 0 : 1)
+                                         : std::int64_t(std::floor(hi));
+    }
+    const std::int64_t from = std::max<std::int64_t>(left, m_Bounds.left());
+    const std::int64_t to = std::min<std::int64_t>(right, m_Bounds.right());
+    if (from > to)
+        return;
+    m_Spans.push_back({y, std::int32_t(from), std::int32_t(to + 1)});
+    m_Merged = false;
+}
+
+// A stroke has few rows and a row few spans: the spans are bucketed by row, each row is put
+// in order by insertion, and overlapping or touching spans are joined.
+const std::vector<TSpan> &TRoundStroke::Spans()
+{
+    if (m_Merged)
+        return m_Spans;
+    const auto [top, bottom] = std::minmax_element(
+        m_Spans.begin(), m_Spans.end(), [](const TSpan &a, const TSpan &b) { return a.Y < b.Y; });
+    const std::int32_t first = top->Y;
+    m_RowStart.assign(std::size_t(bottom->Y - first) + 2, 0);
+    for (const TSpan &s : m_Spans)
+        ++m_RowStart[std::size_t(s.Y - first) + 1];
+    for (std::size_t i = 1; i < m_RowStart.size(); ++i)
+        m_RowStart[i] += m_RowStart[i - 1];
+    m_Sorted.resize(m_Spans.size());
+    for (const TSpan &s : m_Spans)
+        m_Sorted[m_RowStart[std::size_t(s.Y - first)]++] = s;
+    // Each start has moved to the next row's start: row i now begins at m_RowStart[i - 1].
+    m_Spans.clear();
+    std::size_t begin = 0;
+    for (std::size_t row = 0; row + 1 < m_RowStart.size(); ++row) {
+        const std::size_t end = m_RowStart[row];
+        for (std::size_t i = begin + 1; i < end; ++i)
+            for (std::size_t j = i; j > begin && m_Sorted[j].Left < m_Sorted[j - 1].Left; --j)
+                std::swap(m_Sorted[j], m_Sorted[j - 1]);
+        for (std::size_t i = begin; i < end; ++i) {
+            const TSpan &s = m_Sorted[i];
+            if (i > begin && s.Left <= m_Spans.back().Right)
+                m_Spans.back().Right = std::max(m_Spans.back().Right, s.Right);
+            else
+                m_Spans.push_back(s);
+        }
+        begin = end;
+    }
+    m_Merged = true;
+    return m_Spans;
+}
+
+} // namespace tessal::canvasdetail

@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: MIT
+// Wide outlines with round joins and ends: the pixel rule, checked against a direct
+// evaluation of the distance at a nudged pixel centre, and its independence of where and in
+// how many parts the stroke is drawn.
+#include "canvas_helpers.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+using namespace tessal;
+using namespace tessal::test;
+
+namespace {
+
+constexpr unsigned Paper = 0xFFFFFF;
+constexpr unsigned Pen = 0x404040; // grey: the same in either channel order
+
+// The rule evaluated naively: a pixel is inked when the centre, nudged a hair right and a
+// hair's hair down, lies closer than half the width to a segment. The nudge decides the
+// centres that lie exactly at half the width, and is far smaller than any other gap that
+// integer points of this size can produce.
+bool Reference(const std::vector<TPoint> &points, int width, int px, int py)
+{
+    const long double x = px + 1e-6L, y = py + 1e-9L, r = width / 2.0L;
+    for (std::size_t i = 0; i + 1 < points.size(); ++i) {
+        const long double ax = points[i].X, ay = points[i].Y;
+        const long double dx = points[i + 1].X - ax, dy = points[i + 1].Y - ay;
+        const long double len2 = dx * dx + dy * dy;
+        long double t = len2 > 0 ? ((x - ax) * dx + (y - ay) * dy) / len2 : 0;
+        t = std::clamp(t, 0.0L, 1.0L);
+        const long double ex = ax + t * dx - x, ey = ay + t * dy - y;
+        if (ex * ex + ey * ey < r * r)
+            return true;
+    }
+    return false;
+}
+
+QImage DrawPolyline(const std::vector<TPoint> &points, int width, int size)
+{
+    return Painted(size, size, [&](TCanvas &c) {
+        c.Pen() = TPen{TColor(Pen), TPenMode::pmCopy, TPenStyle::psSolid, width};
+        c.Polyline(points);
+    });
+}
+
+std::vector<TPoint> RandomPolyline(std::mt19937 &rng, int size)
+{
+    std::uniform_int_distribution<int> coord(-8, size + 8), count(2, 6);
+    std::vector<TPoint> points(std::size_t(count(rng)));
+    for (TPoint &p : points)
+        p = {coord(rng), coord(rng)};
+    return points;
+}
+
+} // namespace
+
+TEST(RoundStroke, WideLinesCoverWidthRowsAndRoundEnds)
+{
+    // Width 2 from (2, 5) to (8, 5): the upper row from end to end, the line's own row one
+    // pixel further left (the start disc's left rim), nothing below.
+    const QImage two = DrawPolyline({{2, 5}, {8, 5}}, 2, 16);
+    EXPECT_EQ(Ink(two, Paper), (std::vector<TPoint>{{2, 4},
+                                                    {3, 4},
+                                                    {4, 4},
+                                                    {5, 4},
+                                                    {6, 4},
+                                                    {7, 4},
+                                                    {8, 4},
+                                                    {1, 5},
+                                                    {2, 5},
+                                                    {3, 5},
+                                                    {4, 5},
+                                                    {5, 5},
+                                                    {6, 5},
+                                                    {7, 5},
+                                                    {8, 5}}));
+    // Width 4 straight down: four columns (the left ones), the ends rounded; the top disc's
+    // highest point is a rim centre straight above its middle, the bottom one's is not.
+    const QImage four = DrawPolyline({{5, 2}, {5, 6}}, 4, 16);
+    EXPECT_EQ(InkBounds(four, Paper), (TRect{3, 0, 7, 8}));
+    EXPECT_EQ(Ink(four, Paper).size(), 1u + 3u + 5u * 4u + 3u);
+    EXPECT_EQ(Rgb(four, 5, 0), Pen);
+    EXPECT_EQ(Rgb(four, 3, 1), Paper);
+    EXPECT_EQ(Rgb(four, 5, 8), Paper);
+}
+
+TEST(RoundStroke, RandomPolylinesFollowThePixelRule)
+{
+    std::mt19937 rng(2026);
+    constexpr int Size = 48;
+    int mismatches = 0;
+    for (int round = 0; round < 300; ++round) {
+        const std::vector<TPoint> points = RandomPolyline(rng, Size);
+        const int width = 2 + round % 6;
+        const QImage image = DrawPolyline(points, width, Size);
+        for (int y = 0; y < Size; ++y)
+            for (int x = 0; x < Size; ++x)
+                if ((Rgb(image, x, y) == Pen) != Reference(points, width, x, y) &&
+                    mismatches++ == 0)
+                    ADD_FAILURE() << "round " << round << ", width " << width << ": pixel " << x
+                                  << ", " << y;
+    }
+    EXPECT_EQ(mismatches, 0);
+}
+
+TEST(RoundStroke, SamePixelsInPartsAndFarFromTheOrigin)
+{
+    std::mt19937 rng(7);
+    constexpr int Size = 40;
+    for (int round = 0; round < 60; ++round) {
+        const std::vector<TPoint> points = RandomPolyline(rng, Size);
+        const int width = 2 + round % 4;
+        const QImage whole = DrawPolyline(points, width, Size);
+        // The same stroke on a canvas whose image starts far away, clipped to a quarter.
+        const TPoint far(1'000'000 - 13, -2'000'000 + 7);
+        std::vector<TPoint> moved = points;
+        for (TPoint &p : moved)
+            p = {p.X + far.X, p.Y + far.Y};
+        const TRect quarter{far.X + 10, far.Y + 5, far.X + 30, far.Y + 25};
+        const QImage part = Painted(Size, Size, [&](TCanvas &c) {
+            c.SetOrigin(far);
+            c.SelectClipRect(&quarter);
+            c.Pen() = TPen{TColor(Pen), TPenMode::pmCopy, TPenStyle::psSolid, width};
+            c.Polyline(moved);
+        });
+        for (int y = 0; y < Size; ++y)
+            for (int x = 0; x < Size; ++x) {
+                const bool inside = x >= 10 && x < 30 && y >= 5 && y < 25;
+                ASSERT_EQ(Rgb(part, x, y), inside ? Rgb(whole, x, y) : Paper)
+                    << "round " << round << " at " << x << ", " << y;
+            }
+    }
+}
