@@ -3,7 +3,6 @@
 #include "canvas_p.h"
 
 #include <QImage>
-#include <QVarLengthArray>
 
 #include <algorithm>
 #include <cmath>
@@ -454,134 +453,6 @@ void TCanvas::RenderSinglePass(const QPainterPath &outline, const QPainterPath *
     p.setWorldTransform(DeviceTransform());
 }
 
-namespace {
-
-// The whole-pixel shift of a transform that does nothing else.
-std::optional<QPoint> WholeShift(const QTransform &t)
-{
-    if (t.type() > QTransform::TxTranslate || t.dx() != std::floor(t.dx()) ||
-        t.dy() != std::floor(t.dy()) || std::abs(t.dx()) > 1e9 || std::abs(t.dy()) > 1e9)
-        return std::nullopt;
-    return QPoint(int(t.dx()), int(t.dy()));
-}
-
-bool IsWholeNumber(qreal v)
-{
-    return v == std::floor(v) && std::abs(v) < 1e9;
-}
-
-} // namespace
-
-// Wide solid outlines with round joins and ends are rasterised by TRoundStroke when their
-// pixels are the image's own: on an image without scaling, for outlines through pixel centres.
-bool TCanvas::RoundStrokeApplies() const
-{
-    if (IsVector() || m_Recording || m_Target->devicePixelRatio() != 1)
-        return false;
-    if (m_Geometric)
-        return m_Pen.Width >= 2 && m_Join == TPenJoin::pjRound && m_Cap == TPenEndCap::pecRound &&
-               (m_Pen.Style == TPenStyle::psSolid || m_Pen.Style == TPenStyle::psInsideFrame);
-    return m_Pen.Width >= 2 && m_Pen.Style != TPenStyle::psClear;
-}
-
-// Collects the pixels of the outline's stroke inside bounds (image pixels); false when the
-// outline has curves or points between pixels, which the general stroker handles.
-bool TCanvas::CollectRoundStroke(const QPainterPath &outline, const QRect &bounds)
-{
-    const std::optional<QPoint> shift = WholeShift(DeviceTransform());
-    if (!shift)
-        return false;
-    TRoundStroke &stroke = d->Stroke;
-    stroke.Reset(m_Pen.Width, bounds);
-    QPoint last;
-    for (int i = 0; i < outline.elementCount(); ++i) {
-        const QPainterPath::Element &e = outline.elementAt(i);
-        if (e.isCurveTo() || !IsWholeNumber(e.x) || !IsWholeNumber(e.y))
-            return false;
-        const QPoint at = QPoint(int(e.x), int(e.y)) + *shift;
-        if (e.isLineTo())
-            stroke.AddSegment(last, at);
-        last = at;
-    }
-    return true;
-}
-
-bool TCanvas::StrokeAsSpans(const QPainterPath &outline, const QColor &colour)
-{
-    if (!RoundStrokeApplies())
-        return false;
-    QPainter &p = d->Painter;
-    // Spans are written straight into the image where its format and the clipping allow;
-    // otherwise they go through the painter, which applies the clipping and the pen mode.
-    const QImage::Format format = m_Target->format();
-    const bool copyLike = m_Pen.Mode == TPenMode::pmCopy || m_Pen.Mode == TPenMode::pmBlack ||
-                          m_Pen.Mode == TPenMode::pmWhite;
-    const bool direct = (format == QImage::Format_RGB32 ||
-                         (copyLike && (format == QImage::Format_ARGB32 ||
-                                       format == QImage::Format_ARGB32_Premultiplied))) &&
-                        p.hasClipping() == d->Clip.has_value() && (!d->Clip || d->ClipRect);
-    QRect bounds = m_Target->rect();
-    if (direct && d->ClipRect)
-        bounds &= d->ClipRect->translated(-m_Origin.X, -m_Origin.Y);
-    if (!CollectRoundStroke(outline, bounds))
-        return false;
-    const std::vector<TSpan> &spans = d->Stroke.Spans();
-    if (direct) {
-        WriteSpans(spans, colour.rgb(), copyLike ? TPenMode::pmCopy : m_Pen.Mode);
-        return true;
-    }
-    QVarLengthArray<QRect, 256> rects;
-    for (const TSpan &s : spans)
-        rects.append(QRect(s.Left, s.Y, s.Right - s.Left, 1));
-    p.setWorldTransform(QTransform());
-    p.setPen(Qt::NoPen);
-    p.setBrush(colour);
-    p.drawRects(rects.constData(), int(rects.size()));
-    p.setWorldTransform(DeviceTransform());
-    return true;
-}
-
-void TCanvas::WriteSpans(const std::vector<TSpan> &spans, QRgb colour, TPenMode mode)
-{
-    uchar *bits = const_cast<uchar *>(m_Target->constBits()); // the painter's own pixels
-    const qsizetype stride = m_Target->bytesPerLine();
-    const QRgb opaque = 0xFF000000u | colour;
-    for (const TSpan &s : spans) {
-        auto *row = reinterpret_cast<QRgb *>(bits + stride * s.Y);
-        if (mode == TPenMode::pmCopy) {
-            std::fill(row + s.Left, row + s.Right, opaque);
-            continue;
-        }
-        for (QRgb *px = row + s.Left; px != row + s.Right; ++px)
-            *px = 0xFF000000u | ApplyMode(mode, colour & 0xFFFFFFu, *px & 0xFFFFFFu);
-    }
-}
-
-// The outline of a single-pass drawing: its pixels painted opaque on the layer that holds
-// the part box of the image.
-void TCanvas::PaintSpansOnLayer(const QPainterPath &outline, const QRect &box, QImage &layer,
-                                const QColor &colour)
-{
-    QRect bounds = box;
-    if (d->ClipRect)
-        bounds &= d->ClipRect->translated(-m_Origin.X, -m_Origin.Y);
-    if (!CollectRoundStroke(outline, bounds)) {
-        QPainter lp(&layer); // curves: the general stroker, as for any other outline
-        if (d->Clip)
-            lp.setClipPath(d->Clip->translated(-box.left() - m_Origin.X, -box.top() - m_Origin.Y));
-        lp.setWorldTransform(OutlineTransform(OutlinePlacement::PixelCentres) *
-                             QTransform::fromTranslate(-box.left(), -box.top()));
-        lp.setPen(MakeQPen(m_Pen, m_Geometric, m_Join, m_Cap));
-        lp.drawPath(outline);
-        return;
-    }
-    const QRgb opaque = 0xFF000000u | colour.rgb();
-    for (const TSpan &s : d->Stroke.Spans()) {
-        auto *row = reinterpret_cast<QRgb *>(layer.scanLine(s.Y - box.top()));
-        std::fill(row + (s.Left - box.left()), row + (s.Right - box.left()), opaque);
-    }
-}
-
 // A one-pixel line covers its start pixel and leaves out its end pixel, whichever way it
 // runs. The rasteriser leaves out the pixel at the larger end of the major axis, which is
 // the end only for lines running right or down; a line running the other way is drawn with
@@ -630,7 +501,7 @@ void TCanvas::LineTo(std::int32_t x, std::int32_t y)
         d->Path.lineTo(x, y);
     } else if (EndPixelNeedsMoving(m_PenPos, {x, y})) {
         DrawBackwardLine(m_PenPos, {x, y});
-    } else {
+    } else if (const TPoint ends[] = {m_PenPos, {x, y}}; !StrokeChainAsSpans(ends, false)) {
         QPainterPath line(QPointF(m_PenPos.X, m_PenPos.Y));
         line.lineTo(x, y);
         Render(line, nullptr);
@@ -663,7 +534,7 @@ QRectF FigureRect(const TRect &r)
 
 void TCanvas::Polyline(std::span<const TPoint> points)
 {
-    if (points.size() < 2)
+    if (points.size() < 2 || StrokeChainAsSpans(points, false))
         return;
     Render(PolyPath(points, false), nullptr);
 }

@@ -206,7 +206,12 @@ private:
     bool DrawExactEllipse(const TRect &r);
     bool RoundStrokeApplies() const;
     bool CollectRoundStroke(const QPainterPath &outline, const QRect &bounds);
+    bool CollectRoundStroke(std::span<const TPoint> chain, bool closed, const QRect &bounds);
+    bool WritesSpansDirectly() const;
+    QRect SpanBounds(bool direct) const;
     bool StrokeAsSpans(const QPainterPath &outline, const QColor &colour);
+    bool StrokeChainAsSpans(std::span<const TPoint> chain, bool closed);
+    void PaintSpans(bool direct, const QColor &colour);
     void WriteSpans(const std::vector<canvasdetail::TSpan> &spans, QRgb colour, TPenMode mode);
     void PaintSpansOnLayer(const QPainterPath &outline, const QRect &box, QImage &layer,
                            const QColor &colour);

@@ -155,15 +155,17 @@ void TCanvas::StrokeClosedFigure(std::span<const TPoint> points)
 {
     if (points.empty())
         return;
+    d->Path = QPainterPath();
+    m_Recording = false;
+    m_PenPos = points.back();
+    if (StrokeChainAsSpans(points, true))
+        return;
     QPainterPath path;
     path.reserve(int(points.size()) + 1);
     path.moveTo(points[0].X, points[0].Y);
     for (std::size_t i = 1; i < points.size(); ++i)
         path.lineTo(points[i].X, points[i].Y);
     path.closeSubpath();
-    d->Path = QPainterPath();
-    m_Recording = false;
-    m_PenPos = points.back();
     Render(path, nullptr);
 }
 

@@ -10,8 +10,33 @@
 
 namespace tessal {
 
+namespace {
+
+// Sine and cosine of the outline's 73 angles, 5 degrees apart from the bottom.
+struct TUnitCircle
+{
+    std::array<double, 73> Sin, Cos;
+};
+
+const TUnitCircle &UnitCircle()
+{
+    static const TUnitCircle circle = [] {
+        TUnitCircle c;
+        for (std::size_t i = 0; i < c.Sin.size(); ++i) {
+            const double t = double(i) * std::numbers::pi / 36;
+            c.Sin[i] = std::sin(t);
+            c.Cos[i] = std::cos(t);
+        }
+        return c;
+    }();
+    return circle;
+}
+
+} // namespace
+
 std::array<TPoint, 73> TMyEllipse::OutlinePoints() const
 {
+    const TUnitCircle &unit = UnitCircle();
     const double z = Zoom();
     const double a = z * GetMyWidth() / 2;
     const double b = z * GetMyHeight() / 2;
@@ -21,9 +46,8 @@ std::array<TPoint, 73> TMyEllipse::OutlinePoints() const
     std::array<TPoint, 73> pts;
     // Point 0 is the bottom of the upright ellipse; point 72 closes the figure on it.
     for (std::size_t i = 0; i < pts.size(); ++i) {
-        const double t = double(i) * std::numbers::pi / 36;
-        const double u = a * std::sin(t);
-        const double v = b * std::cos(t);
+        const double u = a * unit.Sin[i];
+        const double v = b * unit.Cos[i];
         pts[i] = {std::int32_t(std::nearbyint(u * c - v * s + centre.X)),
                   std::int32_t(std::nearbyint(u * s + v * c + centre.Y))};
     }

@@ -1,0 +1,195 @@
+// SPDX-License-Identifier: MIT
+// TCanvas: wide outlines with round joins and ends, painted as the spans of TRoundStroke.
+#include "canvas_p.h"
+
+#include <QVarLengthArray>
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+
+namespace tessal {
+
+using namespace canvasdetail;
+
+namespace {
+
+// The whole-pixel shift of a transform that does nothing else.
+std::optional<QPoint> WholeShift(const QTransform &t)
+{
+    if (t.type() > QTransform::TxTranslate || t.dx() != std::floor(t.dx()) ||
+        t.dy() != std::floor(t.dy()) || std::abs(t.dx()) > 1e9 || std::abs(t.dy()) > 1e9)
+        return std::nullopt;
+    return QPoint(int(t.dx()), int(t.dy()));
+}
+
+bool IsWholeNumber(qreal v)
+{
+    return v == std::floor(v) && std::abs(v) < 1e9;
+}
+
+} // namespace
+
+// Wide solid outlines with round joins and ends are rasterised by TRoundStroke when their
+// pixels are the image's own: on an image without scaling, for outlines through pixel centres.
+bool TCanvas::RoundStrokeApplies() const
+{
+    if (IsVector() || m_Recording || m_Target->devicePixelRatio() != 1)
+        return false;
+    if (m_Geometric)
+        return m_Pen.Width >= 2 && m_Join == TPenJoin::pjRound && m_Cap == TPenEndCap::pecRound &&
+               (m_Pen.Style == TPenStyle::psSolid || m_Pen.Style == TPenStyle::psInsideFrame);
+    return m_Pen.Width >= 2 && m_Pen.Style != TPenStyle::psClear;
+}
+
+// Collects the pixels of the outline's stroke inside bounds (image pixels); false when the
+// outline has curves or points between pixels, which the general stroker handles.
+bool TCanvas::CollectRoundStroke(const QPainterPath &outline, const QRect &bounds)
+{
+    const std::optional<QPoint> shift = WholeShift(DeviceTransform());
+    if (!shift)
+        return false;
+    TRoundStroke &stroke = d->Stroke;
+    stroke.Reset(m_Pen.Width, bounds);
+    QPoint last;
+    for (int i = 0; i < outline.elementCount(); ++i) {
+        const QPainterPath::Element &e = outline.elementAt(i);
+        if (e.isCurveTo() || !IsWholeNumber(e.x) || !IsWholeNumber(e.y))
+            return false;
+        const QPoint at = QPoint(int(e.x), int(e.y)) + *shift;
+        if (e.isLineTo())
+            stroke.AddSegment(last, at);
+        last = at;
+    }
+    return true;
+}
+
+// The same for a chain of points, closed back to the first one when asked.
+bool TCanvas::CollectRoundStroke(std::span<const TPoint> chain, bool closed, const QRect &bounds)
+{
+    const std::optional<QPoint> shift = WholeShift(DeviceTransform());
+    if (!shift)
+        return false;
+    TRoundStroke &stroke = d->Stroke;
+    stroke.Reset(m_Pen.Width, bounds);
+    const auto at = [&](std::size_t i) { return QPoint(chain[i].X, chain[i].Y) + *shift; };
+    for (std::size_t i = 1; i < chain.size(); ++i)
+        stroke.AddSegment(at(i - 1), at(i));
+    // As a closed path does: the closing line only when the chain ends elsewhere.
+    if (closed && chain.size() > 1 && chain.back() != chain.front())
+        stroke.AddSegment(at(chain.size() - 1), at(0));
+    return true;
+}
+
+// Spans are written straight into the image where its format and the clipping allow;
+// otherwise they go through the painter, which applies the clipping and the pen mode.
+bool TCanvas::WritesSpansDirectly() const
+{
+    const QImage::Format format = m_Target->format();
+    const bool copyLike = m_Pen.Mode == TPenMode::pmCopy || m_Pen.Mode == TPenMode::pmBlack ||
+                          m_Pen.Mode == TPenMode::pmWhite;
+    return (format == QImage::Format_RGB32 ||
+            (copyLike &&
+             (format == QImage::Format_ARGB32 || format == QImage::Format_ARGB32_Premultiplied))) &&
+           d->Painter.hasClipping() == d->Clip.has_value() && (!d->Clip || d->ClipRect);
+}
+
+QRect TCanvas::SpanBounds(bool direct) const
+{
+    QRect bounds = m_Target->rect();
+    if (direct && d->ClipRect)
+        bounds &= d->ClipRect->translated(-m_Origin.X, -m_Origin.Y);
+    return bounds;
+}
+
+bool TCanvas::StrokeAsSpans(const QPainterPath &outline, const QColor &colour)
+{
+    if (!RoundStrokeApplies())
+        return false;
+    const bool direct = WritesSpansDirectly();
+    if (!CollectRoundStroke(outline, SpanBounds(direct)))
+        return false;
+    PaintSpans(direct, colour);
+    return true;
+}
+
+// Strokes a chain of points with the pen as an outline without fill, when the span rule
+// applies; the painter's state is left as it was.
+bool TCanvas::StrokeChainAsSpans(std::span<const TPoint> chain, bool closed)
+{
+    if (!RoundStrokeApplies())
+        return false;
+    const ModeSetup mode = SetupForMode(m_Pen.Mode);
+    if (!mode.Draw)
+        return true;
+    const bool direct = WritesSpansDirectly();
+    if (!CollectRoundStroke(chain, closed, SpanBounds(direct)))
+        return false;
+    d->Painter.setCompositionMode(mode.Composition);
+    PaintSpans(direct, mode.ForcedColor ? *mode.ForcedColor : ToQColor(m_Pen.Color));
+    d->Painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    return true;
+}
+
+void TCanvas::PaintSpans(bool direct, const QColor &colour)
+{
+    const std::vector<TSpan> &spans = d->Stroke.Spans();
+    if (direct) {
+        const bool copyLike = m_Pen.Mode == TPenMode::pmCopy || m_Pen.Mode == TPenMode::pmBlack ||
+                              m_Pen.Mode == TPenMode::pmWhite;
+        WriteSpans(spans, colour.rgb(), copyLike ? TPenMode::pmCopy : m_Pen.Mode);
+        return;
+    }
+    QPainter &p = d->Painter;
+    QVarLengthArray<QRect, 256> rects;
+    for (const TSpan &s : spans)
+        rects.append(QRect(s.Left, s.Y, s.Right - s.Left, 1));
+    p.setWorldTransform(QTransform());
+    p.setPen(Qt::NoPen);
+    p.setBrush(colour);
+    p.drawRects(rects.constData(), int(rects.size()));
+    p.setWorldTransform(DeviceTransform());
+}
+
+void TCanvas::WriteSpans(const std::vector<TSpan> &spans, QRgb colour, TPenMode mode)
+{
+    uchar *bits = const_cast<uchar *>(m_Target->constBits()); // the painter's own pixels
+    const qsizetype stride = m_Target->bytesPerLine();
+    const QRgb opaque = 0xFF000000u | colour;
+    for (const TSpan &s : spans) {
+        auto *row = reinterpret_cast<QRgb *>(bits + stride * s.Y);
+        if (mode == TPenMode::pmCopy) {
+            std::fill(row + s.Left, row + s.Right, opaque);
+            continue;
+        }
+        for (QRgb *px = row + s.Left; px != row + s.Right; ++px)
+            *px = 0xFF000000u | ApplyMode(mode, colour & 0xFFFFFFu, *px & 0xFFFFFFu);
+    }
+}
+
+// The outline of a single-pass drawing: its pixels painted opaque on the layer that holds
+// the part box of the image.
+void TCanvas::PaintSpansOnLayer(const QPainterPath &outline, const QRect &box, QImage &layer,
+                                const QColor &colour)
+{
+    QRect bounds = box;
+    if (d->ClipRect)
+        bounds &= d->ClipRect->translated(-m_Origin.X, -m_Origin.Y);
+    if (!CollectRoundStroke(outline, bounds)) {
+        QPainter lp(&layer); // curves: the general stroker, as for any other outline
+        if (d->Clip)
+            lp.setClipPath(d->Clip->translated(-box.left() - m_Origin.X, -box.top() - m_Origin.Y));
+        lp.setWorldTransform(OutlineTransform(OutlinePlacement::PixelCentres) *
+                             QTransform::fromTranslate(-box.left(), -box.top()));
+        lp.setPen(MakeQPen(m_Pen, m_Geometric, m_Join, m_Cap));
+        lp.drawPath(outline);
+        return;
+    }
+    const QRgb opaque = 0xFF000000u | colour.rgb();
+    for (const TSpan &s : d->Stroke.Spans()) {
+        auto *row = reinterpret_cast<QRgb *>(layer.scanLine(s.Y - box.top()));
+        std::fill(row + (s.Left - box.left()), row + (s.Right - box.left()), opaque);
+    }
+}
+
+} // namespace tessal
