@@ -37,9 +37,13 @@ public:
     bool Contains(TPoint p) const;
     TRect Bounds() const;
     const QPainterPath &Path() const { return m_Path; }
+    const std::vector<TPoint> &Points() const { return m_Points; }
+    TFillMode FillMode() const { return m_Winding ? TFillMode::fmWinding : TFillMode::fmAlternate; }
 
 private:
     QPainterPath m_Path;
+    std::vector<TPoint> m_Points; // the polygon, for the exact pixel rule
+    bool m_Winding = false;
 };
 
 // Logical font construction: what the platform's font-creation call receives. Height is
@@ -207,7 +211,8 @@ private:
     bool RoundStrokeApplies() const;
     bool CollectRoundStroke(const QPainterPath &outline, const QRect &bounds);
     bool CollectRoundStroke(std::span<const TPoint> chain, bool closed, const QRect &bounds);
-    bool WritesSpansDirectly() const;
+    bool WritesSpansDirectly(bool copy) const;
+    bool FillPolygonAsSpans(std::span<const TPoint> polygon, TFillMode mode, const TBrush &brush);
     QRect SpanBounds(bool direct) const;
     bool StrokeAsSpans(const QPainterPath &outline, const QColor &colour);
     bool StrokeChainAsSpans(std::span<const TPoint> chain, bool closed);

@@ -4,6 +4,7 @@
 
 #include <tessal/platform/canvas.h>
 
+#include "polygonfill_p.h"
 #include "roundstroke_p.h"
 
 #include <QFont>
@@ -24,6 +25,8 @@ struct TCanvas::Impl
     std::optional<QRect> ClipRect;
     // The pixels of the wide stroke being drawn; kept to reuse its memory.
     canvasdetail::TRoundStroke Stroke;
+    // The pixels of the polygon being filled, likewise.
+    canvasdetail::TPolygonFill Fill;
     // The path being recorded or last recorded, in logical coordinates.
     QPainterPath Path;
     // The font last turned into the log font, to notice edits made through Font().

@@ -12,6 +12,8 @@ TRegion::TRegion(std::span<const TPoint> polygon, TFillMode mode)
 {
     if (polygon.size() < 3)
         return;
+    m_Points.assign(polygon.begin(), polygon.end());
+    m_Winding = mode == TFillMode::fmWinding;
     m_Path.moveTo(polygon[0].X, polygon[0].Y);
     for (std::size_t i = 1; i < polygon.size(); ++i)
         m_Path.lineTo(polygon[i].X, polygon[i].Y);
@@ -23,16 +25,19 @@ TRegion TRegion::FromRect(const TRect &r)
 {
     TRegion region;
     const TRect n = r.Normalized();
-    if (!n.IsEmpty())
-        region.m_Path.addRect(QRectF(n.Left, n.Top, n.Width(), n.Height()));
+    if (n.IsEmpty())
+        return region;
+    region.m_Path.addRect(QRectF(n.Left, n.Top, n.Width(), n.Height()));
+    region.m_Points = {{n.Left, n.Top}, {n.Right, n.Top}, {n.Right, n.Bottom}, {n.Left, n.Bottom}};
     return region;
 }
 
 bool TRegion::Contains(TPoint p) const
 {
-    // A pixel belongs to the region when its centre does, which is also the pixel the
-    // region fills.
-    return m_Path.contains(QPointF(p.X + 0.5, p.Y + 0.5));
+    // A pixel belongs to the region when its centre does, by the rule the region is filled
+    // with, centres on an edge included.
+    const std::int32_t winding = canvasdetail::TPolygonFill::WindingAt(m_Points, p);
+    return m_Winding ? winding != 0 : (winding & 1) != 0;
 }
 
 TRect TRegion::Bounds() const
@@ -130,6 +135,8 @@ void TCanvas::FillRgn(const TRegion &region, const TBrush &brush)
     p.setCompositionMode(QPainter::CompositionMode_SourceOver);
     p.setPen(Qt::NoPen);
     p.setBrush(canvasdetail::MakeQBrush(brush));
+    if (region.IsEmpty() || FillPolygonAsSpans(region.Points(), region.FillMode(), brush))
+        return;
     p.drawPath(region.Path());
 }
 
@@ -141,8 +148,8 @@ void TCanvas::FillPolygon(std::span<const TPoint> polygon, TFillMode mode, const
     p.setCompositionMode(QPainter::CompositionMode_SourceOver);
     p.setPen(Qt::NoPen);
     p.setBrush(canvasdetail::MakeQBrush(brush));
-    if (polygon.size() < 3)
-        return;                          // an empty region
+    if (polygon.size() < 3 || FillPolygonAsSpans(polygon, mode, brush))
+        return;                          // an empty region, or filled
     QVarLengthArray<QPoint, 128> points; // on the stack for every outline of the shapes
     points.reserve(qsizetype(polygon.size()));
     for (const TPoint &pt : polygon)

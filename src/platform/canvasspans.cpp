@@ -83,16 +83,23 @@ bool TCanvas::CollectRoundStroke(std::span<const TPoint> chain, bool closed, con
 
 // Spans are written straight into the image where its format and the clipping allow;
 // otherwise they go through the painter, which applies the clipping and the pen mode.
-bool TCanvas::WritesSpansDirectly() const
+bool TCanvas::WritesSpansDirectly(bool copy) const
 {
     const QImage::Format format = m_Target->format();
-    const bool copyLike = m_Pen.Mode == TPenMode::pmCopy || m_Pen.Mode == TPenMode::pmBlack ||
-                          m_Pen.Mode == TPenMode::pmWhite;
     return (format == QImage::Format_RGB32 ||
-            (copyLike &&
+            (copy &&
              (format == QImage::Format_ARGB32 || format == QImage::Format_ARGB32_Premultiplied))) &&
            d->Painter.hasClipping() == d->Clip.has_value() && (!d->Clip || d->ClipRect);
 }
+
+namespace {
+
+bool CopiesPen(TPenMode mode)
+{
+    return mode == TPenMode::pmCopy || mode == TPenMode::pmBlack || mode == TPenMode::pmWhite;
+}
+
+} // namespace
 
 QRect TCanvas::SpanBounds(bool direct) const
 {
@@ -106,7 +113,7 @@ bool TCanvas::StrokeAsSpans(const QPainterPath &outline, const QColor &colour)
 {
     if (!RoundStrokeApplies())
         return false;
-    const bool direct = WritesSpansDirectly();
+    const bool direct = WritesSpansDirectly(CopiesPen(m_Pen.Mode));
     if (!CollectRoundStroke(outline, SpanBounds(direct)))
         return false;
     PaintSpans(direct, colour);
@@ -122,7 +129,7 @@ bool TCanvas::StrokeChainAsSpans(std::span<const TPoint> chain, bool closed)
     const ModeSetup mode = SetupForMode(m_Pen.Mode);
     if (!mode.Draw)
         return true;
-    const bool direct = WritesSpansDirectly();
+    const bool direct = WritesSpansDirectly(CopiesPen(m_Pen.Mode));
     if (!CollectRoundStroke(chain, closed, SpanBounds(direct)))
         return false;
     d->Painter.setCompositionMode(mode.Composition);
@@ -135,9 +142,7 @@ void TCanvas::PaintSpans(bool direct, const QColor &colour)
 {
     const std::vector<TSpan> &spans = d->Stroke.Spans();
     if (direct) {
-        const bool copyLike = m_Pen.Mode == TPenMode::pmCopy || m_Pen.Mode == TPenMode::pmBlack ||
-                              m_Pen.Mode == TPenMode::pmWhite;
-        WriteSpans(spans, colour.rgb(), copyLike ? TPenMode::pmCopy : m_Pen.Mode);
+        WriteSpans(spans, colour.rgb(), CopiesPen(m_Pen.Mode) ? TPenMode::pmCopy : m_Pen.Mode);
         return;
     }
     QPainter &p = d->Painter;
@@ -190,6 +195,20 @@ void TCanvas::PaintSpansOnLayer(const QPainterPath &outline, const QRect &box, Q
         auto *row = reinterpret_cast<QRgb *>(layer.scanLine(s.Y - box.top()));
         std::fill(row + (s.Left - box.left()), row + (s.Right - box.left()), opaque);
     }
+}
+
+// Solid fills of polygons on an image without scaling are filled by TPolygonFill.
+bool TCanvas::FillPolygonAsSpans(std::span<const TPoint> polygon, TFillMode mode,
+                                 const TBrush &brush)
+{
+    if (IsVector() || m_Target->devicePixelRatio() != 1 || brush.HasBitmap() ||
+        brush.Style != TBrushStyle::bsSolid || !WritesSpansDirectly(true))
+        return false;
+    const std::optional<QPoint> shift = WholeShift(DeviceTransform());
+    if (!shift || !d->Fill.Fill(polygon, *shift, mode == TFillMode::fmWinding, SpanBounds(true)))
+        return false;
+    WriteSpans(d->Fill.Spans(), ToQColor(brush.Color).rgb(), TPenMode::pmCopy);
+    return true;
 }
 
 } // namespace tessal

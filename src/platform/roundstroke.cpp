@@ -19,6 +19,9 @@ struct TRoundStroke::Capsule
     Wide Length2; // squared length of the segment
     Wide Reach2;  // the squared width times Length2: four times the squared radius, scaled
     bool Huge;    // coordinates beyond what a double estimate settles to a thousandth
+    // For the estimate: the band's middle moves Slope pixels a row and is HalfBand wide on
+    // either side; the stretch between the ends starts at End0 - row * Tilt and is Span long.
+    double Slope, HalfBand, Tilt, Span;
 };
 
 namespace {
@@ -38,8 +41,16 @@ bool InDisc(std::int64_t qx, std::int64_t qy, std::int64_t w)
 
 void TRoundStroke::Reset(std::int32_t width, const QRect &bounds)
 {
-    m_Width = std::max(width, 1);
-    m_Radius = m_Width / 2.0;
+    if (std::max(width, 1) != m_Width || m_Rim.empty()) {
+        m_Width = std::max(width, 1);
+        m_Radius = m_Width / 2.0;
+        // Half the chord of a disc of the width at every whole-pixel offset from its middle.
+        m_Rim.resize(std::size_t(std::min(m_Width, 1024)) + 1);
+        for (std::size_t i = 0; i < m_Rim.size(); ++i) {
+            const double off = double(i);
+            m_Rim[i] = std::sqrt(std::max(0.0, double(m_Width) * m_Width - 4 * off * off)) / 2;
+        }
+    }
     m_Bounds = bounds;
     m_Spans.clear();
     m_Merged = true;
@@ -47,19 +58,26 @@ void TRoundStroke::Reset(std::int32_t width, const QRect &bounds)
 
 void TRoundStroke::AddSegment(QPoint from, QPoint to)
 {
-    Capsule c{from.x(),
-              from.y(),
-              to.x(),
-              to.y(),
-              to.x() - std::int64_t(from.x()),
-              to.y() - std::int64_t(from.y()),
-              0,
-              0,
-              false};
+    Capsule c{};
+    c.Ax = from.x();
+    c.Ay = from.y();
+    c.Bx = to.x();
+    c.By = to.y();
+    c.Dx = c.Bx - c.Ax;
+    c.Dy = c.By - c.Ay;
     constexpr std::int64_t Limit = std::int64_t(1) << 24;
     c.Huge = std::max({std::abs(c.Ax), std::abs(c.Ay), std::abs(c.Bx), std::abs(c.By)}) > Limit;
     c.Length2 = Wide(c.Dx) * c.Dx + Wide(c.Dy) * c.Dy;
     c.Reach2 = Wide(m_Width) * m_Width * c.Length2;
+    const double dx = double(c.Dx), dy = double(c.Dy), length2 = dx * dx + dy * dy;
+    if (c.Dy != 0) {
+        c.Slope = dx / dy;
+        c.HalfBand = m_Radius * std::sqrt(length2) / std::abs(dy);
+    }
+    if (c.Dx != 0) {
+        c.Tilt = dy / dx;
+        c.Span = length2 / dx;
+    }
     const double reach = m_Radius + 1e-6;
     const double top = std::max<double>(std::min(c.Ay, c.By) - reach, m_Bounds.top());
     const double bottom = std::min<double>(std::max(c.Ay, c.By) + reach, m_Bounds.bottom());
@@ -95,16 +113,25 @@ bool Covered(const C &c, std::int64_t x, std::int64_t y, std::int64_t w)
     return gx > 0 || (gx == 0 && gy > 0);
 }
 
-// Widens [lo, hi] by the part of row y that a disc of width w about (cx, cy) covers. A row at
-// exactly half the width touches the disc in one point, covered only above the middle.
-void Widen(std::int64_t cx, std::int64_t cy, std::int64_t w, std::int64_t y, double &lo, double &hi)
+// Widens [lo, hi] by the part of row y that a disc of width w about (cx, cy) covers, rim[i]
+// being half the chord i rows from the middle. A row at exactly half the width touches the
+// disc in one point, covered only above the middle.
+void Widen(std::int64_t cx, std::int64_t cy, std::int64_t w, std::int64_t y,
+           const std::vector<double> &rim, double &lo, double &hi)
 {
     const std::int64_t off = 2 * (y - cy);
     if (std::abs(off) > w || off == w)
         return;
-    const double h = std::sqrt(double(w * w - off * off)) / 2;
+    const auto rows = std::size_t(std::abs(y - cy));
+    const double h = rows < rim.size() ? rim[rows] : std::sqrt(double(w * w - off * off)) / 2;
     lo = std::min(lo, double(cx) - h);
     hi = std::max(hi, double(cx) + h);
+}
+
+// The nearest whole number, halves either way: only used to look for a nearby centre.
+double Nearest(double v)
+{
+    return std::floor(v + 0.5);
 }
 
 } // namespace
@@ -115,24 +142,19 @@ void Widen(std::int64_t cx, std::int64_t cy, std::int64_t w, std::int64_t y, dou
 // or along a horizontal band's edge, are decided exactly before estimating.
 void TRoundStroke::AddRow(const Capsule &c, std::int32_t y)
 {
-    const double r = m_Radius;
     double lo = HUGE_VAL, hi = -HUGE_VAL;
-    Widen(c.Ax, c.Ay, m_Width, y, lo, hi);
-    Widen(c.Bx, c.By, m_Width, y, lo, hi);
-    const double dx = double(c.Dx), dy = double(c.Dy), qy = y - double(c.Ay);
+    Widen(c.Ax, c.Ay, m_Width, y, m_Rim, lo, hi);
+    Widen(c.Bx, c.By, m_Width, y, m_Rim, lo, hi);
+    const double qy = y - double(c.Ay);
     if (c.Dy != 0) {
         // The band beside the segment, limited to the stretch between its ends.
-        const double half = r * std::sqrt(dx * dx + dy * dy);
-        double a = double(c.Ax) + (dx * qy - half) / dy, b = double(c.Ax) + (dx * qy + half) / dy;
-        if (a > b)
-            std::swap(a, b);
+        const double middle = double(c.Ax) + c.Slope * qy;
+        double a = middle - c.HalfBand, b = middle + c.HalfBand;
         if (c.Dx != 0) {
-            double s = double(c.Ax) - qy * dy / dx, e = s + (dx * dx + dy * dy) / dx;
-            if (s > e)
-                std::swap(s, e);
-            a = std::max(a, s);
-            b = std::min(b, e);
-        } else if (qy < std::min(0.0, dy) || qy > std::max(0.0, dy)) {
+            const double s = double(c.Ax) - qy * c.Tilt, e = s + c.Span;
+            a = std::max(a, std::min(s, e));
+            b = std::min(b, std::max(s, e));
+        } else if (qy < std::min<double>(0, c.Dy) || qy > std::max<double>(0, c.Dy)) {
             a = HUGE_VAL; // a vertical segment is beside this row only between its ends
         }
         if (a <= b) {
@@ -162,7 +184,7 @@ void TRoundStroke::AddRow(const Capsule &c, std::int32_t y)
         // The estimate is off by far less than Near; an end that close to a centre is settled
         // by the exact test, any other is where the estimate puts it.
         constexpr double Near = 1e-3;
-        const double nl = std::nearbyint(lo), nr = std::nearbyint(hi);
+        const double nl = Nearest(lo), nr = Nearest(hi);
         left = std::abs(lo - nl) < Near ? std::int64_t(nl) + (covered(std::int64_t(nl)) ? 0 : 1)
                                         : std::int64_t(std::ceil(lo));
         right = std::abs(hi - nr) < Near ? std::int64_t(nr) - (covered(std::int64_t(nr)) ? 0 : 1)

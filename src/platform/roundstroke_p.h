@@ -45,6 +45,7 @@ private:
 
     std::int32_t m_Width = 1;
     double m_Radius = 0.5;
+    std::vector<double> m_Rim; // half chords of the width's disc, by rows from its middle
     QRect m_Bounds;
     std::vector<TSpan> m_Spans;
     std::vector<TSpan> m_Sorted;         // the spans in row order, while merging

@@ -132,3 +132,50 @@ TEST(RoundStroke, SamePixelsInPartsAndFarFromTheOrigin)
             }
     }
 }
+
+namespace {
+
+// Winding number of the polygon about (x, y), by the crossings of the row to the right.
+int WindingAt(const std::vector<TPoint> &polygon, long double x, long double y)
+{
+    int winding = 0;
+    for (std::size_t i = 0; i < polygon.size(); ++i) {
+        const TPoint a = polygon[i], b = polygon[(i + 1) % polygon.size()];
+        if ((a.Y <= y) == (b.Y <= y))
+            continue;
+        const long double cx = a.X + (y - a.Y) * (b.X - a.X) / (b.Y - a.Y);
+        if (cx > x)
+            winding += b.Y > a.Y ? 1 : -1;
+    }
+    return winding;
+}
+
+} // namespace
+
+TEST(PolygonFill, RandomPolygonsFollowThePixelRuleAndTheHitTest)
+{
+    std::mt19937 rng(99);
+    constexpr int Size = 40;
+    int mismatches = 0, hitMismatches = 0;
+    for (int round = 0; round < 400; ++round) {
+        std::vector<TPoint> polygon = RandomPolyline(rng, Size);
+        polygon.push_back({polygon[0].X + 7, polygon[1].Y - 5});
+        const TFillMode mode = round % 2 ? TFillMode::fmWinding : TFillMode::fmAlternate;
+        const QImage image = Painted(Size, Size, [&](TCanvas &c) {
+            c.FillPolygon(polygon, mode, TBrush{TColor(Pen), TBrushStyle::bsSolid, {}});
+        });
+        const TRegion region(polygon, mode);
+        for (int y = 0; y < Size; ++y)
+            for (int x = 0; x < Size; ++x) {
+                // The centre nudged a hair right and a hair's hair down decides edge centres.
+                const int w = WindingAt(polygon, x + 0.5L + 1e-6L, y + 0.5L + 1e-9L);
+                const bool inside = mode == TFillMode::fmWinding ? w != 0 : (w & 1) != 0;
+                const bool inked = Rgb(image, x, y) == Pen;
+                if (inked != inside && mismatches++ == 0)
+                    ADD_FAILURE() << "round " << round << ": pixel " << x << ", " << y;
+                hitMismatches += inked != region.Contains({x, y});
+            }
+    }
+    EXPECT_EQ(mismatches, 0);
+    EXPECT_EQ(hitMismatches, 0);
+}
