@@ -209,11 +209,11 @@ private:
                       OutlinePlacement placement);
     bool DrawExactEllipse(const TRect &r);
     bool RoundStrokeApplies() const;
-    bool CollectRoundStroke(const QPainterPath &outline, const QRect &bounds);
-    bool CollectRoundStroke(std::span<const TPoint> chain, bool closed, const QRect &bounds);
+    bool CollectRoundStroke(const QPainterPath &outline);
+    bool CollectRoundStroke(std::span<const TPoint> chain, bool closed);
+    bool BeginRoundStroke(bool direct, const QColor &colour);
     bool WritesSpansDirectly(bool copy) const;
     bool FillPolygonAsSpans(std::span<const TPoint> polygon, TFillMode mode, const TBrush &brush);
-    QRect SpanBounds(bool direct) const;
     bool StrokeAsSpans(const QPainterPath &outline, const QColor &colour);
     bool StrokeChainAsSpans(std::span<const TPoint> chain, bool closed);
     void PaintSpans(bool direct, const QColor &colour);

@@ -42,36 +42,36 @@ bool TCanvas::RoundStrokeApplies() const
     return m_Pen.Width >= 2 && m_Pen.Style != TPenStyle::psClear;
 }
 
-// Collects the pixels of the outline's stroke inside bounds (image pixels); false when the
+// Collects the pixels of the outline's stroke; false, with nothing collected, when the
 // outline has curves or points between pixels, which the general stroker handles.
-bool TCanvas::CollectRoundStroke(const QPainterPath &outline, const QRect &bounds)
+bool TCanvas::CollectRoundStroke(const QPainterPath &outline)
 {
     const std::optional<QPoint> shift = WholeShift(DeviceTransform());
     if (!shift)
         return false;
-    TRoundStroke &stroke = d->Stroke;
-    stroke.Reset(m_Pen.Width, bounds);
-    QPoint last;
     for (int i = 0; i < outline.elementCount(); ++i) {
         const QPainterPath::Element &e = outline.elementAt(i);
         if (e.isCurveTo() || !IsWholeNumber(e.x) || !IsWholeNumber(e.y))
             return false;
+    }
+    QPoint last;
+    for (int i = 0; i < outline.elementCount(); ++i) {
+        const QPainterPath::Element &e = outline.elementAt(i);
         const QPoint at = QPoint(int(e.x), int(e.y)) + *shift;
         if (e.isLineTo())
-            stroke.AddSegment(last, at);
+            d->Stroke.AddSegment(last, at);
         last = at;
     }
     return true;
 }
 
 // The same for a chain of points, closed back to the first one when asked.
-bool TCanvas::CollectRoundStroke(std::span<const TPoint> chain, bool closed, const QRect &bounds)
+bool TCanvas::CollectRoundStroke(std::span<const TPoint> chain, bool closed)
 {
     const std::optional<QPoint> shift = WholeShift(DeviceTransform());
     if (!shift)
         return false;
     TRoundStroke &stroke = d->Stroke;
-    stroke.Reset(m_Pen.Width, bounds);
     const auto at = [&](std::size_t i) { return QPoint(chain[i].X, chain[i].Y) + *shift; };
     for (std::size_t i = 1; i < chain.size(); ++i)
         stroke.AddSegment(at(i - 1), at(i));
@@ -101,12 +101,19 @@ bool CopiesPen(TPenMode mode)
 
 } // namespace
 
-QRect TCanvas::SpanBounds(bool direct) const
+// Starts a stroke inside the image and the clipping. A stroke in copy mode straight into the
+// image is painted row by row as it is worked out: painting a pixel twice does no harm there.
+bool TCanvas::BeginRoundStroke(bool direct, const QColor &colour)
 {
     QRect bounds = m_Target->rect();
     if (direct && d->ClipRect)
         bounds &= d->ClipRect->translated(-m_Origin.X, -m_Origin.Y);
-    return bounds;
+    d->Stroke.Reset(m_Pen.Width, bounds);
+    if (!direct || !CopiesPen(m_Pen.Mode))
+        return false;
+    d->Stroke.PaintDirectly(const_cast<uchar *>(m_Target->constBits()), m_Target->bytesPerLine(),
+                            0xFF000000u | colour.rgb());
+    return true;
 }
 
 bool TCanvas::StrokeAsSpans(const QPainterPath &outline, const QColor &colour)
@@ -114,9 +121,11 @@ bool TCanvas::StrokeAsSpans(const QPainterPath &outline, const QColor &colour)
     if (!RoundStrokeApplies())
         return false;
     const bool direct = WritesSpansDirectly(CopiesPen(m_Pen.Mode));
-    if (!CollectRoundStroke(outline, SpanBounds(direct)))
+    const bool painted = BeginRoundStroke(direct, colour);
+    if (!CollectRoundStroke(outline))
         return false;
-    PaintSpans(direct, colour);
+    if (!painted)
+        PaintSpans(direct, colour);
     return true;
 }
 
@@ -124,16 +133,20 @@ bool TCanvas::StrokeAsSpans(const QPainterPath &outline, const QColor &colour)
 // applies; the painter's state is left as it was.
 bool TCanvas::StrokeChainAsSpans(std::span<const TPoint> chain, bool closed)
 {
-    if (!RoundStrokeApplies())
+    if (!RoundStrokeApplies() || !WholeShift(DeviceTransform()))
         return false;
     const ModeSetup mode = SetupForMode(m_Pen.Mode);
     if (!mode.Draw)
         return true;
     const bool direct = WritesSpansDirectly(CopiesPen(m_Pen.Mode));
-    if (!CollectRoundStroke(chain, closed, SpanBounds(direct)))
-        return false;
+    const QColor colour = mode.ForcedColor ? *mode.ForcedColor : ToQColor(m_Pen.Color);
+    if (BeginRoundStroke(direct, colour)) {
+        CollectRoundStroke(chain, closed);
+        return true;
+    }
+    CollectRoundStroke(chain, closed);
     d->Painter.setCompositionMode(mode.Composition);
-    PaintSpans(direct, mode.ForcedColor ? *mode.ForcedColor : ToQColor(m_Pen.Color));
+    PaintSpans(direct, colour);
     d->Painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
     return true;
 }
@@ -180,7 +193,8 @@ void TCanvas::PaintSpansOnLayer(const QPainterPath &outline, const QRect &box, Q
     QRect bounds = box;
     if (d->ClipRect)
         bounds &= d->ClipRect->translated(-m_Origin.X, -m_Origin.Y);
-    if (!CollectRoundStroke(outline, bounds)) {
+    d->Stroke.Reset(m_Pen.Width, bounds);
+    if (!CollectRoundStroke(outline)) {
         QPainter lp(&layer); // curves: the general stroker, as for any other outline
         if (d->Clip)
             lp.setClipPath(d->Clip->translated(-box.left() - m_Origin.X, -box.top() - m_Origin.Y));
@@ -205,7 +219,10 @@ bool TCanvas::FillPolygonAsSpans(std::span<const TPoint> polygon, TFillMode mode
         brush.Style != TBrushStyle::bsSolid || !WritesSpansDirectly(true))
         return false;
     const std::optional<QPoint> shift = WholeShift(DeviceTransform());
-    if (!shift || !d->Fill.Fill(polygon, *shift, mode == TFillMode::fmWinding, SpanBounds(true)))
+    QRect bounds = m_Target->rect();
+    if (d->ClipRect)
+        bounds &= d->ClipRect->translated(-m_Origin.X, -m_Origin.Y);
+    if (!shift || !d->Fill.Fill(polygon, *shift, mode == TFillMode::fmWinding, bounds))
         return false;
     WriteSpans(d->Fill.Spans(), ToQColor(brush.Color).rgb(), TPenMode::pmCopy);
     return true;

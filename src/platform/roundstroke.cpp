@@ -54,6 +54,14 @@ void TRoundStroke::Reset(std::int32_t width, const QRect &bounds)
     m_Bounds = bounds;
     m_Spans.clear();
     m_Merged = true;
+    m_Bits = nullptr;
+}
+
+void TRoundStroke::PaintDirectly(unsigned char *bits, std::ptrdiff_t stride, std::uint32_t colour)
+{
+    m_Bits = bits;
+    m_Stride = stride;
+    m_Colour = colour;
 }
 
 void TRoundStroke::AddSegment(QPoint from, QPoint to)
@@ -194,6 +202,11 @@ void TRoundStroke::AddRow(const Capsule &c, std::int32_t y)
     const std::int64_t to = std::min<std::int64_t>(right, m_Bounds.right());
     if (from > to)
         return;
+    if (m_Bits) {
+        auto *row = reinterpret_cast<std::uint32_t *>(m_Bits + m_Stride * y);
+        std::fill(row + from, row + to + 1, m_Colour);
+        return;
+    }
     m_Spans.push_back({y, std::int32_t(from), std::int32_t(to + 1)});
     m_Merged = false;
 }

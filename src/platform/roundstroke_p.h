@@ -5,6 +5,7 @@
 #include <QPoint>
 #include <QRect>
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -35,6 +36,10 @@ public:
     // Starts collecting the pixels inside bounds of a stroke of the given width (>= 1).
     void Reset(std::int32_t width, const QRect &bounds);
 
+    // Paints every row into the pixels (32 bits each) as soon as it is known, instead of
+    // collecting it, until the next Reset.
+    void PaintDirectly(unsigned char *bits, std::ptrdiff_t stride, std::uint32_t colour);
+
     void AddSegment(QPoint from, QPoint to);
     // The collected pixels, row by row from the top and left to right, every pixel once.
     const std::vector<TSpan> &Spans();
@@ -51,6 +56,9 @@ private:
     std::vector<TSpan> m_Sorted;         // the spans in row order, while merging
     std::vector<std::size_t> m_RowStart; // where each row's spans begin in m_Sorted
     bool m_Merged = true;
+    unsigned char *m_Bits = nullptr; // painting directly when set
+    std::ptrdiff_t m_Stride = 0;
+    std::uint32_t m_Colour = 0;
 };
 
 } // namespace tessal::canvasdetail
