@@ -136,10 +136,13 @@ void Widen(std::int64_t cx, std::int64_t cy, std::int64_t w, std::int64_t y,
     hi = std::max(hi, double(cx) + h);
 }
 
-// The nearest whole number, halves either way: only used to look for a nearby centre.
-double Nearest(double v)
+// The whole part of v, for |v| < 2^30, by truncating a positive sum (a library floor is far
+// slower without rounding instructions). The sum may round up a value within 2^-22 below a
+// whole number; the callers settle values that near a whole number exactly.
+std::int64_t FloorOf(double v)
 {
-    return std::floor(v + 0.5);
+    constexpr double Offset = 1073741824.0; // 2^30
+    return std::int64_t(v + Offset) - std::int64_t(Offset);
 }
 
 } // namespace
@@ -192,11 +195,9 @@ void TRoundStroke::AddRow(const Capsule &c, std::int32_t y)
         // The estimate is off by far less than Near; an end that close to a centre is settled
         // by the exact test, any other is where the estimate puts it.
         constexpr double Near = 1e-3;
-        const double nl = Nearest(lo), nr = Nearest(hi);
-        left = std::abs(lo - nl) < Near ? std::int64_t(nl) + (covered(std::int64_t(nl)) ? 0 : 1)
-                                        : std::int64_t(std::ceil(lo));
-        right = std::abs(hi - nr) < Near ? std::int64_t(nr) - (covered(std::int64_t(nr)) ? 0 : 1)
-                                         : std::int64_t(std::floor(hi));
+        const std::int64_t nl = FloorOf(lo + 0.5), nr = FloorOf(hi + 0.5);
+        left = std::abs(lo - double(nl)) < Near ? nl + (covered(nl) ? 0 : 1) : FloorOf(lo) + 1;
+        right = std::abs(hi - double(nr)) < Near ? nr - (covered(nr) ? 0 : 1) : FloorOf(hi);
     }
     const std::int64_t from = std::max<std::int64_t>(left, m_Bounds.left());
     const std::int64_t to = std::min<std::int64_t>(right, m_Bounds.right());
