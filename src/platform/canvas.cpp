@@ -534,7 +534,7 @@ QRectF FigureRect(const TRect &r)
 
 void TCanvas::Polyline(std::span<const TPoint> points)
 {
-    if (points.size() < 2 || StrokeChainAsSpans(points, false))
+    if (points.size() < 2 || StrokeChainAsSpans(points, false) || StrokeChainThin(points, false))
         return;
     Render(PolyPath(points, false), nullptr);
 }

@@ -165,7 +165,7 @@ void TCanvas::StrokeClosedFigure(std::span<const TPoint> points)
     d->Path = QPainterPath();
     m_Recording = false;
     m_PenPos = points.back();
-    if (StrokeChainAsSpans(points, true))
+    if (StrokeChainAsSpans(points, true) || StrokeChainThin(points, true))
         return;
     QPainterPath path;
     path.reserve(int(points.size()) + 1);

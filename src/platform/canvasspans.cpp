@@ -228,4 +228,33 @@ bool TCanvas::FillPolygonAsSpans(std::span<const TPoint> polygon, TFillMode mode
     return true;
 }
 
+// One-pixel solid chains go to the rasteriser's line drawing as a point array: the pixels of
+// the same figure as a path, without building one.
+bool TCanvas::StrokeChainThin(std::span<const TPoint> chain, bool closed)
+{
+    if (IsVector() || m_Recording || m_Geometric || m_Pen.Width > 1 ||
+        m_Pen.Style != TPenStyle::psSolid)
+        return false;
+    const ModeSetup mode = SetupForMode(m_Pen.Mode);
+    if (!mode.Draw)
+        return true;
+    QPen pen = MakeQPen(m_Pen, m_Geometric, m_Join, m_Cap);
+    if (mode.ForcedColor)
+        pen.setColor(*mode.ForcedColor);
+    QVarLengthArray<QPoint, 128> points;
+    points.reserve(qsizetype(chain.size()));
+    for (const TPoint &pt : chain)
+        points.append(QPoint(pt.X, pt.Y));
+    QPainter &p = d->Painter;
+    p.setCompositionMode(mode.Composition);
+    p.setPen(pen);
+    p.setBrush(Qt::NoBrush);
+    if (closed)
+        p.drawPolygon(points.constData(), int(points.size()));
+    else
+        p.drawPolyline(points.constData(), int(points.size()));
+    p.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    return true;
+}
+
 } // namespace tessal
