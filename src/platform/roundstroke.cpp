@@ -87,13 +87,17 @@ void TRoundStroke::AddSegment(QPoint from, QPoint to)
         c.Span = length2 / dx;
     }
     const double reach = m_Radius + 1e-6;
-    const double top = std::max<double>(std::min(c.Ay, c.By) - reach, m_Bounds.top());
-    const double bottom = std::min<double>(std::max(c.Ay, c.By) + reach, m_Bounds.bottom());
     if (std::max(c.Ax, c.Bx) + reach < m_Bounds.left() ||
         std::min(c.Ax, c.Bx) - reach > m_Bounds.right())
         return;
-    for (auto y = std::int32_t(std::ceil(top)); y <= std::int32_t(std::floor(bottom)); ++y)
-        AddRow(c, y);
+    // Rows within half the width: the row at exactly half the width above the highest point is
+    // touched (a rim centre straight above a middle is covered), the one below the lowest not.
+    const std::int64_t top =
+        std::max<std::int64_t>(std::min(c.Ay, c.By) - m_Width / 2, m_Bounds.top());
+    const std::int64_t bottom =
+        std::min<std::int64_t>(std::max(c.Ay, c.By) + (m_Width - 1) / 2, m_Bounds.bottom());
+    for (std::int64_t y = top; y <= bottom; ++y)
+        AddRow(c, std::int32_t(y));
 }
 
 namespace {
