@@ -49,4 +49,10 @@ TPoint GetTextWidthHeight(TCanvas &canvas, const QString &text, const TFont &fon
     return canvas.TextExtent(text);
 }
 
+std::int32_t GetTextLineHeight(TCanvas &canvas, const TFont &font, double scale)
+{
+    canvas.SelectLogFont(MakeScaledLogFont(canvas, font, scale, 0));
+    return canvas.LineHeight();
+}
+
 } // namespace tessal

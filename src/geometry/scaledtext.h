@@ -16,5 +16,7 @@ void MyLogTextOut(TCanvas &canvas, std::int32_t x, std::int32_t y, const QString
 // Width (X) and height (Y) in pixels of text drawn by MyLogTextOut with the same arguments.
 TPoint GetTextWidthHeight(TCanvas &canvas, const QString &text, const TFont &font, double scale,
                           double angle);
+// The height of a line of the font at the scale: the Y of GetTextWidthHeight for any text.
+std::int32_t GetTextLineHeight(TCanvas &canvas, const TFont &font, double scale);
 
 } // namespace tessal

@@ -188,6 +188,8 @@ public:
     TPoint TextExtent(const QString &text) const; // X = width, Y = height
     std::int32_t TextWidth(const QString &text) const { return TextExtent(text).X; }
     std::int32_t TextHeight(const QString &text) const { return TextExtent(text).Y; }
+    // The height TextExtent reports for any text in the current font, without measuring one.
+    std::int32_t LineHeight() const;
 
     // Finishes pending painting so that the target image can be read. Nothing on a vector
     // device, whose document would end with the painter.

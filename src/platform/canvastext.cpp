@@ -114,6 +114,15 @@ TPoint TCanvas::TextExtent(const QString &text) const
     return {m.horizontalAdvance(text), d->CellHeight ? d->CellHeight : m.ascent() + m.descent()};
 }
 
+std::int32_t TCanvas::LineHeight() const
+{
+    const_cast<TCanvas *>(this)->SyncFont();
+    if (d->CellHeight)
+        return d->CellHeight;
+    const QFontMetrics m(d->QtFont, m_Device);
+    return m.ascent() + m.descent();
+}
+
 void TCanvas::TextOut(std::int32_t x, std::int32_t y, const QString &text)
 {
     SyncFont();

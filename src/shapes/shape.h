@@ -213,6 +213,7 @@ public:
                       const TFont &font, double scale, double angle) const;
     TPoint GetTextWidthHeight(TCanvas &canvas, const QString &text, const TFont &font, double scale,
                               double angle) const;
+    std::int32_t GetTextLineHeight(TCanvas &canvas, const TFont &font, double scale) const;
 
     // ---- Edit arithmetic ----
     // Scales by sx, sy about fixed (document) in the shape's own rotated frame.

@@ -118,6 +118,11 @@ TPoint TMyShape::GetTextWidthHeight(TCanvas &canvas, const QString &text, const 
                                       angle);
 }
 
+std::int32_t TMyShape::GetTextLineHeight(TCanvas &canvas, const TFont &font, double scale) const
+{
+    return tessal::GetTextLineHeight(canvas, LogicalFont(font, m_LogUse, m_LogHeight), scale);
+}
+
 // The info texts are upright (angle 0) whatever the shape's angle: they are centred on the
 // text point by their measured box, which only holds for unturned text.
 void TMyShape::DrawInfo(TCanvas &canvas)

@@ -149,8 +149,7 @@ void TMyText::DrawLines(TCanvas &canvas)
     const TFrame f = UprightFrame();
     const std::int32_t m = Margin();
     // One height for every line (the font's cell), so that empty lines keep their place.
-    const std::int32_t lineHeight =
-        GetTextWidthHeight(canvas, QStringLiteral("Wg"), Font(), z, 0).Y;
+    const std::int32_t lineHeight = GetTextLineHeight(canvas, Font(), z);
     const double blockHeight = double(lineHeight) * lines.size();
     double y = f.Top + m;
     if (m_VAlignment == TVAlignment::vaCenter)
@@ -158,12 +157,13 @@ void TMyText::DrawLines(TCanvas &canvas)
     else if (m_VAlignment == TVAlignment::vaBottom)
         y = f.Bottom - m - blockHeight;
     for (const QString &line : lines) {
-        const std::int32_t w = GetTextWidthHeight(canvas, line, Font(), z, 0).X;
         double x = f.Left + m;
-        if (m_HAlignment == TAlignment::taRightJustify)
-            x = f.Right - m - w;
-        else if (m_HAlignment == TAlignment::taCenter)
-            x = f.Left + RoundEven((f.Right - f.Left - w) / 2);
+        if (m_HAlignment != TAlignment::taLeftJustify) {
+            const std::int32_t w = GetTextWidthHeight(canvas, line, Font(), z, 0).X;
+            x = m_HAlignment == TAlignment::taRightJustify
+                    ? f.Right - m - w
+                    : f.Left + RoundEven((f.Right - f.Left - w) / 2);
+        }
         // The line's top-left corner is turned into place; the glyphs turn about it.
         const TMyPoint at = RotateAPoint({float(x), float(y)}, f.Centre, Angle());
         MyLogTextOut(canvas, RoundEven(at.X), RoundEven(at.Y), line, Font(), z, Angle());
