@@ -61,6 +61,8 @@ struct TLogFont
     std::int32_t Escapement = 0;
     std::int32_t Orientation = 0;
     TColor Color = clBlack;
+
+    bool operator==(const TLogFont &) const = default;
 };
 
 // TCanvas keeps a current pen, brush, font and pen mode and draws with them. Pen modes are

@@ -31,7 +31,8 @@ struct TCanvas::Impl
     QPainterPath Path;
     // The font last turned into the log font, to notice edits made through Font().
     TFont SyncedFont;
-    QFont QtFont;
+    QFont QtFont; // built from the log font last selected
+    bool FontBuilt = false;
     // A positive log-font height: the cell height that text measures, 0 otherwise.
     int CellHeight = 0;
 };

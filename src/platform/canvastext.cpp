@@ -86,9 +86,15 @@ void TCanvas::SetFont(const TFont &font)
 
 void TCanvas::SelectLogFont(const TLogFont &lf)
 {
+    // Texts select their font before every measurement and output; the same font again
+    // keeps the one built.
+    const bool same = d->FontBuilt && lf == m_LogFont;
     m_LogFont = lf;
     m_Font.Color = lf.Color;
     d->SyncedFont = m_Font;
+    if (same)
+        return;
+    d->FontBuilt = true;
     QFont font = BaseFont(lf);
     d->CellHeight = std::max(lf.Height, 0);
     if (lf.Height > 0)

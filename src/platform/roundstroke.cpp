@@ -79,12 +79,14 @@ void TRoundStroke::AddSegment(QPoint from, QPoint to)
     c.Reach2 = Wide(m_Width) * m_Width * c.Length2;
     const double dx = double(c.Dx), dy = double(c.Dy), length2 = dx * dx + dy * dy;
     if (c.Dy != 0) {
-        c.Slope = dx / dy;
-        c.HalfBand = m_Radius * std::sqrt(length2) / std::abs(dy);
+        const double across = 1 / dy;
+        c.Slope = dx * across;
+        c.HalfBand = m_Radius * std::sqrt(length2) * std::abs(across);
     }
     if (c.Dx != 0) {
-        c.Tilt = dy / dx;
-        c.Span = length2 / dx;
+        const double along = 1 / dx;
+        c.Tilt = dy * along;
+        c.Span = length2 * along;
     }
     const double reach = m_Radius + 1e-6;
     if (std::max(c.Ax, c.Bx) + reach < m_Bounds.left() ||
