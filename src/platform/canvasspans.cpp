@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <optional>
+#include <utility>
 
 namespace tessal {
 
@@ -55,11 +56,14 @@ bool TCanvas::CollectRoundStroke(const QPainterPath &outline)
             return false;
     }
     QPoint last;
+    bool first = true; // the first segment of a figure draws its start disc
     for (int i = 0; i < outline.elementCount(); ++i) {
         const QPainterPath::Element &e = outline.elementAt(i);
         const QPoint at = QPoint(int(e.x), int(e.y)) + *shift;
         if (e.isLineTo())
-            d->Stroke.AddSegment(last, at);
+            d->Stroke.AddSegment(last, at, std::exchange(first, false));
+        else
+            first = true;
         last = at;
     }
     return true;
@@ -73,11 +77,12 @@ bool TCanvas::CollectRoundStroke(std::span<const TPoint> chain, bool closed)
         return false;
     TRoundStroke &stroke = d->Stroke;
     const auto at = [&](std::size_t i) { return QPoint(chain[i].X, chain[i].Y) + *shift; };
+    // A closed chain's first start disc is its last end disc.
     for (std::size_t i = 1; i < chain.size(); ++i)
-        stroke.AddSegment(at(i - 1), at(i));
+        stroke.AddSegment(at(i - 1), at(i), i == 1 && !closed);
     // As a closed path does: the closing line only when the chain ends elsewhere.
     if (closed && chain.size() > 1 && chain.back() != chain.front())
-        stroke.AddSegment(at(chain.size() - 1), at(0));
+        stroke.AddSegment(at(chain.size() - 1), at(0), false);
     return true;
 }
 

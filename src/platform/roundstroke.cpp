@@ -16,9 +16,10 @@ __extension__ typedef __int128 Wide; // exact products of 64-bit coordinates
 struct TRoundStroke::Capsule
 {
     std::int64_t Ax, Ay, Bx, By, Dx, Dy;
-    Wide Length2; // squared length of the segment
-    Wide Reach2;  // the squared width times Length2: four times the squared radius, scaled
-    bool Huge;    // coordinates beyond what a double estimate settles to a thousandth
+    Wide Length2;   // squared length of the segment
+    Wide Reach2;    // the squared width times Length2: four times the squared radius, scaled
+    bool Huge;      // coordinates beyond what a double estimate settles to a thousandth
+    bool StartDisc; // whether the estimate includes the disc at the start
     // For the estimate: the band's middle moves Slope pixels a row and is HalfBand wide on
     // either side; the stretch between the ends starts at End0 - row * Tilt and is Span long.
     double Slope, HalfBand, Tilt, Span;
@@ -64,9 +65,10 @@ void TRoundStroke::PaintDirectly(unsigned char *bits, std::ptrdiff_t stride, std
     m_Colour = colour;
 }
 
-void TRoundStroke::AddSegment(QPoint from, QPoint to)
+void TRoundStroke::AddSegment(QPoint from, QPoint to, bool withStart)
 {
     Capsule c{};
+    c.StartDisc = withStart;
     c.Ax = from.x();
     c.Ay = from.y();
     c.Bx = to.x();
@@ -160,7 +162,8 @@ std::int64_t FloorOf(double v)
 void TRoundStroke::AddRow(const Capsule &c, std::int32_t y)
 {
     double lo = HUGE_VAL, hi = -HUGE_VAL;
-    Widen(c.Ax, c.Ay, m_Width, y, m_Rim, lo, hi);
+    if (c.StartDisc)
+        Widen(c.Ax, c.Ay, m_Width, y, m_Rim, lo, hi);
     Widen(c.Bx, c.By, m_Width, y, m_Rim, lo, hi);
     const double qy = y - double(c.Ay);
     if (c.Dy != 0) {

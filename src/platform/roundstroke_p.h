@@ -40,7 +40,10 @@ public:
     // collecting it, until the next Reset.
     void PaintDirectly(unsigned char *bits, std::ptrdiff_t stride, std::uint32_t colour);
 
-    void AddSegment(QPoint from, QPoint to);
+    // Adds a segment's capsule. In a chain, the disc at a segment's start is the previous
+    // segment's end disc: withStart false leaves it to that one (the pixels the segment adds
+    // are then those of its band and end disc, found with less work).
+    void AddSegment(QPoint from, QPoint to, bool withStart = true);
     // The collected pixels, row by row from the top and left to right, every pixel once.
     const std::vector<TSpan> &Spans();
 

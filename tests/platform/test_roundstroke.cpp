@@ -36,11 +36,14 @@ bool Reference(const std::vector<TPoint> &points, int width, int px, int py)
     return false;
 }
 
-QImage DrawPolyline(const std::vector<TPoint> &points, int width, int size)
+QImage DrawPolyline(const std::vector<TPoint> &points, int width, int size, bool closed = false)
 {
     return Painted(size, size, [&](TCanvas &c) {
         c.Pen() = TPen{TColor(Pen), TPenMode::pmCopy, TPenStyle::psSolid, width};
-        c.Polyline(points);
+        if (closed)
+            c.StrokeClosedFigure(points);
+        else
+            c.Polyline(points);
     });
 }
 
@@ -91,9 +94,12 @@ TEST(RoundStroke, RandomPolylinesFollowThePixelRule)
     constexpr int Size = 48;
     int mismatches = 0;
     for (int round = 0; round < 300; ++round) {
-        const std::vector<TPoint> points = RandomPolyline(rng, Size);
+        std::vector<TPoint> points = RandomPolyline(rng, Size);
         const int width = 2 + round % 6;
-        const QImage image = DrawPolyline(points, width, Size);
+        const bool closed = round % 3 == 0;
+        const QImage image = DrawPolyline(points, width, Size, closed);
+        if (closed)
+            points.push_back(points.front());
         for (int y = 0; y < Size; ++y)
             for (int x = 0; x < Size; ++x)
                 if ((Rgb(image, x, y) == Pen) != Reference(points, width, x, y) &&
