@@ -501,7 +501,8 @@ void TCanvas::LineTo(std::int32_t x, std::int32_t y)
         d->Path.lineTo(x, y);
     } else if (EndPixelNeedsMoving(m_PenPos, {x, y})) {
         DrawBackwardLine(m_PenPos, {x, y});
-    } else if (const TPoint ends[] = {m_PenPos, {x, y}}; !StrokeChainAsSpans(ends, false)) {
+    } else if (const TPoint ends[] = {m_PenPos, {x, y}};
+               !StrokeChainAsSpans(ends, false) && !StrokeChainThin(ends, false)) {
         QPainterPath line(QPointF(m_PenPos.X, m_PenPos.Y));
         line.lineTo(x, y);
         Render(line, nullptr);
