@@ -71,11 +71,13 @@ bool TPolygonFill::Fill(std::span<const TPoint> polygon, QPoint shift, bool wind
         AddEdge(at(i), at((i + 1) % polygon.size()), bounds);
     if (m_Crossings.empty())
         return true;
-    // Bucket the crossings by row, then go through each row from left to right.
     const auto [top, bottom] =
         std::minmax_element(m_Crossings.begin(), m_Crossings.end(),
                             [](const Crossing &a, const Crossing &b) { return a.Y < b.Y; });
     const std::int32_t first = top->Y;
+    if (FillTwoCrossingRows(first, bottom->Y))
+        return true;
+    // Bucket the crossings by row, then go through each row from left to right.
     m_RowStart.assign(std::size_t(bottom->Y - first) + 2, 0);
     for (const Crossing &c : m_Crossings)
         ++m_RowStart[std::size_t(c.Y - first) + 1];
@@ -89,6 +91,29 @@ bool TPolygonFill::Fill(std::span<const TPoint> polygon, QPoint shift, bool wind
         const std::size_t end = m_RowStart[row];
         EmitRow(std::span(m_Sorted).subspan(begin, end - begin), winding);
         begin = end;
+    }
+    return true;
+}
+
+// Most figures (rectangles, ellipses, any convex polygon) cross every row twice: then the
+// row's span runs between its two crossings, inside by either rule, with no sorting.
+bool TPolygonFill::FillTwoCrossingRows(std::int32_t first, std::int32_t last)
+{
+    const auto rows = std::size_t(last - first) + 1;
+    m_Pairs.assign(rows * 2, 0);
+    m_PairCount.assign(rows, 0);
+    for (const Crossing &c : m_Crossings) {
+        const auto row = std::size_t(c.Y - first);
+        if (m_PairCount[row] == 2)
+            return false;
+        m_Pairs[row * 2 + m_PairCount[row]++] = c.X;
+    }
+    for (std::size_t row = 0; row < rows; ++row) {
+        if (m_PairCount[row] == 1)
+            return false; // cannot happen for a closed figure; the general way copes anyway
+        const std::int32_t a = m_Pairs[row * 2], b = m_Pairs[row * 2 + 1];
+        if (m_PairCount[row] == 2 && a != b)
+            m_Spans.push_back({first + std::int32_t(row), std::min(a, b), std::max(a, b)});
     }
     return true;
 }

@@ -37,11 +37,14 @@ private:
     };
     void AddEdge(QPoint from, QPoint to, const QRect &bounds);
     void EmitRow(std::span<Crossing> row, bool winding);
+    bool FillTwoCrossingRows(std::int32_t first, std::int32_t last);
 
     std::vector<Crossing> m_Crossings;
     std::vector<Crossing> m_Sorted;
     std::vector<std::size_t> m_RowStart;
     std::vector<TSpan> m_Spans;
+    std::vector<std::int32_t> m_Pairs; // two crossings a row, while that holds
+    std::vector<std::uint8_t> m_PairCount;
 };
 
 } // namespace tessal::canvasdetail
