@@ -233,12 +233,11 @@ bool TCanvas::FillPolygonAsSpans(std::span<const TPoint> polygon, TFillMode mode
     return true;
 }
 
-// One-pixel solid chains go to the rasteriser's line drawing as a point array: the pixels of
-// the same figure as a path, without building one.
+// One-pixel solid chains (plain or geometric pens) go to the rasteriser's line drawing as a
+// point array: the pixels of the same figure as a path, without building one.
 bool TCanvas::StrokeChainThin(std::span<const TPoint> chain, bool closed)
 {
-    if (IsVector() || m_Recording || m_Geometric || m_Pen.Width > 1 ||
-        m_Pen.Style != TPenStyle::psSolid)
+    if (IsVector() || m_Recording || m_Pen.Width > 1 || m_Pen.Style != TPenStyle::psSolid)
         return false;
     const ModeSetup mode = SetupForMode(m_Pen.Mode);
     if (!mode.Draw)
@@ -254,10 +253,15 @@ bool TCanvas::StrokeChainThin(std::span<const TPoint> chain, bool closed)
     p.setCompositionMode(mode.Composition);
     p.setPen(pen);
     p.setBrush(Qt::NoBrush);
+    // A geometric pen is centred on the pixel centres, as in Render.
+    if (m_Geometric)
+        p.setWorldTransform(OutlineTransform(OutlinePlacement::PixelCentres));
     if (closed)
         p.drawPolygon(points.constData(), int(points.size()));
     else
         p.drawPolyline(points.constData(), int(points.size()));
+    if (m_Geometric)
+        p.setWorldTransform(DeviceTransform());
     p.setCompositionMode(QPainter::CompositionMode_SourceOver);
     return true;
 }

@@ -185,3 +185,41 @@ TEST(PolygonFill, RandomPolygonsFollowThePixelRuleAndTheHitTest)
     EXPECT_EQ(mismatches, 0);
     EXPECT_EQ(hitMismatches, 0);
 }
+
+// Chains are drawn from their points without a path where they can be; a recorded path of
+// the same figure, stroked, must give the same pixels for every kind of pen.
+TEST(RoundStroke, ChainsMatchTheirRecordedPaths)
+{
+    std::mt19937 rng(5);
+    constexpr int Size = 40;
+    for (int round = 0; round < 120; ++round) {
+        const std::vector<TPoint> points = RandomPolyline(rng, Size);
+        const bool closed = round % 2 == 1, geometric = round % 3 == 0;
+        const TPen pen{TColor(Pen), TPenMode::pmCopy, TPenStyle::psSolid, 1 + round / 2 % 4};
+        const auto setUp = [&](TCanvas &c) {
+            c.Pen() = pen;
+            if (geometric)
+                c.SetGeometricPen(TPenJoin::pjRound, TPenEndCap::pecRound);
+        };
+        const QImage direct = Painted(Size, Size, [&](TCanvas &c) {
+            setUp(c);
+            if (closed)
+                c.StrokeClosedFigure(points);
+            else
+                c.Polyline(points);
+        });
+        const QImage recorded = Painted(Size, Size, [&](TCanvas &c) {
+            setUp(c);
+            c.BeginPath();
+            c.MoveTo(points[0].X, points[0].Y);
+            for (std::size_t i = 1; i < points.size(); ++i)
+                c.LineTo(points[i].X, points[i].Y);
+            if (closed)
+                c.CloseFigure();
+            c.EndPath();
+            c.StrokePath();
+        });
+        ASSERT_EQ(direct, recorded)
+            << "round " << round << ", width " << pen.Width << (geometric ? ", geometric" : "");
+    }
+}
