@@ -70,6 +70,18 @@ struct TLogFont
 // drawing of the component happens on images. Coordinates are pixels; the world transform
 // applies to everything drawn.
 //
+// On an image, with a world transform that only moves by whole pixels, two kinds of figure
+// are rasterised by exact rules of their own, so that their pixels depend on the geometry
+// alone (never on where a repaint starts) and cost a fraction of a general stroker's work:
+// - outlines of width 2 and more with round joins and ends (every wide plain pen, geometric
+//   pens with round joins and ends): a pixel is inked when its centre lies closer than half
+//   the width to the line through the points' pixel centres; a centre at exactly half the
+//   width is inked when the line lies to its right or straight below it;
+// - solid polygon fills (FillPolygon, FillRgn, and TRegion::Contains for hit tests): a pixel
+//   is inside when its centre is, by the region's rule; a centre on an edge is inside when
+//   the polygon lies to its right.
+// Other figures, and any figure under scaling or rotation, go to Qt's rasteriser.
+//
 // A canvas over any other paint device (an SVG or PDF writer, a printer) draws the same
 // figures as vectors, one device unit per pixel. Such a device has no pixels to combine
 // with: copy mode is honoured, black and white paint in that colour, nop draws nothing, and
