@@ -226,7 +226,7 @@ private:
     bool DrawExactEllipse(const TRect &r);
     bool RoundStrokeApplies() const;
     bool CollectRoundStroke(const QPainterPath &outline);
-    bool CollectRoundStroke(std::span<const TPoint> chain, bool closed);
+    void CollectRoundStroke(std::span<const TPoint> chain, bool closed, QPoint shift);
     bool BeginRoundStroke(bool direct, const QColor &colour);
     bool WritesSpansDirectly(bool copy) const;
     bool FillPolygonAsSpans(std::span<const TPoint> polygon, TFillMode mode, const TBrush &brush);

@@ -69,21 +69,17 @@ bool TCanvas::CollectRoundStroke(const QPainterPath &outline)
     return true;
 }
 
-// The same for a chain of points, closed back to the first one when asked.
-bool TCanvas::CollectRoundStroke(std::span<const TPoint> chain, bool closed)
+// The same for a chain of points moved by shift, closed back to the first one when asked.
+void TCanvas::CollectRoundStroke(std::span<const TPoint> chain, bool closed, QPoint shift)
 {
-    const std::optional<QPoint> shift = WholeShift(DeviceTransform());
-    if (!shift)
-        return false;
     TRoundStroke &stroke = d->Stroke;
-    const auto at = [&](std::size_t i) { return QPoint(chain[i].X, chain[i].Y) + *shift; };
+    const auto at = [&](std::size_t i) { return QPoint(chain[i].X, chain[i].Y) + shift; };
     // A closed chain's first start disc is its last end disc.
     for (std::size_t i = 1; i < chain.size(); ++i)
         stroke.AddSegment(at(i - 1), at(i), i == 1 && !closed);
     // As a closed path does: the closing line only when the chain ends elsewhere.
     if (closed && chain.size() > 1 && chain.back() != chain.front())
         stroke.AddSegment(at(chain.size() - 1), at(0), false);
-    return true;
 }
 
 // Spans are written straight into the image where its format and the clipping allow;
@@ -138,18 +134,20 @@ bool TCanvas::StrokeAsSpans(const QPainterPath &outline, const QColor &colour)
 // applies; the painter's state is left as it was.
 bool TCanvas::StrokeChainAsSpans(std::span<const TPoint> chain, bool closed)
 {
-    if (!RoundStrokeApplies() || !WholeShift(DeviceTransform()))
+    if (!RoundStrokeApplies())
+        return false;
+    const std::optional<QPoint> shift = WholeShift(DeviceTransform());
+    if (!shift)
         return false;
     const ModeSetup mode = SetupForMode(m_Pen.Mode);
     if (!mode.Draw)
         return true;
     const bool direct = WritesSpansDirectly(CopiesPen(m_Pen.Mode));
     const QColor colour = mode.ForcedColor ? *mode.ForcedColor : ToQColor(m_Pen.Color);
-    if (BeginRoundStroke(direct, colour)) {
-        CollectRoundStroke(chain, closed);
+    const bool painted = BeginRoundStroke(direct, colour);
+    CollectRoundStroke(chain, closed, *shift);
+    if (painted)
         return true;
-    }
-    CollectRoundStroke(chain, closed);
     d->Painter.setCompositionMode(mode.Composition);
     PaintSpans(direct, colour);
     d->Painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
