@@ -2,6 +2,8 @@
 // TPolygonFill: the crossings of every row's pixel centres with the edges, in integers.
 #include "polygonfill_p.h"
 
+#include "rowbuckets_p.h"
+
 #include <algorithm>
 #include <cstdlib>
 
@@ -77,21 +79,9 @@ bool TPolygonFill::Fill(std::span<const TPoint> polygon, QPoint shift, bool wind
     const std::int32_t first = top->Y;
     if (FillTwoCrossingRows(first, bottom->Y))
         return true;
-    // Bucket the crossings by row, then go through each row from left to right.
-    m_RowStart.assign(std::size_t(bottom->Y - first) + 2, 0);
-    for (const Crossing &c : m_Crossings)
-        ++m_RowStart[std::size_t(c.Y - first) + 1];
-    for (std::size_t i = 1; i < m_RowStart.size(); ++i)
-        m_RowStart[i] += m_RowStart[i - 1];
-    m_Sorted.resize(m_Crossings.size());
-    for (const Crossing &c : m_Crossings)
-        m_Sorted[m_RowStart[std::size_t(c.Y - first)]++] = c;
-    std::size_t begin = 0;
-    for (std::size_t row = 0; row + 1 < m_RowStart.size(); ++row) {
-        const std::size_t end = m_RowStart[row];
-        EmitRow(std::span(m_Sorted).subspan(begin, end - begin), winding);
-        begin = end;
-    }
+    ForEachRow(
+        m_Crossings, m_Sorted, m_RowEnd, [](const Crossing &c) { return c.X; },
+        [&](std::span<const Crossing> row) { EmitRow(row, winding); });
     return true;
 }
 
@@ -137,11 +127,8 @@ void TPolygonFill::AddEdge(QPoint from, QPoint to, const QRect &bounds)
     }
 }
 
-void TPolygonFill::EmitRow(std::span<Crossing> row, bool winding)
+void TPolygonFill::EmitRow(std::span<const Crossing> row, bool winding)
 {
-    for (std::size_t i = 1; i < row.size(); ++i)
-        for (std::size_t j = i; j > 0 && row[j].X < row[j - 1].X; --j)
-            std::swap(row[j], row[j - 1]);
     std::int32_t count = 0;
     for (std::size_t i = 0; i + 1 < row.size(); ++i) {
         count += row[i].Direction;

@@ -36,12 +36,12 @@ private:
         std::int32_t Direction; // +1 for an edge running down, -1 up
     };
     void AddEdge(QPoint from, QPoint to, const QRect &bounds);
-    void EmitRow(std::span<Crossing> row, bool winding);
+    void EmitRow(std::span<const Crossing> row, bool winding);
     bool FillTwoCrossingRows(std::int32_t first, std::int32_t last);
 
     std::vector<Crossing> m_Crossings;
     std::vector<Crossing> m_Sorted;
-    std::vector<std::size_t> m_RowStart;
+    std::vector<std::size_t> m_RowEnd;
     std::vector<TSpan> m_Spans;
     std::vector<std::int32_t> m_Pairs; // two crossings a row, while that holds
     std::vector<std::uint8_t> m_PairCount;

@@ -2,6 +2,8 @@
 // TRoundStroke: rows of a union of round capsules, found approximately and settled exactly.
 #include "roundstroke_p.h"
 
+#include "rowbuckets_p.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -221,40 +223,24 @@ void TRoundStroke::AddRow(const Capsule &c, std::int32_t y)
     m_Merged = false;
 }
 
-// A stroke has few rows and a row few spans: the spans are bucketed by row, each row is put
-// in order by insertion, and overlapping or touching spans are joined.
+// Row by row from left to right, overlapping or touching spans joined.
 const std::vector<TSpan> &TRoundStroke::Spans()
 {
     if (m_Merged)
         return m_Spans;
-    const auto [top, bottom] = std::minmax_element(
-        m_Spans.begin(), m_Spans.end(), [](const TSpan &a, const TSpan &b) { return a.Y < b.Y; });
-    const std::int32_t first = top->Y;
-    m_RowStart.assign(std::size_t(bottom->Y - first) + 2, 0);
-    for (const TSpan &s : m_Spans)
-        ++m_RowStart[std::size_t(s.Y - first) + 1];
-    for (std::size_t i = 1; i < m_RowStart.size(); ++i)
-        m_RowStart[i] += m_RowStart[i - 1];
-    m_Sorted.resize(m_Spans.size());
-    for (const TSpan &s : m_Spans)
-        m_Sorted[m_RowStart[std::size_t(s.Y - first)]++] = s;
-    // Each start has moved to the next row's start: row i now begins at m_RowStart[i - 1].
+    m_Merging.swap(m_Spans);
     m_Spans.clear();
-    std::size_t begin = 0;
-    for (std::size_t row = 0; row + 1 < m_RowStart.size(); ++row) {
-        const std::size_t end = m_RowStart[row];
-        for (std::size_t i = begin + 1; i < end; ++i)
-            for (std::size_t j = i; j > begin && m_Sorted[j].Left < m_Sorted[j - 1].Left; --j)
-                std::swap(m_Sorted[j], m_Sorted[j - 1]);
-        for (std::size_t i = begin; i < end; ++i) {
-            const TSpan &s = m_Sorted[i];
-            if (i > begin && s.Left <= m_Spans.back().Right)
-                m_Spans.back().Right = std::max(m_Spans.back().Right, s.Right);
-            else
-                m_Spans.push_back(s);
-        }
-        begin = end;
-    }
+    ForEachRow(
+        m_Merging, m_Sorted, m_RowEnd, [](const TSpan &s) { return s.Left; },
+        [this](std::span<const TSpan> row) {
+            m_Spans.push_back(row.front());
+            for (const TSpan &s : row.subspan(1)) {
+                if (s.Left <= m_Spans.back().Right)
+                    m_Spans.back().Right = std::max(m_Spans.back().Right, s.Right);
+                else
+                    m_Spans.push_back(s);
+            }
+        });
     m_Merged = true;
     return m_Spans;
 }

@@ -56,8 +56,9 @@ private:
     std::vector<double> m_Rim; // half chords of the width's disc, by rows from its middle
     QRect m_Bounds;
     std::vector<TSpan> m_Spans;
-    std::vector<TSpan> m_Sorted;         // the spans in row order, while merging
-    std::vector<std::size_t> m_RowStart; // where each row's spans begin in m_Sorted
+    std::vector<TSpan> m_Merging;      // the spans found, while merging
+    std::vector<TSpan> m_Sorted;       // the same in row order
+    std::vector<std::size_t> m_RowEnd; // where each row's spans end in m_Sorted
     bool m_Merged = true;
     unsigned char *m_Bits = nullptr; // painting directly when set
     std::ptrdiff_t m_Stride = 0;

@@ -223,3 +223,23 @@ TEST(RoundStroke, ChainsMatchTheirRecordedPaths)
             << "round " << round << ", width " << pen.Width << (geometric ? ", geometric" : "");
     }
 }
+
+// In a mode where painting twice undoes the first time, the overlapping capsules of a wide
+// polyline must still touch every pixel once: the xor picture inks exactly the copy picture.
+TEST(RoundStroke, XorTouchesEveryPixelOnce)
+{
+    std::mt19937 rng(11);
+    constexpr int Size = 40;
+    for (int round = 0; round < 60; ++round) {
+        const std::vector<TPoint> points = RandomPolyline(rng, Size);
+        const int width = 2 + round % 4;
+        const QImage copy = DrawPolyline(points, width, Size);
+        const QImage xored = Painted(Size, Size, [&](TCanvas &c) {
+            c.Pen() = TPen{TColor(Pen), TPenMode::pmXor, TPenStyle::psSolid, width};
+            c.Polyline(points);
+        });
+        ASSERT_EQ(Ink(xored, Paper), Ink(copy, Paper)) << "round " << round;
+        for (const TPoint &p : Ink(xored, Paper))
+            ASSERT_EQ(Rgb(xored, p.X, p.Y), Paper ^ Pen);
+    }
+}
