@@ -89,6 +89,16 @@ struct TRect
         return r.IsEmpty() ? TRect{} : r;
     }
     constexpr bool Intersects(const TRect &o) const { return !Intersected(o).IsEmpty(); }
+    // The smallest rectangle holding both; an empty one adds nothing.
+    constexpr TRect United(const TRect &o) const
+    {
+        if (o.IsEmpty())
+            return *this;
+        if (IsEmpty())
+            return o;
+        return {std::min(Left, o.Left), std::min(Top, o.Top), std::max(Right, o.Right),
+                std::max(Bottom, o.Bottom)};
+    }
 
     // Qt's rectangle covering the same pixels (QRect's right() is Right - 1).
     QRect ToQRect() const { return QRect(Left, Top, Width(), Height()); }

@@ -60,6 +60,8 @@ public:
     // The segment hit test that also tells where a new point would be inserted: the index
     // after the hit segment, or -1 when nothing is hit.
     bool IsClickedMeBeforeWhichPoint(std::int32_t &pointIndex, TPoint point) const;
+    // Whether the rounded screen segment a-b is hit at p with the fixed 8-pixel band.
+    static bool SegmentHit(TPoint a, TPoint b, TPoint p);
 
     // Looks through the host's shapes, in list order, for the first plain line or polyline
     // other than this one whose first or last point handle contains point (screen), and
@@ -90,8 +92,6 @@ protected:
     void CopyArrowFields(const TMyShape &source);
     // The chain's segments, zoomed and rounded, each end moved by the given offsets.
     void DrawSegments(TCanvas &canvas, TPoint offset) const;
-    // Whether the rounded screen segment a-b is hit at p with the fixed 8-pixel band.
-    static bool SegmentHit(TPoint a, TPoint b, TPoint p);
 
 private:
     std::int32_t m_ArrowAngle;

@@ -3,6 +3,7 @@
 #include <tessal/surface/cad.h>
 
 #include <tessal/shapes/shape.h>
+#include <tessal/surface/mouse_p.h>
 #include <tessal/surface/spatialindex_p.h>
 
 #include <QPaintEvent>
@@ -17,7 +18,10 @@ namespace tessal {
 TMyCAD::TMyCAD(QWidget *parent)
     : QWidget(parent)
     , m_Grid(new TGridObject(this))
+    , m_Mouse(std::make_unique<TMouseMachine>(*this))
 {
+    setMouseTracking(true);
+    setFocusPolicy(Qt::StrongFocus);
     connect(m_Grid, &TGridObject::Changed, this, [this] { Invalidate(); });
     setAttribute(Qt::WA_OpaquePaintEvent);
     setCursor(Qt::CrossCursor);

@@ -34,7 +34,8 @@ namespace tessal {
 class BinaryStream;
 class TMyShape;
 class TMyLinkLine;
-class TShapeIndex; // spatial index of the shapes (private to the surface)
+class TShapeIndex;   // spatial index of the shapes (private to the surface)
+class TMouseMachine; // the gesture state machine (private to the surface)
 
 // The action names of undo records.
 inline const QString ACT_ADD = QStringLiteral("ACT_ADD");
@@ -195,6 +196,11 @@ class TMyCAD : public QWidget, public TShapeHost
     Q_PROPERTY(bool Visible READ Visible WRITE SetVisible)
     Q_PROPERTY(tessal::ShapeEnums::TXYMode XYMode READ XYMode WRITE SetXYMode)
     Q_PROPERTY(double Zoom READ Zoom WRITE SetZoom)
+    // Beyond the component's classic set: keyboard editing and the picture source of the
+    // image tool.
+    Q_PROPERTY(bool KeyboardEditing READ KeyboardEditing WRITE SetKeyboardEditing)
+    Q_PROPERTY(
+        tessal::TRequestPicture OnRequestPicture READ OnRequestPicture WRITE SetOnRequestPicture)
 
 public:
     explicit TMyCAD(QWidget *parent = nullptr);
@@ -470,6 +476,87 @@ public:
     std::int32_t PageMmToPixels(std::uint32_t mm) const;
     // True while a repaint, a zoom change or a page-style change is under way.
     bool IsBusy() const { return m_Busy; }
+
+    // ---- Tools and mouse (mouse*.cpp, gestures.cpp, keyboard.cpp) ----
+    // The mouse machine. Qt's press, move and release events arrive here as control pixels,
+    // after the control's own OnMouseDown / OnMouseMove / OnMouseUp have fired; applications
+    // and tests may call them directly with the same arguments. Only the left button takes
+    // part in gestures; a press with another button is ignored, a release with another
+    // button leaves a shape under construction as it is.
+    void MouseDown(TMouseButton button, TShiftState shift, std::int32_t x, std::int32_t y);
+    void MouseMove(TShiftState shift, std::int32_t x, std::int32_t y);
+    void MouseUp(TMouseButton button, TShiftState shift, std::int32_t x, std::int32_t y);
+    // Abandons the shape under construction or the gesture under way, erasing its
+    // feedback: shapes stay where they were and nothing is recorded (Escape does this).
+    void CancelGesture();
+    // The shape being drawn with the mouse (not yet in the document), or nullptr.
+    TMyShape *ShapeUnderConstruction() const;
+    // Moves the unlocked working shapes by (dx, dy) control pixels as one "ACT_CHANGE"
+    // step, their connectors following: what an arrow key does.
+    void NudgeWorkingShapes(double dx, double dy);
+    bool IsMouseDown() const;
+
+    // Working shapes under their interaction names. AddWorkingShapes stores the root of a
+    // grouped shape, once; RemoveWorkingShape also clears the current shape when it is the
+    // one removed; IsInWorkingShape answers the index or -1.
+    void AddWorkingShapes(TMyShape *shape) { AddWorkingShape(shape); }
+    void RemoveWorkingShape(TMyShape *shape);
+    void RemoveAllWorkingShapes() { ClearWorkingShapes(); }
+    std::int32_t IsInWorkingShape(const TMyShape *shape) const;
+    std::int32_t GetWorkingShapesCount() const { return std::int32_t(m_WorkingShapes.size()); }
+    // Draws the handles of the visible working shapes on the screen image (when HotShow).
+    void SelectAllWorkingShapes();
+
+    // Hit test of a shape at a control pixel: never for an invisible shape; a group is also
+    // hit through its members.
+    bool IsClickedMeforShape(TCanvas &canvas, TMyShape *shape, TPoint point);
+    // Whether the zoomed box of the shape (of its root when grouped) lies inside the
+    // rectangle spanned by p1 and p2, edges included.
+    bool IsInRegion(TPoint p1, TPoint p2, TMyShape *shape) const;
+    // Holds the current point to the start point's row (dgHorz) or column (dgVert).
+    void GetMousePointbyDragMode(TPoint start, TPoint &current) const;
+    // Confines the mouse to rect less the insets on its right and bottom (control pixels):
+    // positions outside are pulled back onto it and the system cursor is moved there.
+    // hideCursor makes the cursor invisible until the confinement is lifted.
+    void SetCursorClipArea(const TRect &rect, std::int32_t rightInset, bool hideCursor,
+                           std::int32_t bottomInset);
+    void ReleaseCursorClipArea();
+    // Hover: fires OnMouseLeaveShape for the last hovered shape and OnMouseEnterShape for
+    // shape when they differ, and shows the shape's Info (or name) as a tool tip when
+    // ShowHint is on.
+    void ShowHintEnterLeaveShape(TMyShape *shape, bool entering, TPoint point);
+
+    // The gesture operations. Points are control pixels.
+    // Shift while drawing: a box becomes a square, a segment horizontal, vertical or at 45
+    // degrees from anchor.
+    void DrawMakeSquareorHV(TPoint anchor, TPoint &point, TShiftState shift) const;
+    // Shift while resizing by a handle: the same rules from the handle's opposite point.
+    void ResizeMakeSquareorHV(TMyShape *shape, TPoint start, TPoint &point,
+                              TShiftState shift) const;
+    // Outline previews of the working shapes moved from -> to, and of shape (with its
+    // group) turned by angle about centre, drawn with the canvas's current set-up.
+    void DraggingforShapes(TCanvas &canvas, TPoint from, TPoint to);
+    void DragOutline(TCanvas &canvas, TMyShape *shape, TPoint from, TPoint to);
+    void RotatingforShapes(TCanvas &canvas, TMyShape *shape, TMyPoint centre, double angle);
+    // Applies a move in zoomed pixels to shape and its members (OnShapeCodeDragging fires
+    // first), and a handle move from -> to (control pixels) to shape.
+    void DragChangeValueDxDyforShapes(TMyShape *shape, double dx, double dy);
+    void SizeChangeValueforShapes(TMyShape *shape, TMyPoint from, TMyPoint to);
+    // A control pixel as gesture events report it: mirrored by XYMode, then converted from
+    // screen pixels to TheUNIT at the current Zoom and Ratio.
+    TMyPoint GetPointByMode(TPoint point) const;
+    // The control pixel nearest to a reported point: the inverse of GetPointByMode.
+    TPoint PointFromMode(TMyPoint point) const;
+    // The topmost line or polyline whose first or last point lies under point (control
+    // pixels, within HotSize), highlighted; false with -1s when none.
+    bool InWhichShapeWhichPointNo(TPoint point, std::int32_t &shapeNo, std::int32_t &pointNo);
+
+    // ---- Snapping (snap.cpp) ----
+    // Pulls a control pixel onto the grid (Snap) or, failing that, onto the box edges of
+    // other shapes (SnapShape); true when anything pulled. Halves round to even.
+    bool SnapXY(std::int32_t &x, std::int32_t &y);
+    // Corrects (x, y) by the pull that the best-snapping corner of rect would get.
+    void SnapRect(const TRect &rect, std::int32_t &x, std::int32_t &y);
 
     // ---- Interaction state ----
     TActionTools ActionTool() const override { return m_ActionTool; }
@@ -868,8 +955,23 @@ public:
     TXYMode XYMode() const override { return m_XYMode; }
     void SetXYMode(TXYMode value);
     double Zoom() const override { return m_Zoom; }
+    // Delete, the arrow keys, Escape and Ctrl+A act on the working shapes while the control
+    // has the focus (keyboard.cpp). On by default.
+    bool KeyboardEditing() const { return m_KeyboardEditing; }
+    void SetKeyboardEditing(bool value) { m_KeyboardEditing = value; }
+    // Asked for the picture of a shape drawn with the image tool instead of the file
+    // dialog; leaving the picture empty cancels the shape.
+    const TRequestPicture &OnRequestPicture() const { return m_OnRequestPicture; }
+    void SetOnRequestPicture(const TRequestPicture &h) { m_OnRequestPicture = h; }
 
 protected:
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void enterEvent(QEnterEvent *event) override;
+    void leaveEvent(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 
@@ -1002,6 +1104,7 @@ private:
     TXYMode m_XYMode = TXYMode::Mode0;
     double m_Zoom = 1.0;
     double m_PreZoom = 1.0;
+    bool m_KeyboardEditing = true;
 
     // Events.
     TActionToolToSelecting m_OnActionToolToSelecting;
@@ -1035,6 +1138,7 @@ private:
     TGesture m_OnShapeMouseRotating;
     TShapeSelected m_OnShapeSelected;
     TWholeDragOperation m_OnWholeDragged;
+    TRequestPicture m_OnRequestPicture;
 
     // Drawing files (persistence layer).
     void ResetForLoad();
@@ -1083,6 +1187,12 @@ private:
     bool m_GridDrawing = false;
     std::vector<std::int32_t> m_DrawList;
     std::unique_ptr<TShapeIndex> m_Index;
+
+    // The mouse machine (mouse_p.h): gesture state, feedback on the screen image.
+    friend class TMouseMachine;
+    std::unique_ptr<TMouseMachine> m_Mouse;
+    // Where the mouse is confined to while a button is down; empty when it is free.
+    TRect m_CursorClip;
 };
 
 } // namespace tessal

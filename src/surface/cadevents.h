@@ -5,6 +5,7 @@
 #pragma once
 
 #include <tessal/geometry/mypoint.h>
+#include <tessal/platform/bitmap.h>
 #include <tessal/surface/surfaceenums.h>
 
 #include <QMetaType>
@@ -74,8 +75,12 @@ using TShapeCodeRotating = std::function<void(TMyCAD *sender, TMyShape *shape, f
 using TShapeMouseDraggingSizingRotating =
     std::function<void(TMyCAD *sender, TMyShape *shape, TMyPoint fromPoint, TMyPoint &toPoint)>;
 
+// The image tool asks for its picture; an empty picture cancels the shape.
+using TRequestPicture = std::function<void(TMyCAD *sender, TBitmap &picture)>;
+
 } // namespace tessal
 
+Q_DECLARE_METATYPE(tessal::TRequestPicture)
 Q_DECLARE_METATYPE(tessal::TNotifyEvent)
 Q_DECLARE_METATYPE(tessal::TChildShapeSelected)
 Q_DECLARE_METATYPE(tessal::TLayerEvent)

@@ -269,11 +269,6 @@ void TMyCAD::SetRotateEnable(bool value)
 
 // The mouse machine's action tool follows the tool once the machine exists; until then
 // the tool is only recorded.
-void TMyCAD::SetShapeTool(TDrawTool value)
-{
-    Store(m_ShapeTool, value);
-}
-
 void TMyCAD::SetShowHint(bool value)
 {
     Store(m_ShowHint, value);
@@ -287,11 +282,6 @@ void TMyCAD::SetShowHotLink(bool value)
 void TMyCAD::SetSnap(bool value)
 {
     Store(m_Snap, value);
-}
-
-void TMyCAD::SetSnapPixels(std::uint8_t value)
-{
-    Store(m_SnapPixels, value);
 }
 
 void TMyCAD::SetSnapShape(bool value)

@@ -2,6 +2,7 @@
 // The shape list of a surface: adding, look-ups, deletion with renumbering, relations and
 // the working shapes.
 #include <tessal/surface/cad.h>
+#include <tessal/surface/mouse_p.h>
 
 #include <tessal/platform/message.h>
 #include <tessal/shapes/link.h>
@@ -94,6 +95,10 @@ std::int32_t TMyCAD::GetShapeNoInMyShapes(const TMyShape *shape) const
 {
     if (!shape)
         return -1;
+    // A shape's number is its place in the list; only a detached shape answers a search.
+    const std::int32_t no = shape->ShapeNo();
+    if (no >= 0 && no < GetShapesCount() && m_Shapes[std::size_t(no)].get() == shape)
+        return no;
     for (std::size_t i = 0; i < m_Shapes.size(); ++i)
         if (m_Shapes[i].get() == shape)
             return std::int32_t(i);
@@ -262,6 +267,7 @@ void TMyCAD::RemoveShapeTree(TMyShape *shape, bool honourLocks)
 
 void TMyCAD::ForgetShape(const TMyShape *shape)
 {
+    m_Mouse->Forget(shape);
     std::erase(m_WorkingShapes, shape);
     if (m_CurrentShape == shape)
         m_CurrentShape = nullptr;
@@ -311,6 +317,7 @@ void TMyCAD::DeleteSelectedShapes()
 
 void TMyCAD::DeleteAllShapes()
 {
+    m_Mouse->ForgetAll();
     if (m_OnShapeDeleted)
         for (const auto &shape : m_Shapes)
             if (!shape->HasParentShape())

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Page size, orientation and zoom: they decide the control's size on screen.
 #include <tessal/surface/cad.h>
+#include <tessal/surface/mouse_p.h>
 
 #include <array>
 #include <cmath>
@@ -108,6 +109,8 @@ void TMyCAD::SetZoom(double zoom)
 {
     if (zoom == m_Zoom)
         return;
+    // Feedback drawn at the old zoom could not be erased at the new one.
+    m_Mouse->Cancel();
     TBusyScope busy(m_Busy);
     SetPreZoom(m_Zoom);
     m_Zoom = zoom;

@@ -5,6 +5,7 @@
 
 #include <tessal/shapes/shape.h>
 #include <tessal/shapes/shapetools.h>
+#include <tessal/surface/mouse_p.h>
 #include <tessal/surface/spatialindex_p.h>
 
 #include <QPainter>
@@ -36,7 +37,9 @@ void TMyCAD::Paint(const TRect &clip)
     m_Busy = true;
     // Only what the screen image holds is composed; the rest stays dirty until it is shown.
     const QRect shown(m_ScreenOrigin, m_ScreenImage.deviceIndependentSize().toSize());
-    const TRect area = clip.Intersected(TRect::FromQRect(shown));
+    const TRect visible = TRect::FromQRect(shown);
+    const TRect area =
+        m_Mouse->Feedback().Recomposing(clip.Intersected(visible)).Intersected(visible);
     if (!area.IsEmpty()) {
         DrawAll(area);
         // The screen canvas keeps a painter open on the screen image; it is made again on
@@ -54,6 +57,7 @@ void TMyCAD::Paint(const TRect &clip)
         m_Dirty -= area.ToQRect();
         ForgetCoveredHighlight(area.ToQRect());
         DrawWorkingHandles(area);
+        m_Mouse->Feedback().Recomposed(area);
     }
     if (m_OnPaint)
         m_OnPaint(this);

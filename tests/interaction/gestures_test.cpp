@@ -1,0 +1,235 @@
+// SPDX-License-Identifier: MIT
+// Selecting, dragging, resizing, rotating and node editing with real mouse events: the
+// selections and events in order, the exact geometry, and undo records per gesture.
+#include "mousehelpers.h"
+
+#include <tessal/shapes/polyline.h>
+#include <tessal/shapes/shape.h>
+
+#include <gtest/gtest.h>
+
+#include <QStringList>
+
+namespace tessal::test {
+namespace {
+
+QString NameOf(const TMyShape *shape)
+{
+    return shape ? shape->Name() : QStringLiteral("-");
+}
+
+// The control's own events come first, then the shape-level ones, in the machine's order.
+TEST(MouseSelecting, ClicksShiftClicksBandsAndClickThroughInOrder)
+{
+    TMouseSurface s;
+    TMyShape *big = AddRectangle(s.cad, 50, 50, 350, 250);
+    TMyShape *small = AddRectangle(s.cad, 100, 100, 140, 140);
+    TMyShape *other = AddRectangle(s.cad, 400, 50, 450, 100);
+    s.cad.BringToFront(big, false); // the big one now lies over the small one
+    s.cad.ClearWorkingShapes();
+    s.cad.ClearAllUndoStuff();
+    QStringList log;
+    s.cad.SetOnMouseDown([&](TMyCAD *, TMouseButton, TShiftState, int, int) { log << "down"; });
+    s.cad.SetOnMouseUp([&](TMyCAD *, TMouseButton, TShiftState, int, int) { log << "up"; });
+    s.cad.SetOnShapeSelected([&](TMyCAD *, TMyShape *last, TMyShape *now) {
+        log << QStringLiteral("sel %1>%2").arg(NameOf(last), NameOf(now));
+    });
+
+    s.Click({60, 60}); // the top one, on its outline
+    EXPECT_EQ(s.cad.WorkingShapes(), std::vector<TMyShape *>{big});
+    // A click without movement inside the selected big shape reaches the small one.
+    s.Click({120, 120});
+    EXPECT_EQ(s.cad.WorkingShapes(), std::vector<TMyShape *>{small});
+    // Shift adds without dragging, Shift on a selected shape removes it.
+    s.Drag({420, 70}, {440, 90}, Qt::ShiftModifier);
+    EXPECT_EQ(s.cad.WorkingShapes(), (std::vector<TMyShape *>{small, other}));
+    EXPECT_EQ(other->GetLeftTop().X, 400);
+    s.Click({120, 120}, Qt::ShiftModifier);
+    EXPECT_EQ(s.cad.WorkingShapes(), std::vector<TMyShape *>{other});
+    // A press on nothing empties the selection; a band adds what lies wholly inside it.
+    s.Click({600, 600});
+    EXPECT_TRUE(s.cad.WorkingShapes().empty());
+    s.Drag({90, 30}, {460, 150});
+    EXPECT_EQ(s.cad.WorkingShapes(), (std::vector<TMyShape *>{small, other}));
+
+    const QStringList expected{"down",         "sel ->Shape0",
+                               "up", // new shape
+                               "down",         "sel Shape0>Shape0",
+                               "up",           "sel Shape0>Shape1", // click-through
+                               "down",         "sel Shape1>-",
+                               "sel ->Shape2", "up", // shift adds
+                               "down",         "up", // shift removes
+                               "down",         "sel Shape2>-",
+                               "up",                  // nothing
+                               "down",         "up"}; // band
+    EXPECT_EQ(log, expected);
+    EXPECT_TRUE(s.cad.UndoRedoShapeList().empty());
+}
+
+// A drag moves every working shape by the mouse's move as one step; undo restores the
+// drawing byte for byte; a drag that ends where it began records nothing.
+TEST(MouseGestures, DragMovesAllWorkingShapesAsOneStep)
+{
+    for (const TDragMode mode : {TDragMode::dgBoth, TDragMode::dgHorz, TDragMode::dgVert}) {
+        TMouseSurface s;
+        TMyShape *a = AddRectangle(s.cad, 100, 100, 160, 140);
+        TMyShape *b = AddRectangle(s.cad, 200, 100, 240, 180);
+        TMyLinkLine *link = AddConnector(s.cad, a, b);
+        s.cad.ChangeLinkShapes(link);
+        s.cad.ClearAllUndoStuff();
+        s.cad.SetDragShapeMode(mode);
+        const TMyPointArray linkBefore = link->Points();
+        const QByteArray before = Saved(s.cad);
+        s.Click({150, 100});
+        s.Click({230, 100}, Qt::ShiftModifier);
+        s.Drag({150, 100}, {150, 100}); // no movement
+        EXPECT_TRUE(s.cad.UndoRedoShapeList().empty());
+
+        std::vector<QString> dragged;
+        s.cad.SetOnShapeMouseDragged([&](TMyCAD *, TMyShape *shape, TMyPoint, TMyPoint &) {
+            dragged.push_back(shape->Name());
+        });
+        s.Drag({150, 100}, {187, 71});
+        const float dx = mode == TDragMode::dgVert ? 0 : 37;
+        const float dy = mode == TDragMode::dgHorz ? 0 : -29;
+        ExpectNear(a->Points(), {{100 + dx, 100 + dy},
+                                 {160 + dx, 100 + dy},
+                                 {160 + dx, 140 + dy},
+                                 {100 + dx, 140 + dy}});
+        EXPECT_EQ(b->GetLeftTop().X, 200 + dx);
+        EXPECT_EQ(b->GetLeftTop().Y, 100 + dy);
+        EXPECT_EQ(StepCount(s.cad), 1);
+        EXPECT_EQ(s.cad.UndoRedoShapeList().size(), 2u);
+        EXPECT_EQ(dragged, std::vector<QString>{a->Name()});
+        if (mode == TDragMode::dgBoth) {
+            EXPECT_NE(link->Points(), linkBefore); // the connector followed
+        }
+        EXPECT_TRUE(RelationsValid(s.cad));
+        s.cad.PopFromUndoRedoShapeList();
+        EXPECT_EQ(Saved(s.cad), before);
+    }
+}
+
+// The corner handle of a rectangle moves that corner; a line's end handle its end; a
+// rotation by the handle turns the shape by the angle the mouse swept.
+TEST(MouseGestures, ResizeAndRotateByHandles)
+{
+    TMouseSurface s;
+    TMyShape *box = AddRectangle(s.cad, 100, 100, 200, 160);
+    const QByteArray before = Saved(s.cad);
+    s.cad.ClearAllUndoStuff();
+    int resized = 0, finished = 0;
+    s.cad.SetOnShapeMouseResized([&](TMyCAD *, TMyShape *, TMyPoint, TMyPoint &) { ++resized; });
+    s.cad.SetOnShapeMouseResizeFinished(
+        [&](TMyCAD *, TMyShape *, TMyPoint, TMyPoint &) { ++finished; });
+    s.Click({150, 100});
+    s.Drag({201, 161}, {251, 191}); // corner 2 goes where the mouse lets go
+    ExpectNear(box->Points(), {{100, 100}, {251, 100}, {251, 191}, {100, 191}});
+    EXPECT_EQ(resized, 1);
+    EXPECT_EQ(finished, 1);
+    EXPECT_EQ(StepCount(s.cad), 1);
+    s.cad.PopFromUndoRedoShapeList();
+    EXPECT_EQ(Saved(s.cad), before);
+
+    TMyShape *line = s.cad.GetShapeByID(s.cad.AddShapeByCode(
+        TDrawTool::SpLine, {}, std::vector<TMyPoint>{{300, 300}, {400, 300}}, 0, {}));
+    s.cad.ClearAllUndoStuff();
+    s.Drag({400, 300}, {420, 340});
+    ExpectNear(line->Points(), {{300, 300}, {420, 340}});
+
+    s.cad.SetShapeTool(TDrawTool::SpRotateSelecting);
+    s.Click({150, 100});
+    // The box's centre is (150, 130); its corner (200, 160) swept to straight below it is a
+    // quarter turn less the corner's own angle.
+    s.Drag({200, 160}, {150, 130 + 71});
+    EXPECT_EQ(StepCount(s.cad), 2);
+    const TMyPoint c = box->GetCenterPoint();
+    EXPECT_NEAR(c.X, 150, 1e-3);
+    EXPECT_NEAR(c.Y, 130, 1e-3);
+    EXPECT_NE(box->Angle(), 0.0f);
+    EXPECT_TRUE(RelationsValid(s.cad));
+}
+
+// The node tools on polygons and polylines, with the refusal codes -7 and -8.
+TEST(MouseGestures, NodeRemovingAndAddingWithTheirCodes)
+{
+    TMouseSurface s;
+    const std::vector<TMyPoint> square{{100, 100}, {200, 100}, {200, 200}, {100, 200}};
+    TMyShape *polygon =
+        s.cad.GetShapeByID(s.cad.AddShapeByCode(TDrawTool::SpPolygon, {}, square, 0, {}));
+    std::vector<int> codes;
+    s.cad.SetOnNodeDeleted([&](TMyCAD *, TMyShape *, int i) { codes.push_back(i); });
+    s.cad.ClearAllUndoStuff();
+    s.cad.SetShapeTool(TDrawTool::SpPolylinePolygonPointRemoving);
+    s.Click({200, 100}); // point 1 of five (the last repeats point 0)
+    ASSERT_EQ(polygon->GetPointsCount(), 4);
+    ExpectNear(polygon->Points(), {{100, 100}, {200, 200}, {100, 200}, {100, 100}});
+    s.Click({200, 200}); // four points left: refused
+    s.Click({500, 500}); // nothing under the mouse: no event
+    EXPECT_EQ(codes, (std::vector<int>{1, -8}));
+    EXPECT_EQ(StepCount(s.cad), 1);
+
+    const std::vector<TMyPoint> chain{{300, 300}, {400, 300}, {400, 400}};
+    TMyShape *polyline =
+        s.cad.GetShapeByID(s.cad.AddShapeByCode(TDrawTool::SpPolyLine, {}, chain, 0, {}));
+    s.cad.SetShapeTool(TDrawTool::SpPolylinePolygonPointAdding);
+    std::vector<int> added;
+    s.cad.SetOnNodeAdded([&](TMyCAD *, TMyShape *, int i) { added.push_back(i); });
+    s.Click({400, 350});
+    ExpectNear(polyline->Points(), {{300, 300}, {400, 300}, {400, 350}, {400, 400}});
+    EXPECT_EQ(added, std::vector<int>{2});
+}
+
+// Browse selects but never drags; the whole-drawing tool moves everything without a step.
+TEST(MouseGestures, BrowseNeverMovesDragWholeMovesAll)
+{
+    TMouseSurface s;
+    TMyShape *a = AddRectangle(s.cad, 100, 100, 150, 150);
+    TMyShape *b = AddRectangle(s.cad, 300, 300, 350, 350);
+    s.cad.ClearAllUndoStuff();
+    s.cad.SetShapeTool(TDrawTool::SpBrowse);
+    s.Drag({125, 100}, {225, 200});
+    EXPECT_EQ(s.cad.WorkingShapes(), std::vector<TMyShape *>{a});
+    EXPECT_EQ(a->GetLeftTop().X, 100);
+
+    int whole = 0;
+    s.cad.SetOnWholeDragged([&](TMyCAD *) { ++whole; });
+    s.cad.SetShapeTool(TDrawTool::SpDragWhole);
+    s.Drag({10, 10}, {30, 5});
+    EXPECT_EQ(a->GetLeftTop(), (TMyPoint{120, 95}));
+    EXPECT_EQ(b->GetLeftTop(), (TMyPoint{320, 295}));
+    EXPECT_EQ(whole, 1);
+    EXPECT_TRUE(s.cad.UndoRedoShapeList().empty());
+    EXPECT_EQ(s.cad.ActionTool(), TActionTools::dtDragWhole);
+}
+
+// Feedback is drawn over the screen image and erased exactly: after moving and Escape the
+// screen holds what it held, and no repaint composed the drawing meanwhile.
+TEST(MouseGestures, FeedbackIsErasedExactlyWithoutRepaints)
+{
+    TMouseSurface s;
+    AddRectangle(s.cad, 100, 100, 200, 160);
+    AddRectangle(s.cad, 150, 120, 300, 260);
+    s.Click({150, 100});
+    s.cad.repaint();
+    s.Press({150, 100});
+    for (int i = 1; i <= 20; ++i) {
+        s.Move({150 + 3 * i, 100 + 2 * i});
+        QCoreApplication::processEvents();
+    }
+    QTest::keyClick(&s.cad, Qt::Key_Escape);
+    s.Release({210, 140});
+    EXPECT_EQ(s.cad.GetShapeByNo(0)->GetLeftTop().X, 100);
+
+    // A rubber band and a resize outline, erased on release before the one repaint.
+    s.Drag({20, 20}, {60, 80});
+    s.cad.repaint();
+    s.Press({500, 500});
+    s.Move({560, 540});
+    s.Move({520, 520});
+    s.Move({500, 500});
+    QTest::keyClick(&s.cad, Qt::Key_Escape);
+}
+
+} // namespace
+} // namespace tessal::test

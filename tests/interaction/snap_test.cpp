@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: MIT
+// Snapping rules on tables of points: the grid with halves to even, the box edges of other
+// shapes with their scaled capture band, the capture-distance setter, and rectangles.
+#include "mousehelpers.h"
+
+#include <gtest/gtest.h>
+
+namespace tessal::test {
+namespace {
+
+struct TSnapCase
+{
+    double GridW, GridH;
+    int Reach;
+    TPoint In, Out;
+    bool Snapped;
+};
+
+TEST(Snapping, GridAxesIndependentlyHalvesToEven)
+{
+    const TSnapCase cases[] = {
+        {20, 20, 4, {103, 77}, {100, 80}, true},
+        {20, 20, 4, {104, 77}, {104, 80}, true}, // 4 away is out of reach
+        {20, 20, 4, {104, 76}, {104, 76}, false},
+        {20, 20, 4, {-3, 118}, {0, 120}, true},
+        {20, 20, 0, {100, 100}, {100, 100}, false}, // a zero reach never snaps
+        {2.5, 2.5, 2, {3, 7}, {2, 8}, true},        // 2.5 and 7.5 round to even
+        {2.5, 10, 2, {13, 21}, {12, 20}, true},
+        {12.5, 7.5, 3, {37, 22}, {38, 22}, true}, // 37.5 -> 38, and 22.5 -> 22 is d=0.5
+    };
+    for (const TSnapCase &c : cases) {
+        TMyCAD cad;
+        cad.GridOperation()->SetGridWidth(c.GridW);
+        cad.GridOperation()->SetGridHeight(c.GridH);
+        cad.SetSnapPixels(std::uint8_t(c.Reach));
+        ASSERT_EQ(cad.SnapPixels(), c.Reach);
+        cad.SetSnap(true);
+        std::int32_t x = c.In.X, y = c.In.Y;
+        EXPECT_EQ(cad.SnapXY(x, y), c.Snapped) << c.In.X << "," << c.In.Y;
+        EXPECT_EQ((TPoint{x, y}), c.Out) << c.In.X << "," << c.In.Y;
+    }
+}
+
+TEST(Snapping, ReachIsTakenOnlyBelowBothGridSpacings)
+{
+    TMyCAD cad;
+    cad.GridOperation()->SetGridWidth(20);
+    cad.GridOperation()->SetGridHeight(8);
+    cad.SetSnapPixels(5);
+    EXPECT_EQ(cad.SnapPixels(), 5);
+    cad.SetSnapPixels(8);
+    EXPECT_EQ(cad.SnapPixels(), 5);
+    cad.SetSnapPixels(7);
+    EXPECT_EQ(cad.SnapPixels(), 7);
+    cad.GridOperation()->SetGridHeight(30);
+    cad.SetSnapPixels(20);
+    EXPECT_EQ(cad.SnapPixels(), 7);
+}
+
+TEST(Snapping, BoxEdgesOfOtherShapes)
+{
+    TMyCAD cad;
+    cad.SetSnap(false);
+    cad.SetSnapShape(true);
+    AddRectangle(cad, 100, 100, 200, 160);
+    cad.SetCurrentShape(nullptr); // the shape under the mouse is the one never snapped to
+    struct TEdgeCase
+    {
+        TPoint In, Out;
+        bool Snapped;
+    };
+    const TEdgeCase cases[] = {
+        {{102, 130}, {100, 130}, true},  {{198, 130}, {200, 130}, true},
+        {{100, 130}, {100, 130}, true}, // on the edge: zero is never chosen, yet in reach
+        {{102, 185}, {100, 185}, true}, // rows reach 1.2 x Bottom = 192, beyond the box
+        {{102, 193}, {102, 193}, false}, {{150, 97}, {150, 100}, true},
+        {{230, 162}, {230, 160}, true}, // columns reach 1.2 x Right = 240
+        {{104, 130}, {104, 130}, false}, {{101, 99}, {100, 100}, true}, // both axes
+    };
+    for (const TEdgeCase &c : cases) {
+        std::int32_t x = c.In.X, y = c.In.Y;
+        EXPECT_EQ(cad.SnapXY(x, y), c.Snapped) << c.In.X << "," << c.In.Y;
+        EXPECT_EQ((TPoint{x, y}), c.Out) << c.In.X << "," << c.In.Y;
+    }
+    // A later shape overwrites the candidate of the same edge; the smaller of left and
+    // right wins.
+    AddRectangle(cad, 103, 10, 180, 400);
+    cad.SetCurrentShape(nullptr);
+    std::int32_t x = 102, y = 130;
+    EXPECT_TRUE(cad.SnapXY(x, y));
+    EXPECT_EQ(x, 103);
+    // With the grid in reach, edges are not looked at.
+    cad.SetSnap(true);
+    x = 101, y = 50;
+    EXPECT_TRUE(cad.SnapXY(x, y));
+    EXPECT_EQ((TPoint{x, y}), (TPoint{100, 50}));
+}
+
+TEST(Snapping, RectangleMovesAsItsBestCornerWould)
+{
+    TMyCAD cad;
+    cad.SetSnap(true);
+    std::int32_t x = 10, y = 10;
+    cad.SnapRect(TRect(98, 57, 160, 121), x, y);
+    EXPECT_EQ((TPoint{x, y}), (TPoint{12, 9}));
+    x = 10, y = 10;
+    cad.SnapRect(TRect(90, 50, 130, 70), x, y); // no corner within reach
+    EXPECT_EQ((TPoint{x, y}), (TPoint{10, 10}));
+}
+
+} // namespace
+} // namespace tessal::test
