@@ -502,7 +502,6 @@ private:
     TMyShape *SplitChain(TMyShape *shape, std::int32_t pointIndex);
 
 public:
-
     // ---- Connectors (routing.cpp) ----
     // The route of a connector from start to end (screen points): an lldsFree connector
     // is the straight line; an lldsHV route alternates horizontal and vertical segments,

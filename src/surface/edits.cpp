@@ -19,6 +19,12 @@ namespace tessal {
 
 namespace {
 
+// Neither locked nor hidden (itself or by its layer).
+bool IsFree(const TMyCAD &cad, const TMyShape &shape)
+{
+    return !shape.Locked() && shape.Visible() && cad.IsVisibleLayerByID(shape.LayerId());
+}
+
 bool IsClass(const TMyShape &shape, std::initializer_list<const char *> names)
 {
     const QString name = shape.ClassName();
@@ -77,8 +83,7 @@ std::size_t CountDistinct(TMyPointArray points)
 
 bool IsBreakableClass(const TMyShape &shape)
 {
-    return IsClass(shape, {"TMyLine", "TMyPolyLine", "TMyFreeLine"}) &&
-           shape.GetPointsCount() >= 2;
+    return IsClass(shape, {"TMyLine", "TMyPolyLine", "TMyFreeLine"}) && shape.GetPointsCount() >= 2;
 }
 
 // Where a chain breaks for a click: before point Index, at Point (document) on the hit
@@ -122,8 +127,8 @@ bool HasTurnedFrame(const TMyCAD &cad, const TMyShape &shape, std::int32_t depth
 {
     if (depth > cad.GetShapesCount())
         return false;
-    const bool framed = dynamic_cast<const TMyRectangle *>(&shape) ||
-                        dynamic_cast<const TMyElliArc *>(&shape);
+    const bool framed =
+        dynamic_cast<const TMyRectangle *>(&shape) || dynamic_cast<const TMyElliArc *>(&shape);
     const double quarters = shape.Angle() / (std::numbers::pi / 2);
     if (framed && std::abs(quarters - std::nearbyint(quarters)) > 1e-6)
         return true;
@@ -165,8 +170,7 @@ void StretchTree(const TMyCAD &cad, TMyShape &shape, TMyPoint centre, double fx,
 
 bool TMyCAD::IsEditableShape(const TMyShape *shape) const
 {
-    return GetShapeNoInMyShapes(shape) >= 0 && !shape->Locked() && shape->Visible() &&
-           IsVisibleLayerByID(shape->LayerId());
+    return GetShapeNoInMyShapes(shape) >= 0 && IsFree(*this, *shape);
 }
 
 // ---- Joining lines ----
@@ -197,8 +201,7 @@ TMyShape *TMyCAD::CreateAndDelete(TMyLine *line)
         (lineInDocument && !mergeable(line)))
         return nullptr;
     const std::optional<TMyPointArray> head = ChainFromEnd(*first, line->StartMergePointNo(), true);
-    const std::optional<TMyPointArray> tail =
-        ChainFromEnd(*second, line->EndMergePointNo(), false);
+    const std::optional<TMyPointArray> tail = ChainFromEnd(*second, line->EndMergePointNo(), false);
     if (!head || !tail)
         return nullptr;
 
@@ -269,7 +272,7 @@ bool TMyCAD::AverageSize(bool width)
     std::vector<TMyShape *> shapes;
     double sum = 0;
     for (TMyShape *shape : m_WorkingShapes) {
-        if (IsEditableShape(shape) && extent(shape) > 0) {
+        if (IsFree(*this, *shape) && extent(shape) > 0) {
             shapes.push_back(shape);
             sum += extent(shape);
         }
@@ -324,7 +327,7 @@ TMyShape *TMyCAD::IsBreakLineByAPoint(TPoint screenPoint) const
 {
     for (std::int32_t no = GetShapesCount() - 1; no >= 0; --no) {
         TMyShape *shape = m_Shapes[std::size_t(no)].get();
-        if (IsEditableShape(shape) && IsBreakableClass(*shape) &&
+        if (IsFree(*this, *shape) && IsBreakableClass(*shape) &&
             FindBreak(static_cast<const TMyLine &>(*shape), screenPoint, Zoom()))
             return shape;
     }
@@ -401,10 +404,8 @@ TMyShape *TMyCAD::ClosePolygon(TMyShape *shape)
     TMyPointArray &points = polygon->Points();
     if (points.back() != points.front())
         points.push_back(points.front());
-    TMyShape *closed = ReplaceShapeObject(GetShapeNoInMyShapes(shape), std::move(polygon));
-    ChangeLinkShapes(closed);
-    DocumentChanged();
-    return closed;
+    // Nothing moved (the closing point repeats point 0), so bound connectors stay as they are.
+    return ReplaceShapeObject(GetShapeNoInMyShapes(shape), std::move(polygon));
 }
 
 // ---- List surgery ----
@@ -416,8 +417,7 @@ bool TMyCAD::InsertShape(TMyShape *shape, std::int32_t no, bool noIdCount)
         return false;
     no = std::clamp(no, 0, count);
     if (no < count) {
-        RenumberRelations(
-            [no, count](std::int32_t n) { return n >= no && n < count ? n + 1 : n; });
+        RenumberRelations([no, count](std::int32_t n) { return n >= no && n < count ? n + 1 : n; });
         std::rotate(m_Shapes.begin() + no, m_Shapes.end() - 1, m_Shapes.end());
     }
     for (std::size_t i = std::size_t(no); i < m_Shapes.size(); ++i)

@@ -118,8 +118,8 @@ void TMyCAD::PushtoUndoRedoShapeList(std::span<TMyShape *const> shapes, std::int
     AppendRecords(shapes, last, step, action);
 }
 
-void TMyCAD::AppendRecords(std::span<TMyShape *const> shapes, std::int32_t last,
-                           std::int32_t step, const QString &action)
+void TMyCAD::AppendRecords(std::span<TMyShape *const> shapes, std::int32_t last, std::int32_t step,
+                           const QString &action)
 {
     if (action == ACT_UNGROUP) {
         RecordTree(shapes[0], step, action, true, 0);
@@ -316,10 +316,9 @@ void TMyCAD::RestoreShapes(const std::vector<const TUndoRecord *> &records)
     const auto place = [](const TUndoRecord *r) {
         return r->AtPlace ? r->Copy->ShapeNo() : std::numeric_limits<std::int32_t>::max();
     };
-    std::stable_sort(todo.begin(), todo.end(),
-                     [&place](const TUndoRecord *a, const TUndoRecord *b) {
-                         return place(a) < place(b);
-                     });
+    std::stable_sort(
+        todo.begin(), todo.end(),
+        [&place](const TUndoRecord *a, const TUndoRecord *b) { return place(a) < place(b); });
     std::vector<TMyShape *> restored;
     for (const TUndoRecord *record : todo) {
         std::unique_ptr<TMyShape> shape = CreateShapeByName(record->Copy->ClassName());
