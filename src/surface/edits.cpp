@@ -151,14 +151,8 @@ void StretchTree(const TMyCAD &cad, TMyShape &shape, TMyPoint centre, double fx,
         return TMyPoint{float(centre.X + (double(p.X) - centre.X) * fx),
                         float(centre.Y + (double(p.Y) - centre.Y) * fy)};
     };
-    if (!shape.Locked() || depth == 0) {
-        for (TMyPoint &p : shape.Points())
-            p = map(p);
-        for (TMyPoint &p : shape.LinkPoints())
-            p = map(p);
-        shape.SetTextPoint(map(shape.TextPoint()));
-        shape.SetCenterPoint(map(shape.CenterPoint()));
-    }
+    if (!shape.Locked() || depth == 0)
+        MapShapePositions(shape, map);
     for (std::int32_t no : shape.ChildShapes()) {
         TMyShape *child = cad.GetShapeByNo(no);
         if (child && child != &shape)
