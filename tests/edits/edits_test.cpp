@@ -455,8 +455,13 @@ TEST(Close, PolylineBecomesPolygonInPlace)
     EXPECT_EQ(cad.GetShapeByID(id)->ClassName(), QStringLiteral("TMyPolyLine"));
 
     // A polyline that already ends on its start is not given another closing point.
+    // The selection follows the new object.
     TMyShape *ring = AddChain(cad, TDrawTool::SpPolyLine, {{0, 0}, {9, 0}, {9, 9}, {0, 0}});
-    EXPECT_EQ(cad.ClosePolygon(ring)->GetPointsCount(), 4);
+    TMyShape *closed = cad.ClosePolygon(ring);
+    ASSERT_NE(closed, nullptr);
+    EXPECT_EQ(closed->GetPointsCount(), 4);
+    EXPECT_EQ(cad.WorkingShapes(), std::vector<TMyShape *>{closed});
+    EXPECT_EQ(cad.CurrentShape(), closed);
 }
 
 TEST(Close, RefusedShapes)
