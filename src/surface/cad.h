@@ -377,6 +377,9 @@ public:
         QString Action;
         std::int32_t ParentId = -1;
         std::vector<std::int32_t> ChildIds;
+        // A deleted shape that comes back at its recorded list place (Copy's ShapeNo), not
+        // after the present shapes: set by commands that replace shapes (RecordEdit).
+        bool AtPlace = false;
     };
     // Records one step for shapes[0 .. highIndex] (see the action names below): the oldest
     // step is evicted when the newest step number equals UndoRedoSize - 1.
@@ -434,6 +437,77 @@ public:
     float Tilt(TMyShape *shape, TMyPoint centre, TMyPoint from, TMyPoint to, bool constrained);
     void RotateChangeValueforShapes(TMyShape *shape, TMyPoint centre, double angle);
 
+    // ---- Line and size edits (edits.cpp) ----
+    // These commands refuse (nullptr or false, changing and recording nothing) a missing
+    // shape, a locked shape, a hidden shape or one on a hidden layer, and unsuitable classes.
+    //
+    // The plain line or polyline whose first (atStart) or last point handle holds point
+    // (screen pixels), looked up in list order and stored in the line's start or end merge
+    // fields (-1 and -1 when none). Answers that shape, nullptr when none.
+    TMyShape *GetMergeShape(class TMyLine *line, bool atStart, TMyPoint point);
+    // Joins the two lines or polylines on whose ends line's ends were dropped (its merge
+    // fields) into one new TMyPolyLine: the start shape's chain running into its merged end,
+    // the line's inner points, then the end shape's chain running out of its merged end. The
+    // meeting points are the two shapes' own end points (line's ends, dropped within a handle
+    // of them, are left out), and the arrow heads at the two outer ends are kept. The new
+    // shape takes the start shape's appearance and layer, is appended with a new identity
+    // and becomes the only working shape; the two shapes go. line itself is only read unless
+    // it is in the document, in which case it goes too. One step: the removed shapes are
+    // recorded "ACT_DELETE" to come back at their own list places, the new one "ACT_ADD".
+    // Nullptr when the two ends are not both on ends of two different, editable, top-level
+    // lines or polylines of one layer that have no connectors bound.
+    TMyShape *CreateAndDelete(class TMyLine *line);
+    // The working shapes (at least two that are editable and have a width, resp. height)
+    // take the average width (height) of their bounding boxes, each stretched about the
+    // middle of its box together with its members; connectors follow. A shape whose tree
+    // holds a box-framed shape (rectangle, ellipse, text, image, arc, group) turned by other
+    // than a multiple of 90 degrees is scaled evenly instead, which keeps its frame and
+    // still gives the box the average size. One "ACT_CHANGE" step. Locked and hidden working
+    // shapes are left out (locked members stay as they are).
+    bool AverageWidth();
+    bool AverageHeight();
+    // Breaks a TMyLine, TMyPolyLine or TMyFreeLine at inner point pointIndex (1 .. count - 2):
+    // the shape keeps the points up to and including it, a new shape of its class, inserted
+    // just above it in the drawing order (and in its group), takes the rest. The new piece
+    // has the shape's appearance, layer and user data, name and caption "Shape" followed by
+    // its identity, and the head at the far end. Both become working shapes (the new one
+    // current) and OnShapeAdded fires. One step: "ACT_CHANGE" of the shape, then "ACT_ADD"
+    // of the new piece. Answers the new piece.
+    TMyShape *BreakLine(TMyShape *shape, std::int32_t pointIndex);
+    // Breaks at the point of the segment under screenPoint nearest to it, which ends the
+    // first piece and starts the second; at an inner point this is BreakLine. Nullptr when
+    // no segment is hit or the point would be an end of the chain.
+    TMyShape *BreakLineByAPoint(TMyShape *shape, TPoint screenPoint);
+    // The topmost shape (group members included) that BreakLineByAPoint would break at
+    // screenPoint; nullptr when none.
+    TMyShape *IsBreakLineByAPoint(TPoint screenPoint) const;
+    // Replaces a TMyPolyLine of at least three different points by a TMyPolygon with the same
+    // list place, identity, name, appearance, layer, group and connectors, and point 0
+    // repeated at the end unless it is already there. The polyline object is destroyed (its
+    // pointer must not be used again); the working and current shape follow the new one.
+    // Recorded "ACT_CHANGE": taking it back turns the polygon into the polyline again.
+    TMyShape *ClosePolygon(TMyShape *shape);
+
+private:
+    // Records shapes for action as PushtoUndoRedoShapeList does, in a new step or (join)
+    // into the newest one, so that a command making several kinds of change is taken back at
+    // once. Deleted shapes recorded atPlace come back at their list places.
+    void RecordEdit(std::span<TMyShape *const> shapes, const QString &action, bool join,
+                    bool atPlace);
+    void AppendRecords(std::span<TMyShape *const> shapes, std::int32_t last, std::int32_t step,
+                       const QString &action);
+    // Takes ownership of shape and puts it at list place no (clamped to the end); the
+    // shapes from no on, and every number naming them, move one place up. The shape's own
+    // relations name places as they were before. False (caller keeps it) without a layer.
+    bool InsertShape(TMyShape *shape, std::int32_t no, bool noIdCount);
+    // Puts shape in place of list entry no, which is destroyed; working shapes and the
+    // current shape follow. Answers the new entry.
+    TMyShape *ReplaceShapeObject(std::int32_t no, std::unique_ptr<TMyShape> shape);
+    bool IsEditableShape(const TMyShape *shape) const;
+    bool AverageSize(bool width);
+    TMyShape *SplitChain(TMyShape *shape, std::int32_t pointIndex);
+
+public:
     // ---- Connectors (routing.cpp) ----
     // The route of a connector from start to end (screen points): an lldsFree connector
     // is the straight line; an lldsHV route alternates horizontal and vertical segments,

@@ -2,6 +2,7 @@
 // Copy, cut and paste of the working shapes through the system clipboard, and the placing
 // of a list of shapes with fresh identities that paste, blocks and library entries share.
 #include <tessal/surface/cad.h>
+#include <tessal/surface/shapestate_p.h>
 
 #include <tessal/platform/binarystream.h>
 #include <tessal/platform/color.h>
@@ -75,13 +76,7 @@ void Translate(TMyShape &shape, TMyPoint by)
 {
     if (by.X == 0 && by.Y == 0)
         return;
-    const auto move = [by](TMyPoint p) { return TMyPoint{p.X + by.X, p.Y + by.Y}; };
-    for (TMyPoint &p : shape.Points())
-        p = move(p);
-    for (TMyPoint &p : shape.LinkPoints())
-        p = move(p);
-    shape.SetCenterPoint(move(shape.CenterPoint()));
-    shape.SetTextPoint(move(shape.TextPoint()));
+    MapShapePositions(shape, [by](TMyPoint p) { return TMyPoint{p.X + by.X, p.Y + by.Y}; });
 }
 
 // The list places of what a copy takes: the working shapes, their members at any depth,

@@ -108,6 +108,8 @@ private:
     void ReleaseDrawing(TMouseButton button, TShiftState shift);
     bool AskForInput(TMyShape *shape);
     void FinishShape();
+    bool JoinLines();
+    void FinishDrawingTool();
     void ReleaseRubberBand();
     void ReleaseResizing(TShiftState shift);
     void ReleaseDragging();

@@ -105,7 +105,7 @@ void TMouseMachine::StartShape()
             link->SetStartSpPtId(linkId);
         }
     } else if (shape->ClassName() == QLatin1String("TMyLine")) {
-        static_cast<TMyLine *>(shape)->LookUpMergeShape(true, PtToMyPt(m_Start));
+        m_Cad.GetMergeShape(static_cast<TMyLine *>(shape), true, PtToMyPt(m_Start));
     }
 }
 

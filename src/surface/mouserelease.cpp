@@ -238,6 +238,8 @@ void TMouseMachine::FinishShape()
         link->SetStartSpNo(-1);
         link->SetEndSpNo(-1);
     }
+    if (JoinLines())
+        return;
     if (!cad.AddShape(shape, false, false))
         return;
     m_Building.release();
@@ -254,6 +256,36 @@ void TMouseMachine::FinishShape()
         cad.m_OnShapeAdded(&cad, shape, cad.GetShapesCount());
     cad.PushtoUndoRedoShapeList(std::span<TMyShape *const>(&shape, 1), 0, ACT_ADD);
     SetCurrent(nullptr);
+    FinishDrawingTool();
+}
+
+// A plain line dropped with both ends on the ends of two other lines joins them into one
+// polyline. The line itself never joins the drawing: the join is the step recorded, and
+// taking it back gives the two lines as they were.
+bool TMouseMachine::JoinLines()
+{
+    TMyShape *shape = m_Building.get();
+    if (shape->ClassName() != QLatin1String("TMyLine"))
+        return false;
+    auto *line = static_cast<TMyLine *>(shape);
+    TPoint to = m_Now;
+    line->Drawed(m_Start, to);
+    if (line->StartMergeShapeId() < 0 || line->EndMergeShapeId() < 0 ||
+        line->StartMergeShapeId() == line->EndMergeShapeId())
+        return false;
+    line->SetLayerId(m_Cad.m_CurrentLayerId);
+    if (!m_Cad.CreateAndDelete(line))
+        return false;
+    m_Building.reset();
+    SetCurrent(nullptr);
+    FinishDrawingTool();
+    return true;
+}
+
+// After a finished shape: back to selecting when the control asks for it, and one repaint.
+void TMouseMachine::FinishDrawingTool()
+{
+    TMyCAD &cad = m_Cad;
     if (cad.m_ReturnToSelecting) {
         if (cad.m_OnActionToolToSelecting)
             cad.m_OnActionToolToSelecting(&cad);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The undo history: recording steps as shape copies and taking the newest step back.
 #include <tessal/surface/cad.h>
+#include <tessal/surface/shapestate_p.h>
 
 #include <tessal/shapes/line.h>
 #include <tessal/shapes/link.h>
@@ -8,11 +9,30 @@
 #include <tessal/shapes/shapetools.h>
 
 #include <algorithm>
+#include <limits>
 #include <unordered_map>
 
 namespace tessal {
 
 namespace {
+
+bool IsKnownAction(const QString &action)
+{
+    for (const QString *known :
+         {&ACT_ADD, &ACT_CHANGE, &ACT_DELETE, &ACT_GROUP, &ACT_UNGROUP, &ACT_BRINGTOFRONT,
+          &ACT_SENDTOBACK, &ACT_BRINGTOFRONTBYSTEP, &ACT_SENDTOBACKBYSTEP})
+        if (action == *known)
+            return true;
+    return false;
+}
+
+void ReplaceId(std::int32_t &id, std::int32_t from, std::int32_t to)
+{
+    if (id == from)
+        id = to;
+}
+
+} // namespace
 
 // Everything a step must be able to give back. Assign carries geometry, appearance and
 // relations but leaves out the text point, the identity and a few flags; a line's Assign
@@ -39,24 +59,6 @@ void CopyWholeState(TMyShape &to, const TMyShape &from)
     if (auto *toLine = dynamic_cast<TMyLine *>(&to); toLine && fromLine)
         toLine->SetArrowOffset(fromLine->ArrowOffset());
 }
-
-bool IsKnownAction(const QString &action)
-{
-    for (const QString *known :
-         {&ACT_ADD, &ACT_CHANGE, &ACT_DELETE, &ACT_GROUP, &ACT_UNGROUP, &ACT_BRINGTOFRONT,
-          &ACT_SENDTOBACK, &ACT_BRINGTOFRONTBYSTEP, &ACT_SENDTOBACKBYSTEP})
-        if (action == *known)
-            return true;
-    return false;
-}
-
-void ReplaceId(std::int32_t &id, std::int32_t from, std::int32_t to)
-{
-    if (id == from)
-        id = to;
-}
-
-} // namespace
 
 // ---- Recording ----
 
@@ -113,6 +115,12 @@ void TMyCAD::PushtoUndoRedoShapeList(std::span<TMyShape *const> shapes, std::int
             --record.Step;
     }
     const std::int32_t step = m_UndoList.empty() ? 0 : m_UndoList.back().Step + 1;
+    AppendRecords(shapes, last, step, action);
+}
+
+void TMyCAD::AppendRecords(std::span<TMyShape *const> shapes, std::int32_t last, std::int32_t step,
+                           const QString &action)
+{
     if (action == ACT_UNGROUP) {
         RecordTree(shapes[0], step, action, true, 0);
     } else if (action == ACT_DELETE || action == ACT_CHANGE) {
@@ -125,6 +133,26 @@ void TMyCAD::PushtoUndoRedoShapeList(std::span<TMyShape *const> shapes, std::int
     } else if (shapes[0]) {
         RecordShape(shapes[0], step, action);
     }
+}
+
+void TMyCAD::RecordEdit(std::span<TMyShape *const> shapes, const QString &action, bool join,
+                        bool atPlace)
+{
+    const std::int32_t last = std::int32_t(shapes.size()) - 1;
+    if (m_UndoRedoSize == 0 || last < 0 || !IsKnownAction(action))
+        return;
+    std::size_t first = m_UndoList.size();
+    if (join && !m_UndoList.empty()) {
+        AppendRecords(shapes, last, m_UndoList.back().Step, action);
+    } else {
+        PushtoUndoRedoShapeList(shapes, last, action);
+        // Eviction may have shifted the list: the new step is all of its tail.
+        first = m_UndoList.size();
+        while (first > 0 && m_UndoList[first - 1].Step == m_UndoList.back().Step)
+            --first;
+    }
+    for (std::size_t i = first; i < m_UndoList.size(); ++i)
+        m_UndoList[i].AtPlace = atPlace;
 }
 
 void TMyCAD::ClearAllUndoStuff()
@@ -188,6 +216,15 @@ void TMyCAD::TakeBackChange(const TUndoRecord &record)
     TMyShape *live = GetShapeByID(record.Copy->ShapeId());
     if (!live)
         return;
+    // A command that changed the shape's class (a polyline closed into a polygon) is taken
+    // back by an object of the recorded class in the same place.
+    if (live->ClassName() != record.Copy->ClassName()) {
+        std::unique_ptr<TMyShape> same = CreateShapeByName(record.Copy->ClassName());
+        if (!same)
+            return;
+        CopyWholeState(*same, *live);
+        live = ReplaceShapeObject(GetShapeNoInMyShapes(live), std::move(same));
+    }
     const std::int32_t parent = live->ParentNo();
     const std::vector<std::int32_t> children = live->ChildShapes();
     const std::vector<std::int32_t> links = live->LinkShapes();
@@ -261,21 +298,28 @@ void TMyCAD::Regroup(std::vector<TMyShape *> &members, const TUndoRecord *former
     }
 }
 
-// Deleted shapes come back after the present ones, in the order visited. Relations are
-// resolved by identity once all of them are in the list.
+// Deleted shapes come back after the present ones, in the order visited; those recorded
+// at their places go back there first, lowest place first, so that each lands where it
+// was. Relations are resolved by identity once all of them are in the list.
 void TMyCAD::RestoreShapes(const std::vector<const TUndoRecord *> &records)
 {
     std::unordered_map<std::int32_t, std::int32_t> newNo;
     std::vector<const TUndoRecord *> todo;
-    std::int32_t next = GetShapesCount();
     for (const TUndoRecord *record : records) {
         const std::int32_t id = record->Copy->ShapeId();
         // A locked member spared by the deletion is still here.
         if (GetShapeByID(id) || newNo.contains(id))
             continue;
-        newNo[id] = next++;
+        newNo[id] = -1;
         todo.push_back(record);
     }
+    const auto place = [](const TUndoRecord *r) {
+        return r->AtPlace ? r->Copy->ShapeNo() : std::numeric_limits<std::int32_t>::max();
+    };
+    std::stable_sort(
+        todo.begin(), todo.end(),
+        [&place](const TUndoRecord *a, const TUndoRecord *b) { return place(a) < place(b); });
+    std::vector<TMyShape *> restored;
     for (const TUndoRecord *record : todo) {
         std::unique_ptr<TMyShape> shape = CreateShapeByName(record->Copy->ClassName());
         CopyWholeState(*shape, *record->Copy);
@@ -292,10 +336,15 @@ void TMyCAD::RestoreShapes(const std::vector<const TUndoRecord *> &records)
         shape->SetShapeNo(GetShapesCount());
         if (GetLayerNoById(shape->LayerId()) < 0)
             shape->SetLayerId(m_CurrentLayerId);
-        if (!AddShape(shape.get(), true, true))
+        const bool added = record->AtPlace ? InsertShape(shape.get(), place(record), true)
+                                           : AddShape(shape.get(), true, true);
+        if (!added)
             return;
-        shape.release();
+        restored.push_back(shape.release());
     }
+    // Insertions keep every ShapeNo equal to its list place.
+    for (const TMyShape *shape : restored)
+        newNo[shape->ShapeId()] = shape->ShapeNo();
     for (const TUndoRecord *record : todo) {
         const std::int32_t no = newNo.at(record->Copy->ShapeId());
         TMyShape *shape = GetShapeByNo(no);

@@ -164,6 +164,27 @@ TEST(MouseDrawing, ConnectorsBindAndSkipTheGridOthersSnap)
     ExpectNear(line->Points(), {{100, 80}, {220, 160}});
 }
 
+// A line drawn from the end of one line to the start of another joins the two into one
+// polyline, as one step that undo takes back whole.
+TEST(MouseDrawing, ALineDroppedOnTwoLineEndsJoinsThem)
+{
+    TMouseSurface s;
+    const std::vector<TMyPoint> left{{50, 300}, {150, 300}}, right{{250, 300}, {350, 320}};
+    s.cad.AddShapeByCode(TDrawTool::SpLine, {}, left, 0, {});
+    s.cad.AddShapeByCode(TDrawTool::SpLine, {}, right, 0, {});
+    s.cad.ClearAllUndoStuff();
+    const QByteArray before = Saved(s.cad);
+    s.cad.SetShapeTool(TDrawTool::SpLine);
+    s.Drag({151, 301}, {249, 299});
+    ASSERT_EQ(s.cad.GetShapesCount(), 1);
+    const TMyShape *joined = s.cad.GetShapeByNo(0);
+    EXPECT_EQ(joined->ClassName(), QLatin1String("TMyPolyLine"));
+    ExpectNear(joined->Points(), {{50, 300}, {150, 300}, {250, 300}, {350, 320}});
+    EXPECT_EQ(StepCount(s.cad), 1);
+    s.cad.PopFromUndoRedoShapeList();
+    EXPECT_EQ(Saved(s.cad), before);
+}
+
 // Shift holds a box square and a segment to the nearest of the axes and diagonals.
 TEST(MouseDrawing, ShiftMakesSquaresAndStraightSegments)
 {
