@@ -26,7 +26,8 @@ install_missing() {
 
 build() {
     if [ ! -f "$BUILD_DIR/CMakeCache.txt" ]; then
-        cmake -S . -B "$BUILD_DIR" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTESSAL_BUILD_TESTS=ON
+        cmake -S . -B "$BUILD_DIR" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTESSAL_BUILD_TESTS=ON \
+              -DTESSAL_BUILD_DESIGNER=ON
     fi
     cmake --build "$BUILD_DIR" --parallel "$(nproc)"
 }
