@@ -25,13 +25,16 @@ TEST(Inspector, KeyAndMouseEditsAreOneUndoStepEach)
     EXPECT_EQ(doc.Cad->UndoRedoShapeList().back().Action, ACT_CHANGE);
     EXPECT_EQ(Shown(doc.Grid(), {QStringLiteral("Tag")}), QStringLiteral("42"));
 
-    // A nested member through a double click: the pen's width alone changes.
+    // A nested member through the mouse (a click selects, a second click on the selected
+    // value edits it): the pen's width alone changes.
     const TColor colour = doc.A()->Pen().Color;
     const QModelIndex width =
         doc.Grid()->ViewIndex({QStringLiteral("Pen"), QStringLiteral("Width")});
     QTreeView *view = doc.Grid()->View();
     view->scrollTo(width);
-    QTest::mouseDClick(view->viewport(), Qt::LeftButton, {}, view->visualRect(width).center());
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->visualRect(width).center());
+    QTest::qWait(QApplication::doubleClickInterval() + 20);
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->visualRect(width).center());
     ASSERT_TRUE(WaitFor([&] { return view->indexWidget(width) != nullptr; }));
     auto *line = qobject_cast<QLineEdit *>(view->indexWidget(width));
     ASSERT_TRUE(line);
