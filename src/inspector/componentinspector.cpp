@@ -7,8 +7,10 @@
 
 #include <QComboBox>
 #include <QEvent>
+#include <QHBoxLayout>
 #include <QHeaderView>
 #include <QSplitter>
+#include <QToolButton>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -37,6 +39,7 @@ QString Label(const TMyShape *shape)
 TComponentInspector::TComponentInspector(QWidget *parent)
     : QWidget(parent)
     , m_Combo(new QComboBox(this))
+    , m_Layers(new QToolButton(this))
     , m_Tree(new QTreeWidget(this))
     , m_Grid(new TInspectorGrid(this))
 {
@@ -48,11 +51,66 @@ TComponentInspector::TComponentInspector(QWidget *parent)
     split->setStretchFactor(1, 2);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(m_Combo);
+    m_Layers->setText(tr("Layers..."));
+    m_Layers->setToolTip(tr("Add, rename and remove layers"));
+    auto *top = new QHBoxLayout;
+    top->addWidget(m_Combo, 1);
+    top->addWidget(m_Layers);
+    layout->addLayout(top);
     layout->addWidget(split, 1);
     connect(m_Tree, &QTreeWidget::itemSelectionChanged, this,
             &TComponentInspector::TreeSelectionChanged);
     connect(m_Combo, &QComboBox::activated, this, &TComponentInspector::ComboActivated);
+    connect(m_Layers, &QToolButton::clicked, this, &TComponentInspector::EditLayers);
+}
+
+void TComponentInspector::EditLayers()
+{
+    if (!m_Surface)
+        return;
+    std::vector<TCollectionDialog::TItem> items;
+    for (const TLayer &layer : m_Surface->Layers())
+        items.push_back({layer.Name, layer.Id});
+    TCollectionDialog dialog(tr("Layers"), items, this);
+    // The surface keeps its layers in creation order.
+    dialog.SetReorderable(false);
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    const QStringList problems = ApplyLayers(dialog.Items());
+    Refresh();
+    m_Grid->ShowMessage(problems.join(QLatin1Char('\n')));
+}
+
+QStringList TComponentInspector::ApplyLayers(const std::vector<TCollectionDialog::TItem> &items)
+{
+    QStringList problems;
+    std::vector<std::int32_t> kept;
+    for (const auto &item : items)
+        if (item.Data.isValid() && m_Surface->GetLayerNoById(item.Data.toInt()) >= 0)
+            kept.push_back(item.Data.toInt());
+    const std::vector<TLayer> before = m_Surface->Layers();
+    for (const TLayer &layer : before) {
+        if (std::count(kept.begin(), kept.end(), layer.Id))
+            continue;
+        if (m_Surface->GetShapesCountInALayer(layer.Id) == 0)
+            m_Surface->DeleteLayerByID(layer.Id);
+        else if (!kept.empty())
+            m_Surface->MergeLayers(layer.Id, kept.front());
+        else
+            problems << tr("Layer %1 holds shapes and is the last layer: kept.").arg(layer.Name);
+    }
+    for (const auto &item : items) {
+        if (item.Data.isValid()) {
+            const std::int32_t id = item.Data.toInt();
+            if (m_Surface->GetLayerNameByID(id) != item.Name &&
+                !m_Surface->SetLayerNameByID(id, item.Name))
+                problems << tr("Cannot rename a layer to %1.").arg(item.Name);
+        } else if (m_Surface->NewLayer(item.Name, true) < 0) {
+            problems << tr("Cannot add layer %1: the name is taken or the table is full.")
+                            .arg(item.Name);
+        }
+    }
+    return problems;
 }
 
 void TComponentInspector::SetSurface(TMyCAD *surface)

@@ -4,12 +4,15 @@
 
 #include <tessal/surface/cad.h>
 
+#include <tessal/inspector/listdialogs.h>
+
 #include <QPointer>
 #include <QWidget>
 
 #include <vector>
 
 class QComboBox;
+class QToolButton;
 class QTreeWidget;
 class QTreeWidgetItem;
 
@@ -40,7 +43,16 @@ public:
     void SetSurface(TMyCAD *surface);
     void Refresh();
 
+    // The "Layers..." button: the layer table in a collection dialog, applied on OK.
+    void EditLayers();
+    // Makes the layer table match items (names with layer IDs; new layers without): layers
+    // left out are merged into the first layer that stays, so no shape is lost, and the
+    // last layer is kept while it holds shapes; renamed ones are renamed and new ones
+    // added. Answers what could not be done, for the message line.
+    QStringList ApplyLayers(const std::vector<TCollectionDialog::TItem> &items);
+
     QComboBox *ComponentBox() const { return m_Combo; }
+    QToolButton *LayersButton() const { return m_Layers; }
     QTreeWidget *Tree() const { return m_Tree; }
     TInspectorGrid *Grid() const { return m_Grid; }
     // The tree item of a shape, nullptr when it has none.
@@ -75,6 +87,7 @@ private:
 
     QPointer<TMyCAD> m_Surface;
     QComboBox *m_Combo;
+    QToolButton *m_Layers;
     QTreeWidget *m_Tree;
     TInspectorGrid *m_Grid;
     TSnapshot m_Snapshot;

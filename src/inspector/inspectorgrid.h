@@ -52,6 +52,8 @@ public:
     QTreeView *View() const { return m_View; }
     QLabel *Title() const { return m_Title; }
     QLabel *MessageLabel() const { return m_Message; }
+    // Shows text in the message line (empty hides it).
+    void ShowMessage(const QString &text);
     // The view's index of a property's value cell, e.g. {"Pen", "Width"}.
     QModelIndex ViewIndex(const QStringList &path) const;
 
@@ -62,7 +64,6 @@ signals:
 
 private:
     void TargetChanged(const QString &title);
-    void ShowMessage(const QString &text);
 
     TPropertyModel *m_Model;
     QSortFilterProxyModel *m_Proxy;

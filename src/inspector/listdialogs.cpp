@@ -109,7 +109,16 @@ void TCollectionDialog::RemoveCurrent()
 
 void TCollectionDialog::MoveCurrent(int by)
 {
-    MoveRow(m_List, by);
+    if (m_Reorderable)
+        MoveRow(m_List, by);
+    UpdateButtons();
+}
+
+void TCollectionDialog::SetReorderable(bool reorderable)
+{
+    m_Reorderable = reorderable;
+    m_Up->setVisible(reorderable);
+    m_Down->setVisible(reorderable);
     UpdateButtons();
 }
 

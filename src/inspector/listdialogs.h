@@ -36,6 +36,8 @@ public:
     void AddItem(const QString &name);
     void RemoveCurrent();
     void MoveCurrent(int by);
+    // Collections whose order means nothing (or cannot change) hide Up and Down.
+    void SetReorderable(bool reorderable);
 
 protected:
     // The name a new item gets: the first of "Item1", "Item2", ... not in use.
@@ -48,6 +50,7 @@ private:
     QPushButton *m_Remove;
     QPushButton *m_Up;
     QPushButton *m_Down;
+    bool m_Reorderable = true;
 };
 
 // The items of a QMenu: texts (with & mnemonics), shortcuts and separators, in order.

@@ -9,6 +9,7 @@
 #include <QColor>
 #include <QFont>
 #include <QLocale>
+#include <QMenu>
 #include <QStringList>
 
 #include <cmath>
@@ -262,8 +263,11 @@ TPropertyKind KindOf(const QMetaType &type, const QString &name, const QByteArra
         return TPropertyKind::Picture;
     if (type == QMetaType::fromType<TUserData>())
         return TPropertyKind::UserData;
-    if (type.flags() & QMetaType::PointerToQObject)
-        return TPropertyKind::Object;
+    if (type.flags() & QMetaType::PointerToQObject) {
+        const QMetaObject *mo = type.metaObject();
+        return mo && mo->inherits(&QMenu::staticMetaObject) ? TPropertyKind::Menu
+                                                            : TPropertyKind::Object;
+    }
     if (name.startsWith(QLatin1String("On")) && id >= QMetaType::User)
         return TPropertyKind::Event;
     return TPropertyKind::Other;
@@ -370,6 +374,11 @@ QString DisplayText(const TPropertyType &type, const QVariant &value)
         const QObject *object = value.value<QObject *>();
         return object ? QStringLiteral("(%1)").arg(QLatin1String(object->metaObject()->className()))
                       : QObject::tr("(none)");
+    }
+    case TPropertyKind::Menu: {
+        const auto *menu = qobject_cast<const QMenu *>(value.value<QObject *>());
+        return menu ? QObject::tr("(%n item(s))", nullptr, int(menu->actions().size()))
+                    : QObject::tr("(none)");
     }
     case TPropertyKind::Event:
         return QObject::tr("(set in code)");

@@ -23,6 +23,7 @@ enum class TPropertyKind : std::uint8_t {
     StringList,
     Picture, // a TBitmap
     UserData,
+    Menu,   // a QMenu whose items are edited in place
     Object, // a QObject whose properties show as children (the grid settings)
     Event,  // a handler the application assigns in code; shown, never edited
     Other   // anything else: shown as text, read-only

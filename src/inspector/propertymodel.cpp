@@ -120,6 +120,8 @@ void TPropertyModel::Rebuild()
                 parent = g;
             }
             TNode *added = parent->Add(std::move(node));
+            if (added->Type.Kind == TPropertyKind::Menu)
+                continue;
             if (const QMetaObject *members = MembersOf(ReadPath(0, added->Path), added->Type.Type))
                 AddChildren(added, members, 0);
         }
@@ -221,7 +223,12 @@ QVariant TPropertyModel::ValueAt(const QModelIndex &index, bool *mixed) const
 bool TPropertyModel::IsWritable(const QModelIndex &index) const
 {
     const TNode *node = NodeOf(index);
-    if (!index.isValid() || !node->Group.isEmpty() || !node->Writable)
+    if (!index.isValid() || !node->Group.isEmpty())
+        return false;
+    // A menu is edited in place, whether or not the property can be assigned.
+    if (node->Type.Kind == TPropertyKind::Menu)
+        return true;
+    if (!node->Writable)
         return false;
     switch (node->Type.Kind) {
     case TPropertyKind::Event:

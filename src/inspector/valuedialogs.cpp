@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The value editor dialogs of the inspector.
+#include <tessal/inspector/listdialogs.h>
 #include <tessal/inspector/valuedialogs.h>
 #include <tessal/platform/color.h>
 #include <tessal/shapes/userdatadialogs.h>
@@ -14,6 +15,7 @@
 #include <QHBoxLayout>
 #include <QImageReader>
 #include <QLabel>
+#include <QMenu>
 #include <QMetaEnum>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -273,6 +275,7 @@ bool HasValueDialog(TPropertyKind kind)
     case TPropertyKind::StringList:
     case TPropertyKind::Picture:
     case TPropertyKind::UserData:
+    case TPropertyKind::Menu:
         return true;
     default:
         return false;
@@ -343,6 +346,14 @@ bool RunValueDialog(QWidget *parent, const TPropertyType &type, QVariant &value)
         TPictureDialog d(value.value<TBitmap>(), parent);
         return RunDialog(d, value,
                          [](TPictureDialog &x) { return QVariant::fromValue(x.Picture()); });
+    }
+    case TPropertyKind::Menu: {
+        // The menu is edited in place; the property keeps pointing at it.
+        if (auto *menu = qobject_cast<QMenu *>(value.value<QObject *>())) {
+            TMenuEditorDialog d(menu, parent);
+            d.exec();
+        }
+        return false;
     }
     case TPropertyKind::UserData: {
         TUserData data = value.value<TUserData>();

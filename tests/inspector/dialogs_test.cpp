@@ -15,10 +15,22 @@
 #include <QPlainTextEdit>
 #include <QSpinBox>
 #include <QTemporaryDir>
+
 #include <QToolButton>
+#include <memory>
 
 using namespace tessal;
 using namespace tessal::test;
+
+// An application object with a menu it publishes read-only.
+class TMenuOwner : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(QMenu *Popup READ Popup)
+public:
+    QMenu *Popup() const { return m_Menu.get(); }
+    std::unique_ptr<QMenu> m_Menu = std::make_unique<QMenu>();
+};
 
 namespace {
 
@@ -201,3 +213,64 @@ TEST(InspectorDialogs, FontsConvertBothWays)
     EXPECT_EQ(back.Style, fsBold | fsItalic | fsStrikeOut);
     EXPECT_EQ(back.Color, clRed);
 }
+
+TEST(InspectorDialogs, MenusAreEditedInPlaceFromTheGrid)
+{
+    TMenuOwner owner;
+    owner.setObjectName(QStringLiteral("owner"));
+    owner.Popup()->addAction(QStringLiteral("Cut"));
+    TInspectorGrid grid;
+    grid.SetShowInherited(true);
+    grid.SetObject(&owner);
+    grid.resize(300, 400);
+    grid.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&grid));
+    EXPECT_EQ(Shown(&grid, {QStringLiteral("Popup")}), QStringLiteral("(1 item(s))"));
+    WhenModal<TMenuEditorDialog>([](TMenuEditorDialog *d) {
+        d->AddItem(QStringLiteral("Paste"));
+        d->accept();
+    });
+    PressDots(&grid, {QStringLiteral("Popup")});
+    ASSERT_EQ(owner.Popup()->actions().size(), 2);
+    EXPECT_EQ(owner.Popup()->actions()[1]->text(), QStringLiteral("Paste"));
+}
+
+TEST(InspectorDialogs, LayersAreEditedWithoutLosingShapes)
+{
+    TDoc doc;
+    TComponentInspector *inspector = doc.Inspector;
+    const std::int32_t current = doc.Cad->CurrentLayerId();
+    std::vector<TCollectionDialog::TItem> items;
+    for (const TLayer &layer : doc.Cad->Layers())
+        if (layer.Id != current)
+            items.push_back({layer.Name, layer.Id});
+    ASSERT_FALSE(items.empty()); // the surface starts with a layer of its own
+    const std::int32_t survivor = items.front().Data.toInt();
+    items.front().Name = QStringLiteral("Renamed");
+    items.push_back({QStringLiteral("Added"), {}});
+    items.push_back({QStringLiteral("Renamed"), {}}); // a taken name
+    const QStringList problems = inspector->ApplyLayers(items);
+    ASSERT_EQ(problems.size(), 1);
+    EXPECT_TRUE(problems.front().contains(QLatin1String("Renamed")));
+    // Layer1 went; its three shapes moved onto the layer that stayed.
+    EXPECT_EQ(doc.Cad->GetLayerNoById(current), -1);
+    EXPECT_EQ(doc.Cad->GetShapesCount(), 3);
+    EXPECT_EQ(doc.Cad->GetShapesCountInALayer(survivor), 3);
+    EXPECT_EQ(doc.Cad->GetLayerNameByID(survivor), QStringLiteral("Renamed"));
+    EXPECT_GE(doc.Cad->GetLayerIdByName(QStringLiteral("Added")), 0);
+    // Removing every layer keeps the one with shapes.
+    const QStringList last = inspector->ApplyLayers({});
+    ASSERT_EQ(last.size(), 1);
+    EXPECT_EQ(doc.Cad->GetShapesCount(), 3);
+    EXPECT_EQ(doc.Cad->GetLayersCount(), 1);
+    // Through the button and the dialog: the tree shows the new layer.
+    WhenModal<TCollectionDialog>([](TCollectionDialog *d) {
+        d->AddItem(QStringLiteral("Notes"));
+        d->accept();
+    });
+    QTest::mouseClick(inspector->LayersButton(), Qt::LeftButton);
+    EXPECT_GE(doc.Cad->GetLayerIdByName(QStringLiteral("Notes")), 0);
+    EXPECT_EQ(inspector->Tree()->topLevelItemCount(), 2);
+}
+
+#include "dialogs_test.moc"

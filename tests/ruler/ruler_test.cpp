@@ -11,6 +11,7 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QImage>
+#include <QPaintEvent>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QTest>
@@ -193,4 +194,31 @@ TEST(Ruler, CornerClickSwitchesTheSurfaceUnit)
     for (int i = 0; i < 4; ++i)
         QTest::mouseClick(corner, Qt::LeftButton);
     EXPECT_EQ(rig.Cad->TheUNIT(), TUnits::pixel); // cm, dm, m, inch, pixel
+}
+
+TEST(Ruler, MovingTheMarkerRepaintsOnlyTwoStrips)
+{
+    TMyRuler ruler(Qt::Vertical);
+    ruler.resize(24, 300);
+    ruler.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&ruler));
+    QRegion painted;
+    struct TSpy : QObject
+    {
+        QRegion *Region;
+        bool eventFilter(QObject *, QEvent *e) override
+        {
+            if (e->type() == QEvent::Paint)
+                *Region += static_cast<QPaintEvent *>(e)->region();
+            return false;
+        }
+    } spy;
+    spy.Region = &painted;
+    ruler.SetMarker(100);
+    QTest::qWait(20);
+    ruler.installEventFilter(&spy);
+    ruler.SetMarker(200);
+    EXPECT_TRUE(WaitFor([&] { return !painted.isEmpty(); }));
+    QTest::qWait(20);
+    EXPECT_EQ(painted, QRegion(0, 99, 24, 3) + QRegion(0, 199, 24, 3));
 }

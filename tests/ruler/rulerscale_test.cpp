@@ -90,7 +90,8 @@ TEST(RulerScale, StepsAreTheSmallestOneTwoFiveThatFitTheLabels)
     }
     // A label that needs more room at larger steps pushes the step up.
     // 50 px < 50 / 2 + 30; 100 px >= 100 / 2 + 30.
-    const TRulerSteps wide = ChooseRulerSteps(1, [](double step) { return step / 2 + 30; }, 4);
+    const TRulerSteps wide = ChooseRulerSteps(
+        1, [](double step) { return step / 2 + 30; }, 4);
     EXPECT_DOUBLE_EQ(wide.Major, 100);
     // Only divisions at least minMinorPixels apart are used: a 100 step at 1 px/unit splits
     // into tenths (10 px) only when 10 px suffice, else fifths (20 px), else halves.
