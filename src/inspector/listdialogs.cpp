@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The collection and menu item editors.
+#include <tessal/inspector/dialogbuttons_p.h>
 #include <tessal/inspector/listdialogs.h>
 
 #include <QAction>
@@ -16,14 +17,6 @@
 namespace tessal {
 
 namespace {
-
-QDialogButtonBox *OkCancel(QDialog *dialog)
-{
-    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, dialog);
-    QObject::connect(buttons, &QDialogButtonBox::accepted, dialog, &QDialog::accept);
-    QObject::connect(buttons, &QDialogButtonBox::rejected, dialog, &QDialog::reject);
-    return buttons;
-}
 
 // Moves the current row of list by `by` places, keeping it current.
 void MoveRow(QListWidget *list, int by)
@@ -149,24 +142,12 @@ TMenuEditorDialog::TMenuEditorDialog(QMenu *menu, QWidget *parent)
     side->addWidget(button(tr("&Add Item"), [this] { AddItem(tr("New Item")); }));
     side->addWidget(button(tr("Add &Separator"), [this] { AddSeparator(); }));
     side->addWidget(button(tr("&Text..."), [this] {
-        if (QListWidgetItem *item = m_List->currentItem()) {
-            bool ok = false;
-            const QString text =
-                QInputDialog::getText(this, tr("Item Text"), tr("Text:"), QLineEdit::Normal,
-                                      item->data(TextRole).toString(), &ok);
-            if (ok)
-                SetCurrentText(text);
-        }
+        AskForCurrent(TextRole, tr("Item Text"), tr("Text:"),
+                      [this](const QString &text) { SetCurrentText(text); });
     }));
     side->addWidget(button(tr("S&hortcut..."), [this] {
-        if (QListWidgetItem *item = m_List->currentItem()) {
-            bool ok = false;
-            const QString keys =
-                QInputDialog::getText(this, tr("Shortcut"), tr("Keys:"), QLineEdit::Normal,
-                                      item->data(ShortcutRole).toString(), &ok);
-            if (ok)
-                SetCurrentShortcut(keys);
-        }
+        AskForCurrent(ShortcutRole, tr("Shortcut"), tr("Keys:"),
+                      [this](const QString &keys) { SetCurrentShortcut(keys); });
     }));
     side->addWidget(button(tr("&Remove"), [this] { RemoveCurrent(); }));
     side->addWidget(button(tr("Move &Up"), [this] { MoveCurrent(-1); }));
@@ -179,6 +160,19 @@ TMenuEditorDialog::TMenuEditorDialog(QMenu *menu, QWidget *parent)
     layout->addLayout(row);
     layout->addWidget(OkCancel(this));
     connect(this, &QDialog::accepted, this, &TMenuEditorDialog::Apply);
+}
+
+void TMenuEditorDialog::AskForCurrent(int role, const QString &title, const QString &label,
+                                      const std::function<void(const QString &)> &apply)
+{
+    QListWidgetItem *item = m_List->currentItem();
+    if (!item)
+        return;
+    bool ok = false;
+    const QString text = QInputDialog::getText(this, title, label, QLineEdit::Normal,
+                                               item->data(role).toString(), &ok);
+    if (ok)
+        apply(text);
 }
 
 QListWidgetItem *TMenuEditorDialog::MakeItem(QAction *action, const QString &text,

@@ -5,6 +5,7 @@
 #include <QDialog>
 #include <QVariant>
 
+#include <functional>
 #include <vector>
 
 class QListWidget;
@@ -75,6 +76,9 @@ private:
     QListWidgetItem *MakeItem(QAction *action, const QString &text, const QString &shortcut,
                               bool separator);
     void Relabel(QListWidgetItem *item);
+    // Asks for a new text of the current item's role and hands it to apply.
+    void AskForCurrent(int role, const QString &title, const QString &label,
+                       const std::function<void(const QString &)> &apply);
 
     QMenu *m_Menu;
     QListWidget *m_List;

@@ -79,6 +79,17 @@ QWidget *TPropertyDelegate::createEditor(QWidget *parent, const QStyleOptionView
         });
         return box;
     }
+    if (type->Kind == TPropertyKind::Reference) {
+        auto *box = new QComboBox(parent);
+        box->addItem(tr("(none)"), QVariant::fromValue(quintptr(0)));
+        for (QObject *o : ReferenceCandidates(type->Type))
+            box->addItem(o->objectName(), QVariant::fromValue(reinterpret_cast<quintptr>(o)));
+        connect(box, &QComboBox::activated, this, [this, box] {
+            auto *self = const_cast<TPropertyDelegate *>(this);
+            emit self->commitData(box);
+        });
+        return box;
+    }
     if (HasValueDialog(type->Kind)) {
         auto *cell = new TDialogCellEditor(*type, parent);
         connect(cell, &TDialogCellEditor::Accepted, this, [this](TDialogCellEditor *editor) {
@@ -118,7 +129,12 @@ void TPropertyDelegate::setEditorData(QWidget *editor, const QModelIndex &index)
 void TPropertyDelegate::setModelData(QWidget *editor, QAbstractItemModel *model,
                                      const QModelIndex &index) const
 {
-    if (auto *box = qobject_cast<QComboBox *>(editor)) {
+    const TPropertyType *type = TypeOf(index);
+    if (auto *box = qobject_cast<QComboBox *>(editor);
+        box && type && type->Kind == TPropertyKind::Reference) {
+        auto *object = reinterpret_cast<QObject *>(box->currentData().value<quintptr>());
+        model->setData(index, ReferenceValue(type->Type, object));
+    } else if (box) {
         if (box->currentIndex() >= 0)
             model->setData(index, box->currentText());
     } else if (auto *cell = qobject_cast<TDialogCellEditor *>(editor)) {

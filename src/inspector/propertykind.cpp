@@ -6,6 +6,7 @@
 #include <tessal/platform/graphics.h>
 #include <tessal/shapes/userdata.h>
 
+#include <QApplication>
 #include <QColor>
 #include <QFont>
 #include <QLocale>
@@ -265,8 +266,10 @@ TPropertyKind KindOf(const QMetaType &type, const QString &name, const QByteArra
         return TPropertyKind::UserData;
     if (type.flags() & QMetaType::PointerToQObject) {
         const QMetaObject *mo = type.metaObject();
-        return mo && mo->inherits(&QMenu::staticMetaObject) ? TPropertyKind::Menu
-                                                            : TPropertyKind::Object;
+        if (mo && mo->inherits(&QMenu::staticMetaObject))
+            return TPropertyKind::Menu;
+        return mo && QByteArray(mo->className()).startsWith("tessal::") ? TPropertyKind::Object
+                                                                        : TPropertyKind::Reference;
     }
     if (name.startsWith(QLatin1String("On")) && id >= QMetaType::User)
         return TPropertyKind::Event;
@@ -281,6 +284,29 @@ std::vector<TSetBit> SetBitsOf(const TPropertyType &type)
             {QStringLiteral("fsItalic"), fsItalic},
             {QStringLiteral("fsUnderline"), fsUnderline},
             {QStringLiteral("fsStrikeOut"), fsStrikeOut}};
+}
+
+std::vector<QObject *> ReferenceCandidates(const QMetaType &type)
+{
+    std::vector<QObject *> found;
+    const QMetaObject *mo = type.metaObject();
+    if (!mo)
+        return found;
+    for (QWidget *top : QApplication::topLevelWidgets()) {
+        QList<QObject *> all = top->findChildren<QObject *>();
+        all.prepend(top);
+        for (QObject *o : all)
+            if (o->metaObject()->inherits(mo) && !o->objectName().isEmpty())
+                found.push_back(o);
+    }
+    return found;
+}
+
+QVariant ReferenceValue(const QMetaType &type, QObject *object)
+{
+    QVariant v(type);
+    *static_cast<QObject **>(v.data()) = object;
+    return v;
 }
 
 QVariant EnumValue(const QMetaType &type, int value)
@@ -379,6 +405,13 @@ QString DisplayText(const TPropertyType &type, const QVariant &value)
         const auto *menu = qobject_cast<const QMenu *>(value.value<QObject *>());
         return menu ? QObject::tr("(%n item(s))", nullptr, int(menu->actions().size()))
                     : QObject::tr("(none)");
+    }
+    case TPropertyKind::Reference: {
+        const QObject *object = value.value<QObject *>();
+        return !object ? QObject::tr("(none)")
+               : object->objectName().isEmpty()
+                   ? QStringLiteral("(%1)").arg(QLatin1String(object->metaObject()->className()))
+                   : object->objectName();
     }
     case TPropertyKind::Event:
         return QObject::tr("(set in code)");

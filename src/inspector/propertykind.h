@@ -23,10 +23,11 @@ enum class TPropertyKind : std::uint8_t {
     StringList,
     Picture, // a TBitmap
     UserData,
-    Menu,   // a QMenu whose items are edited in place
-    Object, // a QObject whose properties show as children (the grid settings)
-    Event,  // a handler the application assigns in code; shown, never edited
-    Other   // anything else: shown as text, read-only
+    Menu,      // a QMenu whose items are edited in place
+    Object,    // a QObject of this library whose properties show as children (the grid settings)
+    Reference, // a link to another object (a label): chosen by name among the open windows
+    Event,     // a handler the application assigns in code; shown, never edited
+    Other      // anything else: shown as text, read-only
 };
 
 // One property as the inspector sees it: the meta-type, the name, the enumeration (when
@@ -61,6 +62,12 @@ QString DisplayText(const TPropertyType &type, const QVariant &value);
 // when the input cannot be parsed or lies outside the range of the type or of the property.
 bool ConvertInput(const TPropertyType &type, const QVariant &input, QVariant &value,
                   QString &error);
+
+// The objects a reference of type can point at: those of its class in the application's
+// windows, by object name (unnamed ones are left out).
+std::vector<QObject *> ReferenceCandidates(const QMetaType &type);
+// A value of a pointer type holding object (which must be of that class or nullptr).
+QVariant ReferenceValue(const QMetaType &type, QObject *object);
 
 // An enumeration value of type from its integer.
 QVariant EnumValue(const QMetaType &type, int value);

@@ -133,10 +133,7 @@ void TPropertyModel::AddChildren(TNode *node, const QMetaObject *mo, int first)
 {
     const bool object = node->Type.Type.flags() & QMetaType::PointerToQObject;
     if (object)
-        first = mo->propertyOffset();
-    for (const QMetaObject *m = mo; object && m; m = m->superClass())
-        if (QByteArray(m->className()).startsWith("tessal::"))
-            first = m->propertyOffset();
+        first = OwnPropertyOffset(mo);
     for (int i = first; i < mo->propertyCount(); ++i) {
         const QMetaProperty p = mo->property(i);
         auto child = std::make_unique<TNode>();

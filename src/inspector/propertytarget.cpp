@@ -6,10 +6,6 @@
 
 namespace tessal {
 
-namespace {
-
-// The first property index declared by a class of this library: QObject's and QWidget's
-// properties come before it.
 int OwnPropertyOffset(const QMetaObject *mo)
 {
     int offset = mo->propertyOffset();
@@ -18,8 +14,6 @@ int OwnPropertyOffset(const QMetaObject *mo)
             offset = m->propertyOffset();
     return offset;
 }
-
-} // namespace
 
 std::vector<QMetaProperty> TPropertyTarget::Properties(bool inherited) const
 {

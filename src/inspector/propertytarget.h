@@ -14,6 +14,10 @@ namespace tessal {
 
 class TMyShape;
 
+// The first property index of mo declared by a class of this library: QObject's and
+// QWidget's properties come before it.
+int OwnPropertyOffset(const QMetaObject *mo);
+
 // The items whose properties the inspector shows together. Values are read and written by
 // property name on each item; an edit of all items is bracketed by BeginEdit and EndEdit.
 class TPropertyTarget

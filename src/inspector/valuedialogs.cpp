@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The value editor dialogs of the inspector.
+#include <tessal/inspector/dialogbuttons_p.h>
 #include <tessal/inspector/listdialogs.h>
 #include <tessal/inspector/valuedialogs.h>
 #include <tessal/platform/color.h>
@@ -26,14 +27,6 @@
 namespace tessal {
 
 namespace {
-
-QDialogButtonBox *OkCancel(QDialog *dialog)
-{
-    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, dialog);
-    QObject::connect(buttons, &QDialogButtonBox::accepted, dialog, &QDialog::accept);
-    QObject::connect(buttons, &QDialogButtonBox::rejected, dialog, &QDialog::reject);
-    return buttons;
-}
 
 template <typename E>
 QComboBox *EnumBox(E current, QWidget *parent)

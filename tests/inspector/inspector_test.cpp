@@ -178,6 +178,26 @@ TEST(Inspector, SurfacePropertiesAndNestedObjects)
     EXPECT_EQ(Shown(grid, {QStringLiteral("Version")}), QStringLiteral("2013"));
 }
 
+TEST(Inspector, LabelsAreLinkedByNameFromTheOpenWindows)
+{
+    TDoc doc;
+    auto *status = new QLabel(&doc.Window);
+    status->setObjectName(QStringLiteral("statusXY"));
+    new QLabel(&doc.Window); // unnamed: not offered
+    TInspectorGrid *grid = doc.Grid();
+    EXPECT_EQ(Shown(grid, {QStringLiteral("LabelXY")}), QStringLiteral("(none)"));
+    auto *combo = qobject_cast<QComboBox *>(OpenEditor(grid, {QStringLiteral("LabelXY")}));
+    ASSERT_TRUE(combo);
+    EXPECT_EQ(combo->findText(QStringLiteral("statusXY")), 1);
+    EXPECT_EQ(combo->findText(QString()), -1);
+    QTest::keyClick(combo, Qt::Key_Down);
+    QTest::keyClick(combo, Qt::Key_Return);
+    QApplication::processEvents();
+    EXPECT_EQ(doc.Cad->LabelXY(), status);
+    EXPECT_EQ(Shown(grid, {QStringLiteral("LabelXY")}), QStringLiteral("statusXY"));
+    doc.Cad->SetLabelXY(nullptr);
+}
+
 TEST(Inspector, TreeFollowsTheSurfaceAndGroupMembersEditAlone)
 {
     TDoc doc;
