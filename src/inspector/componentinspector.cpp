@@ -120,6 +120,7 @@ void TComponentInspector::SetSurface(TMyCAD *surface)
     if (m_Surface)
         m_Surface->removeEventFilter(this);
     m_Surface = surface;
+    m_Watched = surface;
     if (m_Surface)
         m_Surface->installEventFilter(this);
     m_Snapshot = {};
@@ -163,7 +164,7 @@ void TComponentInspector::Refresh()
 
 bool TComponentInspector::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched == m_Surface && event->type() == QEvent::Paint && !m_Syncing)
+    if (watched == m_Watched && event->type() == QEvent::Paint && !m_Syncing)
         Refresh();
     return QWidget::eventFilter(watched, event);
 }

@@ -86,6 +86,8 @@ private:
     void ShowInGrid(const std::vector<TMyShape *> &shapes);
 
     QPointer<TMyCAD> m_Surface;
+    // The filtered surface by address: its last events arrive while it is destroyed.
+    const QObject *m_Watched = nullptr;
     QComboBox *m_Combo;
     QToolButton *m_Layers;
     QTreeWidget *m_Tree;

@@ -19,6 +19,7 @@ TRulerLink::TRulerLink(TMyCAD *surface, TMyRuler *horizontal, TMyRuler *vertical
     , m_Vertical(vertical)
     , m_Corner(corner)
 {
+    m_Watched = surface;
     if (m_Surface) {
         m_Surface->installEventFilter(this);
         // Mouse moves arrive without a pressed button only when tracking is on.
@@ -85,7 +86,7 @@ void TRulerLink::HideMarkers()
 
 bool TRulerLink::eventFilter(QObject *watched, QEvent *event)
 {
-    const bool fromSurface = watched == m_Surface;
+    const bool fromSurface = watched == m_Watched;
     switch (event->type()) {
     case QEvent::MouseMove:
         if (fromSurface)

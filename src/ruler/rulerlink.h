@@ -44,6 +44,9 @@ private:
     int SurfaceStart(const TMyRuler *ruler) const;
 
     QPointer<TMyCAD> m_Surface;
+    // The surface as the event filter sees it: compared by address, because its events
+    // keep coming while it is destroyed, when it is no longer a TMyCAD.
+    const QObject *m_Watched = nullptr;
     QPointer<TMyRuler> m_Horizontal;
     QPointer<TMyRuler> m_Vertical;
     QPointer<TMyRulerCorner> m_Corner;
