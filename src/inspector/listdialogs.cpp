@@ -30,6 +30,18 @@ void MoveRow(QListWidget *list, int by)
     list->setCurrentRow(to);
 }
 
+// The list on the left, its buttons stacked on the right, OK and Cancel below.
+void LayOut(QDialog *dialog, QListWidget *list, QVBoxLayout *buttons)
+{
+    buttons->addStretch();
+    auto *row = new QHBoxLayout;
+    row->addWidget(list, 1);
+    row->addLayout(buttons);
+    auto *layout = new QVBoxLayout(dialog);
+    layout->addLayout(row);
+    layout->addWidget(OkCancel(dialog));
+}
+
 constexpr int ActionRole = Qt::UserRole + 1;
 constexpr int TextRole = Qt::UserRole + 2;
 constexpr int ShortcutRole = Qt::UserRole + 3;
@@ -60,13 +72,7 @@ TCollectionDialog::TCollectionDialog(const QString &title, const std::vector<TIt
     auto *side = new QVBoxLayout;
     for (QPushButton *b : {add, m_Remove, m_Up, m_Down})
         side->addWidget(b);
-    side->addStretch();
-    auto *row = new QHBoxLayout;
-    row->addWidget(m_List, 1);
-    row->addLayout(side);
-    auto *layout = new QVBoxLayout(this);
-    layout->addLayout(row);
-    layout->addWidget(OkCancel(this));
+    LayOut(this, m_List, side);
     UpdateButtons();
 }
 
@@ -152,13 +158,7 @@ TMenuEditorDialog::TMenuEditorDialog(QMenu *menu, QWidget *parent)
     side->addWidget(button(tr("&Remove"), [this] { RemoveCurrent(); }));
     side->addWidget(button(tr("Move &Up"), [this] { MoveCurrent(-1); }));
     side->addWidget(button(tr("Move &Down"), [this] { MoveCurrent(1); }));
-    side->addStretch();
-    auto *row = new QHBoxLayout;
-    row->addWidget(m_List, 1);
-    row->addLayout(side);
-    auto *layout = new QVBoxLayout(this);
-    layout->addLayout(row);
-    layout->addWidget(OkCancel(this));
+    LayOut(this, m_List, side);
     connect(this, &QDialog::accepted, this, &TMenuEditorDialog::Apply);
 }
 
