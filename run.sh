@@ -7,7 +7,7 @@ set -euo pipefail
 cd "$(dirname "$0")"
 
 PACKAGES=(cmake g++ make pkg-config qt6-base-dev qt6-base-dev-tools qt6-svg-dev qt6-tools-dev
-          libgl-dev libboost-dev libgtest-dev libgmock-dev libbenchmark-dev
+          libqt6opengl6-dev libgl-dev libboost-dev libgtest-dev libgmock-dev libbenchmark-dev
           libemf2svg-dev libwmf-dev libuemf-dev python3-ezdxf fonts-dejavu-core fonts-urw-base35)
 BUILD_DIR=${TESSAL_BUILD_DIR:-build}
 
@@ -26,7 +26,8 @@ install_missing() {
 
 build() {
     if [ ! -f "$BUILD_DIR/CMakeCache.txt" ]; then
-        cmake -S . -B "$BUILD_DIR" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTESSAL_BUILD_TESTS=ON
+        cmake -S . -B "$BUILD_DIR" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTESSAL_BUILD_TESTS=ON \
+              -DTESSAL_BUILD_DESIGNER=ON
     fi
     cmake --build "$BUILD_DIR" --parallel "$(nproc)"
 }

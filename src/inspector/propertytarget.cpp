@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: MIT
+// Reading and writing the properties of widgets and shapes by name.
+#include <tessal/inspector/propertytarget.h>
+#include <tessal/shapes/shape.h>
+#include <tessal/surface/cad.h>
+
+namespace tessal {
+
+int OwnPropertyOffset(const QMetaObject *mo)
+{
+    int offset = mo->propertyOffset();
+    for (const QMetaObject *m = mo; m; m = m->superClass())
+        if (QByteArray(m->className()).startsWith("tessal::"))
+            offset = m->propertyOffset();
+    return offset;
+}
+
+std::vector<QMetaProperty> TPropertyTarget::Properties(bool inherited) const
+{
+    std::vector<QMetaProperty> list;
+    const QMetaObject *mo = MetaObject();
+    if (!mo)
+        return list;
+    for (int i = inherited ? 0 : OwnPropertyOffset(mo); i < mo->propertyCount(); ++i)
+        list.push_back(mo->property(i));
+    return list;
+}
+
+TObjectTarget::TObjectTarget(QObject *object)
+    : m_Object(object)
+{}
+
+const QMetaObject *TObjectTarget::MetaObject() const
+{
+    return m_Object ? m_Object->metaObject() : nullptr;
+}
+
+QVariant TObjectTarget::Read(int, const char *name) const
+{
+    return m_Object ? m_Object->property(name) : QVariant();
+}
+
+bool TObjectTarget::Write(int, const char *name, const QVariant &value)
+{
+    return m_Object && m_Object->setProperty(name, value);
+}
+
+QString TObjectTarget::ItemClassName(int) const
+{
+    return m_Object ? QString::fromLatin1(m_Object->metaObject()->className()) : QString();
+}
+
+TShapesTarget::TShapesTarget(TMyCAD *surface, std::vector<TMyShape *> shapes)
+    : m_Surface(surface)
+    , m_Shapes(std::move(shapes))
+{}
+
+const QMetaObject *TShapesTarget::MetaObject() const
+{
+    return m_Shapes.empty() || !IsValid() ? nullptr : m_Shapes.front()->MetaObject();
+}
+
+std::vector<QMetaProperty> TShapesTarget::Properties(bool inherited) const
+{
+    std::vector<QMetaProperty> list;
+    for (const QMetaProperty &p : TPropertyTarget::Properties(inherited)) {
+        bool shared = true;
+        for (const TMyShape *shape : m_Shapes) {
+            const QMetaObject *mo = shape->MetaObject();
+            const int i = mo->indexOfProperty(p.name());
+            shared = shared && i >= 0 && mo->property(i).metaType() == p.metaType();
+        }
+        if (shared)
+            list.push_back(p);
+    }
+    return list;
+}
+
+bool TShapesTarget::IsValid() const
+{
+    if (!m_Surface)
+        return false;
+    // Compares addresses only, so a deleted shape is detected without touching it.
+    for (const TMyShape *shape : m_Shapes)
+        if (m_Surface->GetShapeNoInMyShapes(shape) < 0)
+            return false;
+    return true;
+}
+
+QVariant TShapesTarget::Read(int item, const char *name) const
+{
+    const TMyShape *shape = m_Shapes[std::size_t(item)];
+    const QMetaObject *mo = shape->MetaObject();
+    const int i = mo->indexOfProperty(name);
+    return i < 0 ? QVariant() : mo->property(i).readOnGadget(shape);
+}
+
+bool TShapesTarget::Write(int item, const char *name, const QVariant &value)
+{
+    TMyShape *shape = m_Shapes[std::size_t(item)];
+    const QMetaObject *mo = shape->MetaObject();
+    const int i = mo->indexOfProperty(name);
+    return i >= 0 && mo->property(i).writeOnGadget(shape, value);
+}
+
+void TShapesTarget::BeginEdit()
+{
+    m_Surface->PushtoUndoRedoShapeList(m_Shapes, std::int32_t(m_Shapes.size()) - 1, ACT_CHANGE);
+}
+
+void TShapesTarget::EndEdit()
+{
+    m_Surface->DocumentChanged();
+}
+
+QString TShapesTarget::ItemClassName(int item) const
+{
+    return m_Shapes[std::size_t(item)]->ClassName();
+}
+
+} // namespace tessal

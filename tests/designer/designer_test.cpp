@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+// The Designer plugin loads, lists the widgets with icons and groups, creates each of them,
+// and its task-menu entry edits a surface's user data.
+#include "userdatataskmenu.h"
+
+#include <tessal/shapes/userdatadialogs.h>
+#include <tessal/surface/cad.h>
+
+#include <gtest/gtest.h>
+
+#include <QtUiPlugin/QDesignerCustomWidgetCollectionInterface>
+
+#include <QAction>
+#include <QApplication>
+#include <QPluginLoader>
+#include <QTimer>
+
+using namespace tessal;
+
+TEST(Designer, PluginListsAndCreatesEveryWidget)
+{
+    QPluginLoader loader(QStringLiteral(TESSAL_DESIGNER_PLUGIN));
+    ASSERT_TRUE(loader.load()) << loader.errorString().toStdString();
+    auto *collection = qobject_cast<QDesignerCustomWidgetCollectionInterface *>(loader.instance());
+    ASSERT_TRUE(collection);
+    QStringList names;
+    for (QDesignerCustomWidgetInterface *w : collection->customWidgets()) {
+        SCOPED_TRACE(w->name().toStdString());
+        names << w->name();
+        EXPECT_EQ(w->group(), QStringLiteral("Tessal"));
+        EXPECT_FALSE(w->icon().isNull());
+        EXPECT_FALSE(w->toolTip().isEmpty());
+        EXPECT_FALSE(w->isContainer());
+        EXPECT_TRUE(w->includeFile().startsWith(QLatin1String("tessal/")));
+        EXPECT_TRUE(w->domXml().contains(QStringLiteral("class=\"%1\"").arg(w->name())));
+        w->initialize(nullptr);
+        EXPECT_TRUE(w->isInitialized());
+        QWidget parent;
+        QWidget *widget = w->createWidget(&parent);
+        ASSERT_TRUE(widget);
+        EXPECT_EQ(QString::fromLatin1(widget->metaObject()->className()), w->name());
+        EXPECT_EQ(widget->parent(), &parent);
+    }
+    EXPECT_EQ(names,
+              (QStringList{QStringLiteral("tessal::TMyCAD"), QStringLiteral("tessal::TMyRuler"),
+                           QStringLiteral("tessal::TMyRulerCorner"),
+                           QStringLiteral("tessal::TInspectorGrid"),
+                           QStringLiteral("tessal::TComponentInspector")}));
+    // A surface created by the plugin is the library's class.
+    QWidget *cad = collection->customWidgets().front()->createWidget(nullptr);
+    EXPECT_TRUE(qobject_cast<TMyCAD *>(cad));
+    delete cad;
+}
+
+TEST(Designer, TaskMenuEditsTheSurfaceUserData)
+{
+    TMyCAD cad;
+    cad.UserData().AddKeyandValue(QStringLiteral("a"), QStringLiteral("1"));
+    TUserDataTaskMenuFactory factory;
+    TUserDataTaskMenu menu(&cad, nullptr);
+    ASSERT_EQ(menu.taskActions().size(), 1);
+    EXPECT_EQ(menu.preferredEditAction(), menu.taskActions().front());
+    QTimer::singleShot(0, [] {
+        auto *form = qobject_cast<TUserKeyFrm *>(QApplication::activeModalWidget());
+        ASSERT_TRUE(form);
+        EXPECT_EQ(form->RowCount(), 1);
+        form->AppendRow(QStringLiteral("b"), QStringLiteral("2"));
+        form->accept();
+    });
+    menu.taskActions().front()->trigger();
+    EXPECT_EQ(cad.UserData().GetCount(), 2);
+    EXPECT_EQ(cad.UserData().GetValueByKey(QStringLiteral("b")), QStringLiteral("2"));
+}

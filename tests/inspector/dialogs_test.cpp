@@ -1,0 +1,276 @@
+// SPDX-License-Identifier: MIT
+// The editor dialogs, on their own and opened from the grid's "..." button.
+#include "inspectorhelpers.h"
+
+#include <tessal/inspector/listdialogs.h>
+#include <tessal/inspector/propertydelegate.h>
+#include <tessal/inspector/valuedialogs.h>
+#include <tessal/shapes/userdatadialogs.h>
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QListWidget>
+#include <QMenu>
+#include <QPlainTextEdit>
+#include <QSpinBox>
+#include <QTemporaryDir>
+
+#include <QToolButton>
+#include <memory>
+
+using namespace tessal;
+using namespace tessal::test;
+
+// An application object with a menu it publishes read-only.
+class TMenuOwner : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(QMenu *Popup READ Popup)
+public:
+    QMenu *Popup() const { return m_Menu.get(); }
+    std::unique_ptr<QMenu> m_Menu = std::make_unique<QMenu>();
+};
+
+namespace {
+
+// Presses the "..." button of a cell's dialog editor.
+void PressDots(TInspectorGrid *grid, const QStringList &path)
+{
+    auto *cell = qobject_cast<TDialogCellEditor *>(OpenEditor(grid, path));
+    ASSERT_TRUE(cell);
+    QTest::mouseClick(cell->Button(), Qt::LeftButton);
+    QApplication::processEvents();
+}
+
+} // namespace
+
+TEST(InspectorDialogs, PenStringsSetsAndUserDataFromTheGrid)
+{
+    TDoc doc;
+    doc.ClickShape(doc.A());
+    TInspectorGrid *grid = doc.Grid();
+
+    WhenModal<TPenDialog>([](TPenDialog *d) {
+        d->WidthBox()->setValue(3);
+        d->StyleBox()->setCurrentIndex(d->StyleBox()->findText(QStringLiteral("psDash")));
+        d->accept();
+    });
+    PressDots(grid, {QStringLiteral("Pen")});
+    EXPECT_EQ(doc.A()->Pen().Width, 3);
+    EXPECT_EQ(doc.A()->Pen().Style, TPenStyle::psDash);
+    EXPECT_EQ(doc.UndoSteps(), 1u);
+
+    // Cancel changes nothing and records nothing.
+    WhenModal<TBrushDialog>([](TBrushDialog *d) {
+        d->StyleBox()->setCurrentIndex(1);
+        d->reject();
+    });
+    PressDots(grid, {QStringLiteral("Brush")});
+    EXPECT_EQ(doc.A()->Brush().Style, TBrushStyle::bsSolid);
+    EXPECT_EQ(doc.UndoSteps(), 1u);
+
+    WhenModal<TStringListDialog>([](TStringListDialog *d) {
+        d->Editor()->setPlainText(QStringLiteral("first\nsecond"));
+        d->accept();
+    });
+    PressDots(grid, {QStringLiteral("MultiInfo")});
+    EXPECT_EQ(doc.A()->MultiInfo(),
+              (QStringList{QStringLiteral("first"), QStringLiteral("second")}));
+
+    WhenModal<TSetDialog>([](TSetDialog *d) {
+        d->Box(0)->setChecked(true); // fsBold
+        d->Box(2)->setChecked(true); // fsUnderline
+        d->accept();
+    });
+    PressDots(grid, {QStringLiteral("Font"), QStringLiteral("Style")});
+    EXPECT_EQ(doc.A()->Font().Style, fsBold | fsUnderline);
+    EXPECT_EQ(Shown(grid, {QStringLiteral("Font"), QStringLiteral("Style")}),
+              QStringLiteral("[fsBold, fsUnderline]"));
+
+    WhenModal<TUserKeyFrm>([](TUserKeyFrm *d) {
+        d->AppendRow(QStringLiteral("owner"), QStringLiteral("tessal"));
+        d->accept();
+    });
+    PressDots(grid, {QStringLiteral("UserData")});
+    EXPECT_EQ(doc.A()->UserData().GetValueByKey(QStringLiteral("owner")), QStringLiteral("tessal"));
+    EXPECT_EQ(doc.UndoSteps(), 4u);
+
+    // Each dialog edit is one step: the user data goes first, then the font style.
+    doc.Cad->PopFromUndoRedoShapeList();
+    EXPECT_EQ(doc.A()->UserData().GetCount(), 0);
+    EXPECT_EQ(doc.A()->Font().Style, fsBold | fsUnderline);
+    doc.Cad->PopFromUndoRedoShapeList();
+    EXPECT_EQ(doc.A()->Font().Style, 0);
+}
+
+TEST(InspectorDialogs, PictureLoadsPreviewsAndRefusesBadFiles)
+{
+    QTemporaryDir dir;
+    const QString good = dir.filePath(QStringLiteral("p.png"));
+    QImage image(40, 20, QImage::Format_RGB32);
+    image.fill(Qt::blue);
+    ASSERT_TRUE(image.save(good));
+    const QString bad = dir.filePath(QStringLiteral("bad.png"));
+    QFile f(bad);
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    f.write("not a picture");
+    f.close();
+
+    TPictureDialog dialog{TBitmap()};
+    EXPECT_EQ(dialog.Preview()->text(), QStringLiteral("(none)"));
+    ASSERT_TRUE(dialog.LoadFile(good));
+    EXPECT_EQ(dialog.Picture().Image().size(), QSize(40, 20));
+    EXPECT_EQ(dialog.Picture().Image().pixelColor(3, 3), QColor(Qt::blue));
+    EXPECT_FALSE(dialog.Preview()->pixmap().isNull());
+    EXPECT_FALSE(dialog.LoadFile(bad));
+    EXPECT_TRUE(dialog.Message()->text().contains(QLatin1String("bad.png")));
+    EXPECT_EQ(dialog.Picture().Image().size(), QSize(40, 20));
+    dialog.Clear();
+    EXPECT_TRUE(dialog.Picture().IsEmpty());
+
+    // Through the grid onto the surface's background picture.
+    TDoc doc;
+    WhenModal<TPictureDialog>([good](TPictureDialog *d) {
+        d->LoadFile(good);
+        d->accept();
+    });
+    PressDots(doc.Grid(), {QStringLiteral("BkBitmap")});
+    EXPECT_EQ(doc.Cad->BkBitmap().Image().size(), QSize(40, 20));
+    EXPECT_EQ(Shown(doc.Grid(), {QStringLiteral("BkBitmap")}), QStringLiteral("40 × 20"));
+}
+
+TEST(InspectorDialogs, CollectionAddsRemovesAndReorders)
+{
+    TCollectionDialog dialog(QStringLiteral("Layers"),
+                             {{QStringLiteral("Base"), 1}, {QStringLiteral("Top"), 2}});
+    dialog.AddItem(QStringLiteral("Notes"));
+    dialog.List()->setCurrentRow(0);
+    dialog.MoveCurrent(1);
+    EXPECT_EQ(dialog.List()->currentRow(), 1);
+    dialog.MoveCurrent(5); // beyond the end: stays
+    dialog.List()->setCurrentRow(0);
+    dialog.MoveCurrent(-1); // before the start: stays
+    dialog.List()->setCurrentRow(2);
+    dialog.RemoveCurrent();
+    using TItem = TCollectionDialog::TItem;
+    EXPECT_EQ(dialog.Items(),
+              (std::vector<TItem>{{QStringLiteral("Top"), 2}, {QStringLiteral("Base"), 1}}));
+    dialog.AddItem(QStringLiteral("Notes"));
+    EXPECT_FALSE(dialog.Items().back().Data.isValid());
+}
+
+TEST(InspectorDialogs, MenuEditorKeepsActionsAndTheirConnections)
+{
+    QMenu menu;
+    QAction *open = menu.addAction(QStringLiteral("&Open"));
+    QAction *quit = menu.addAction(QStringLiteral("&Quit"));
+    int opened = 0;
+    QObject::connect(open, &QAction::triggered, [&opened] { ++opened; });
+
+    TMenuEditorDialog dialog(&menu);
+    ASSERT_EQ(dialog.List()->count(), 2);
+    dialog.List()->setCurrentRow(1);
+    dialog.RemoveCurrent(); // Quit
+    dialog.AddSeparator();
+    dialog.AddItem(QStringLiteral("&Save"), QStringLiteral("Ctrl+S"));
+    dialog.MoveCurrent(-2); // Save first
+    dialog.List()->setCurrentRow(1);
+    dialog.SetCurrentText(QStringLiteral("&Open..."));
+    dialog.Apply();
+
+    const QList<QAction *> actions = menu.actions();
+    ASSERT_EQ(actions.size(), 3);
+    EXPECT_EQ(actions[0]->text(), QStringLiteral("&Save"));
+    EXPECT_EQ(actions[0]->shortcut(), QKeySequence(QStringLiteral("Ctrl+S")));
+    EXPECT_EQ(actions[1], open);
+    EXPECT_EQ(actions[1]->text(), QStringLiteral("&Open..."));
+    EXPECT_TRUE(actions[2]->isSeparator());
+    EXPECT_FALSE(menu.findChildren<QAction *>().contains(quit));
+    open->trigger();
+    EXPECT_EQ(opened, 1);
+}
+
+TEST(InspectorDialogs, FontsConvertBothWays)
+{
+    TFont font;
+    font.Name = QStringLiteral("DejaVu Sans");
+    font.SetSize(14);
+    font.Style = fsItalic | fsStrikeOut;
+    font.Color = clRed;
+    const QFont q = ToQFont(font);
+    EXPECT_EQ(q.family(), QStringLiteral("DejaVu Sans"));
+    EXPECT_EQ(q.pointSize(), 14);
+    EXPECT_TRUE(q.italic());
+    EXPECT_TRUE(q.strikeOut());
+    EXPECT_FALSE(q.bold());
+    EXPECT_EQ(FromQFont(q, font), font);
+    QFont bold = q;
+    bold.setBold(true);
+    bold.setPointSize(20);
+    const TFont back = FromQFont(bold, font);
+    EXPECT_EQ(back.Size(), 20);
+    EXPECT_EQ(back.Style, fsBold | fsItalic | fsStrikeOut);
+    EXPECT_EQ(back.Color, clRed);
+}
+
+TEST(InspectorDialogs, MenusAreEditedInPlaceFromTheGrid)
+{
+    TMenuOwner owner;
+    owner.setObjectName(QStringLiteral("owner"));
+    owner.Popup()->addAction(QStringLiteral("Cut"));
+    TInspectorGrid grid;
+    grid.SetShowInherited(true);
+    grid.SetObject(&owner);
+    grid.resize(300, 400);
+    grid.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&grid));
+    EXPECT_EQ(Shown(&grid, {QStringLiteral("Popup")}), QStringLiteral("(1 item(s))"));
+    WhenModal<TMenuEditorDialog>([](TMenuEditorDialog *d) {
+        d->AddItem(QStringLiteral("Paste"));
+        d->accept();
+    });
+    PressDots(&grid, {QStringLiteral("Popup")});
+    ASSERT_EQ(owner.Popup()->actions().size(), 2);
+    EXPECT_EQ(owner.Popup()->actions()[1]->text(), QStringLiteral("Paste"));
+}
+
+TEST(InspectorDialogs, LayersAreEditedWithoutLosingShapes)
+{
+    TDoc doc;
+    TComponentInspector *inspector = doc.Inspector;
+    const std::int32_t current = doc.Cad->CurrentLayerId();
+    std::vector<TCollectionDialog::TItem> items;
+    for (const TLayer &layer : doc.Cad->Layers())
+        if (layer.Id != current)
+            items.push_back({layer.Name, layer.Id});
+    ASSERT_FALSE(items.empty()); // the surface starts with a layer of its own
+    const std::int32_t survivor = items.front().Data.toInt();
+    items.front().Name = QStringLiteral("Renamed");
+    items.push_back({QStringLiteral("Added"), {}});
+    items.push_back({QStringLiteral("Renamed"), {}}); // a taken name
+    const QStringList problems = inspector->ApplyLayers(items);
+    ASSERT_EQ(problems.size(), 1);
+    EXPECT_TRUE(problems.front().contains(QLatin1String("Renamed")));
+    // Layer1 went; its three shapes moved onto the layer that stayed.
+    EXPECT_EQ(doc.Cad->GetLayerNoById(current), -1);
+    EXPECT_EQ(doc.Cad->GetShapesCount(), 3);
+    EXPECT_EQ(doc.Cad->GetShapesCountInALayer(survivor), 3);
+    EXPECT_EQ(doc.Cad->GetLayerNameByID(survivor), QStringLiteral("Renamed"));
+    EXPECT_GE(doc.Cad->GetLayerIdByName(QStringLiteral("Added")), 0);
+    // Removing every layer keeps the one with shapes.
+    const QStringList last = inspector->ApplyLayers({});
+    ASSERT_EQ(last.size(), 1);
+    EXPECT_EQ(doc.Cad->GetShapesCount(), 3);
+    EXPECT_EQ(doc.Cad->GetLayersCount(), 1);
+    // Through the button and the dialog: the tree shows the new layer.
+    WhenModal<TCollectionDialog>([](TCollectionDialog *d) {
+        d->AddItem(QStringLiteral("Notes"));
+        d->accept();
+    });
+    QTest::mouseClick(inspector->LayersButton(), Qt::LeftButton);
+    EXPECT_GE(doc.Cad->GetLayerIdByName(QStringLiteral("Notes")), 0);
+    EXPECT_EQ(inspector->Tree()->topLevelItemCount(), 2);
+}
+
+#include "dialogs_test.moc"

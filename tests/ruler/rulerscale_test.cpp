@@ -1,0 +1,196 @@
+// SPDX-License-Identifier: MIT
+// Tick steps, positions and labels at several units and zooms, computed by hand.
+#include <tessal/ruler/rulerscale.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+using namespace tessal;
+
+namespace {
+
+struct TExpect
+{
+    int Pos;
+    TRulerTick::TLevel Level;
+    const char *Label;
+};
+
+// The ticks of a scale when labels need a fixed 40 pixels and minor ticks 4.
+std::vector<TRulerTick> Ticks(TUnits unit, double zoom, int origin, bool reversed, int from, int to,
+                              TRulerSteps *steps = nullptr)
+{
+    const TRulerScale scale{PixelsPerUnit(unit, 96) * zoom, origin, reversed};
+    const TRulerSteps s = ChooseRulerSteps(
+        scale.PixelsPerUnit, [](double) { return 40.0; }, 4);
+    if (steps)
+        *steps = s;
+    return RulerTicks(scale, s, from, to);
+}
+
+void ExpectPrefix(const std::vector<TRulerTick> &ticks, const std::vector<TExpect> &expected)
+{
+    ASSERT_GE(ticks.size(), expected.size());
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        SCOPED_TRACE(i);
+        EXPECT_EQ(ticks[i].Pos, expected[i].Pos);
+        EXPECT_EQ(ticks[i].Level, expected[i].Level);
+        EXPECT_EQ(ticks[i].Label.toStdString(), expected[i].Label);
+    }
+}
+
+constexpr auto M = TRulerTick::Major;
+constexpr auto D = TRulerTick::Medium;
+constexpr auto N = TRulerTick::Minor;
+
+} // namespace
+
+TEST(RulerScale, UnitsConvertAtTheScreenResolution)
+{
+    EXPECT_DOUBLE_EQ(PixelsPerUnit(TUnits::pixel, 96), 1);
+    EXPECT_DOUBLE_EQ(PixelsPerUnit(TUnits::mm, 96), 96 / 25.4);
+    EXPECT_DOUBLE_EQ(PixelsPerUnit(TUnits::cm, 96), 96 / 2.54);
+    EXPECT_DOUBLE_EQ(PixelsPerUnit(TUnits::dm, 96), 96 / 0.254);
+    EXPECT_DOUBLE_EQ(PixelsPerUnit(TUnits::m, 96), 96 / 0.0254);
+    EXPECT_DOUBLE_EQ(PixelsPerUnit(TUnits::inch, 120), 120);
+    EXPECT_EQ(NextUnit(TUnits::pixel), TUnits::mm);
+    EXPECT_EQ(NextUnit(TUnits::inch), TUnits::pixel);
+    EXPECT_EQ(UnitSymbol(TUnits::inch), QStringLiteral("in"));
+}
+
+TEST(RulerScale, StepsAreTheSmallestOneTwoFiveThatFitTheLabels)
+{
+    struct TCase
+    {
+        TUnits Unit;
+        double Zoom;
+        double Major;
+        int Divisions;
+    };
+    // Pixels per unit and the first step reaching 40 pixels, worked out by hand:
+    const TCase cases[] = {
+        {TUnits::pixel, 1, 50, 10},    // 1 px/unit: 20 < 40 <= 50; 50/10 = 5 px
+        {TUnits::pixel, 0.1, 500, 10}, // 0.1: 200 -> 20 px, 500 -> 50; tenths 5 px
+        {TUnits::mm, 1, 20, 10},       // 3.78: 10 mm = 37.8 < 40, 20 mm = 75.6; 2 mm = 7.6
+        {TUnits::mm, 4, 5, 10},        // 15.1: 2 mm = 30.2, 5 mm = 75.6; 0.5 mm = 7.6
+        {TUnits::inch, 0.25, 2, 10},   // 24: 1 in = 24, 2 in = 48; 0.2 in = 4.8
+        {TUnits::cm, 2, 1, 10},        // 75.6: 0.5 cm = 37.8, 1 cm = 75.6; 0.1 cm = 7.6
+        {TUnits::m, 8, 0.002, 10},     // 30236: 1 mm = 30.2, 2 mm = 60.5; 0.2 mm = 6.0
+    };
+    for (const TCase &c : cases) {
+        SCOPED_TRACE(int(c.Unit));
+        SCOPED_TRACE(c.Zoom);
+        TRulerSteps steps;
+        Ticks(c.Unit, c.Zoom, 0, false, 0, 10, &steps);
+        EXPECT_NEAR(steps.Major, c.Major, c.Major * 1e-9);
+        EXPECT_EQ(steps.Divisions, c.Divisions);
+        EXPECT_NEAR(steps.Minor, c.Major / c.Divisions, c.Major * 1e-9);
+        EXPECT_EQ(steps.Medium, c.Divisions % 2 == 0 && c.Divisions >= 4);
+    }
+    // A label that needs more room at larger steps pushes the step up.
+    // 50 px < 50 / 2 + 30; 100 px >= 100 / 2 + 30.
+    const TRulerSteps wide = ChooseRulerSteps(
+        1, [](double step) { return step / 2 + 30; }, 4);
+    EXPECT_DOUBLE_EQ(wide.Major, 100);
+    // Only divisions at least minMinorPixels apart are used: a 100 step at 1 px/unit splits
+    // into tenths (10 px) only when 10 px suffice, else fifths (20 px), else halves.
+    const auto hundred = [](double) { return 100.0; };
+    EXPECT_EQ(ChooseRulerSteps(1, hundred, 10).Divisions, 10);
+    EXPECT_EQ(ChooseRulerSteps(1, hundred, 15).Divisions, 5);
+    EXPECT_FALSE(ChooseRulerSteps(1, hundred, 15).Medium);
+    EXPECT_EQ(ChooseRulerSteps(1, hundred, 30).Divisions, 2);
+    EXPECT_EQ(ChooseRulerSteps(1, hundred, 60).Divisions, 1);
+}
+
+TEST(RulerScale, TickPositionsRoundToTheNearestPixel)
+{
+    // Pixels at zoom 1 from 0: every 5 px, majors every 50, mediums halfway.
+    ExpectPrefix(Ticks(TUnits::pixel, 1, 0, false, 0, 101), {{0, M, "0"},
+                                                             {5, N, ""},
+                                                             {10, N, ""},
+                                                             {15, N, ""},
+                                                             {20, N, ""},
+                                                             {25, D, ""},
+                                                             {30, N, ""},
+                                                             {35, N, ""},
+                                                             {40, N, ""},
+                                                             {45, N, ""},
+                                                             {50, M, "50"}});
+    EXPECT_EQ(Ticks(TUnits::pixel, 1, 0, false, 0, 101).size(), 21u);
+    // Millimetres with the page starting at ruler pixel 7: 2 mm = 7.559 px.
+    // 7 + 7.559 = 14.56 -> 15; 7 + 15.118 = 22.12 -> 22; 10 mm: 44.80 -> 45 (medium);
+    // 20 mm: 82.59 -> 83.
+    const auto mm = Ticks(TUnits::mm, 1, 7, false, 0, 90);
+    ExpectPrefix(mm, {{7, M, "0"},
+                      {15, N, ""},
+                      {22, N, ""},
+                      {30, N, ""},
+                      {37, N, ""},
+                      {45, D, ""},
+                      {52, N, ""},
+                      {60, N, ""},
+                      {67, N, ""},
+                      {75, N, ""},
+                      {83, M, "20"}});
+    // Ticks before the page carry negative values: -2 mm at 7 - 7.559 = -0.56 -> -1 is
+    // outside [0, 90).
+    EXPECT_EQ(mm.front().Value, 0);
+    // Inches at a quarter zoom: 0.2 in = 4.8 px: 0, 4.8 -> 5, 9.6 -> 10, 14.4 -> 14,
+    // 19.2 -> 19, 24 (1 in, medium), ..., 48 (2 in, major).
+    ExpectPrefix(Ticks(TUnits::inch, 0.25, 0, false, 0, 50), {{0, M, "0"},
+                                                              {5, N, ""},
+                                                              {10, N, ""},
+                                                              {14, N, ""},
+                                                              {19, N, ""},
+                                                              {24, D, ""},
+                                                              {29, N, ""},
+                                                              {34, N, ""},
+                                                              {38, N, ""},
+                                                              {43, N, ""},
+                                                              {48, M, "2"}});
+    // Metres at zoom 8 label in thousandths: 2 mm = 60.47 px, 4 mm = 120.94 -> 121.
+    const auto metres = Ticks(TUnits::m, 8, 0, false, 0, 122);
+    std::vector<std::pair<int, std::string>> labels;
+    for (const TRulerTick &t : metres)
+        if (t.Level == M)
+            labels.push_back({t.Pos, t.Label.toStdString()});
+    EXPECT_EQ(labels, (std::vector<std::pair<int, std::string>>{
+                          {0, "0.000"}, {60, "0.002"}, {121, "0.004"}}));
+}
+
+TEST(RulerScale, ReversedAndNegativeScales)
+{
+    // Values growing to the left from pixel 100 (a mirrored axis): listed by position.
+    ExpectPrefix(Ticks(TUnits::pixel, 1, 100, true, 0, 101),
+                 {{0, M, "100"}, {5, N, ""}, {10, N, ""}, {15, N, ""}, {20, N, ""}, {25, D, ""}});
+    const auto reversed = Ticks(TUnits::pixel, 1, 100, true, 0, 101);
+    std::vector<std::pair<int, std::string>> majors;
+    for (const TRulerTick &t : reversed)
+        if (t.Level == M)
+            majors.push_back({t.Pos, t.Label.toStdString()});
+    EXPECT_EQ(majors,
+              (std::vector<std::pair<int, std::string>>{{0, "100"}, {50, "50"}, {100, "0"}}));
+    // Left of the origin the values are negative.
+    const auto negative = Ticks(TUnits::pixel, 1, 60, false, 0, 70);
+    EXPECT_EQ(negative.front().Pos, 0);
+    EXPECT_EQ(negative.front().Value, -60);
+    EXPECT_EQ(negative[2].Pos, 10);
+    EXPECT_EQ(negative[2].Label, QStringLiteral("-50"));
+}
+
+TEST(RulerScale, LabelsAndDegenerateScales)
+{
+    EXPECT_EQ(RulerLabel(-1e-12, 1), QStringLiteral("0"));
+    EXPECT_EQ(RulerLabel(-0.001, 0.01), QStringLiteral("0.00"));
+    EXPECT_EQ(RulerLabel(0.30000000000000004, 0.1), QStringLiteral("0.3"));
+    EXPECT_EQ(RulerLabel(-20, 10), QStringLiteral("-20"));
+    EXPECT_EQ(RulerLabel(0.05, 0.05), QStringLiteral("0.05"));
+    EXPECT_EQ(RulerLabel(2.5, 0.5), QStringLiteral("2.5"));
+    for (double ppu : {0.0, -1.0, std::nan(""), HUGE_VAL}) {
+        const TRulerSteps s = ChooseRulerSteps(
+            ppu, [](double) { return 40.0; }, 4);
+        EXPECT_EQ(s.Major, 0);
+        EXPECT_TRUE(RulerTicks({ppu, 0, false}, s, 0, 100).empty());
+    }
+}
