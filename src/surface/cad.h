@@ -196,9 +196,10 @@ class TMyCAD : public QWidget, public TShapeHost
     Q_PROPERTY(bool Visible READ Visible WRITE SetVisible)
     Q_PROPERTY(tessal::ShapeEnums::TXYMode XYMode READ XYMode WRITE SetXYMode)
     Q_PROPERTY(double Zoom READ Zoom WRITE SetZoom)
-    // Beyond the component's classic set: keyboard editing and the picture source of the
-    // image tool.
+    // Beyond the component's classic set: keyboard editing, connectors that follow during a
+    // gesture, and the picture source of the image tool.
     Q_PROPERTY(bool KeyboardEditing READ KeyboardEditing WRITE SetKeyboardEditing)
+    Q_PROPERTY(bool LiveConnectors READ LiveConnectors WRITE SetLiveConnectors)
     Q_PROPERTY(
         tessal::TRequestPicture OnRequestPicture READ OnRequestPicture WRITE SetOnRequestPicture)
 
@@ -1033,6 +1034,10 @@ public:
     // has the focus (keyboard.cpp). On by default.
     bool KeyboardEditing() const { return m_KeyboardEditing; }
     void SetKeyboardEditing(bool value) { m_KeyboardEditing = value; }
+    // Connectors bound to dragged, resized or turned shapes are routed again in the feedback
+    // while the gesture runs, not only when it ends. Off by default.
+    bool LiveConnectors() const { return m_LiveConnectors; }
+    void SetLiveConnectors(bool value) { m_LiveConnectors = value; }
     // Asked for the picture of a shape drawn with the image tool instead of the file
     // dialog; leaving the picture empty cancels the shape.
     const TRequestPicture &OnRequestPicture() const { return m_OnRequestPicture; }
@@ -1179,6 +1184,7 @@ private:
     double m_Zoom = 1.0;
     double m_PreZoom = 1.0;
     bool m_KeyboardEditing = true;
+    bool m_LiveConnectors = false;
 
     // Events.
     TActionToolToSelecting m_OnActionToolToSelecting;

@@ -64,21 +64,6 @@ bool IsBoxTool(TDrawTool tool)
     }
 }
 
-// Applies f to shape and, depth first, to its members; the bound stops a corrupt child list
-// that leads back to an ancestor.
-template <typename F>
-void ForTree(const TMyCAD &cad, TMyShape *shape, F &&f, std::int32_t depth = 0)
-{
-    if (!shape || depth > cad.GetShapesCount())
-        return;
-    for (const std::int32_t no : shape->ChildShapes()) {
-        TMyShape *child = cad.GetShapeByNo(no);
-        if (child && child != shape)
-            ForTree(cad, child, f, depth + 1);
-    }
-    f(shape);
-}
-
 double UnitsPerInch(TUnits unit, double pixelsPerInch)
 {
     switch (unit) {
@@ -318,6 +303,7 @@ void TMouseMachine::Cancel()
     m_Down = false;
     m_Child = m_ClickThrough = nullptr;
     m_DragBase = {};
+    m_LiveLinksCollected = false;
     m_Cad.ReleaseCursorClipArea();
     m_Cad.ClearAllLinkHot();
 }
@@ -329,6 +315,7 @@ void TMouseMachine::ToolChanged()
     m_Down = false;
     m_Child = m_ClickThrough = nullptr;
     m_DragBase = {};
+    m_LiveLinksCollected = false;
     m_Cad.ReleaseCursorClipArea();
 }
 

@@ -8,6 +8,8 @@
 #include <tessal/shapes/shapeenums.h>
 #include <tessal/surface/surfaceenums.h>
 
+#include <tessal/geometry/mypoint.h>
+
 #include <QImage>
 
 #include <functional>
@@ -18,6 +20,22 @@ namespace tessal {
 
 class TMyCAD;
 class TMyShape;
+class TMyLinkLine;
+
+// Applies f to shape and, depth first, to its members; the bound stops a corrupt child list
+// that leads back to an ancestor.
+template <typename Cad, typename Shape, typename F>
+void ForTree(const Cad &cad, Shape *shape, F &&f, std::int32_t depth = 0)
+{
+    if (!shape || depth > cad.GetShapesCount())
+        return;
+    for (const std::int32_t no : shape->ChildShapes()) {
+        Shape *child = cad.GetShapeByNo(no);
+        if (child && child != shape)
+            ForTree(cad, child, f, depth + 1);
+    }
+    f(shape);
+}
 
 // Exclusive-or feedback on the screen image: drawing the same figure again erases it, so a
 // move costs the two figures and the update of the rectangles they touch, never a repaint of
@@ -52,6 +70,9 @@ private:
     TRect m_Rect;
     bool m_Shown = false;
 };
+
+// Where a resize by the shape's current handle starts from (control pixels).
+TMyPoint ResizeHandlePosition(const TMyShape &shape, TPoint start);
 
 class TMouseMachine
 {
@@ -120,6 +141,20 @@ private:
     void ReleaseDragWhole();
     void EndGesture();
 
+    // Connectors re-routed in the feedback (liveconnectors.cpp).
+    struct TLiveLink
+    {
+        TMyLinkLine *Link = nullptr;
+        bool StartMoves = false;
+        bool EndMoves = false;
+    };
+    // Where the bound end of a connector goes: its present screen position is given.
+    using TEndMove = std::function<TMyPoint(const TMyLinkLine &link, bool start, TMyPoint now)>;
+    void CollectLiveLinks(const std::vector<TMyShape *> &moved);
+    std::vector<std::vector<TPoint>> LiveRoutes(const TEndMove &move) const;
+    static void DrawRoutes(TCanvas &canvas, const std::vector<std::vector<TPoint>> &routes);
+    TEndMove ResizeEndMove(TMyShape *shape, TMyPoint handle, TPoint to);
+
     // Shared helpers.
     TCanvas &Scratch();
     TMyShape *Current() const;
@@ -150,6 +185,8 @@ private:
     // The working shapes' painted extent at the start of a drag, and their state before it,
     // so that Escape can put them back.
     TRect m_DragBase;
+    std::vector<TLiveLink> m_LiveLinks;
+    bool m_LiveLinksCollected = false;
     QImage m_ScratchImage;
     std::unique_ptr<TCanvas> m_Scratch;
 };

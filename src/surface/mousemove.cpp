@@ -216,12 +216,23 @@ void TMouseMachine::MoveResizing(TShiftState shift, TPoint p)
     m_Cad.ResizeMakeSquareorHV(shape, m_Start, p, shift);
     m_Now = p;
     const TPoint from = m_Start;
+    std::vector<std::vector<TPoint>> routes;
+    TRect touched = SizingRect(shape, p);
+    if (m_Cad.m_LiveConnectors) {
+        if (!m_LiveLinksCollected)
+            CollectLiveLinks({shape});
+        if (const TEndMove move = ResizeEndMove(shape, ResizeHandlePosition(*shape, m_Start), p))
+            routes = LiveRoutes(move);
+        if (!routes.empty())
+            touched = TRect(0, 0, m_Cad.width(), m_Cad.height());
+    }
     m_Feedback.Show(
-        [shape, from, p](TCanvas &c) {
+        [shape, from, p, routes = std::move(routes)](TCanvas &c) {
             SetDragResizeRotateShapeMode(c);
             shape->Sizing(c, from, p);
+            DrawRoutes(c, routes);
         },
-        SizingRect(shape, p));
+        touched);
     TMyPoint to = m_Cad.GetPointByMode(p);
     if (m_Cad.m_OnShapeMouseResizing)
         m_Cad.m_OnShapeMouseResizing(&m_Cad, shape, m_Cad.GetPointByMode(m_Start), to);
@@ -280,13 +291,26 @@ void TMouseMachine::MoveDragging(TPoint p)
     // The outlines are those of the shapes dragged now, even if the selection changes
     // before they are erased.
     std::vector<TMyShape *> shapes = m_Cad.m_WorkingShapes;
+    std::vector<std::vector<TPoint>> routes;
+    TRect touched = m_DragBase.Translated(p.X - m_Start.X, p.Y - m_Start.Y).Inflated(2, 2);
+    if (m_Cad.m_LiveConnectors) {
+        if (!m_LiveLinksCollected)
+            CollectLiveLinks(shapes);
+        const float dx = float(p.X - m_Start.X), dy = float(p.Y - m_Start.Y);
+        routes = LiveRoutes([dx, dy](const TMyLinkLine &, bool, TMyPoint now) {
+            return TMyPoint{now.X + dx, now.Y + dy};
+        });
+        if (!routes.empty())
+            touched = TRect(0, 0, m_Cad.width(), m_Cad.height());
+    }
     m_Feedback.Show(
-        [&cad, shapes = std::move(shapes), from, p](TCanvas &c) {
+        [&cad, shapes = std::move(shapes), routes = std::move(routes), from, p](TCanvas &c) {
             SetDragResizeRotateShapeMode(c);
             for (TMyShape *shape : shapes)
                 cad.DragOutline(c, shape, from, p);
+            DrawRoutes(c, routes);
         },
-        m_DragBase.Translated(p.X - m_Start.X, p.Y - m_Start.Y).Inflated(2, 2));
+        touched);
 }
 
 void TMouseMachine::MoveTextPoint(TPoint p)
@@ -317,12 +341,24 @@ void TMouseMachine::MoveRotating(TPoint p)
         reach = std::max(reach, double(std::hypot(corner.X - centre.X, corner.Y - centre.Y)));
     const auto r = std::int32_t(std::ceil(reach)) + 4;
     const auto cx = std::int32_t(std::lround(centre.X)), cy = std::int32_t(std::lround(centre.Y));
+    std::vector<std::vector<TPoint>> routes;
+    TRect touched(cx - r, cy - r, cx + r + 1, cy + r + 1);
+    if (m_Cad.m_LiveConnectors) {
+        if (!m_LiveLinksCollected)
+            CollectLiveLinks({m_Cad.GetRootParentShape(shape)});
+        routes = LiveRoutes([centre, angle](const TMyLinkLine &, bool, TMyPoint now) {
+            return RotateAPoint(now, centre, float(angle));
+        });
+        if (!routes.empty())
+            touched = TRect(0, 0, m_Cad.width(), m_Cad.height());
+    }
     m_Feedback.Show(
-        [&cad, shape, centre, angle](TCanvas &c) {
+        [&cad, shape, centre, angle, routes = std::move(routes)](TCanvas &c) {
             SetDragResizeRotateShapeMode(c);
             cad.RotatingforShapes(c, shape, centre, angle);
+            DrawRoutes(c, routes);
         },
-        TRect(cx - r, cy - r, cx + r + 1, cy + r + 1));
+        touched);
     TMyPoint to = m_Cad.GetPointByMode(p);
     if (m_Cad.m_OnShapeMouseRotating)
         m_Cad.m_OnShapeMouseRotating(&m_Cad, shape, m_Cad.GetPointByMode(m_Start), to);

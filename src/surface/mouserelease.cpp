@@ -43,20 +43,6 @@ bool IsTwoPointTool(TDrawTool tool)
 
 // Where a point clicked on the control polygon of a curve goes: before the end of the first
 // side hit, as on a polyline; -1 when no side is hit.
-// The handle a resize starts from: a corner where it is, a rectangle's side handle (4 to 7)
-// as the corner numbered four less, other shapes' handles where they are.
-TMyPoint HandlePosition(const TMyShape &shape, TPoint start)
-{
-    const std::int32_t hot = shape.CurrentHot();
-    if (dynamic_cast<const TMyLinkLine *>(&shape))
-        return PtToMyPt(start);
-    if (dynamic_cast<const TMyRectangle *>(&shape) && hot >= 4 && hot <= 7)
-        return shape.GetPointInZoom(hot - 4);
-    if (hot >= 0 && hot < shape.GetPointsCount())
-        return shape.GetPointInZoom(hot);
-    return PtToMyPt(start);
-}
-
 std::int32_t ControlPolygonSegment(const TMyShape &shape, TPoint p)
 {
     for (std::int32_t i = 0; i + 1 < shape.GetPointsCount(); ++i)
@@ -67,6 +53,20 @@ std::int32_t ControlPolygonSegment(const TMyShape &shape, TPoint p)
 }
 
 } // namespace
+
+// The handle a resize starts from: a corner where it is, a rectangle's side handle (4 to 7)
+// as the corner numbered four less, other shapes' handles where they are.
+TMyPoint ResizeHandlePosition(const TMyShape &shape, TPoint start)
+{
+    const std::int32_t hot = shape.CurrentHot();
+    if (dynamic_cast<const TMyLinkLine *>(&shape))
+        return PtToMyPt(start);
+    if (dynamic_cast<const TMyRectangle *>(&shape) && hot >= 4 && hot <= 7)
+        return shape.GetPointInZoom(hot - 4);
+    if (hot >= 0 && hot < shape.GetPointsCount())
+        return shape.GetPointInZoom(hot);
+    return PtToMyPt(start);
+}
 
 void TMouseMachine::Release(TMouseButton button, TShiftState shift, TPoint p)
 {
@@ -113,6 +113,7 @@ void TMouseMachine::Release(TMouseButton button, TShiftState shift, TPoint p)
 void TMouseMachine::EndGesture()
 {
     m_Down = false;
+    m_LiveLinksCollected = false;
     m_DragBase = {};
     m_Cad.ReleaseCursorClipArea();
 }
@@ -332,7 +333,7 @@ void TMouseMachine::ReleaseResizing(TShiftState shift)
         m_Cad.SnapXY(p.X, p.Y);
     m_Cad.PushtoUndoRedoShapeList(std::span<TMyShape *const>(&shape, 1), 0, ACT_CHANGE);
     m_Cad.ResizeMakeSquareorHV(shape, m_Start, p, shift);
-    const TMyPoint handle = HandlePosition(*shape, m_Start);
+    const TMyPoint handle = ResizeHandlePosition(*shape, m_Start);
     m_Cad.SizeChangeValueforShapes(shape, handle, PtToMyPt(p));
     if (m_Cad.m_OnShapeMouseResized) {
         const TMyPoint asked = m_Cad.GetPointByMode(p);

@@ -224,6 +224,8 @@ TEST(MouseDrawing, AbandonedDrawingsLeaveNothing)
     s.cad.ClearAllUndoStuff();
     s.cad.ClearWorkingShapes();
     s.cad.repaint();
+    const QImage before = s.cad.ScreenImage().copy();
+    const QPoint origin = s.cad.ScreenOrigin();
 
     s.cad.SetShapeTool(TDrawTool::SpText);
     QTimer::singleShot(0, [] {
@@ -247,6 +249,7 @@ TEST(MouseDrawing, AbandonedDrawingsLeaveNothing)
     EXPECT_EQ(s.cad.GetShapesCount(), 1);
     EXPECT_TRUE(s.cad.UndoRedoShapeList().empty());
     EXPECT_EQ(s.cad.ShapeUnderConstruction(), nullptr);
+    EXPECT_TRUE(SameOnScreen(before, origin, s.cad));
 }
 
 } // namespace

@@ -212,23 +212,62 @@ TEST(MouseGestures, FeedbackIsErasedExactlyWithoutRepaints)
     AddRectangle(s.cad, 150, 120, 300, 260);
     s.Click({150, 100});
     s.cad.repaint();
+    const QImage before = s.cad.ScreenImage().copy();
+    const QPoint origin = s.cad.ScreenOrigin();
+    int recomposed = 0;
+    s.cad.SetOnPaint([&](TMyCAD *cad) { recomposed += cad->DrawList().empty() ? 0 : 1; });
     s.Press({150, 100});
     for (int i = 1; i <= 20; ++i) {
         s.Move({150 + 3 * i, 100 + 2 * i});
         QCoreApplication::processEvents();
     }
+    EXPECT_FALSE(SameOnScreen(before, origin, s.cad));
     QTest::keyClick(&s.cad, Qt::Key_Escape);
+    EXPECT_TRUE(SameOnScreen(before, origin, s.cad));
     s.Release({210, 140});
     EXPECT_EQ(s.cad.GetShapeByNo(0)->GetLeftTop().X, 100);
 
-    // A rubber band and a resize outline, erased on release before the one repaint.
-    s.Drag({20, 20}, {60, 80});
+    // A rubber band, erased exactly by Escape.
+    s.cad.ClearWorkingShapes();
     s.cad.repaint();
+    const QImage band = s.cad.ScreenImage().copy();
+    const QPoint bandOrigin = s.cad.ScreenOrigin();
     s.Press({500, 500});
     s.Move({560, 540});
     s.Move({520, 520});
-    s.Move({500, 500});
+    EXPECT_FALSE(SameOnScreen(band, bandOrigin, s.cad));
     QTest::keyClick(&s.cad, Qt::Key_Escape);
+    EXPECT_TRUE(SameOnScreen(band, bandOrigin, s.cad));
+}
+
+// With LiveConnectors the route of a connector bound to a dragged shape is part of the
+// feedback: the screen shows more than the outline alone, and Escape still restores it.
+TEST(MouseGestures, LiveConnectorsFollowInTheFeedback)
+{
+    QImage shown[2];
+    for (const bool live : {false, true}) {
+        TMouseSurface s;
+        TMyShape *a = AddRectangle(s.cad, 100, 100, 160, 140);
+        TMyShape *b = AddRectangle(s.cad, 300, 300, 360, 340);
+        a->AddLinkPoint({160, 120});
+        b->AddLinkPoint({300, 320});
+        s.cad.ChangeLinkShapes(AddConnector(s.cad, a, b));
+        s.cad.SetLiveConnectors(live);
+        s.Click({130, 120});
+        s.cad.repaint();
+        const QImage before = s.cad.ScreenImage().copy();
+        const QPoint origin = s.cad.ScreenOrigin();
+        s.Press({130, 120});
+        s.Move({130, 170});
+        s.Move({140, 220});
+        shown[live] = s.cad.ScreenImage().copy();
+        QTest::keyClick(&s.cad, Qt::Key_Escape);
+        EXPECT_TRUE(SameOnScreen(before, origin, s.cad)) << live;
+        s.Release({140, 220});
+        EXPECT_EQ(a->GetLeftTop().X, 100);
+    }
+    ASSERT_EQ(shown[0].size(), shown[1].size());
+    EXPECT_NE(shown[0], shown[1]);
 }
 
 } // namespace

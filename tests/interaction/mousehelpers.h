@@ -21,6 +21,8 @@ public:
     {
         cad.SetSnap(false);
         cad.show();
+        // Until the window is exposed nothing is painted on the screen image.
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(&cad));
     }
 
     void Press(QPoint p, Qt::KeyboardModifiers m = Qt::NoModifier)

@@ -258,6 +258,7 @@ std::vector<TRow> Table(TMyCAD *cad, TGridObject *grid, QLabel *label)
         {"XYMode", Enum(TXYMode::Mode0), Plain(Enum(TXYMode::Mode2))},
         {"Zoom", 1.0, Plain(1.5)},
         {"KeyboardEditing", true, Plain(false)},
+        {"LiveConnectors", false, Plain(true)},
         {"OnRequestPicture",
          {},
          Handler(n, TRequestPicture([n](TMyCAD *, TBitmap &) { ++*n; }),
@@ -281,11 +282,11 @@ TEST(CadProperties, PublishedOrderConstructionValuesAndWriteReadBack)
     const auto table = Table(&cad, &grid, &label);
     const QMetaObject *mo = cad.metaObject();
     const int first = QWidget::staticMetaObject.propertyCount();
-    ASSERT_EQ(table.size(), 100u);
-    ASSERT_EQ(mo->propertyCount() - first, 100);
+    ASSERT_EQ(table.size(), 101u);
+    ASSERT_EQ(mo->propertyCount() - first, 101);
 
     TMyCAD fresh;
-    for (int i = 0; i < 100; ++i) {
+    for (int i = 0; i < 101; ++i) {
         const TRow &row = table[i];
         ASSERT_STREQ(mo->property(first + i).name(), row.Name) << "position " << i;
         const QVariant value = fresh.property(row.Name);
@@ -303,7 +304,7 @@ TEST(CadProperties, PublishedOrderConstructionValuesAndWriteReadBack)
     EXPECT_EQ(fresh.ShapeIdCounter(), 0);
     EXPECT_FALSE(fresh.IsBusy());
 
-    for (int i = 0; i < 100; ++i) {
+    for (int i = 0; i < 101; ++i) {
         const QMetaProperty p = mo->property(first + i);
         const TWalk &walk = table[i].Walk;
         if (!walk.Value.isValid()) {
