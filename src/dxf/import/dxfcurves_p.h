@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// Curve helpers of the DXF import: bulges, elliptic arcs, splines, hatch edges, colours.
+#pragma once
+
+#include <tessal/dxf/import/dxfmodel_p.h>
+
+#include <dl_entities.h>
+
+#include <QByteArray>
+#include <QPointF>
+#include <QString>
+
+#include <cstdint>
+#include <vector>
+
+namespace tessal::DxfImport {
+
+// Curves are flattened in steps of at most this many degrees of their angle or parameter.
+constexpr double MaxStepDegrees = 5;
+
+// The points of the elliptic arc centre + major cos t + minor sin t for t from t0 to t1
+// (radians, t1 > t0), both ends included; minor is major turned a quarter anticlockwise
+// and scaled by ratio.
+std::vector<QPointF> EllipsePoints(QPointF centre, QPointF major, double ratio, double t0,
+                                   double t1);
+// The vertices of a polyline with its bulged segments flattened (closed: the closing
+// segment too, without repeating the first point).
+std::vector<QPointF> FlattenPolyline(const std::vector<QPointF> &points,
+                                     const std::vector<double> &bulges, bool closed);
+// A spline as cubic Bezier pieces (3n + 1 points): exact for polynomial splines up to
+// degree 3, close for rational or higher ones; fit-point splines pass through their points.
+// Empty when the spline has fewer than two points.
+std::vector<QPointF> SplineToBezier(const TEntity &spline);
+// Appends a hatch boundary edge to a loop of points.
+void AppendHatchEdge(const DL_HatchEdgeData &edge, std::vector<QPointF> &loop);
+// MTEXT without its formatting codes: \P breaks lines, stacked fractions become a/b.
+QString PlainMText(const QString &text);
+// The data with every count value (group codes 70-79 and 90-99) that exceeds the number of
+// lines after it lowered to that number: no valid file needs more, and the parser
+// allocates by these counts.
+QByteArray WithSaneCounts(const QByteArray &data);
+// The RGB value (0x00RRGGBB) of an AutoCAD colour index 1..255.
+std::uint32_t AciToRgb(std::int32_t aci);
+
+} // namespace tessal::DxfImport
