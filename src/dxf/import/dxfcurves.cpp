@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <numbers>
 
 namespace tessal::DxfImport {
@@ -310,37 +311,38 @@ QString PlainMText(const QString &text)
 
 QByteArray WithSaneCounts(const QByteArray &data)
 {
-    std::vector<qsizetype> starts;
-    starts.reserve(std::size_t(data.size() / 8));
-    for (qsizetype i = 0, start = 0; i <= data.size(); ++i)
-        if (i == data.size() || data[i] == '\n') {
-            starts.push_back(start);
-            start = i + 1;
-        }
+    const char *const begin = data.constData();
+    const qsizetype size = data.size();
+    const qsizetype lines = std::count(begin, begin + size, '\n') + 1;
+    // The end of the line that starts at offset (its newline, or the end of the data).
+    auto lineEnd = [&](qsizetype offset) {
+        const void *nl = std::memchr(begin + offset, '\n', std::size_t(size - offset));
+        return nl ? static_cast<const char *>(nl) - begin : size;
+    };
     QByteArray out;
-    const qsizetype lines = qsizetype(starts.size());
-    qsizetype copied = 0;
-    for (qsizetype k = 0; k + 1 < lines; k += 2) {
-        const qsizetype end = starts[std::size_t(k + 1)];
-        const int code =
-            data.mid(starts[std::size_t(k)], end - starts[std::size_t(k)]).trimmed().toInt();
+    qsizetype copied = 0, offset = 0;
+    for (qsizetype k = 0; k + 1 < lines && offset < size; k += 2) {
+        const qsizetype codeEnd = lineEnd(offset);
+        const qsizetype valueStart = std::min(codeEnd + 1, size);
+        const qsizetype valueEnd = lineEnd(valueStart);
+        const int code = QByteArray::fromRawData(begin + offset, codeEnd - offset).trimmed().toInt();
+        offset = std::min(valueEnd + 1, size);
         if (!((code >= 70 && code <= 79) || (code >= 90 && code <= 99)))
             continue;
-        const qsizetype valueEnd = k + 2 < lines ? starts[std::size_t(k + 2)] : data.size();
-        const QByteArray value = data.mid(end, valueEnd - end).trimmed();
         bool ok = false;
-        const qlonglong count = value.toLongLong(&ok);
+        const qlonglong count =
+            QByteArray::fromRawData(begin + valueStart, valueEnd - valueStart).trimmed().toLongLong(&ok);
         const qsizetype left = lines - k;
         if (ok && count <= left && count >= -left)
             continue;
-        // Too large, too small or no number: replace by the number of lines left.
-        out += data.mid(copied, end - copied);
-        out += QByteArray::number(left) + "\n";
+        // Too large, too small or no number: the number of lines left instead.
+        out += QByteArray::fromRawData(begin + copied, valueStart - copied);
+        out += QByteArray::number(left);
         copied = valueEnd;
     }
     if (copied == 0)
         return data;
-    out += data.mid(copied);
+    out += QByteArray::fromRawData(begin + copied, size - copied);
     return out;
 }
 

@@ -7,6 +7,7 @@
 #include <dl_dxf.h>
 
 #include <QByteArray>
+#include <QList>
 
 #include <cmath>
 #include <istream>
@@ -58,13 +59,24 @@ public:
         : m_Model(model)
     {}
 
-    bool SawEof() const { return m_SawEof; }
     void Finish() { Flush(); }
 
     void processCodeValuePair(unsigned int code, const std::string &value) override
     {
-        if (code == 0 && value == "EOF")
-            m_SawEof = true;
+        if (code == 2 && m_LastZero == "SECTION")
+            m_Section = value;
+        if (code != 0)
+            return;
+        m_LastZero = value;
+        if ((m_Section == "ENTITIES" || m_Section == "BLOCKS") && !IsKnown(value))
+            ++m_Unknown[value];
+    }
+
+    // Entity types the parser passes on to no callback, counted as skipped.
+    void CountUnknown()
+    {
+        for (const auto &[type, count] : m_Unknown)
+            m_Model.Skipped[type + ": entity type not supported"] += count;
     }
 
     void setVariableInt(const std::string &key, int value, int) override
@@ -330,13 +342,27 @@ private:
 
     void Dim() { Skip("DIMENSION", "dimensions are not imported"); }
 
+    static bool IsKnown(const std::string &type)
+    {
+        static const char *const known[] = {
+            "LINE", "POINT", "CIRCLE", "ARC", "ELLIPSE", "LWPOLYLINE", "POLYLINE", "VERTEX",
+            "SEQEND", "SPLINE", "SOLID", "TRACE", "3DFACE", "TEXT", "MTEXT", "HATCH", "INSERT",
+            "XLINE", "RAY", "IMAGE", "ATTRIB", "LEADER", "DIMENSION", "ARCALIGNEDTEXT",
+            "BLOCK", "ENDBLK", "ENDSEC", "SECTION", "EOF"};
+        for (const char *k : known)
+            if (type == k)
+                return true;
+        return false;
+    }
+
     TModel &m_Model;
+    std::string m_Section, m_LastZero;
+    std::map<std::string, std::int64_t> m_Unknown;
     std::vector<TEntity> *m_Target = &m_Model.Entities;
     std::vector<QPointF> m_FitPoints;
     std::string m_MTextChunks;
     bool m_Pending = false;
     bool m_SkipVertices = false;
-    bool m_SawEof = false;
 };
 
 // Whether the text starts like an ASCII DXF file: a group code on the first line.
@@ -353,6 +379,14 @@ bool LooksLikeAsciiDxf(const QByteArray &data)
         ++i;
     return i > start && i - start <= 6 &&
            (i == data.size() || data[i] == '\r' || data[i] == '\n' || data[i] == ' ');
+}
+
+// Whether the last group is "0" "EOF": a file cut short lacks it.
+bool EndsWithEof(const QByteArray &data)
+{
+    const QList<QByteArray> tail = data.right(64).trimmed().split('\n');
+    return tail.size() >= 2 && tail.back().trimmed() == "EOF" &&
+           tail[tail.size() - 2].trimmed() == "0";
 }
 
 } // namespace
@@ -376,6 +410,7 @@ bool ParseDxf(const QByteArray &data, TModel &model, QString &error,
         DL_Dxf dxf;
         dxf.in(stream, &collector);
         collector.Finish();
+        collector.CountUnknown();
     } catch (const std::bad_alloc &) {
         error = QStringLiteral("the file asks for more memory than is available");
         return false;
@@ -383,7 +418,7 @@ bool ParseDxf(const QByteArray &data, TModel &model, QString &error,
         error = QStringLiteral("the DXF parser stopped: %1").arg(QString::fromLocal8Bit(e.what()));
         return false;
     }
-    if (!collector.SawEof()) {
+    if (!EndsWithEof(safe)) {
         error = QStringLiteral("the file ends before its EOF marker (truncated or damaged); "
                                "what was read before has been imported");
         return false;
