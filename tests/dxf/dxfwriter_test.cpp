@@ -80,14 +80,11 @@ public:
         Pairs({"0", "ENDSEC", "0", "EOF"});
         return m_Lines;
     }
-    void Head(const char *type)
-    {
-        Pairs({"0", type, "5", QString::number(m_Handle++), "8", "0"});
-    }
+    void Head(const char *type) { Pairs({"0", type, "5", QString::number(m_Handle++), "8", "0"}); }
     void Point(int code, const QString &x, const QString &y)
     {
-        Pairs({QString::number(code), x, QString::number(code + 10), y,
-               QString::number(code + 20), "0.0"});
+        Pairs({QString::number(code), x, QString::number(code + 10), y, QString::number(code + 20),
+               "0.0"});
     }
     void Line(const QString &x1, const QString &y1, const QString &x2, const QString &y2)
     {

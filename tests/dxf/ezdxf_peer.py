@@ -60,7 +60,7 @@ def sample(version, name):
         msp.add_lwpolyline([(100, 60, 0, 0, 0.5), (130, 60, 0, 0, 0), (130, 80, 0, 0, -1)],
                            format="xyseb", close=True, dxfattribs={"layer": "doors"})
         msp.add_lwpolyline([(0, 120), (20, 130), (40, 120)], format="xy")
-        msp.add_spline([(0, 150), (20, 170), (40, 140), (60, 160), (80, 150)])
+        msp.add_open_spline([(0, 150), (20, 170), (40, 140), (60, 160), (80, 150)])
         msp.add_open_spline([(100, 150), (120, 170), (140, 140), (160, 165)], degree=2)
         msp.add_rational_spline([(180, 150), (200, 180), (220, 150)], weights=[1, 2, 1],
                                 degree=2)

@@ -228,8 +228,9 @@ TMyShape *TBuilder::Add(const char *className, TMyPointArray points, double angl
         if (!std::isfinite(p.X) || !std::isfinite(p.Y))
             return nullptr;
     std::unique_ptr<TMyShape> shape = m_Cad.CreateShapeByName(QLatin1String(className));
-    shape->Points() = std::move(points);
+    // The angle first: set on a shape with points, it would turn them.
     shape->SetAngle(float(angle));
+    shape->Points() = std::move(points);
     const TMyPoint centre = shape->ComputeCenterPoint(4);
     shape->SetCenterPoint(centre);
     const bool box = shape->GetPointsCount() == 4 && dynamic_cast<TMyRectangle *>(shape.get());

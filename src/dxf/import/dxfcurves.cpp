@@ -196,7 +196,6 @@ void AppendHatchEdge(const DL_HatchEdgeData &e, std::vector<QPointF> &loop)
     }
     if (!e.defined)
         return;
-    const double d = Pi / 180;
     switch (e.type) {
     case 1:
         add({e.x1, e.y1});
@@ -204,10 +203,11 @@ void AppendHatchEdge(const DL_HatchEdgeData &e, std::vector<QPointF> &loop)
         break;
     case 2:
     case 3: {
-        // Angles in degrees; a clockwise edge runs its angles mirrored.
+        // Angles in radians (the parser converts them); a clockwise edge runs its angles
+        // mirrored.
         const QPointF major = e.type == 2 ? QPointF(e.radius, 0) : QPointF(e.mx, e.my);
         const double ratio = e.type == 2 ? 1 : e.ratio;
-        double a0 = e.angle1 * d, a1 = e.angle2 * d;
+        double a0 = e.angle1, a1 = e.angle2;
         if (!e.ccw) {
             a0 = -a0;
             a1 = -a1;
@@ -309,7 +309,25 @@ QString PlainMText(const QString &text)
     return out;
 }
 
-QByteArray WithSaneCounts(const QByteArray &data)
+namespace {
+
+bool IsKnownEntity(const QByteArray &type)
+{
+    static const char *const known[] = {
+        "LINE",     "POINT",  "CIRCLE",  "ARC",    "ELLIPSE",       "LWPOLYLINE",
+        "POLYLINE", "VERTEX", "SEQEND",  "SPLINE", "SOLID",         "TRACE",
+        "3DFACE",   "TEXT",   "MTEXT",   "HATCH",  "INSERT",        "XLINE",
+        "RAY",      "IMAGE",  "ATTRIB",  "LEADER", "DIMENSION",     "BLOCK",
+        "ENDBLK",   "ENDSEC", "SECTION", "EOF",    "ARCALIGNEDTEXT"};
+    for (const char *k : known)
+        if (type == k)
+            return true;
+    return false;
+}
+
+} // namespace
+
+QByteArray Prescan(const QByteArray &data, std::map<std::string, std::int64_t> &unknown)
 {
     const char *const begin = data.constData();
     const qsizetype size = data.size();
@@ -320,18 +338,29 @@ QByteArray WithSaneCounts(const QByteArray &data)
         return nl ? static_cast<const char *>(nl) - begin : size;
     };
     QByteArray out;
+    QByteArray section, lastZero;
     qsizetype copied = 0, offset = 0;
     for (qsizetype k = 0; k + 1 < lines && offset < size; k += 2) {
         const qsizetype codeEnd = lineEnd(offset);
         const qsizetype valueStart = std::min(codeEnd + 1, size);
         const qsizetype valueEnd = lineEnd(valueStart);
-        const int code = QByteArray::fromRawData(begin + offset, codeEnd - offset).trimmed().toInt();
+        const int code =
+            QByteArray::fromRawData(begin + offset, codeEnd - offset).trimmed().toInt();
+        const QByteArray value =
+            QByteArray::fromRawData(begin + valueStart, valueEnd - valueStart).trimmed();
         offset = std::min(valueEnd + 1, size);
+        if (code == 0) {
+            lastZero = QByteArray(value.constData(), value.size());
+            if ((section == "ENTITIES" || section == "BLOCKS") && !IsKnownEntity(lastZero))
+                ++unknown[lastZero.toStdString()];
+            continue;
+        }
+        if (code == 2 && lastZero == "SECTION")
+            section = QByteArray(value.constData(), value.size());
         if (!((code >= 70 && code <= 79) || (code >= 90 && code <= 99)))
             continue;
         bool ok = false;
-        const qlonglong count =
-            QByteArray::fromRawData(begin + valueStart, valueEnd - valueStart).trimmed().toLongLong(&ok);
+        const qlonglong count = value.toLongLong(&ok);
         const qsizetype left = lines - k;
         if (ok && count <= left && count >= -left)
             continue;

@@ -11,6 +11,8 @@
 #include <QString>
 
 #include <cstdint>
+#include <map>
+#include <string>
 #include <vector>
 
 namespace tessal::DxfImport {
@@ -35,10 +37,11 @@ std::vector<QPointF> SplineToBezier(const TEntity &spline);
 void AppendHatchEdge(const DL_HatchEdgeData &edge, std::vector<QPointF> &loop);
 // MTEXT without its formatting codes: \P breaks lines, stacked fractions become a/b.
 QString PlainMText(const QString &text);
-// The data with every count value (group codes 70-79 and 90-99) that exceeds the number of
-// lines after it lowered to that number: no valid file needs more, and the parser
-// allocates by these counts.
-QByteArray WithSaneCounts(const QByteArray &data);
+// One pass over the file before parsing. Answers the data with every count value (group
+// codes 70-79 and 90-99) that exceeds the number of lines after it lowered to that number:
+// no valid file needs more, and the parser allocates by these counts. Counts the entities
+// of the ENTITIES and BLOCKS sections whose types the import does not know into unknown.
+QByteArray Prescan(const QByteArray &data, std::map<std::string, std::int64_t> &unknown);
 // The RGB value (0x00RRGGBB) of an AutoCAD colour index 1..255.
 std::uint32_t AciToRgb(std::int32_t aci);
 

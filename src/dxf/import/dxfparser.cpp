@@ -61,24 +61,6 @@ public:
 
     void Finish() { Flush(); }
 
-    void processCodeValuePair(unsigned int code, const std::string &value) override
-    {
-        if (code == 2 && m_LastZero == "SECTION")
-            m_Section = value;
-        if (code != 0)
-            return;
-        m_LastZero = value;
-        if ((m_Section == "ENTITIES" || m_Section == "BLOCKS") && !IsKnown(value))
-            ++m_Unknown[value];
-    }
-
-    // Entity types the parser passes on to no callback, counted as skipped.
-    void CountUnknown()
-    {
-        for (const auto &[type, count] : m_Unknown)
-            m_Model.Skipped[type + ": entity type not supported"] += count;
-    }
-
     void setVariableInt(const std::string &key, int value, int) override
     {
         if (key == "$INSUNITS")
@@ -115,7 +97,7 @@ public:
         m_Target = &m_Model.Entities;
     }
 
-    void endSection() override { Flush(); }
+    // dxflib calls endSection at every group 0, so it ends nothing here.
     void endSequence() override { Flush(); }
 
     void addPoint(const DL_PointData &d) override { Add(TKind::Point, "POINT", {{d.x, d.y}}); }
@@ -342,22 +324,7 @@ private:
 
     void Dim() { Skip("DIMENSION", "dimensions are not imported"); }
 
-    static bool IsKnown(const std::string &type)
-    {
-        static const char *const known[] = {
-            "LINE", "POINT", "CIRCLE", "ARC", "ELLIPSE", "LWPOLYLINE", "POLYLINE", "VERTEX",
-            "SEQEND", "SPLINE", "SOLID", "TRACE", "3DFACE", "TEXT", "MTEXT", "HATCH", "INSERT",
-            "XLINE", "RAY", "IMAGE", "ATTRIB", "LEADER", "DIMENSION", "ARCALIGNEDTEXT",
-            "BLOCK", "ENDBLK", "ENDSEC", "SECTION", "EOF"};
-        for (const char *k : known)
-            if (type == k)
-                return true;
-        return false;
-    }
-
     TModel &m_Model;
-    std::string m_Section, m_LastZero;
-    std::map<std::string, std::int64_t> m_Unknown;
     std::vector<TEntity> *m_Target = &m_Model.Entities;
     std::vector<QPointF> m_FitPoints;
     std::string m_MTextChunks;
@@ -402,7 +369,16 @@ bool ParseDxf(const QByteArray &data, TModel &model, QString &error,
         error = QStringLiteral("not a DXF file: the first line is no group code");
         return false;
     }
-    const QByteArray safe = WithSaneCounts(data);
+    std::map<std::string, std::int64_t> unknown;
+    QByteArray safe = Prescan(data, unknown);
+    // The parser hands on an entity only when the next one starts: a file cut short gets an
+    // end, so that its last complete entity is read too.
+    const bool complete = EndsWithEof(safe);
+    if (!complete)
+        safe += "\n0\nEOF\n";
+    // Entity types the parser passes to no callback are counted here, never dropped silently.
+    for (const auto &[type, count] : unknown)
+        model.Skipped[type + ": entity type not supported"] += count;
     TCollector collector(model);
     TProgressBuffer buffer(safe, progress);
     std::istream stream(&buffer);
@@ -410,7 +386,6 @@ bool ParseDxf(const QByteArray &data, TModel &model, QString &error,
         DL_Dxf dxf;
         dxf.in(stream, &collector);
         collector.Finish();
-        collector.CountUnknown();
     } catch (const std::bad_alloc &) {
         error = QStringLiteral("the file asks for more memory than is available");
         return false;
@@ -418,7 +393,7 @@ bool ParseDxf(const QByteArray &data, TModel &model, QString &error,
         error = QStringLiteral("the DXF parser stopped: %1").arg(QString::fromLocal8Bit(e.what()));
         return false;
     }
-    if (!EndsWithEof(safe)) {
+    if (!complete) {
         error = QStringLiteral("the file ends before its EOF marker (truncated or damaged); "
                                "what was read before has been imported");
         return false;
