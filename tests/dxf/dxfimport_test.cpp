@@ -19,6 +19,7 @@
 
 #include <cmath>
 #include <numbers>
+#include <random>
 
 namespace tessal {
 namespace {
@@ -330,6 +331,49 @@ TEST(DxfDamaged, ErrorsAndPartialImports)
                   report.Skipped[QStringLiteral("LINE: the drawing reached the shape limit")],
               1);
     EXPECT_TRUE(report.Lines().join('\n').contains(QLatin1String("entities skipped")));
+}
+
+// Randomly damaged copies of an ezdxf file: lines dropped, doubled or swapped, numbers made
+// huge, negative or not numbers, bytes flipped. Each import answers, with a report.
+TEST(DxfDamaged, RandomMutationsOfAGoodFile)
+{
+    QFile sample(QStringLiteral(TESSAL_TEST_DATA_DIR "/dxf/ezdxf_r2000_sample.dxf"));
+    ASSERT_TRUE(sample.open(QIODevice::ReadOnly));
+    const QList<QByteArray> good = sample.readAll().split('\n');
+    std::mt19937 random(2024);
+    const QByteArray replacements[] = {"2147483647", "-2147483648", "1e308",  "nan",    "",  "x",
+                                       "0",          "SECTION",     "INSERT", "ENDBLK", "-1"};
+    TMyCAD cad;
+    cad.resize(640, 480);
+    for (int run = 0; run < 300; ++run) {
+        QList<QByteArray> lines = good;
+        for (int edits = 1 + int(random() % 8); edits > 0; --edits) {
+            const qsizetype at = qsizetype(random() % std::uint32_t(lines.size()));
+            switch (random() % 5) {
+            case 0:
+                lines.removeAt(at);
+                break;
+            case 1:
+                lines.insert(at, lines[at]);
+                break;
+            case 2:
+                lines.swapItemsAt(at, qsizetype(random() % std::uint32_t(lines.size())));
+                break;
+            case 3:
+                lines[at] = replacements[random() % std::size(replacements)];
+                break;
+            default:
+                if (!lines[at].isEmpty())
+                    lines[at][qsizetype(random() % std::uint32_t(lines[at].size()))] =
+                        char(random());
+            }
+        }
+        TDxfImportReport report;
+        TDxfImportOptions options;
+        options.MaxShapes = 20000;
+        const bool ok = LoadFromDxfData(cad, lines.join('\n'), report, options);
+        EXPECT_TRUE(ok || !report.Error.isEmpty()) << run;
+    }
 }
 
 // Units: $INSUNITS scales the file to millimetres; without it $MEASUREMENT 0 means inches.
