@@ -336,9 +336,7 @@ TBuilder::TShapes TBuilder::Text(const TEntity &e, const QTransform &t)
     TFont font = m_Cad.Font();
     font.SetSize(std::int32_t(std::lround(height)));
     font.Color = ToColor(m_Style.Rgb);
-    QFont qfont(font.Name);
-    qfont.setPixelSize(std::max(1, font.Size()));
-    const QFontMetricsF metrics(qfont);
+    const QFontMetricsF &metrics = Metrics(font.Name, std::max(1, font.Size()));
     const QStringList lines = e.Text.split(QLatin1Char('\n'));
     double width = 0;
     for (const QString &line : lines)
@@ -366,6 +364,18 @@ TBuilder::TShapes TBuilder::Text(const TEntity &e, const QTransform &t)
                         : e.HAlign == 1 ? TAlignment::taCenter
                                         : TAlignment::taRightJustify);
     return {shape};
+}
+
+const QFontMetricsF &TBuilder::Metrics(const QString &family, std::int32_t pixelSize)
+{
+    const auto key = std::make_pair(family, pixelSize);
+    auto it = m_Metrics.find(key);
+    if (it == m_Metrics.end()) {
+        QFont font(family);
+        font.setPixelSize(pixelSize);
+        it = m_Metrics.emplace(key, QFontMetricsF(font)).first;
+    }
+    return it->second;
 }
 
 TBuilder::TShapes TBuilder::Insert(const TEntity &e, const QTransform &t, const TResolved &style,

@@ -6,6 +6,7 @@
 #include <tessal/dxf/import/dxfmodel_p.h>
 #include <tessal/geometry/mypoint.h>
 
+#include <QFontMetricsF>
 #include <QTransform>
 
 #include <map>
@@ -49,6 +50,9 @@ private:
     TMyShape *Group(const TShapes &members, std::int32_t layer);
     void Skip(const std::string &type, const char *reason);
     void FitControl();
+    // Metrics of the font at a pixel size, made once per size: a drawing has many texts
+    // but few sizes.
+    const QFontMetricsF &Metrics(const QString &family, std::int32_t pixelSize);
 
     TMyCAD &m_Cad;
     const TModel &m_Model;
@@ -60,6 +64,7 @@ private:
     TResolved m_Style;
     std::int32_t m_Layer = -1;
     bool m_Full = false;
+    std::map<std::pair<QString, std::int32_t>, QFontMetricsF> m_Metrics;
 };
 
 } // namespace tessal::DxfImport

@@ -3,9 +3,11 @@
 #include <tessal/dxf/import/dxfcurves_p.h>
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <cstring>
 #include <numbers>
+#include <string_view>
 
 namespace tessal::DxfImport {
 
@@ -327,51 +329,68 @@ bool IsKnownEntity(const QByteArray &type)
 
 } // namespace
 
+namespace {
+
+// A line's text without surrounding blanks (spaces, tabs, carriage returns), no copy made.
+std::string_view Stripped(const char *begin, const char *end)
+{
+    while (begin < end && (*begin == ' ' || *begin == '\t' || *begin == '\r'))
+        ++begin;
+    while (end > begin && (end[-1] == ' ' || end[-1] == '\t' || end[-1] == '\r'))
+        --end;
+    return {begin, std::size_t(end - begin)};
+}
+
+} // namespace
+
 QByteArray Prescan(const QByteArray &data, std::map<std::string, std::int64_t> &unknown)
 {
     const char *const begin = data.constData();
-    const qsizetype size = data.size();
-    const qsizetype lines = std::count(begin, begin + size, '\n') + 1;
-    // The end of the line that starts at offset (its newline, or the end of the data).
-    auto lineEnd = [&](qsizetype offset) {
-        const void *nl = std::memchr(begin + offset, '\n', std::size_t(size - offset));
-        return nl ? static_cast<const char *>(nl) - begin : size;
+    const char *const end = begin + data.size();
+    const qsizetype lines = std::count(begin, end, '\n') + 1;
+    auto lineEnd = [&](const char *from) {
+        const void *nl = std::memchr(from, '\n', std::size_t(end - from));
+        return nl ? static_cast<const char *>(nl) : end;
     };
     QByteArray out;
-    QByteArray section, lastZero;
-    qsizetype copied = 0, offset = 0;
-    for (qsizetype k = 0; k + 1 < lines && offset < size; k += 2) {
-        const qsizetype codeEnd = lineEnd(offset);
-        const qsizetype valueStart = std::min(codeEnd + 1, size);
-        const qsizetype valueEnd = lineEnd(valueStart);
-        const int code =
-            QByteArray::fromRawData(begin + offset, codeEnd - offset).trimmed().toInt();
-        const QByteArray value =
-            QByteArray::fromRawData(begin + valueStart, valueEnd - valueStart).trimmed();
-        offset = std::min(valueEnd + 1, size);
+    std::string_view section, lastZero;
+    const char *copied = begin;
+    const char *at = begin;
+    for (qsizetype k = 0; k + 1 < lines && at < end; k += 2) {
+        const char *codeEnd = lineEnd(at);
+        const char *valueStart = std::min(codeEnd + 1, end);
+        const char *valueEnd = lineEnd(valueStart);
+        const std::string_view codeText = Stripped(at, codeEnd);
+        const std::string_view value = Stripped(valueStart, valueEnd);
+        at = std::min(valueEnd + 1, end);
+        int code = -1;
+        std::from_chars(codeText.data(), codeText.data() + codeText.size(), code);
         if (code == 0) {
-            lastZero = QByteArray(value.constData(), value.size());
-            if ((section == "ENTITIES" || section == "BLOCKS") && !IsKnownEntity(lastZero))
-                ++unknown[lastZero.toStdString()];
+            lastZero = value;
+            if ((section == "ENTITIES" || section == "BLOCKS") &&
+                !IsKnownEntity(QByteArray::fromRawData(value.data(), qsizetype(value.size()))))
+                ++unknown[std::string(value)];
             continue;
         }
         if (code == 2 && lastZero == "SECTION")
-            section = QByteArray(value.constData(), value.size());
+            section = value;
         if (!((code >= 70 && code <= 79) || (code >= 90 && code <= 99)))
             continue;
-        bool ok = false;
-        const qlonglong count = value.toLongLong(&ok);
+        long long count = 0;
+        const char *first = value.data() + (!value.empty() && value[0] == '+');
+        const auto parsed = std::from_chars(first, value.data() + value.size(), count);
         const qsizetype left = lines - k;
-        if (ok && count <= left && count >= -left)
+        if (parsed.ec == std::errc() && parsed.ptr == value.data() + value.size() &&
+            count <= left && count >= -left)
             continue;
         // Too large, too small or no number: the number of lines left instead.
-        out += QByteArray::fromRawData(begin + copied, valueStart - copied);
+        out.append(copied, valueStart - copied);
         out += QByteArray::number(left);
         copied = valueEnd;
     }
-    if (copied == 0)
+    if (copied == begin)
         return data;
-    out += QByteArray::fromRawData(begin + copied, size - copied);
+    out.append(copied, end - copied);
     return out;
 }
 
