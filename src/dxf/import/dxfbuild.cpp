@@ -77,6 +77,9 @@ void TBuilder::Build()
         Entity(e, toPixels, none, -1, 0);
     }
     FitControl();
+    // Nothing is selected after an import, and the shapes are indexed and shown anew.
+    m_Cad.ClearWorkingShapes();
+    m_Cad.RequestRepaint();
 }
 
 void TBuilder::MakeLayers()
@@ -147,10 +150,10 @@ TBuilder::TShapes TBuilder::Entity(const TEntity &e, const QTransform &t, const 
         Skip(e.Type, "the drawing reached the shape limit");
         return {};
     }
-    if (layer < 0)
-        LayerId(e.Style.Layer); // layers used but not in the table are made on first use
-    m_Style = Resolve(e.Style, block);
+    // Layers used but not in the table are made on first use; inside a block copy every
+    // shape takes the INSERT's layer.
     m_Layer = layer >= 0 ? layer : LayerId(e.Style.Layer);
+    m_Style = Resolve(e.Style, block);
     TShapes out;
     switch (e.Kind) {
     case TKind::Line:
