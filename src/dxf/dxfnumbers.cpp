@@ -2,6 +2,8 @@
 // The text form of DXF numbers, independent of the C and Qt locales.
 #include <tessal/dxf/dxfnumbers.h>
 
+#include <QString>
+
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
@@ -68,6 +70,22 @@ QByteArray FormatNumber(double value)
     const bool plain = d.Exponent >= -5 && d.Exponent < 15;
     const std::string body = plain ? Fixed(d) : Scientific(d);
     return QByteArray::fromStdString(value < 0 ? "-" + body : body);
+}
+
+QByteArray EscapeText(const QString &text)
+{
+    QByteArray out;
+    out.reserve(text.size());
+    for (const QChar c : text) {
+        const char16_t u = c.unicode();
+        if (u < 0x20 || u == 0x7F)
+            out += ' ';
+        else if (u < 0x80)
+            out += char(u);
+        else
+            out += "\\U+" + QByteArray::number(u, 16).toUpper().rightJustified(4, '0');
+    }
+    return out;
 }
 
 } // namespace tessal::Dxf

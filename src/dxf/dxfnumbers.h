@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The numbers of DXF files: the pixel-to-millimetre factor and the text form of values.
+// The numbers and texts of DXF files: the pixel-to-millimetre factor, the text form of
+// values, and text values in plain ASCII.
 #pragma once
 
 #include <QByteArray>
@@ -14,5 +15,10 @@ constexpr double PixelsPerMm = 3.779527559055118;
 // and the exponent without padding ("1.5E-7", "2E15"). The decimal separator is always ".",
 // whatever the locale: DXF readers reject any other. Negative zero is written "0".
 QByteArray FormatNumber(double value);
+
+// A text value in ASCII: every other character as "\U+XXXX" (four hex digits, per UTF-16
+// code unit), which readers of every version decode, whatever code page they assume for a
+// file without a header. Line breaks and other control characters become spaces.
+QByteArray EscapeText(const QString &text);
 
 } // namespace tessal::Dxf

@@ -165,7 +165,7 @@ void TDxfWriter::Text(const TMyText &text)
         Point(10, QPointF(base.X / z, base.Y / z));
         Number(40, text.Font().Size() / Dxf::PixelsPerMm);
         Number(50, degrees);
-        Pair(1, line.Text.toUtf8());
+        Pair(1, Dxf::EscapeText(line.Text));
     }
 }
 

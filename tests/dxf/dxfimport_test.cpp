@@ -212,13 +212,16 @@ TEST(DxfRoundTrip, WriterOutputReadsBackToTheSameGeometry)
     add(TDrawTool::SpLineLinkLine, {{384, 48}, {480, 144}});
     add(TDrawTool::SpEllipse, {{384, 240}, {576, 336}});
     add(TDrawTool::SpPolyBezier, {{0, 432}, {48, 384}, {144, 480}, {192, 432}});
+    const TMyPoint textBox[] = {{240, 96}, {480, 192}};
+    source.AddShapeByCode(TDrawTool::SpText, {}, textBox, 0,
+                          QStringLiteral("Gr\u00f6\u00dfe\n\u00b1 2"));
     const QByteArray file = source.DxfText(false);
 
     TMyCAD target;
     target.resize(640, 480);
     TDxfImportReport report;
     ASSERT_TRUE(LoadFromDxfData(target, file, report)) << report.Error.toStdString();
-    ASSERT_EQ(target.GetShapesCount(), 1 + 2 + 1 + 1 + 1 + 2 + 1 + 1);
+    ASSERT_EQ(target.GetShapesCount(), 1 + 2 + 1 + 1 + 1 + 2 + 1 + 1 + 2);
     const double exact = 1e-6 * F;
     auto same = [&](const TMyPointArray &a, const TMyPointArray &b, double tol) {
         ASSERT_EQ(a.size(), b.size());
@@ -267,6 +270,32 @@ TEST(DxfRoundTrip, WriterOutputReadsBackToTheSameGeometry)
     std::vector<TMyPoint> curve = FlattenPolyBezier(source.GetShapeByNo(7)->Points());
     curve.push_back(curve.front());
     same(shape(9)->Points(), curve, fine);
+    // The text's two lines come back, one text shape each, starting at the left margin.
+    EXPECT_EQ(static_cast<TMyText *>(shape(10))->Lines(),
+              QStringList{QStringLiteral("Gr\u00f6\u00dfe")});
+    EXPECT_EQ(static_cast<TMyText *>(shape(11))->Lines(), QStringList{QStringLiteral("\u00b1 2")});
+    EXPECT_NEAR(shape(10)->Points()[0].X, 240, 0.5);
+    EXPECT_EQ(shape(10)->Font().Size(), source.GetShapeByNo(8)->Font().Size());
+}
+
+// Text values: UTF-8 or the 8-bit code page, escapes and the special codes of TEXT.
+TEST(DxfText, EncodingsAndCodes)
+{
+    TMyCAD cad;
+    cad.resize(640, 480);
+    const QByteArray data =
+        "0\nSECTION\n2\nENTITIES\n"
+        "0\nTEXT\n8\n0\n10\n1\n20\n1\n40\n3\n1\n45%%d \xe9 %%c5 %%uA\n"
+        "0\nTEXT\n8\n0\n10\n1\n20\n9\n40\n3\n1\nna\xc3\xafve \\U+2300\n"
+        "0\nMTEXT\n8\n0\n10\n1\n20\n20\n40\n3\n1\n{\\fArial;A}\\PB \\U+00E9 \\S1^2;\n"
+        "0\nENDSEC\n0\nEOF\n";
+    TDxfImportReport report;
+    ASSERT_TRUE(LoadFromDxfData(cad, data, report)) << report.Error.toStdString();
+    ASSERT_EQ(cad.GetShapesCount(), 3);
+    auto lines = [&](int no) { return static_cast<TMyText *>(cad.GetShapeByNo(no))->Lines(); };
+    EXPECT_EQ(lines(0), QStringList{QStringLiteral("45\u00b0 \u00e9 \u23005 A")});
+    EXPECT_EQ(lines(1), QStringList{QStringLiteral("na\u00efve \u2300")});
+    EXPECT_EQ(lines(2), (QStringList{QStringLiteral("A"), QStringLiteral("B \u00e9 1/2")}));
 }
 
 // Damaged and hostile input: a clear error or a partial import with a report, never a

@@ -53,6 +53,9 @@ TEST(DxfNumbers, ShortestGeneralFormWithDotWhateverTheLocale)
         EXPECT_EQ(Dxf::FormatNumber(value), QByteArray(text)) << value;
     std::setlocale(LC_NUMERIC, "C");
     QLocale::setDefault(before);
+    // Texts go out in ASCII, everything else escaped.
+    EXPECT_EQ(Dxf::EscapeText(QStringLiteral("Gr\u00f6\u00dfe \u2300\t1")),
+              QByteArray("Gr\\U+00F6\\U+00DFe \\U+2300 1"));
 }
 
 class DxfWriter : public ::testing::Test

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // Flattening of DXF curves and the small text and colour rules of the import.
 #include <tessal/dxf/import/dxfcurves_p.h>
+#include <tessal/platform/codepage.h>
 
 #include <algorithm>
 #include <charconv>
@@ -249,6 +250,46 @@ void AppendHatchEdge(const DL_HatchEdgeData &e, std::vector<QPointF> &loop)
     default:
         break;
     }
+}
+
+QString DecodeText(const std::string &bytes, bool textCodes)
+{
+    const QByteArray raw = QByteArray::fromStdString(bytes);
+    QString text = QString::fromUtf8(raw);
+    if (text.contains(QChar::ReplacementCharacter))
+        text = FromAnsi(raw);
+    QString out;
+    out.reserve(text.size());
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text[i] == QLatin1Char('\\') && i + 6 < text.size() + 0 &&
+            (text[i + 1] == QLatin1Char('U') || text[i + 1] == QLatin1Char('u')) &&
+            text[i + 2] == QLatin1Char('+')) {
+            bool ok = false;
+            const uint u = text.mid(i + 3, 4).toUInt(&ok, 16);
+            if (ok) {
+                out += QChar(char16_t(u));
+                i += 6;
+                continue;
+            }
+        }
+        if (textCodes && text[i] == QLatin1Char('%') && i + 2 < text.size() &&
+            text[i + 1] == QLatin1Char('%')) {
+            const QChar code = text[i + 2].toLower();
+            const char16_t symbol = code == QLatin1Char('d')   ? u'\u00B0'
+                                    : code == QLatin1Char('p') ? u'\u00B1'
+                                    : code == QLatin1Char('c') ? u'\u2300'
+                                    : code == QLatin1Char('%') ? u'%'
+                                                               : 0;
+            if (symbol)
+                out += QChar(symbol);
+            if (symbol || code == QLatin1Char('u') || code == QLatin1Char('o')) {
+                i += 2;
+                continue;
+            }
+        }
+        out += text[i];
+    }
+    return out;
 }
 
 QString PlainMText(const QString &text)

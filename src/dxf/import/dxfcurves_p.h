@@ -37,6 +37,11 @@ std::vector<QPointF> SplineToBezier(const TEntity &spline);
 void AppendHatchEdge(const DL_HatchEdgeData &edge, std::vector<QPointF> &loop);
 // MTEXT without its formatting codes: \P breaks lines, stacked fractions become a/b.
 QString PlainMText(const QString &text);
+// A text value's bytes as text: UTF-8 when they are valid UTF-8, else the process's 8-bit
+// code page (Windows-1252 unless the application set another); "\U+XXXX" escapes decoded and, for
+// TEXT, the "%%" codes (%%d degree, %%p plus-minus, %%c diameter, %%% percent; the underline and
+// overline switches %%u and %%o dropped).
+QString DecodeText(const std::string &bytes, bool textCodes);
 // One pass over the file before parsing. Answers the data with every count value (group
 // codes 70-79 and 90-99) that exceeds the number of lines after it lowered to that number:
 // no valid file needs more, and the parser allocates by these counts. Counts the entities

@@ -197,7 +197,7 @@ public:
             Add(TKind::Text, "TEXT", {justified ? QPointF(d.apx, d.apy) : QPointF(d.ipx, d.ipy)});
         e.Height = d.height;
         e.Angle = d.angle;
-        e.Text = QString::fromStdString(d.text);
+        e.Text = DecodeText(d.text, true);
         e.HAlign = d.hJustification == 2 ? 2 : (d.hJustification == 0 ? 0 : 1);
         e.VAlign = d.hJustification == 4 ? 2 : std::clamp(d.vJustification, 0, 3);
     }
@@ -209,7 +209,7 @@ public:
         // The direction vector wins over the angle when it is given.
         e.Angle = (d.dirx != 0 || d.diry != 0) ? std::atan2(d.diry, d.dirx) * 180 / M_PI
                                                : d.angle * 180 / M_PI;
-        e.Text = PlainMText(QString::fromStdString(m_MTextChunks + d.text));
+        e.Text = PlainMText(DecodeText(m_MTextChunks + d.text, false));
         m_MTextChunks.clear();
         // Attachment 1..9: top/middle/bottom rows of left/centre/right.
         const int attach = std::clamp(d.attachmentPoint, 1, 9) - 1;
