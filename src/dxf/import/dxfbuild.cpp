@@ -3,6 +3,7 @@
 #include <tessal/dxf/dxfnumbers.h>
 #include <tessal/dxf/import/dxfbuild_p.h>
 #include <tessal/dxf/import/dxfcurves_p.h>
+#include <tessal/dxf/import/dxfvalues_p.h>
 #include <tessal/shapes/arc.h>
 #include <tessal/shapes/text.h>
 #include <tessal/surface/cad.h>

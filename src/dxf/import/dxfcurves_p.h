@@ -1,18 +1,14 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-// Curve helpers of the DXF import: bulges, elliptic arcs, splines, hatch edges, colours.
+// Curve helpers of the DXF import: bulges, elliptic arcs, splines, hatch edges.
 #pragma once
 
 #include <tessal/dxf/import/dxfmodel_p.h>
 
 #include <dl_entities.h>
 
-#include <QByteArray>
 #include <QPointF>
-#include <QString>
 
 #include <cstdint>
-#include <map>
-#include <string>
 #include <vector>
 
 namespace tessal::DxfImport {
@@ -35,19 +31,4 @@ std::vector<QPointF> FlattenPolyline(const std::vector<QPointF> &points,
 std::vector<QPointF> SplineToBezier(const TEntity &spline);
 // Appends a hatch boundary edge to a loop of points.
 void AppendHatchEdge(const DL_HatchEdgeData &edge, std::vector<QPointF> &loop);
-// MTEXT without its formatting codes: \P breaks lines, stacked fractions become a/b.
-QString PlainMText(const QString &text);
-// A text value's bytes as text: UTF-8 when they are valid UTF-8, else the process's 8-bit
-// code page (Windows-1252 unless the application set another); "\U+XXXX" escapes decoded and, for
-// TEXT, the "%%" codes (%%d degree, %%p plus-minus, %%c diameter, %%% percent; the underline and
-// overline switches %%u and %%o dropped).
-QString DecodeText(const std::string &bytes, bool textCodes);
-// One pass over the file before parsing. Answers the data with every count value (group
-// codes 70-79 and 90-99) that exceeds the number of lines after it lowered to that number:
-// no valid file needs more, and the parser allocates by these counts. Counts the entities
-// of the ENTITIES and BLOCKS sections whose types the import does not know into unknown.
-QByteArray Prescan(const QByteArray &data, std::map<std::string, std::int64_t> &unknown);
-// The RGB value (0x00RRGGBB) of an AutoCAD colour index 1..255.
-std::uint32_t AciToRgb(std::int32_t aci);
-
 } // namespace tessal::DxfImport

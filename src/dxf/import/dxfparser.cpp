@@ -2,6 +2,8 @@
 // The DXF file parsed by dxflib into the import model.
 #include <tessal/dxf/import/dxfcurves_p.h>
 #include <tessal/dxf/import/dxfmodel_p.h>
+#include <tessal/dxf/import/dxfprescan_p.h>
+#include <tessal/dxf/import/dxfvalues_p.h>
 
 #include <dl_creationadapter.h>
 #include <dl_dxf.h>
