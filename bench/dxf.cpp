@@ -33,6 +33,7 @@ const char *const MakeScript = R"(
 import sys, random, ezdxf
 random.seed(7)
 doc = ezdxf.new("R2000")
+doc.header["$INSUNITS"] = 4
 for i in range(5):
     doc.layers.add("L%d" % i, color=i + 1)
 msp = doc.modelspace()

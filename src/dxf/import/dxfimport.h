@@ -18,7 +18,8 @@ class TMyCAD;
 // and reason ("ENTITY: reason"), never dropped silently.
 struct TDxfImportReport
 {
-    std::int64_t EntitiesRead = 0;  // entities of the file that became shapes
+    // Entities that became shapes; one inside a block counts once for every copy of it.
+    std::int64_t EntitiesRead = 0;
     std::int64_t ShapesCreated = 0; // shapes added, groups and copies of blocks included
     std::map<QString, std::int64_t> Skipped;
     // Problems that did not stop the import (for example more layers than a drawing holds).
