@@ -94,6 +94,10 @@ std::int32_t TMyCAD::GetShapeNoInMyShapes(const TMyShape *shape) const
 {
     if (!shape)
         return -1;
+    // A shape usually knows its place; only a stale number costs the search.
+    const std::int32_t no = shape->ShapeNo();
+    if (no >= 0 && no < GetShapesCount() && m_Shapes[std::size_t(no)].get() == shape)
+        return no;
     for (std::size_t i = 0; i < m_Shapes.size(); ++i)
         if (m_Shapes[i].get() == shape)
             return std::int32_t(i);

@@ -13,6 +13,7 @@
 #include <tessal/shapes/text.h>
 #include <tessal/surface/cad.h>
 
+#include <QDir>
 #include <QFile>
 #include <QJsonArray>
 #include <QTemporaryDir>
@@ -360,6 +361,25 @@ TEST(DxfDamaged, ErrorsAndPartialImports)
                   report.Skipped[QStringLiteral("LINE: the drawing reached the shape limit")],
               1);
     EXPECT_TRUE(report.Lines().join('\n').contains(QLatin1String("entities skipped")));
+}
+
+// The files in the fuzz seeds, including every input a fuzzer found slow or fatal: each
+// import answers, and a damaged one says why.
+TEST(DxfDamaged, SeedFilesAnswer)
+{
+    const QDir seeds(QStringLiteral(TESSAL_TEST_DATA_DIR "/dxf"));
+    const QStringList files = seeds.entryList({QStringLiteral("*.dxf")}, QDir::Files);
+    ASSERT_GE(files.size(), 5);
+    for (const QString &name : files) {
+        TMyCAD cad;
+        cad.resize(640, 480);
+        TDxfImportReport report;
+        TDxfImportOptions options;
+        options.MaxShapes = 20000;
+        const bool ok = LoadFromDxf(cad, seeds.filePath(name), report, options);
+        EXPECT_TRUE(ok || !report.Error.isEmpty()) << name.toStdString();
+        EXPECT_LE(cad.GetShapesCount(), 20000 + 64) << name.toStdString();
+    }
 }
 
 // Randomly damaged copies of an ezdxf file: lines dropped, doubled or swapped, numbers made
