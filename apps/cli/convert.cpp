@@ -1,6 +1,11 @@
 // SPDX-License-Identifier: MIT
-// tessal-cli convert: the page written as a PNG picture, or as SVG or PDF figures.
+// tessal-cli convert: the page written as a PNG picture, or as SVG or PDF figures; drawings
+// to and from DXF.
 #include "convert.h"
+
+#ifdef TESSAL_CLI_DXF_IMPORT
+#include "dxfconvert.h"
+#endif
 
 #include <tessal/surface/cad.h>
 
@@ -75,6 +80,22 @@ bool WritePdf(TMyCAD &cad, const QString &out, QString &error)
     return true;
 }
 
+bool WriteDrawing(TMyCAD &cad, const QString &out, QString &error)
+{
+    if (cad.SaveToFile(out))
+        return true;
+    error = QStringLiteral("%1: %2").arg(out, cad.LastError());
+    return false;
+}
+
+bool WriteDxf(TMyCAD &cad, const QString &out, QString &error)
+{
+    if (cad.SaveToDxf(out))
+        return true;
+    error = cad.LastError();
+    return false;
+}
+
 int RunConvert(const QString &fileName, const QString &out, TIo io)
 {
     const QString suffix = QFileInfo(out).suffix().toLower();
@@ -87,18 +108,33 @@ int RunConvert(const QString &fileName, const QString &out, TIo io)
     else if (suffix == QLatin1String("pdf"))
         writer = &WritePdf;
     else if (suffix == QLatin1String("dxf"))
-        return Fail(io, QStringLiteral("DXF export is not available yet"));
+        writer = &WriteDxf;
+    else if (suffix == QLatin1String("tsd"))
+        writer = &WriteDrawing;
     else {
         io.Err << "convert: unknown output format \"" << suffix << "\"\n";
         return Usage(io);
     }
 
     QString error;
+    const bool fromDxf =
+        QFileInfo(fileName).suffix().compare(QLatin1String("dxf"), Qt::CaseInsensitive) == 0;
+#ifdef TESSAL_CLI_DXF_IMPORT
+    const std::unique_ptr<TMyCAD> cad =
+        fromDxf ? LoadDxfDrawing(fileName, io, error) : LoadDrawing(fileName, error);
+#else
+    if (fromDxf)
+        return Fail(io, QStringLiteral("reading DXF needs a build with TESSAL_DXF_IMPORT"));
     const std::unique_ptr<TMyCAD> cad = LoadDrawing(fileName, error);
+#endif
     if (!cad)
         return Fail(io, error);
+    // A DXF file read in part is still converted, and the tool then reports the damage.
+    const QString partial = error;
     if (!writer(*cad, out, error))
         return Fail(io, error);
+    if (!partial.isEmpty())
+        return Fail(io, partial);
     return ExitOk;
 }
 

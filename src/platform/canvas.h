@@ -6,6 +6,7 @@
 #include <tessal/platform/graphics.h>
 #include <tessal/platform/types.h>
 
+#include <QFont>
 #include <QImage>
 #include <QPainterPath>
 #include <QRegion>
@@ -204,6 +205,9 @@ public:
     std::int32_t TextHeight(const QString &text) const { return TextExtent(text).Y; }
     // The height TextExtent reports for any text in the current font, without measuring one.
     std::int32_t LineHeight() const;
+    // The Qt font TextOut draws with (character extra included), for callers that need the
+    // glyphs' outlines or exact metrics.
+    QFont TextFont() const;
 
     // Finishes pending painting so that the target image can be read. Nothing on a vector
     // device, whose document would end with the painter.

@@ -120,6 +120,15 @@ TPoint TCanvas::TextExtent(const QString &text) const
     return {m.horizontalAdvance(text), d->CellHeight ? d->CellHeight : m.ascent() + m.descent()};
 }
 
+QFont TCanvas::TextFont() const
+{
+    const_cast<TCanvas *>(this)->SyncFont();
+    QFont font = d->QtFont;
+    if (m_CharExtra != 0)
+        font.setLetterSpacing(QFont::AbsoluteSpacing, m_CharExtra);
+    return font;
+}
+
 std::int32_t TCanvas::LineHeight() const
 {
     const_cast<TCanvas *>(this)->SyncFont();

@@ -140,11 +140,12 @@ QStringList TMyText::LaidOutLines(TCanvas &canvas) const
 
 // ---- Painting ----
 
-void TMyText::DrawLines(TCanvas &canvas)
+std::vector<TMyText::TPlacedLine> TMyText::PlacedLines(TCanvas &canvas) const
 {
     const QStringList lines = LaidOutLines(canvas);
+    std::vector<TPlacedLine> placed;
     if (lines.isEmpty())
-        return;
+        return placed;
     const double z = Zoom();
     const TFrame f = UprightFrame();
     const std::int32_t m = Margin();
@@ -165,10 +166,17 @@ void TMyText::DrawLines(TCanvas &canvas)
                     : f.Left + RoundEven((f.Right - f.Left - w) / 2);
         }
         // The line's top-left corner is turned into place; the glyphs turn about it.
-        const TMyPoint at = RotateAPoint({float(x), float(y)}, f.Centre, Angle());
-        MyLogTextOut(canvas, RoundEven(at.X), RoundEven(at.Y), line, Font(), z, Angle());
+        placed.push_back({line, RotateAPoint({float(x), float(y)}, f.Centre, Angle())});
         y += lineHeight;
     }
+    return placed;
+}
+
+void TMyText::DrawLines(TCanvas &canvas)
+{
+    for (const TPlacedLine &line : PlacedLines(canvas))
+        MyLogTextOut(canvas, RoundEven(line.TopLeft.X), RoundEven(line.TopLeft.Y), line.Text,
+                     Font(), Zoom(), Angle());
 }
 
 void TMyText::Draw(TCanvas &canvas)

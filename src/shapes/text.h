@@ -4,6 +4,8 @@
 
 #include <tessal/shapes/rectangle.h>
 
+#include <vector>
+
 namespace tessal {
 
 // The text is Lines, laid out inside the four corners by the two alignments. A new text
@@ -45,6 +47,14 @@ public:
     // The lines as they are shown at the current zoom: Lines, broken where word wrap breaks
     // them. The canvas is used for measuring.
     QStringList LaidOutLines(TCanvas &canvas) const;
+    // One laid-out line as Draw places it: the text and the top-left corner of its cell in
+    // screen pixels, unrounded and already turned with the block about the centre.
+    struct TPlacedLine
+    {
+        QString Text;
+        TMyPoint TopLeft;
+    };
+    std::vector<TPlacedLine> PlacedLines(TCanvas &canvas) const;
 
     // The outline is drawn with the shape's pen.
     bool IsBorder() const { return m_IsBorder; }

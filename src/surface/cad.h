@@ -671,6 +671,18 @@ public:
     bool Modified() const { return m_Modified; }
     void SetModified(bool modified) { m_Modified = modified; }
 
+    // ---- DXF (defined in the dxf layer) ----
+    // The shapes as DXF entities in millimetres (ENTITIES section only, every entity on layer
+    // "0", Y growing upwards from the control's bottom edge). Text shapes become TEXT
+    // entities; SaveToDxf1 writes the outlines of their glyphs instead. Written through a
+    // temporary file that replaces fileName only when complete; false with LastError().
+    bool SaveToDxf(const QString &fileName);
+    bool SaveToDxf1(const QString &fileName);
+    // The file SaveToDxf (glyphs false) or SaveToDxf1 (glyphs true) writes.
+    QByteArray DxfText(bool glyphs) const;
+    // What the DXF import (a separate library) reports as LastError(); empty after success.
+    void SetLastDxfError(const QString &error) { m_LastError = error; }
+
     // ---- Blocks (defined in the persistence layer) ----
     // Inserts a drawing file into this drawing as a block: marks the drawing modified and,
     // when IsZEDAFile accepts the file, reads it into the memory list and pastes that

@@ -71,7 +71,9 @@ TMyPoint ResizeHandlePosition(const TMyShape &shape, TPoint start)
 void TMouseMachine::Release(TMouseButton button, TShiftState shift, TPoint p)
 {
     (void)p;
-    if (!m_Down)
+    // Only the left button takes part in gestures: another button's release ends nothing
+    // (and leaves a shape under construction as it is).
+    if (!m_Down || button != TMouseButton::mbLeft)
         return;
     if (ReleaseChild() || ReleaseClickThrough())
         return;

@@ -294,9 +294,6 @@ TEST(CliErrors, DamagedFilesAndUsage)
         EXPECT_EQ(r.Status, Cli::ExitUsage) << args.join(' ').toStdString();
         EXPECT_TRUE(r.Err.contains(Cli::UsageText())) << args.join(' ').toStdString();
     }
-    const TToolResult dxf = RunTool({"convert", good, dir.filePath("page.dxf")});
-    EXPECT_EQ(dxf.Status, Cli::ExitFailure);
-    EXPECT_EQ(dxf.Err, "DXF export is not available yet\n");
 }
 
 // The built program: without any display setting it runs offscreen, prints what the
@@ -325,3 +322,52 @@ TEST(CliProgram, RunsWithoutDisplay)
     EXPECT_EQ(bad.Err, QStringLiteral(__FILE__ " is not a drawing file\n"));
     EXPECT_EQ(run({}).Status, Cli::ExitUsage);
 }
+
+#ifdef TESSAL_CLI_DXF_IMPORT
+namespace tessal {
+namespace {
+
+// convert to DXF writes what the surface's writer writes; from DXF it prints the import
+// report, and a file cut short is still converted but fails with one line naming it.
+TEST(CliDxf, ConvertsBothWaysWithTheImportReport)
+{
+    QTemporaryDir dir;
+    const QString source = DataFile("shapes_xpj.tsd");
+    const QString dxf = dir.filePath(QStringLiteral("plan.dxf"));
+    const TToolResult toDxf = RunTool({QStringLiteral("convert"), source, dxf});
+    ASSERT_EQ(toDxf.Status, Cli::ExitOk) << toDxf.Err.toStdString();
+    QString error;
+    const std::unique_ptr<TMyCAD> cad = Cli::LoadDrawing(source, error);
+    ASSERT_TRUE(cad);
+    QFile written(dxf);
+    ASSERT_TRUE(written.open(QIODevice::ReadOnly));
+    const QByteArray bytes = written.readAll();
+    EXPECT_EQ(bytes, cad->DxfText(false));
+
+    const QString back = dir.filePath(QStringLiteral("back.tsd"));
+    const TToolResult fromDxf = RunTool({QStringLiteral("convert"), dxf, back});
+    ASSERT_EQ(fromDxf.Status, Cli::ExitOk) << fromDxf.Err.toStdString();
+    EXPECT_TRUE(fromDxf.Out.startsWith(QStringLiteral("entities read: ")))
+        << fromDxf.Out.toStdString();
+    EXPECT_TRUE(fromDxf.Out.contains(QStringLiteral("entities skipped: 0")));
+    TMyCAD reloaded;
+    ASSERT_TRUE(reloaded.LoadFromFile(back));
+    EXPECT_GT(reloaded.GetShapesCount(), 0);
+
+    const QString cut = dir.filePath(QStringLiteral("cut.dxf"));
+    QFile cutFile(cut);
+    ASSERT_TRUE(cutFile.open(QIODevice::WriteOnly));
+    cutFile.write(bytes.left(bytes.size() * 2 / 3));
+    cutFile.close();
+    const QString png = dir.filePath(QStringLiteral("cut.png"));
+    const TToolResult damaged = RunTool({QStringLiteral("convert"), cut, png});
+    EXPECT_EQ(damaged.Status, Cli::ExitFailure);
+    EXPECT_TRUE(damaged.Out.contains(QStringLiteral("entities read: ")));
+    EXPECT_EQ(damaged.Err.count('\n'), 1);
+    EXPECT_TRUE(damaged.Err.startsWith(cut)) << damaged.Err.toStdString();
+    EXPECT_TRUE(QFile::exists(png));
+}
+
+} // namespace
+} // namespace tessal
+#endif

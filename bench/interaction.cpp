@@ -1,0 +1,304 @@
+// SPDX-License-Identifier: MIT
+// The mouse on a big drawing, against QGraphicsView with the same items in one run: a press
+// that selects what lies under it (a hit test through the spatial index against
+// QGraphicsScene::itemAt with its BSP tree), and the feedback of one mouse move while 1 or
+// 1,000 selected shapes are dragged (against moving the same selected items and repainting).
+// The ratios of the medians are printed at the end.
+#include <tessal/shapes/shape.h>
+#include <tessal/surface/cad.h>
+
+#include <benchmark/benchmark.h>
+
+#include <QApplication>
+#include <QGraphicsEllipseItem>
+#include <QGraphicsLineItem>
+#include <QGraphicsRectItem>
+#include <QGraphicsScene>
+#include <QGraphicsView>
+
+#include <algorithm>
+#include <cstdio>
+#include <map>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+using namespace tessal;
+
+namespace {
+
+constexpr double PageSide = 20000; // pixels
+constexpr int ViewWidth = 1920;
+constexpr int ViewHeight = 1080;
+
+struct TItem
+{
+    int Kind; // 0 rectangle, 1 ellipse, 2 line
+    QRectF Box;
+};
+
+std::vector<TItem> MakeItems(int count)
+{
+    std::mt19937 rng(777);
+    std::uniform_real_distribution<double> at(0, PageSide - 80);
+    std::uniform_real_distribution<double> size(8, 80);
+    std::vector<TItem> items;
+    items.resize(static_cast<std::size_t>(count));
+    for (int i = 0; i < count; ++i)
+        items[std::size_t(i)] = {i % 3, QRectF(at(rng), at(rng), size(rng), size(rng))};
+    return items;
+}
+
+// Presses land on items half of the time and on empty paper otherwise.
+std::vector<QPoint> MakePresses(const std::vector<TItem> &items)
+{
+    std::mt19937 rng(99);
+    std::uniform_int_distribution<int> pick(0, int(items.size()) - 1);
+    std::uniform_real_distribution<double> anywhere(0, PageSide);
+    std::vector<QPoint> points;
+    for (int i = 0; i < 1024; ++i) {
+        const QRectF box = items[std::size_t(pick(rng))].Box;
+        points.push_back(i % 2 ? box.topLeft().toPoint() + QPoint(1, 1)
+                               : QPoint(int(anywhere(rng)), int(anywhere(rng))));
+    }
+    return points;
+}
+
+struct TTessalWorld
+{
+    explicit TTessalWorld(const std::vector<TItem> &items)
+    {
+        cad = std::make_unique<TMyCAD>();
+        cad->SetPageWidth(std::uint32_t(PageSide * 25.4 / cad->logicalDpiX()) + 1);
+        cad->SetPageHeight(std::uint32_t(PageSide * 25.4 / cad->logicalDpiY()) + 1);
+        cad->SetSnap(false);
+        cad->GridOperation()->SetGridType(TGridType::gNone);
+        const TDrawTool tools[] = {TDrawTool::SpRectangle, TDrawTool::SpEllipse, TDrawTool::SpLine};
+        for (const TItem &item : items) {
+            const TMyPoint corners[] = {{float(item.Box.left()), float(item.Box.top())},
+                                        {float(item.Box.right()), float(item.Box.bottom())}};
+            cad->AddShapeByCode(tools[item.Kind], {}, corners, 0, {});
+        }
+        cad->ClearAllUndoStuff();
+        cad->ClearWorkingShapes();
+        cad->resize(ViewWidth, ViewHeight);
+        cad->show();
+        QCoreApplication::processEvents();
+    }
+    std::unique_ptr<TMyCAD> cad;
+};
+
+struct TSceneWorld
+{
+    explicit TSceneWorld(const std::vector<TItem> &items)
+    {
+        scene = std::make_unique<QGraphicsScene>(0, 0, PageSide, PageSide);
+        scene->setItemIndexMethod(QGraphicsScene::BspTreeIndex);
+        for (const TItem &item : items) {
+            QGraphicsItem *g = nullptr;
+            const QRectF local(QPointF(0, 0), item.Box.size());
+            if (item.Kind == 0)
+                g = new QGraphicsRectItem(local);
+            else if (item.Kind == 1)
+                g = new QGraphicsEllipseItem(local);
+            else
+                g = new QGraphicsLineItem(QLineF(local.topLeft(), local.bottomRight()));
+            g->setPos(item.Box.topLeft());
+            g->setFlags(QGraphicsItem::ItemIsSelectable | QGraphicsItem::ItemIsMovable);
+            scene->addItem(g);
+        }
+        view = std::make_unique<QGraphicsView>(scene.get());
+        view->resize(ViewWidth, ViewHeight);
+        view->setSceneRect(0, 0, PageSide, PageSide);
+        view->show();
+        QCoreApplication::processEvents();
+    }
+    std::unique_ptr<QGraphicsScene> scene;
+    std::unique_ptr<QGraphicsView> view;
+};
+
+std::map<int, std::vector<TItem>> &Items()
+{
+    static std::map<int, std::vector<TItem>> cache;
+    return cache;
+}
+
+const std::vector<TItem> &ItemsOf(int count)
+{
+    auto &items = Items()[count];
+    if (items.empty())
+        items = MakeItems(count);
+    return items;
+}
+
+void BM_TessalPress(benchmark::State &state)
+{
+    const auto &items = ItemsOf(int(state.range(0)));
+    TTessalWorld world(items);
+    const std::vector<QPoint> presses = MakePresses(items);
+    world.cad->ShapesInRect(TRect(0, 0, 1, 1)); // the index is built before timing
+    std::size_t i = 0;
+    for (auto _ : state) {
+        const QPoint p = presses[i++ % presses.size()];
+        world.cad->MouseDown(TMouseButton::mbLeft, ssLeft, p.x(), p.y());
+        world.cad->MouseUp(TMouseButton::mbLeft, 0, p.x(), p.y());
+        benchmark::DoNotOptimize(world.cad->WorkingShapes().data());
+    }
+}
+
+void BM_ScenePress(benchmark::State &state)
+{
+    const auto &items = ItemsOf(int(state.range(0)));
+    TSceneWorld world(items);
+    const std::vector<QPoint> presses = MakePresses(items);
+    world.scene->itemAt(QPointF(0, 0), QTransform()); // the BSP tree is built before timing
+    std::size_t i = 0;
+    for (auto _ : state) {
+        const QPoint p = presses[i++ % presses.size()];
+        QGraphicsItem *item = world.scene->itemAt(QPointF(p), QTransform());
+        world.scene->clearSelection();
+        if (item)
+            item->setSelected(true);
+        benchmark::DoNotOptimize(item);
+    }
+}
+
+// The working shapes: the given number of shapes nearest the view's top-left corner.
+std::vector<int> Dragged(const std::vector<TItem> &items, int count)
+{
+    std::vector<int> order(items.size());
+    for (std::size_t i = 0; i < order.size(); ++i)
+        order[i] = int(i);
+    std::partial_sort(order.begin(), order.begin() + count, order.end(), [&](int a, int b) {
+        const QPointF pa = items[std::size_t(a)].Box.topLeft();
+        const QPointF pb = items[std::size_t(b)].Box.topLeft();
+        return pa.x() + pa.y() < pb.x() + pb.y();
+    });
+    order.resize(std::size_t(count));
+    return order;
+}
+
+void BM_TessalDragMove(benchmark::State &state)
+{
+    const auto &items = ItemsOf(100000);
+    TTessalWorld world(items);
+    std::vector<TMyShape *> shapes;
+    for (const int no : Dragged(items, int(state.range(0))))
+        shapes.push_back(world.cad->GetShapeByNo(no));
+    world.cad->SetWorkingShapes(shapes);
+    world.cad->repaint();
+    const QRectF first = items[std::size_t(Dragged(items, 1)[0])].Box;
+    const QPoint grip = first.center().toPoint();
+    world.cad->MouseDown(TMouseButton::mbLeft, ssLeft, grip.x(), grip.y());
+    int step = 0;
+    for (auto _ : state) {
+        const int d = 5 + (step++ % 20);
+        world.cad->MouseMove(ssLeft, grip.x() + d, grip.y() + d);
+        QCoreApplication::processEvents(); // the touched rectangles are shown
+    }
+    world.cad->CancelGesture();
+}
+
+void BM_SceneDragMove(benchmark::State &state)
+{
+    const auto &items = ItemsOf(100000);
+    TSceneWorld world(items);
+    const QList<QGraphicsItem *> all = world.scene->items(Qt::AscendingOrder);
+    std::vector<QGraphicsItem *> selected;
+    for (const int no : Dragged(items, int(state.range(0)))) {
+        all[no]->setSelected(true);
+        selected.push_back(all[no]);
+    }
+    QCoreApplication::processEvents();
+    int step = 0;
+    for (auto _ : state) {
+        const double d = (step++ % 2) ? 1 : -1;
+        for (QGraphicsItem *item : selected)
+            item->moveBy(d, d);
+        QCoreApplication::processEvents(); // the view repaints what moved
+    }
+}
+
+constexpr int Repetitions = 3;
+BENCHMARK(BM_TessalPress)
+    ->Arg(100000)
+    ->Arg(1000000)
+    ->Repetitions(Repetitions)
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_ScenePress)
+    ->Arg(100000)
+    ->Arg(1000000)
+    ->Repetitions(Repetitions)
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_TessalDragMove)
+    ->Arg(1)
+    ->Arg(1000)
+    ->Repetitions(Repetitions)
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_SceneDragMove)
+    ->Arg(1)
+    ->Arg(1000)
+    ->Repetitions(Repetitions)
+    ->Unit(benchmark::kMicrosecond);
+
+double Median(std::vector<double> v)
+{
+    std::sort(v.begin(), v.end());
+    const std::size_t n = v.size();
+    return n % 2 ? v[n / 2] : (v[n / 2 - 1] + v[n / 2]) / 2;
+}
+
+// Prints as usual, keeps the CPU time per iteration of every repetition, and prints the
+// ratios of the medians of each pair.
+class TRatioReporter : public benchmark::ConsoleReporter
+{
+public:
+    void ReportRuns(const std::vector<Run> &runs) override
+    {
+        ConsoleReporter::ReportRuns(runs);
+        for (const Run &run : runs)
+            if (run.run_type == Run::RT_Iteration && run.iterations > 0)
+                m_Cpu[run.run_name.function_name + "/" + run.run_name.args].push_back(
+                    run.cpu_accumulated_time / double(run.iterations));
+    }
+
+    void PrintRatios() const
+    {
+        const char *pairs[][3] = {{"BM_TessalPress", "BM_ScenePress", "100000"},
+                                  {"BM_TessalPress", "BM_ScenePress", "1000000"},
+                                  {"BM_TessalDragMove", "BM_SceneDragMove", "1"},
+                                  {"BM_TessalDragMove", "BM_SceneDragMove", "1000"}};
+        for (const auto &pair : pairs) {
+            const std::string t = std::string(pair[0]) + "/" + pair[2];
+            const std::string q = std::string(pair[1]) + "/" + pair[2];
+            if (!m_Cpu.contains(t) || !m_Cpu.contains(q))
+                continue;
+            const double tc = Median(m_Cpu.at(t)), qc = Median(m_Cpu.at(q));
+            std::printf("%-24s CPU medians: Tessal %.3f ms, QGraphicsView %.3f ms, ratio %.3f\n",
+                        t.c_str(), tc * 1e3, qc * 1e3, tc / qc);
+        }
+        const std::string small = "BM_TessalPress/100000", big = "BM_TessalPress/1000000";
+        if (m_Cpu.contains(small) && m_Cpu.contains(big))
+            std::printf("press growth from 100k to 1M shapes: %.2fx\n",
+                        Median(m_Cpu.at(big)) / Median(m_Cpu.at(small)));
+    }
+
+private:
+    std::map<std::string, std::vector<double>> m_Cpu;
+};
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    TRatioReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    reporter.PrintRatios();
+    benchmark::Shutdown();
+    return 0;
+}

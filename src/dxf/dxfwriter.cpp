@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: MIT
+// TMyCAD::SaveToDxf and SaveToDxf1: the shapes as a minimal ENTITIES-only DXF file.
+#include <tessal/dxf/dxfnumbers.h>
+#include <tessal/dxf/dxfwriter_p.h>
+#include <tessal/shapes/text.h>
+#include <tessal/surface/cad.h>
+
+#include <QSaveFile>
+
+#include <vector>
+
+namespace tessal {
+
+TDxfWriter::TDxfWriter(double controlHeight, double zoom, bool glyphs)
+    : m_Height(controlHeight)
+    , m_Zoom(zoom)
+    , m_Glyphs(glyphs)
+{
+    Pair(0, "SECTION");
+    Pair(2, "ENTITIES");
+}
+
+QByteArray TDxfWriter::Finish()
+{
+    Pair(0, "ENDSEC");
+    Pair(0, "EOF");
+    return std::move(m_Out);
+}
+
+// Group code and value, each on its own line. Lines end in CR LF, as DXF files have
+// traditionally been written; every reader also takes them.
+void TDxfWriter::Pair(int code, const QByteArray &value)
+{
+    m_Out += QByteArray::number(code);
+    m_Out += "\r\n";
+    m_Out += value;
+    m_Out += "\r\n";
+}
+
+QByteArray TDxfWriter::NumberText(double value)
+{
+    return Dxf::FormatNumber(value);
+}
+
+// Entity type, handle and layer "0", the start of every record.
+void TDxfWriter::Head(const char *type)
+{
+    Pair(0, type);
+    Pair(5, QByteArray::number(m_Handle++));
+    Pair(8, "0");
+}
+
+void TDxfWriter::Point(int code, QPointF p)
+{
+    Number(code, p.x() / Dxf::PixelsPerMm);
+    Number(code + 10, (m_Height - p.y()) / Dxf::PixelsPerMm);
+    Pair(code + 20, "0.0");
+}
+
+void TDxfWriter::Line(QPointF a, QPointF b)
+{
+    Head("LINE");
+    Point(10, a);
+    Point(11, b);
+}
+
+// One LINE per segment between consecutive points.
+void TDxfWriter::Chain(std::span<const TMyPoint> points)
+{
+    for (std::size_t i = 1; i < points.size(); ++i)
+        Line({points[i - 1].X, points[i - 1].Y}, {points[i].X, points[i].Y});
+}
+
+// A POLYLINE with its VERTEX records and SEQEND, always flagged closed (70 = 1).
+void TDxfWriter::Polyline(std::span<const QPointF> points)
+{
+    Head("POLYLINE");
+    Pair(66, "1");
+    Pair(10, "0.0");
+    Pair(20, "0.0");
+    Pair(30, "0.0");
+    Pair(70, "1");
+    for (QPointF p : points) {
+        Head("VERTEX");
+        Point(10, p);
+    }
+    Head("SEQEND");
+}
+
+void TDxfWriter::Polyline(std::span<const TMyPoint> points)
+{
+    std::vector<QPointF> converted;
+    converted.reserve(points.size());
+    for (TMyPoint p : points)
+        converted.emplace_back(p.X, p.Y);
+    Polyline(converted);
+}
+
+void TDxfWriter::Circle(QPointF centre, double radiusPixels)
+{
+    Head("CIRCLE");
+    Point(10, centre);
+    Number(40, radiusPixels / Dxf::PixelsPerMm);
+}
+
+QByteArray TMyCAD::DxfText(bool glyphs) const
+{
+    TDxfWriter writer(height(), Zoom(), glyphs);
+    for (const std::unique_ptr<TMyShape> &shape : m_Shapes)
+        writer.WriteShape(*shape);
+    return writer.Finish();
+}
+
+namespace {
+
+bool WriteDxfFile(const QString &fileName, const QByteArray &data, QString &error)
+{
+    QSaveFile file(fileName);
+    if (!file.open(QIODevice::WriteOnly) || file.write(data) != data.size() || !file.commit()) {
+        error = QStringLiteral("%1: %2").arg(fileName, file.errorString());
+        return false;
+    }
+    error.clear();
+    return true;
+}
+
+} // namespace
+
+bool TMyCAD::SaveToDxf(const QString &fileName)
+{
+    return WriteDxfFile(fileName, DxfText(false), m_LastError);
+}
+
+bool TMyCAD::SaveToDxf1(const QString &fileName)
+{
+    return WriteDxfFile(fileName, DxfText(true), m_LastError);
+}
+
+} // namespace tessal

@@ -1,0 +1,491 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// The parsed DXF model as shapes: layers, styles, geometry and block copies.
+#include <tessal/dxf/dxfnumbers.h>
+#include <tessal/dxf/import/dxfbuild_p.h>
+#include <tessal/dxf/import/dxfcurves_p.h>
+#include <tessal/dxf/import/dxfvalues_p.h>
+#include <tessal/shapes/arc.h>
+#include <tessal/shapes/text.h>
+#include <tessal/surface/cad.h>
+
+#include <QFontMetricsF>
+
+#include <cmath>
+#include <numbers>
+
+namespace tessal::DxfImport {
+
+namespace {
+
+constexpr double Pi = std::numbers::pi;
+
+// A file colour 0x00RRGGBB as a colour value 0x00BBGGRR.
+TColor ToColor(std::uint32_t rgb)
+{
+    return TColor((rgb & 0xFF) << 16 | (rgb & 0xFF00) | (rgb >> 16 & 0xFF));
+}
+
+TMyPoint ToMy(QPointF p)
+{
+    return {float(p.x()), float(p.y())};
+}
+
+bool Finite(QPointF p)
+{
+    return std::isfinite(p.x()) && std::isfinite(p.y());
+}
+
+// Whether t keeps circles circles: its linear part is a scaled rotation or reflection.
+bool IsSimilarity(const QTransform &t)
+{
+    const double a = t.m11(), b = t.m12(), c = t.m21(), d = t.m22();
+    const double s = a * a + b * b;
+    return std::fabs(s - (c * c + d * d)) <= 1e-9 * s && std::fabs(a * c + b * d) <= 1e-9 * s;
+}
+
+} // namespace
+
+TBuilder::TBuilder(TMyCAD &cad, const TModel &model, TDxfImportReport &report,
+                   const TDxfImportOptions &options)
+    : m_Cad(cad)
+    , m_Model(model)
+    , m_Report(report)
+    , m_Options(options)
+{}
+
+void TBuilder::Build()
+{
+    MakeLayers();
+    // $INSUNITS: 1 inch, 2 foot, 4 mm, 5 cm, 6 m, 0 or absent: by $MEASUREMENT (0 imperial
+    // drawings are in inches, metric ones in millimetres).
+    static const std::map<std::int32_t, double> unitMm = {
+        {1, 25.4},  {2, 304.8},   {3, 1609344}, {4, 1},      {5, 10},    {6, 1000},
+        {7, 1e6},   {8, 2.54e-5}, {9, 0.0254},  {10, 914.4}, {11, 1e-7}, {12, 1e-6},
+        {13, 1e-3}, {14, 100},    {15, 1e4},    {16, 1e5},   {17, 1e12}};
+    double mm = m_Model.Measurement == 0 ? 25.4 : 1;
+    if (auto it = unitMm.find(m_Model.InsUnits); it != unitMm.end())
+        mm = it->second;
+    m_Report.UnitToMm = mm;
+    const double u = mm * Dxf::PixelsPerMm;
+    // File units to document pixels: the inverse of the writer's millimetres and Y flip.
+    const QTransform toPixels(u, 0, 0, -u, 0, m_Cad.height());
+    const TResolved none{0, -3};
+    for (const TEntity &e : m_Model.Entities) {
+        if (m_Full) {
+            Skip(e.Type, "the drawing reached the shape limit");
+            continue;
+        }
+        Entity(e, toPixels, none, -1, 0);
+    }
+    FitControl();
+    // Nothing is selected after an import, and the shapes are indexed and shown anew.
+    m_Cad.ClearWorkingShapes();
+    m_Cad.RequestRepaint();
+}
+
+void TBuilder::MakeLayers()
+{
+    m_Cad.DeleteAllShapes();
+    m_Cad.DeleteAllLayers();
+    m_Cad.ClearAllUndoStuff();
+    LayerId("0");
+    for (const TLayerInfo &layer : m_Model.Layers) {
+        const std::int32_t id = LayerId(layer.Name);
+        if (id >= 0 && m_Cad.GetLayerNameByID(id) == QString::fromStdString(layer.Name)) {
+            m_LayerInfo[id] = &layer;
+            if (!layer.Visible)
+                m_Cad.InVisibleLayerByID(id);
+        }
+    }
+    m_Cad.SetCurrentLayerId(LayerId("0"));
+}
+
+std::int32_t TBuilder::LayerId(const std::string &name)
+{
+    if (auto it = m_LayerIds.find(name); it != m_LayerIds.end())
+        return it->second;
+    std::int32_t id = m_Cad.NewLayer(QString::fromStdString(name), true);
+    if (id < 0) {
+        m_Report.Notes << QStringLiteral("layer \"%1\" put on layer \"0\": a drawing holds at "
+                                         "most %2 layers")
+                              .arg(QString::fromStdString(name))
+                              .arg(TMyCAD::MaxLayers);
+        id = m_LayerIds.count("0") ? m_LayerIds["0"] : m_Cad.GetMaxLayerId();
+    }
+    m_LayerIds[name] = id;
+    return id;
+}
+
+TBuilder::TResolved TBuilder::Resolve(const TStyle &style, const TResolved &block) const
+{
+    TResolved r;
+    const auto layerIt = m_LayerIds.find(style.Layer);
+    const TLayerInfo *layer = nullptr;
+    if (layerIt != m_LayerIds.end())
+        if (auto info = m_LayerInfo.find(layerIt->second); info != m_LayerInfo.end())
+            layer = info->second;
+    if (style.TrueColor >= 0)
+        r.Rgb = std::uint32_t(style.TrueColor) & 0xFFFFFF;
+    else if (style.Aci == 0)
+        r.Rgb = block.Rgb;
+    else if (style.Aci == 256 || style.Aci < 0)
+        r.Rgb = layer ? (layer->TrueColor >= 0 ? std::uint32_t(layer->TrueColor) & 0xFFFFFF
+                                               : AciToRgb(layer->Aci))
+                      : AciToRgb(7);
+    else
+        r.Rgb = AciToRgb(style.Aci);
+    // Colour 7 is white on a dark screen and black on paper; the drawing is paper.
+    if (r.Rgb == 0xFFFFFF)
+        r.Rgb = 0;
+    r.Weight = style.Weight == -2   ? block.Weight
+               : style.Weight == -1 ? (layer ? layer->Weight : -3)
+                                    : style.Weight;
+    return r;
+}
+
+TBuilder::TShapes TBuilder::Entity(const TEntity &e, const QTransform &t, const TResolved &block,
+                                   std::int32_t layer, std::int32_t depth)
+{
+    if (m_Cad.GetShapesCount() >= m_Options.MaxShapes) {
+        m_Full = true;
+        Skip(e.Type, "the drawing reached the shape limit");
+        return {};
+    }
+    // Layers used but not in the table are made on first use; inside a block copy every
+    // shape takes the INSERT's layer.
+    m_Layer = layer >= 0 ? layer : LayerId(e.Style.Layer);
+    m_Style = Resolve(e.Style, block);
+    TShapes out;
+    switch (e.Kind) {
+    case TKind::Line:
+        out.push_back(Chain(e.Points, t, false));
+        break;
+    case TKind::Point: {
+        const QPointF p = t.map(e.Points[0]);
+        out.push_back(Add("TMyLinkPoint", {ToMy(p + QPointF(-4, -4)), ToMy(p + QPointF(4, -4)),
+                                           ToMy(p + QPointF(4, 4)), ToMy(p + QPointF(-4, 4))}));
+        if (out.back())
+            out.back()->LinkPoints() = {ToMy(p)};
+        break;
+    }
+    case TKind::Circle:
+    case TKind::Arc:
+    case TKind::Ellipse:
+        out = Conic(e, t);
+        break;
+    case TKind::Polyline:
+        if (e.Points.size() < 2) {
+            Skip(e.Type, "fewer than two vertices");
+            return {};
+        }
+        out.push_back(Chain(FlattenPolyline(e.Points, e.Bulges, e.Closed), t, e.Closed));
+        break;
+    case TKind::Spline: {
+        std::vector<QPointF> bezier = SplineToBezier(e);
+        if (bezier.size() < 4) {
+            Skip(e.Type, "fewer than two points");
+            return {};
+        }
+        TMyPointArray points;
+        for (QPointF p : bezier)
+            points.push_back(ToMy(t.map(p)));
+        out.push_back(Add("TMyPolyBezier", std::move(points)));
+        break;
+    }
+    case TKind::Face:
+        if (e.Points.size() < 2) {
+            Skip(e.Type, "all corners coincide");
+            return {};
+        }
+        out.push_back(Chain(e.Points, t, e.Points.size() > 2));
+        break;
+    case TKind::Hatch: {
+        TShapes loops;
+        for (const std::vector<QPointF> &loop : e.Loops)
+            if (loop.size() >= 3)
+                loops.push_back(Chain(loop, t, true));
+        if (loops.empty()) {
+            Skip(e.Type, "no boundary with three or more points");
+            return {};
+        }
+        out = loops.size() == 1 ? loops : TShapes{Group(loops, m_Layer)};
+        break;
+    }
+    case TKind::Text:
+        out = Text(e, t);
+        break;
+    case TKind::Insert:
+        return Insert(e, t, m_Style, m_Layer, depth);
+    }
+    std::erase(out, nullptr);
+    if (out.empty()) {
+        Skip(e.Type, "invalid geometry (not finite or of zero size)");
+        return {};
+    }
+    ++m_Report.EntitiesRead;
+    return out;
+}
+
+TMyShape *TBuilder::Add(const char *className, TMyPointArray points, double angle)
+{
+    for (TMyPoint p : points)
+        if (!std::isfinite(p.X) || !std::isfinite(p.Y))
+            return nullptr;
+    std::unique_ptr<TMyShape> shape = m_Cad.CreateShapeByName(QLatin1String(className));
+    // The angle first: set on a shape with points, it would turn them.
+    shape->SetAngle(float(angle));
+    shape->Points() = std::move(points);
+    const TMyPoint centre = shape->ComputeCenterPoint(4);
+    shape->SetCenterPoint(centre);
+    const bool box = shape->GetPointsCount() == 4 && dynamic_cast<TMyRectangle *>(shape.get());
+    shape->SetTextPoint(box ? TMyPoint{centre.X, shape->GetLeftBottom().Y + 10} : centre);
+    TPen pen = shape->Pen();
+    pen.Color = ToColor(m_Style.Rgb);
+    if (m_Style.Weight > 0)
+        pen.Width = std::max(1, int(std::lround(m_Style.Weight / 100.0 * Dxf::PixelsPerMm)));
+    shape->SetPen(pen);
+    const std::int32_t id = m_Cad.ShapeIdCounter();
+    shape->SetShapeNo(m_Cad.GetShapesCount());
+    shape->SetShapeId(id);
+    shape->SetName(QStringLiteral("Shape") + QString::number(id));
+    shape->SetLayerId(m_Layer);
+    TMyShape *added = shape.get();
+    if (!m_Cad.AddShape(added, true, false))
+        return nullptr;
+    shape.release();
+    ++m_Report.ShapesCreated;
+    return added;
+}
+
+// Two points make a line; more an open polyline or, closed, a polygon.
+TMyShape *TBuilder::Chain(const std::vector<QPointF> &points, const QTransform &t, bool closed)
+{
+    TMyPointArray pts;
+    pts.reserve(points.size() + 1);
+    for (QPointF p : points)
+        pts.push_back(ToMy(t.map(p)));
+    if (pts.size() == 2 && !closed)
+        return Add("TMyLine", std::move(pts));
+    if (closed && pts.size() >= 3) {
+        if (pts.back() != pts.front())
+            pts.push_back(pts.front());
+        return Add("TMyPolygon", std::move(pts));
+    }
+    return Add("TMyPolyLine", std::move(pts));
+}
+
+// Circles, arcs and ellipses. Under a transform that keeps circles, arcs stay arcs through
+// three points; full curves become ellipse shapes with the axes of the transformed curve;
+// partial ellipses (and arcs distorted by unequal block scales) become polylines.
+TBuilder::TShapes TBuilder::Conic(const TEntity &e, const QTransform &t)
+{
+    const double d = Pi / 180;
+    QPointF major = e.Kind == TKind::Ellipse ? e.Major : QPointF(e.Radius, 0);
+    const double ratio = e.Kind == TKind::Ellipse ? e.Ratio : 1;
+    double t0 = e.Kind == TKind::Arc ? e.Start * d : e.Start;
+    double t1 = e.Kind == TKind::Arc ? e.End * d : e.End;
+    if (e.Kind == TKind::Circle) {
+        t0 = 0;
+        t1 = 2 * Pi;
+    }
+    if (!(std::hypot(major.x(), major.y()) > 0) || !(ratio > 0) || !std::isfinite(t0 + t1))
+        return {};
+    while (t1 <= t0)
+        t1 += 2 * Pi;
+    const bool full = e.Kind == TKind::Circle || t1 - t0 >= 2 * Pi - 1e-9;
+    // The transformed curve is centre + u cos s + v sin s.
+    const QPointF minor(-major.y() * ratio, major.x() * ratio);
+    const QPointF c = t.map(e.Centre);
+    const QPointF u = t.map(e.Centre + major) - c, v = t.map(e.Centre + minor) - c;
+    if (!full) {
+        if (e.Kind == TKind::Arc && IsSimilarity(t)) {
+            const double tm = (t0 + t1) / 2;
+            auto at = [&](double s) { return ToMy(c + u * std::cos(s) + v * std::sin(s)); };
+            TMyShape *arc = Add("TMyElliArc", {at(t0), at(tm), at(t1)});
+            if (arc)
+                static_cast<TMyElliArc *>(arc)->SetArcMode(TArcMode::amCircle);
+            return {arc};
+        }
+        return {Chain(EllipsePoints(e.Centre, major, ratio, t0, t1), t, false)};
+    }
+    // The axes of the transformed ellipse: where |u cos s + v sin s| is greatest.
+    const double uu = QPointF::dotProduct(u, u), vv = QPointF::dotProduct(v, v),
+                 uv = QPointF::dotProduct(u, v);
+    const double s = 0.5 * std::atan2(2 * uv, uu - vv);
+    const QPointF a = u * std::cos(s) + v * std::sin(s);
+    const QPointF b = -u * std::sin(s) + v * std::cos(s);
+    const double ra = std::hypot(a.x(), a.y()), rb = std::hypot(b.x(), b.y());
+    if (!(ra > 0) || !(rb > 0) || !Finite(c))
+        return {};
+    const double angle = std::atan2(a.y(), a.x());
+    const QPointF ex = a / ra, ey(-ex.y(), ex.x());
+    auto corner = [&](double x, double y) { return ToMy(c + ex * x + ey * y); };
+    return {Add("TMyEllipse", {corner(-ra, -rb), corner(ra, -rb), corner(ra, rb), corner(-ra, rb)},
+                angle)};
+}
+
+// A text shape whose first line starts where the file's text does: the box is sized for
+// the lines in the font, placed by the alignment around the insertion point, and turned
+// with the text.
+TBuilder::TShapes TBuilder::Text(const TEntity &e, const QTransform &t)
+{
+    const QPointF at = t.map(e.Points[0]);
+    const double a = e.Angle * Pi / 180;
+    const QPointF dir = t.map(e.Points[0] + QPointF(std::cos(a), std::sin(a))) - at;
+    const QPointF up = t.map(e.Points[0] + QPointF(-std::sin(a), std::cos(a)) * e.Height) - at;
+    const double height = std::hypot(up.x(), up.y());
+    if (!(height >= 0.5) || !Finite(at) || !std::isfinite(height) || height > 1e5)
+        return {};
+    const double angle = std::atan2(dir.y(), dir.x());
+    TFont font = m_Cad.Font();
+    font.SetSize(std::int32_t(std::lround(height)));
+    font.Color = ToColor(m_Style.Rgb);
+    const QFontMetricsF &metrics = Metrics(font.Name, std::max(1, font.Size()));
+    const QStringList lines = e.Text.split(QLatin1Char('\n'));
+    double width = 0;
+    for (const QString &line : lines)
+        width = std::max(width, metrics.horizontalAdvance(line));
+    const double margin = 2, lineHeight = metrics.height();
+    const double w = width + 2 * margin + 1, h = lineHeight * lines.size() + 2 * margin;
+    // The box in the text's upright frame, x along the text, y down, from the insertion.
+    const double left = e.HAlign == 0 ? -margin : e.HAlign == 1 ? -w / 2 : -w + margin;
+    const double top = e.VAlign == 3   ? -margin
+                       : e.VAlign == 2 ? -h / 2
+                       : e.VAlign == 1 ? -h + margin
+                                       : -margin - metrics.ascent();
+    const QPointF ex(std::cos(angle), std::sin(angle)), ey(-ex.y(), ex.x());
+    auto corner = [&](double x, double y) { return ToMy(at + ex * x + ey * y); };
+    TMyShape *shape = Add("TMyText",
+                          {corner(left, top), corner(left + w, top), corner(left + w, top + h),
+                           corner(left, top + h)},
+                          angle);
+    if (!shape)
+        return {};
+    auto *text = static_cast<TMyText *>(shape);
+    text->SetFont(font);
+    text->SetLines(lines);
+    text->SetHAlignment(e.HAlign == 0   ? TAlignment::taLeftJustify
+                        : e.HAlign == 1 ? TAlignment::taCenter
+                                        : TAlignment::taRightJustify);
+    return {shape};
+}
+
+const QFontMetricsF &TBuilder::Metrics(const QString &family, std::int32_t pixelSize)
+{
+    const auto key = std::make_pair(family, pixelSize);
+    auto it = m_Metrics.find(key);
+    if (it == m_Metrics.end()) {
+        QFont font(family);
+        font.setPixelSize(pixelSize);
+        it = m_Metrics.emplace(key, QFontMetricsF(font)).first;
+    }
+    return it->second;
+}
+
+TBuilder::TShapes TBuilder::Insert(const TEntity &e, const QTransform &t, const TResolved &style,
+                                   std::int32_t layer, std::int32_t depth)
+{
+    const auto blockIt = m_Model.Blocks.find(e.Block);
+    if (blockIt == m_Model.Blocks.end()) {
+        Skip(e.Type, "the block it names is not defined");
+        return {};
+    }
+    if (depth >= m_Options.MaxBlockDepth) {
+        Skip(e.Type, "blocks nested too deeply (or inserting themselves)");
+        return {};
+    }
+    const TBlock &block = blockIt->second;
+    const double a = e.Angle * Pi / 180;
+    const QPointF ip = e.Points[0];
+    TShapes cells;
+    for (std::int32_t row = 0; row < e.Rows && !m_Full; ++row)
+        for (std::int32_t col = 0; col < e.Cols && !m_Full; ++col) {
+            // Array cells are spaced along the insert's turned axes, unscaled.
+            const QPointF off(col * e.Spacing.x(), row * e.Spacing.y());
+            const QPointF place = ip + QPointF(off.x() * std::cos(a) - off.y() * std::sin(a),
+                                               off.x() * std::sin(a) + off.y() * std::cos(a));
+            QTransform local;
+            local.translate(place.x(), place.y());
+            local.rotateRadians(a);
+            local.scale(e.Scale.x(), e.Scale.y());
+            local.translate(-block.Base.x(), -block.Base.y());
+            const QTransform full = local * t;
+            TShapes members;
+            for (const TEntity &inner : block.Entities) {
+                const TShapes made = Entity(inner, full, style, layer, depth + 1);
+                members.insert(members.end(), made.begin(), made.end());
+            }
+            if (members.empty())
+                break; // an empty block stays empty in every cell
+            m_Layer = layer;
+            cells.push_back(Group(members, layer));
+        }
+    std::erase(cells, nullptr);
+    if (cells.empty()) {
+        Skip(e.Type, "its block has nothing that could be imported");
+        return {};
+    }
+    ++m_Report.EntitiesRead;
+    if (cells.size() == 1)
+        return cells;
+    return {Group(cells, layer)};
+}
+
+// A group of the shapes, all on one layer as groups require.
+TMyShape *TBuilder::Group(const TShapes &members, std::int32_t layer)
+{
+    for (TMyShape *shape : members)
+        shape->SetLayerId(layer);
+    const std::int32_t id = m_Cad.GroupShapes(members, false);
+    if (id < 0)
+        return nullptr;
+    ++m_Report.ShapesCreated;
+    return m_Cad.GetShapeByNo(m_Cad.GetShapesCount() - 1);
+}
+
+void TBuilder::Skip(const std::string &type, const char *reason)
+{
+    ++m_Report.Skipped[QString::fromStdString(type) + QStringLiteral(": ") +
+                       QString::fromLatin1(reason)];
+}
+
+// Moves a drawing that starts left of or above the control into view, and grows the
+// control to hold it.
+void TBuilder::FitControl()
+{
+    const std::int32_t count = m_Cad.GetShapesCount();
+    if (count == 0)
+        return;
+    float left = 0, top = 0, right = 0, bottom = 0;
+    bool first = true;
+    for (std::int32_t i = 0; i < count; ++i)
+        for (TMyPoint p : m_Cad.GetShapeByNo(i)->Points()) {
+            left = first ? p.X : std::min(left, p.X);
+            top = first ? p.Y : std::min(top, p.Y);
+            right = first ? p.X : std::max(right, p.X);
+            bottom = first ? p.Y : std::max(bottom, p.Y);
+            first = false;
+        }
+    const float dx = left < 0 ? -left + 10 : 0, dy = top < 0 ? -top + 10 : 0;
+    if (dx != 0 || dy != 0) {
+        for (std::int32_t i = 0; i < count; ++i) {
+            TMyShape *shape = m_Cad.GetShapeByNo(i);
+            for (TMyPointArray *points : {&shape->Points(), &shape->LinkPoints()})
+                for (TMyPoint &p : *points)
+                    p = {p.X + dx, p.Y + dy};
+            const TMyPoint c = shape->GetCenterPoint(), tp = shape->TextPoint();
+            shape->SetCenterPoint({c.X + dx, c.Y + dy});
+            shape->SetTextPoint({tp.X + dx, tp.Y + dy});
+        }
+        m_Report.Notes << QStringLiteral("the drawing was moved by (%1, %2) pixels to lie "
+                                         "within the control")
+                              .arg(double(dx))
+                              .arg(double(dy));
+    }
+    const double w = std::min(double(right + dx) + 10, 1e6),
+                 h = std::min(double(bottom + dy) + 10, 1e6);
+    if (w > m_Cad.width() || h > m_Cad.height())
+        m_Cad.resize(std::max(m_Cad.width(), int(w)), std::max(m_Cad.height(), int(h)));
+}
+
+} // namespace tessal::DxfImport

@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// Turns the parsed DXF model into shapes of a drawing.
+#pragma once
+
+#include <tessal/dxf/import/dxfimport.h>
+#include <tessal/dxf/import/dxfmodel_p.h>
+#include <tessal/geometry/mypoint.h>
+
+#include <QFontMetricsF>
+#include <QTransform>
+
+#include <map>
+#include <vector>
+
+namespace tessal {
+class TMyShape;
+}
+
+namespace tessal::DxfImport {
+
+class TBuilder
+{
+public:
+    TBuilder(TMyCAD &cad, const TModel &model, TDxfImportReport &report,
+             const TDxfImportOptions &options);
+    void Build();
+
+private:
+    // The colour and weight an entity draws with, "by block" resolved by the INSERT above.
+    struct TResolved
+    {
+        std::uint32_t Rgb = 0;
+        std::int32_t Weight = -3;
+    };
+    using TShapes = std::vector<TMyShape *>;
+
+    void MakeLayers();
+    std::int32_t LayerId(const std::string &name);
+    TResolved Resolve(const TStyle &style, const TResolved &block) const;
+    // The shapes of one entity under transform (file units to document pixels); inside a
+    // block copy every shape goes onto layer (>= 0).
+    TShapes Entity(const TEntity &e, const QTransform &t, const TResolved &block,
+                   std::int32_t layer, std::int32_t depth);
+    TShapes Insert(const TEntity &e, const QTransform &t, const TResolved &style,
+                   std::int32_t layer, std::int32_t depth);
+    TShapes Conic(const TEntity &e, const QTransform &t);
+    TShapes Text(const TEntity &e, const QTransform &t);
+    TMyShape *Add(const char *className, TMyPointArray points, double angle = 0);
+    TMyShape *Chain(const std::vector<QPointF> &points, const QTransform &t, bool closed);
+    TMyShape *Group(const TShapes &members, std::int32_t layer);
+    void Skip(const std::string &type, const char *reason);
+    void FitControl();
+    // Metrics of the font at a pixel size, made once per size: a drawing has many texts
+    // but few sizes.
+    const QFontMetricsF &Metrics(const QString &family, std::int32_t pixelSize);
+
+    TMyCAD &m_Cad;
+    const TModel &m_Model;
+    TDxfImportReport &m_Report;
+    const TDxfImportOptions &m_Options;
+    std::map<std::string, std::int32_t> m_LayerIds;
+    std::map<std::int32_t, const TLayerInfo *> m_LayerInfo;
+    // Set per entity before its shapes are added.
+    TResolved m_Style;
+    std::int32_t m_Layer = -1;
+    bool m_Full = false;
+    std::map<std::pair<QString, std::int32_t>, QFontMetricsF> m_Metrics;
+};
+
+} // namespace tessal::DxfImport

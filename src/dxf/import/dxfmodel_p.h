@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// What the DXF parser collects before any shape is made: entities in file units.
+#pragma once
+
+#include <QByteArray>
+#include <QPointF>
+#include <QString>
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace tessal::DxfImport {
+
+// Colour and line weight as the file gives them: Aci 256 is "by layer", 0 "by block";
+// TrueColor is 0x00RRGGBB or -1; Weight is in 1/100 mm, negative for by layer/block/default.
+struct TStyle
+{
+    std::string Layer = "0";
+    std::int32_t Aci = 256;
+    std::int32_t TrueColor = -1;
+    std::int32_t Weight = -1;
+};
+
+enum class TKind : std::uint8_t {
+    Line,     // Points[0..1]
+    Point,    // Points[0]
+    Circle,   // Centre, Radius
+    Arc,      // Centre, Radius, Start/End in degrees, anticlockwise
+    Ellipse,  // Centre, Major (end of the major axis from the centre), Ratio, Start/End
+              // parameters in radians
+    Polyline, // Points with Bulges, Closed
+    Spline,   // Points (control or fit points), Weights, Knots, Degree, Closed, FitOnly
+    Face,     // Points: the corners of SOLID, TRACE or 3DFACE in outline order
+    Text,     // Points[0] insertion, Height, Angle (degrees), Text, HAlign, VAlign
+    Insert,   // Block, Points[0], Scale, Angle, Cols/Rows, Spacing
+    Hatch,    // Loops
+};
+
+struct TEntity
+{
+    TKind Kind = TKind::Line;
+    std::string Type; // the DXF entity name, for the report
+    TStyle Style;
+    std::vector<QPointF> Points;
+    std::vector<double> Bulges;
+    std::vector<double> Weights;
+    std::vector<double> Knots;
+    std::vector<std::vector<QPointF>> Loops;
+    bool Closed = false;
+    bool FitOnly = false;
+    std::int32_t Degree = 3;
+    QPointF Centre;
+    QPointF Major;
+    double Radius = 0, Ratio = 1, Start = 0, End = 0;
+    double Height = 0, Angle = 0;
+    QString Text;
+    std::int32_t HAlign = 0; // 0 left, 1 centre, 2 right
+    std::int32_t VAlign = 0; // 0 baseline, 1 bottom, 2 middle, 3 top
+    std::string Block;
+    QPointF Scale{1, 1};
+    std::int32_t Cols = 1, Rows = 1;
+    QPointF Spacing;
+};
+
+struct TLayerInfo
+{
+    std::string Name;
+    bool Visible = true;
+    std::int32_t Aci = 7;
+    std::int32_t TrueColor = -1;
+    std::int32_t Weight = -1;
+};
+
+struct TBlock
+{
+    QPointF Base;
+    std::vector<TEntity> Entities;
+};
+
+struct TModel
+{
+    std::vector<TLayerInfo> Layers;
+    std::map<std::string, TBlock> Blocks;
+    std::vector<TEntity> Entities;
+    std::int32_t InsUnits = -1;
+    std::int32_t Measurement = -1;
+    std::map<std::string, std::int64_t> Skipped; // "TYPE: reason" -> count
+};
+
+// The file's bytes parsed into model; false with error when the data is no ASCII DXF or
+// the parser gave up (the model then holds what came before).
+bool ParseDxf(const QByteArray &data, TModel &model, QString &error,
+              const std::function<void(std::int64_t, std::int64_t)> &progress);
+
+} // namespace tessal::DxfImport

@@ -1,0 +1,406 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// The DXF file parsed by dxflib into the import model.
+#include <tessal/dxf/import/dxfcurves_p.h>
+#include <tessal/dxf/import/dxfmodel_p.h>
+#include <tessal/dxf/import/dxfprescan_p.h>
+#include <tessal/dxf/import/dxfvalues_p.h>
+
+#include <dl_creationadapter.h>
+#include <dl_dxf.h>
+
+#include <QByteArray>
+#include <QList>
+
+#include <cmath>
+#include <istream>
+#include <new>
+#include <streambuf>
+
+namespace tessal::DxfImport {
+
+namespace {
+
+// Hands the bytes to the parser a slice at a time, reporting how far it got.
+class TProgressBuffer : public std::streambuf
+{
+public:
+    TProgressBuffer(const QByteArray &data,
+                    const std::function<void(std::int64_t, std::int64_t)> &progress)
+        : m_Data(data)
+        , m_Progress(progress)
+    {}
+
+protected:
+    int_type underflow() override
+    {
+        if (m_Offset >= m_Data.size())
+            return traits_type::eof();
+        const qsizetype n = std::min<qsizetype>(Slice, m_Data.size() - m_Offset);
+        char *begin = const_cast<char *>(m_Data.constData()) + m_Offset;
+        setg(begin, begin, begin + n);
+        m_Offset += n;
+        if (m_Progress)
+            m_Progress(m_Offset, m_Data.size());
+        return traits_type::to_int_type(*begin);
+    }
+
+private:
+    static constexpr qsizetype Slice = 1 << 20;
+    const QByteArray &m_Data;
+    const std::function<void(std::int64_t, std::int64_t)> &m_Progress;
+    qsizetype m_Offset = 0;
+};
+
+// Receives dxflib's callbacks. Entities made of several callbacks (polylines and their
+// vertices, splines and their points, hatches and their loops) stay pending until the next
+// entity starts or their sequence ends.
+class TCollector : public DL_CreationAdapter
+{
+public:
+    explicit TCollector(TModel &model)
+        : m_Model(model)
+    {}
+
+    void Finish() { Flush(); }
+
+    void setVariableInt(const std::string &key, int value, int) override
+    {
+        if (key == "$INSUNITS")
+            m_Model.InsUnits = value;
+        else if (key == "$MEASUREMENT")
+            m_Model.Measurement = value;
+    }
+
+    void addLayer(const DL_LayerData &data) override
+    {
+        const DL_Attributes a = getAttributes();
+        TLayerInfo layer;
+        layer.Name = data.name;
+        // A negative colour number or the off flag switches a layer off; frozen hides it too.
+        layer.Visible = !data.off && a.getColor() >= 0 && !(data.flags & 1);
+        layer.Aci = std::abs(a.getColor());
+        layer.TrueColor = a.getColor24();
+        layer.Weight = a.getWidth();
+        m_Model.Layers.push_back(layer);
+    }
+
+    void addBlock(const DL_BlockData &data) override
+    {
+        Flush();
+        TBlock &block = m_Model.Blocks[data.name];
+        block.Base = {data.bpx, data.bpy};
+        block.Entities.clear();
+        m_Target = &block.Entities;
+    }
+
+    void endBlock() override
+    {
+        Flush();
+        m_Target = &m_Model.Entities;
+    }
+
+    // dxflib calls endSection at every group 0, so it ends nothing here.
+    void endSequence() override { Flush(); }
+
+    void addPoint(const DL_PointData &d) override { Add(TKind::Point, "POINT", {{d.x, d.y}}); }
+    void addLine(const DL_LineData &d) override
+    {
+        Add(TKind::Line, "LINE", {{d.x1, d.y1}, {d.x2, d.y2}});
+    }
+    void addArc(const DL_ArcData &d) override
+    {
+        TEntity &e = Add(TKind::Arc, "ARC", {});
+        e.Centre = {d.cx, d.cy};
+        e.Radius = d.radius;
+        e.Start = d.angle1;
+        e.End = d.angle2;
+    }
+    void addCircle(const DL_CircleData &d) override
+    {
+        TEntity &e = Add(TKind::Circle, "CIRCLE", {});
+        e.Centre = {d.cx, d.cy};
+        e.Radius = d.radius;
+    }
+    void addEllipse(const DL_EllipseData &d) override
+    {
+        TEntity &e = Add(TKind::Ellipse, "ELLIPSE", {});
+        e.Centre = {d.cx, d.cy};
+        e.Major = {d.mx, d.my};
+        e.Ratio = d.ratio;
+        e.Start = d.angle1;
+        e.End = d.angle2;
+    }
+    void addPolyline(const DL_PolylineData &d) override
+    {
+        // 8: 3D polyline, 16: polygon mesh, 64: polyface mesh. A 3D polyline is drawn by
+        // its X and Y; meshes are not drawings of lines.
+        if (d.flags & (16 | 64)) {
+            Flush();
+            Skip("POLYLINE", "polygon and polyface meshes are not imported");
+            m_SkipVertices = true;
+            return;
+        }
+        TEntity &e = Add(TKind::Polyline, "POLYLINE", {});
+        e.Closed = d.flags & 1;
+        m_Pending = true;
+    }
+    void addVertex(const DL_VertexData &d) override
+    {
+        if (m_SkipVertices)
+            return;
+        if (!m_Pending || m_Target->empty() || m_Target->back().Kind != TKind::Polyline)
+            return;
+        m_Target->back().Points.push_back({d.x, d.y});
+        m_Target->back().Bulges.push_back(d.bulge);
+    }
+    void addSpline(const DL_SplineData &d) override
+    {
+        TEntity &e = Add(TKind::Spline, "SPLINE", {});
+        e.Degree = std::int32_t(std::min(d.degree, 32u));
+        e.Closed = d.flags & 1;
+        m_Pending = true;
+    }
+    void addControlPoint(const DL_ControlPointData &d) override
+    {
+        if (TEntity *e = PendingOf(TKind::Spline)) {
+            e->Points.push_back({d.x, d.y});
+            e->Weights.push_back(d.w);
+        }
+    }
+    void addFitPoint(const DL_FitPointData &d) override
+    {
+        if (PendingOf(TKind::Spline))
+            m_FitPoints.push_back({d.x, d.y});
+    }
+    void addKnot(const DL_KnotData &d) override
+    {
+        if (TEntity *e = PendingOf(TKind::Spline))
+            e->Knots.push_back(d.k);
+    }
+    void addInsert(const DL_InsertData &d) override
+    {
+        TEntity &e = Add(TKind::Insert, "INSERT", {{d.ipx, d.ipy}});
+        e.Block = d.name;
+        e.Scale = {d.sx, d.sy};
+        e.Angle = d.angle;
+        e.Cols = std::max(d.cols, 1);
+        e.Rows = std::max(d.rows, 1);
+        e.Spacing = {d.colSp, d.rowSp};
+    }
+    void addSolid(const DL_SolidData &d) override { Face("SOLID", d, true); }
+    void addTrace(const DL_TraceData &d) override { Face("TRACE", d, true); }
+    void add3dFace(const DL_3dFaceData &d) override { Face("3DFACE", d, false); }
+    void addText(const DL_TextData &d) override
+    {
+        // Aligned (3), middle (4) and fit (5) texts are placed by their second point like
+        // centred ones.
+        const bool justified = d.hJustification != 0 || d.vJustification != 0;
+        TEntity &e =
+            Add(TKind::Text, "TEXT", {justified ? QPointF(d.apx, d.apy) : QPointF(d.ipx, d.ipy)});
+        e.Height = d.height;
+        e.Angle = d.angle;
+        e.Text = DecodeText(d.text, true);
+        e.HAlign = d.hJustification == 2 ? 2 : (d.hJustification == 0 ? 0 : 1);
+        e.VAlign = d.hJustification == 4 ? 2 : std::clamp(d.vJustification, 0, 3);
+    }
+    void addMTextChunk(const std::string &text) override { m_MTextChunks += text; }
+    void addMText(const DL_MTextData &d) override
+    {
+        TEntity &e = Add(TKind::Text, "MTEXT", {{d.ipx, d.ipy}});
+        e.Height = d.height;
+        // The direction vector wins over the angle when it is given.
+        e.Angle = (d.dirx != 0 || d.diry != 0) ? std::atan2(d.diry, d.dirx) * 180 / M_PI
+                                               : d.angle * 180 / M_PI;
+        e.Text = PlainMText(DecodeText(m_MTextChunks + d.text, false));
+        m_MTextChunks.clear();
+        // Attachment 1..9: top/middle/bottom rows of left/centre/right.
+        const int attach = std::clamp(d.attachmentPoint, 1, 9) - 1;
+        e.HAlign = attach % 3;
+        e.VAlign = 3 - attach / 3; // 3 top, 2 middle, 1 bottom
+    }
+    void addHatch(const DL_HatchData &) override
+    {
+        Add(TKind::Hatch, "HATCH", {});
+        m_Pending = true;
+    }
+    void addHatchLoop(const DL_HatchLoopData &) override
+    {
+        if (TEntity *e = PendingOf(TKind::Hatch))
+            e->Loops.emplace_back();
+    }
+    void addHatchEdge(const DL_HatchEdgeData &d) override
+    {
+        TEntity *e = PendingOf(TKind::Hatch);
+        if (!e || e->Loops.empty())
+            return;
+        AppendHatchEdge(d, e->Loops.back());
+    }
+
+    // Entities that do not become shapes.
+    void addXLine(const DL_XLineData &) override
+    {
+        Skip("XLINE", "infinite lines are not imported");
+    }
+    void addRay(const DL_RayData &) override { Skip("RAY", "infinite lines are not imported"); }
+    void addImage(const DL_ImageData &) override
+    {
+        Skip("IMAGE", "raster images are not imported");
+    }
+    void addAttribute(const DL_AttributeData &) override
+    {
+        Skip("ATTRIB", "block attributes are not imported");
+    }
+    void addLeader(const DL_LeaderData &) override { Skip("LEADER", "leaders are not imported"); }
+    void addArcAlignedText(const DL_ArcAlignedTextData &) override
+    {
+        Skip("ARCALIGNEDTEXT", "text along arcs is not imported");
+    }
+    void addDimAlign(const DL_DimensionData &, const DL_DimAlignedData &) override { Dim(); }
+    void addDimLinear(const DL_DimensionData &, const DL_DimLinearData &) override { Dim(); }
+    void addDimRadial(const DL_DimensionData &, const DL_DimRadialData &) override { Dim(); }
+    void addDimDiametric(const DL_DimensionData &, const DL_DimDiametricData &) override { Dim(); }
+    void addDimAngular(const DL_DimensionData &, const DL_DimAngular2LData &) override { Dim(); }
+    void addDimAngular3P(const DL_DimensionData &, const DL_DimAngular3PData &) override { Dim(); }
+    void addDimOrdinate(const DL_DimensionData &, const DL_DimOrdinateData &) override { Dim(); }
+
+private:
+    TEntity &Add(TKind kind, const char *type, std::vector<QPointF> points)
+    {
+        Flush();
+        TEntity e;
+        e.Kind = kind;
+        e.Type = type;
+        const DL_Attributes a = getAttributes();
+        e.Style.Layer = a.getLayer().empty() ? std::string("0") : a.getLayer();
+        e.Style.Aci = a.getColor();
+        e.Style.TrueColor = a.getColor24();
+        e.Style.Weight = a.getWidth();
+        e.Points = std::move(points);
+        m_Target->push_back(std::move(e));
+        return m_Target->back();
+    }
+
+    template <class Data>
+    void Face(const char *type, const Data &d, bool zigzag)
+    {
+        // SOLID and TRACE list their corners in the order 1, 2, 4, 3 of the outline.
+        const int order[4] = {0, 1, zigzag ? 3 : 2, zigzag ? 2 : 3};
+        std::vector<QPointF> corners;
+        for (int i : order) {
+            const QPointF p(d.x[i], d.y[i]);
+            if (corners.empty() || corners.back() != p)
+                corners.push_back(p);
+        }
+        if (corners.size() > 1 && corners.back() == corners.front())
+            corners.pop_back();
+        Add(TKind::Face, type, std::move(corners));
+    }
+
+    TEntity *PendingOf(TKind kind)
+    {
+        if (!m_Pending || m_Target->empty() || m_Target->back().Kind != kind)
+            return nullptr;
+        return &m_Target->back();
+    }
+
+    // Ends the pending multi-part entity, checking what it collected.
+    void Flush()
+    {
+        m_SkipVertices = false;
+        if (!m_Pending)
+            return;
+        m_Pending = false;
+        TEntity &e = m_Target->back();
+        if (e.Kind == TKind::Spline && e.Points.empty()) {
+            e.Points = std::move(m_FitPoints);
+            e.FitOnly = true;
+        }
+        m_FitPoints.clear();
+    }
+
+    void Skip(const char *type, const char *reason)
+    {
+        Flush();
+        ++m_Model.Skipped[std::string(type) + ": " + reason];
+    }
+
+    void Dim() { Skip("DIMENSION", "dimensions are not imported"); }
+
+    TModel &m_Model;
+    std::vector<TEntity> *m_Target = &m_Model.Entities;
+    std::vector<QPointF> m_FitPoints;
+    std::string m_MTextChunks;
+    bool m_Pending = false;
+    bool m_SkipVertices = false;
+};
+
+// Whether the text starts like an ASCII DXF file: a group code on the first line.
+bool LooksLikeAsciiDxf(const QByteArray &data)
+{
+    qsizetype i = 0;
+    while (i < data.size() &&
+           (data[i] == ' ' || data[i] == '\t' || data[i] == '\r' || data[i] == '\n'))
+        ++i;
+    const qsizetype start = i;
+    if (i < data.size() && data[i] == '-')
+        ++i;
+    while (i < data.size() && data[i] >= '0' && data[i] <= '9')
+        ++i;
+    return i > start && i - start <= 6 &&
+           (i == data.size() || data[i] == '\r' || data[i] == '\n' || data[i] == ' ');
+}
+
+// Whether the last group is "0" "EOF": a file cut short lacks it.
+bool EndsWithEof(const QByteArray &data)
+{
+    const QList<QByteArray> tail = data.right(64).trimmed().split('\n');
+    return tail.size() >= 2 && tail.back().trimmed() == "EOF" &&
+           tail[tail.size() - 2].trimmed() == "0";
+}
+
+} // namespace
+
+bool ParseDxf(const QByteArray &data, TModel &model, QString &error,
+              const std::function<void(std::int64_t, std::int64_t)> &progress)
+{
+    if (data.startsWith("AutoCAD Binary DXF")) {
+        error = QStringLiteral("binary DXF is not supported; save the drawing as ASCII DXF");
+        return false;
+    }
+    if (!LooksLikeAsciiDxf(data)) {
+        error = QStringLiteral("not a DXF file: the first line is no group code");
+        return false;
+    }
+    std::map<std::string, std::int64_t> unknown;
+    QByteArray safe = Prescan(data, unknown);
+    // The parser hands on an entity only when the next one starts: a file cut short gets an
+    // end, so that its last complete entity is read too.
+    const bool complete = EndsWithEof(safe);
+    if (!complete)
+        safe += "\n0\nEOF\n";
+    // Entity types the parser passes to no callback are counted here, never dropped silently.
+    for (const auto &[type, count] : unknown)
+        model.Skipped[type + ": entity type not supported"] += count;
+    TCollector collector(model);
+    TProgressBuffer buffer(safe, progress);
+    std::istream stream(&buffer);
+    try {
+        DL_Dxf dxf;
+        dxf.in(stream, &collector);
+        collector.Finish();
+    } catch (const std::bad_alloc &) {
+        error = QStringLiteral("the file asks for more memory than is available");
+        return false;
+    } catch (const std::exception &e) {
+        error = QStringLiteral("the DXF parser stopped: %1").arg(QString::fromLocal8Bit(e.what()));
+        return false;
+    }
+    if (!complete) {
+        error = QStringLiteral("the file ends before its EOF marker (truncated or damaged); "
+                               "what was read before has been imported");
+        return false;
+    }
+    return true;
+}
+
+} // namespace tessal::DxfImport

@@ -1,0 +1,301 @@
+// SPDX-License-Identifier: MIT
+// The DXF writer: number text, the exact file of every exported class, glyph outlines,
+// failures, and ezdxf reading and auditing what we write.
+#include "dxftestutil.h"
+
+#include <tessal/dxf/dxfnumbers.h>
+#include <tessal/geometry/scaledtext.h>
+#include <tessal/shapes/curve.h>
+#include <tessal/shapes/text.h>
+#include <tessal/surface/cad.h>
+
+#include <QFile>
+#include <QFontMetricsF>
+#include <QJsonArray>
+#include <QLocale>
+#include <QTemporaryDir>
+
+#include <clocale>
+#include <cmath>
+#include <numbers>
+
+namespace tessal {
+namespace {
+
+using test::DxfLines;
+using test::RunPeer;
+
+TEST(DxfNumbers, ShortestGeneralFormWithDotWhateverTheLocale)
+{
+    // A locale with a decimal comma must not leak into the file.
+    const QLocale before;
+    QLocale::setDefault(QLocale(QLocale::German));
+    std::setlocale(LC_NUMERIC, "de_DE.UTF-8");
+    const std::pair<double, const char *> cases[] = {
+        {0, "0"},
+        {-0.0, "0"},
+        {100.0125, "100.0125"},
+        {-2.5, "-2.5"},
+        {1.0 / 3, "0.333333333333333"},
+        {2.0 / 3, "0.666666666666667"},
+        {0.1 + 0.2, "0.3"},
+        {123456789012345.0, "123456789012345"},
+        {1e15, "1E15"},
+        {1234567890123456789.0, "1.23456789012346E18"},
+        {0.00001, "0.00001"},
+        {0.0000123, "0.0000123"},
+        {0.0000015, "1.5E-6"},
+        {-2.5e-300, "-2.5E-300"},
+        {378 / Dxf::PixelsPerMm, "100.0125"},
+        {96 / Dxf::PixelsPerMm, "25.4"},
+    };
+    for (const auto &[value, text] : cases)
+        EXPECT_EQ(Dxf::FormatNumber(value), QByteArray(text)) << value;
+    std::setlocale(LC_NUMERIC, "C");
+    QLocale::setDefault(before);
+    // Texts go out in ASCII, everything else escaped.
+    EXPECT_EQ(Dxf::EscapeText(QStringLiteral("Gr\u00f6\u00dfe \u2300\t1")),
+              QByteArray("Gr\\U+00F6\\U+00DFe \\U+2300 1"));
+}
+
+class DxfWriter : public ::testing::Test
+{
+protected:
+    void SetUp() override { cad.resize(640, 480); }
+
+    void Add(TDrawTool tool, std::initializer_list<TMyPoint> points, const QString &text = {})
+    {
+        ASSERT_GE(cad.AddShapeByCode(tool, {}, std::span(points.begin(), points.size()), 0, text),
+                  0);
+    }
+
+    TMyCAD cad;
+};
+
+// The expected file, built from the format's rules: handles from 20, millimetres, Y up from
+// the control's bottom (480 pixels), "0.0" for Z.
+class Expected
+{
+public:
+    Expected() { Pairs({"0", "SECTION", "2", "ENTITIES"}); }
+    QStringList Finish()
+    {
+        Pairs({"0", "ENDSEC", "0", "EOF"});
+        return m_Lines;
+    }
+    void Head(const char *type) { Pairs({"0", type, "5", QString::number(m_Handle++), "8", "0"}); }
+    void Point(int code, const QString &x, const QString &y)
+    {
+        Pairs({QString::number(code), x, QString::number(code + 10), y, QString::number(code + 20),
+               "0.0"});
+    }
+    void Line(const QString &x1, const QString &y1, const QString &x2, const QString &y2)
+    {
+        Head("LINE");
+        Point(10, x1, y1);
+        Point(11, x2, y2);
+    }
+    void Polyline(const QList<std::pair<QString, QString>> &vertices)
+    {
+        Head("POLYLINE");
+        Pairs({"66", "1", "10", "0.0", "20", "0.0", "30", "0.0", "70", "1"});
+        for (const auto &[x, y] : vertices) {
+            Head("VERTEX");
+            Point(10, x, y);
+        }
+        Head("SEQEND");
+    }
+    void Pairs(const QStringList &pairs) { m_Lines << pairs; }
+
+private:
+    QStringList m_Lines;
+    int m_Handle = 20;
+};
+
+// Millimetres of a pixel value as %.15g writes them (96 / 25.4 pixels per millimetre); only
+// for values whose general form has no exponent.
+QString Mm(double pixels)
+{
+    const QString s = QString::asprintf("%.15g", pixels / 3.779527559055118);
+    EXPECT_FALSE(s.contains(QLatin1Char('e'))) << s.toStdString();
+    return s;
+}
+
+TEST_F(DxfWriter, EmptyDrawingIsTheBareSection)
+{
+    EXPECT_EQ(DxfLines(cad.DxfText(false)),
+              QStringList({"0", "SECTION", "2", "ENTITIES", "0", "ENDSEC", "0", "EOF"}));
+    EXPECT_TRUE(cad.DxfText(false).endsWith("EOF\r\n"));
+}
+
+TEST_F(DxfWriter, LineOnControlOfItsOwnLengthInHeight)
+{
+    cad.resize(640, 378);
+    Add(TDrawTool::SpLine, {{0, 0}, {378, 0}});
+    const QStringList lines = DxfLines(cad.DxfText(false));
+    const QStringList entity = lines.mid(4, 18);
+    EXPECT_EQ(entity, QStringList({"0", "LINE", "5", "20", "8", "0", "10", "0", "20", "100.0125",
+                                   "30", "0.0", "11", "100.0125", "21", "100.0125", "31", "0.0"}));
+}
+
+// Every exported class once, with shapes that are not exported in between (they take no
+// handle), compared line for line with the file derived by hand.
+TEST_F(DxfWriter, EveryExportedClassExactly)
+{
+    Add(TDrawTool::SpLine, {{48, 48}, {192, 96}});
+    Add(TDrawTool::SpFreeLine, {{0, 0}, {10, 10}, {20, 0}});
+    Add(TDrawTool::SpPolyLine, {{0, 0}, {96, 0}, {96, 96}});
+    Add(TDrawTool::SpLinkLine, {{48, 240}, {144, 240}});
+    Add(TDrawTool::SpRuleLine, {{0, 10}, {100, 10}});
+    Add(TDrawTool::SpRectangle, {{96, 288}, {192, 384}});
+    Add(TDrawTool::SpPolygon, {{240, 288}, {336, 288}, {288, 384}});
+    Add(TDrawTool::SpBLine, {{0, 0}, {50, 50}, {100, 0}});
+    Add(TDrawTool::SpElliArc, {{0, 240}, {96, 144}, {192, 240}});
+    Add(TDrawTool::SpLinkPoint, {{10, 10}, {18, 18}});
+    Add(TDrawTool::SpLineLinkLine, {{384, 48}, {480, 144}});
+    Add(TDrawTool::SpEllipse, {{384, 240}, {576, 336}});
+    Add(TDrawTool::SpPolyBezier, {{0, 432}, {48, 384}, {144, 480}, {192, 432}});
+
+    Expected e;
+    e.Line("12.7", "114.3", "50.8", "101.6");
+    e.Line("0", "127", "25.4", "127");
+    e.Line("25.4", "127", "25.4", "101.6");
+    e.Line("12.7", "63.5", "38.1", "63.5");
+    e.Polyline({{"25.4", "50.8"}, {"50.8", "50.8"}, {"50.8", "25.4"}, {"25.4", "25.4"}});
+    e.Polyline({{"63.5", "50.8"}, {"88.9", "50.8"}, {"76.2", "25.4"}, {"63.5", "50.8"}});
+    // The circle through (0, 240), (96, 144), (192, 240): centre (96, 240), radius 96,
+    // running anticlockwise (Y up) from 0 degrees over the top to 180.
+    e.Head("ARC");
+    e.Point(10, "25.4", "63.5");
+    e.Pairs({"40", "25.4", "50", "0", "51", "180"});
+    // Junction: centre of its square, radius half the side, then half of that.
+    e.Head("CIRCLE");
+    e.Point(10, "114.3", "101.6");
+    e.Pairs({"40", "12.7"});
+    e.Head("CIRCLE");
+    e.Point(10, "114.3", "101.6");
+    e.Pairs({"40", "6.35"});
+    // Ellipse: 72 vertices 5 degrees apart from the bottom of the upright ellipse.
+    QList<std::pair<QString, QString>> ellipse;
+    for (int k = 0; k < 72; ++k) {
+        const double t = k * std::numbers::pi / 36;
+        ellipse.append({Mm(480 + 96 * std::sin(t)), Mm(480 - (288 + 48 * std::cos(t)))});
+    }
+    e.Polyline(ellipse);
+    // The poly-Bezier as its flattened curve.
+    QList<std::pair<QString, QString>> curve;
+    for (TMyPoint p : FlattenPolyBezier({{0, 432}, {48, 384}, {144, 480}, {192, 432}}))
+        curve.append({Mm(p.X), Mm(480 - p.Y)});
+    EXPECT_GT(curve.size(), 4);
+    e.Polyline(curve);
+
+    const QStringList actual = DxfLines(cad.DxfText(false));
+    const QStringList expected = e.Finish();
+    ASSERT_EQ(actual.size(), expected.size());
+    for (qsizetype i = 0; i < actual.size(); ++i)
+        ASSERT_EQ(actual[i].toStdString(), expected[i].toStdString()) << "line " << i + 1;
+    // SaveToDxf1 differs only for text shapes.
+    EXPECT_EQ(cad.DxfText(true), cad.DxfText(false));
+}
+
+// A text shape: one TEXT per line at the left end of the line's baseline, the font's
+// character height, the angle anticlockwise in degrees; SaveToDxf1 writes glyph outlines.
+TEST_F(DxfWriter, TextAsTextAndAsGlyphOutlines)
+{
+    Add(TDrawTool::SpText, {{240, 96}, {480, 192}}, QStringLiteral("Hi\nthere"));
+    TFont font = cad.GetShapeByNo(0)->Font();
+    QImage image(1, 1, QImage::Format_ARGB32);
+    TCanvas canvas(&image);
+    canvas.SelectLogFont(MakeScaledLogFont(canvas, font, 1, 0));
+    const double ascent = QFontMetricsF(canvas.TextFont(), &image).ascent();
+    const double lineHeight = canvas.LineHeight();
+
+    const QStringList lines = DxfLines(cad.DxfText(false));
+    Expected e;
+    e.Head("TEXT");
+    e.Point(10, Mm(242), Mm(480 - (98 + ascent)));
+    e.Pairs({"40", Mm(font.Size()), "50", "0", "1", "Hi"});
+    e.Head("TEXT");
+    e.Point(10, Mm(242), Mm(480 - (98 + lineHeight + ascent)));
+    e.Pairs({"40", Mm(font.Size()), "50", "0", "1", "there"});
+    EXPECT_EQ(lines.join(' ').toStdString(), e.Finish().join(' ').toStdString());
+
+    // Turned by a quarter clockwise on screen: anticlockwise -90 degrees in the file.
+    cad.GetShapeByNo(0)->SetAngle(float(std::numbers::pi / 2));
+    const QStringList turned = DxfLines(cad.DxfText(false));
+    const qsizetype at = turned.indexOf(QStringLiteral("50"));
+    ASSERT_GT(at, 0);
+    EXPECT_NEAR(turned[at + 1].toDouble(), -90, 1e-5);
+
+    // Glyphs: only closed POLYLINE groups, every vertex inside the text's box.
+    cad.GetShapeByNo(0)->SetAngle(0);
+    const QStringList glyphs = DxfLines(cad.DxfText(true));
+    EXPECT_FALSE(glyphs.contains(QStringLiteral("TEXT")));
+    EXPECT_GE(glyphs.count(QStringLiteral("POLYLINE")), 7); // H, i (2), t, h, e (2), r, e
+    EXPECT_EQ(glyphs.count(QStringLiteral("POLYLINE")), glyphs.count(QStringLiteral("SEQEND")));
+    for (qsizetype i = 0; i + 1 < glyphs.size(); i += 2)
+        if (glyphs[i] == QLatin1String("10") && glyphs[i + 1] != QLatin1String("0.0")) {
+            const double x = glyphs[i + 1].toDouble() * 96 / 25.4;
+            const double y = 480 - glyphs[i + 3].toDouble() * 96 / 25.4;
+            EXPECT_TRUE(x > 240 && x < 480 && y > 96 && y < 192) << x << ", " << y;
+        }
+}
+
+TEST_F(DxfWriter, FailedSaveKeepsOldFileAndSaysWhy)
+{
+    Add(TDrawTool::SpLine, {{0, 0}, {10, 10}});
+    EXPECT_FALSE(cad.SaveToDxf(QStringLiteral("/nonexistent-folder/plan.dxf")));
+    EXPECT_TRUE(cad.LastError().contains(QStringLiteral("plan.dxf")));
+
+    QTemporaryDir dir;
+    const QString name = dir.filePath(QStringLiteral("plan.dxf"));
+    ASSERT_TRUE(cad.SaveToDxf(name));
+    EXPECT_TRUE(cad.LastError().isEmpty());
+    QFile file(name);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), cad.DxfText(false));
+    // A folder in the file's place cannot be replaced: the save fails, the folder stays.
+    const QString blocked = dir.filePath(QStringLiteral("blocked.dxf"));
+    ASSERT_TRUE(QDir().mkdir(blocked));
+    EXPECT_FALSE(cad.SaveToDxf1(blocked));
+    EXPECT_TRUE(QFileInfo(blocked).isDir());
+}
+
+// ezdxf reads what both variants write, in strict mode, and its audit finds no error; the
+// entities it sees are the ones written.
+TEST_F(DxfWriter, EzdxfReadsAndAuditsEveryFile)
+{
+    Add(TDrawTool::SpLine, {{48, 48}, {192, 96}});
+    Add(TDrawTool::SpPolyLine, {{0, 0}, {96, 0}, {96, 96}});
+    Add(TDrawTool::SpRectangle, {{96, 288}, {192, 384}});
+    Add(TDrawTool::SpPolygon, {{240, 288}, {336, 288}, {288, 384}});
+    Add(TDrawTool::SpElliArc, {{0, 240}, {96, 336}, {192, 240}});
+    Add(TDrawTool::SpLineLinkLine, {{384, 48}, {480, 144}});
+    Add(TDrawTool::SpEllipse, {{384, 240}, {576, 336}});
+    Add(TDrawTool::SpPolyBezier, {{0, 432}, {48, 384}, {144, 480}, {192, 432}});
+    Add(TDrawTool::SpText, {{240, 96}, {480, 192}}, QStringLiteral("Ab"));
+    QTemporaryDir dir;
+    for (bool glyphs : {false, true}) {
+        const QString name = dir.filePath(glyphs ? "glyphs.dxf" : "text.dxf");
+        ASSERT_TRUE(glyphs ? cad.SaveToDxf1(name) : cad.SaveToDxf(name));
+        const QJsonObject peer = RunPeer({QStringLiteral("audit"), name});
+        EXPECT_EQ(peer["errors"].toInt(-1), 0);
+        EXPECT_EQ(peer["lines"].toArray().size(), 3);
+        EXPECT_EQ(peer["circles"].toArray().size(), 2);
+        const QJsonArray arc = peer["arcs"].toArray().at(0).toArray();
+        // Below the chord on screen, so anticlockwise from 180 to 360 in the file.
+        EXPECT_NEAR(arc[0].toDouble(), 25.4, 1e-12);
+        EXPECT_NEAR(arc[2].toDouble(), 25.4, 1e-12);
+        EXPECT_NEAR(arc[3].toDouble(), 180, 1e-12);
+        EXPECT_NEAR(std::fmod(arc[4].toDouble(), 360), 0, 1e-12);
+        const QJsonArray polylines = peer["vertices"].toArray();
+        EXPECT_EQ(polylines.at(2).toArray().size(), 72);
+        EXPECT_EQ(peer["texts"].toArray().size(), glyphs ? 0 : 1);
+        if (glyphs) {
+            EXPECT_GE(polylines.size(), 4 + 3); // rectangle, polygon, ellipse, curve, glyphs
+        }
+    }
+}
+
+} // namespace
+} // namespace tessal

@@ -1,0 +1,135 @@
+# SPDX-License-Identifier: MIT
+# The independent DXF reader of the DXF tests: audits files we write and writes the files
+# our reader is checked against, with ezdxf's own evaluation of every entity.
+#   ezdxf_peer.py audit FILE          -> JSON: audit errors, entity types, LINE points
+#   ezdxf_peer.py make VERSION FILE   -> writes a sample drawing; JSON: per modelspace
+#                                        entity the flattened paths after block transforms
+import json
+import math
+import sys
+
+import ezdxf
+from ezdxf import colors, disassemble, path
+
+
+def audit(name):
+    doc = ezdxf.readfile(name)
+    auditor = doc.audit()
+    out = {"errors": len(auditor.errors), "fixes": len(auditor.fixes), "types": [],
+           "lines": [], "vertices": [], "arcs": [], "circles": [], "texts": []}
+    for e in doc.modelspace():
+        t = e.dxftype()
+        out["types"].append(t)
+        if t == "LINE":
+            out["lines"].append([e.dxf.start.x, e.dxf.start.y, e.dxf.end.x, e.dxf.end.y])
+        elif t == "POLYLINE":
+            out["vertices"].append([[v.dxf.location.x, v.dxf.location.y] for v in e.vertices])
+        elif t == "ARC":
+            out["arcs"].append([e.dxf.center.x, e.dxf.center.y, e.dxf.radius,
+                                e.dxf.start_angle, e.dxf.end_angle])
+        elif t == "CIRCLE":
+            out["circles"].append([e.dxf.center.x, e.dxf.center.y, e.dxf.radius])
+        elif t == "TEXT":
+            out["texts"].append([e.dxf.insert.x, e.dxf.insert.y, e.dxf.height,
+                                 e.dxf.rotation, e.dxf.text])
+    print(json.dumps(out))
+
+
+def sample(version, name):
+    doc = ezdxf.new(version)
+    doc.header["$INSUNITS"] = 4
+    doc.layers.add("walls", color=1)
+    doc.layers.add("hidden", color=5).off()
+    doc.layers.add("doors", true_color=ezdxf.rgb2int((10, 200, 30)))
+    msp = doc.modelspace()
+    msp.add_line((10, 10), (60, 25), dxfattribs={"layer": "walls"})
+    msp.add_point((5, 5), dxfattribs={"color": 3})
+    msp.add_circle((40, 40), 12, dxfattribs={"layer": "hidden"})
+    msp.add_arc((80, 40), 15, 30, 200, dxfattribs={"color": 5})
+    msp.add_solid([(0, 80), (20, 80), (0, 95), (20, 95)])
+    msp.add_trace([(30, 80), (50, 80), (30, 90), (50, 92)])
+    msp.add_3dface([(60, 80, 0), (75, 80, 0), (70, 95, 0)])
+    msp.add_text("Plan A", dxfattribs={"height": 5, "rotation": 30, "insert": (100, 10)})
+    if version == "R12":
+        msp.add_polyline2d([(100, 60, 0, 0, 0.5), (130, 60, 0, 0, 0), (130, 80, 0, 0, -1)],
+                           format="xyseb", close=True, dxfattribs={"layer": "doors"})
+    else:
+        msp.add_ellipse((150, 50), major_axis=(20, 10), ratio=0.5)
+        msp.add_ellipse((150, 100), major_axis=(0, 15), ratio=0.4, start_param=0.3,
+                        end_param=2.5)
+        msp.add_lwpolyline([(100, 60, 0, 0, 0.5), (130, 60, 0, 0, 0), (130, 80, 0, 0, -1)],
+                           format="xyseb", close=True, dxfattribs={"layer": "doors"})
+        msp.add_lwpolyline([(0, 120), (20, 130), (40, 120)], format="xy")
+        msp.add_open_spline([(0, 150), (20, 170), (40, 140), (60, 160), (80, 150)])
+        msp.add_open_spline([(100, 150), (120, 170), (140, 140), (160, 165)], degree=2)
+        msp.add_rational_spline([(180, 150), (200, 180), (220, 150)], weights=[1, 2, 1],
+                                degree=2)
+        msp.add_mtext("First line\\PSecond {\\H2x;line}", dxfattribs={
+            "char_height": 4, "insert": (200, 10), "rotation": 15})
+        hatch = msp.add_hatch(color=2)
+        hatch.paths.add_polyline_path([(200, 60), (240, 60), (240, 90), (200, 90)],
+                                      is_closed=True)
+        edges = hatch.paths.add_edge_path()
+        edges.add_line((250, 60), (280, 60))
+        edges.add_arc((280, 75), 15, -90, 90)
+        edges.add_line((280, 90), (250, 90))
+        edges.add_line((250, 90), (250, 60))
+    inner = doc.blocks.new("INNER", base_point=(1, 1))
+    inner.add_line((1, 1), (6, 1), dxfattribs={"color": 0})
+    inner.add_circle((4, 4), 2)
+    inner.add_arc((1, 1), 3, 0, 90)
+    outer = doc.blocks.new("OUTER")
+    outer.add_blockref("INNER", (10, 0), dxfattribs={"xscale": 2, "yscale": 1,
+                                                      "rotation": 45})
+    outer.add_lwpolyline([(0, 0), (10, 0), (10, 5)]) if version != "R12" else \
+        outer.add_polyline2d([(0, 0), (10, 0), (10, 5)])
+    msp.add_blockref("OUTER", (50, 150), dxfattribs={"rotation": 30, "xscale": 1.5,
+                                                      "yscale": 1.5, "color": 6,
+                                                      "layer": "walls"})
+    msp.add_blockref("INNER", (300, 10), dxfattribs={"xscale": -1, "yscale": 1})
+    arr = msp.add_blockref("INNER", (300, 100))
+    arr.grid(size=(2, 3), spacing=(20, 15))
+    doc.saveas(name)
+    print(json.dumps(expect(ezdxf.readfile(name))))
+
+
+def flat(e):
+    try:
+        p = path.make_path(e)
+    except TypeError:
+        return None
+    return [[v.x, v.y] for v in p.flattening(0.0005, segments=16)]
+
+
+def expect(doc):
+    out = {"layers": [], "entities": []}
+    for layer in doc.layers:
+        out["layers"].append({"name": layer.dxf.name, "on": layer.is_on(),
+                              "rgb": layer.rgb if layer.rgb else colors.aci2rgb(layer.color)})
+    for e in doc.modelspace():
+        item = {"type": e.dxftype(), "leaves": []}
+        for leaf in disassemble.recursive_decompose([e]):
+            t = leaf.dxftype()
+            entry = {"type": t}
+            if t in ("TEXT", "MTEXT"):
+                entry["insert"] = list(leaf.dxf.insert)[:2]
+                entry["text"] = leaf.plain_text() if t == "MTEXT" else leaf.dxf.text
+            elif t == "POINT":
+                entry["points"] = [list(leaf.dxf.location)[:2]]
+            elif t == "HATCH":
+                entry["loops"] = [[[v.x, v.y] for v in p.flattening(0.0005, segments=16)]
+                                  for p in path.from_hatch(leaf)]
+            else:
+                entry["points"] = flat(leaf)
+            if t != "HATCH":
+                entry["rgb"] = list(leaf.rgb) if leaf.rgb else None
+            item["leaves"].append(entry)
+        out["entities"].append(item)
+    return out
+
+
+if __name__ == "__main__":
+    if sys.argv[1] == "audit":
+        audit(sys.argv[2])
+    else:
+        sample(sys.argv[2], sys.argv[3])
