@@ -7,6 +7,8 @@
 #include <tessal/shapes/shape.h>
 #include <tessal/surface/cad.h>
 
+#include "benchtimes.h"
+
 #include <benchmark/benchmark.h>
 
 #include <QApplication>
@@ -242,51 +244,26 @@ BENCHMARK(BM_SceneDragMove)
     ->Repetitions(Repetitions)
     ->Unit(benchmark::kMicrosecond);
 
-double Median(std::vector<double> v)
+// The ratios of the CPU medians of each pair, and the growth of a press from 100k to 1M.
+void PrintRatios(const tessal::bench::TTimesReporter &times)
 {
-    std::sort(v.begin(), v.end());
-    const std::size_t n = v.size();
-    return n % 2 ? v[n / 2] : (v[n / 2 - 1] + v[n / 2]) / 2;
+    const char *pairs[][3] = {{"BM_TessalPress", "BM_ScenePress", "100000"},
+                              {"BM_TessalPress", "BM_ScenePress", "1000000"},
+                              {"BM_TessalDragMove", "BM_SceneDragMove", "1"},
+                              {"BM_TessalDragMove", "BM_SceneDragMove", "1000"}};
+    for (const auto &pair : pairs) {
+        const std::string t = std::string(pair[0]) + "/" + pair[2];
+        const std::string q = std::string(pair[1]) + "/" + pair[2];
+        if (!times.Has(t) || !times.Has(q))
+            continue;
+        std::printf("%-24s CPU medians: Tessal %.3f ms, QGraphicsView %.3f ms, ratio %.3f\n",
+                    t.c_str(), times.Cpu(t) * 1e3, times.Cpu(q) * 1e3, times.Cpu(t) / times.Cpu(q));
+    }
+    const std::string small = "BM_TessalPress/100000", big = "BM_TessalPress/1000000";
+    if (times.Has(small) && times.Has(big))
+        std::printf("press growth from 100k to 1M shapes: %.2fx\n",
+                    times.Cpu(big) / times.Cpu(small));
 }
-
-// Prints as usual, keeps the CPU time per iteration of every repetition, and prints the
-// ratios of the medians of each pair.
-class TRatioReporter : public benchmark::ConsoleReporter
-{
-public:
-    void ReportRuns(const std::vector<Run> &runs) override
-    {
-        ConsoleReporter::ReportRuns(runs);
-        for (const Run &run : runs)
-            if (run.run_type == Run::RT_Iteration && run.iterations > 0)
-                m_Cpu[run.run_name.function_name + "/" + run.run_name.args].push_back(
-                    run.cpu_accumulated_time / double(run.iterations));
-    }
-
-    void PrintRatios() const
-    {
-        const char *pairs[][3] = {{"BM_TessalPress", "BM_ScenePress", "100000"},
-                                  {"BM_TessalPress", "BM_ScenePress", "1000000"},
-                                  {"BM_TessalDragMove", "BM_SceneDragMove", "1"},
-                                  {"BM_TessalDragMove", "BM_SceneDragMove", "1000"}};
-        for (const auto &pair : pairs) {
-            const std::string t = std::string(pair[0]) + "/" + pair[2];
-            const std::string q = std::string(pair[1]) + "/" + pair[2];
-            if (!m_Cpu.contains(t) || !m_Cpu.contains(q))
-                continue;
-            const double tc = Median(m_Cpu.at(t)), qc = Median(m_Cpu.at(q));
-            std::printf("%-24s CPU medians: Tessal %.3f ms, QGraphicsView %.3f ms, ratio %.3f\n",
-                        t.c_str(), tc * 1e3, qc * 1e3, tc / qc);
-        }
-        const std::string small = "BM_TessalPress/100000", big = "BM_TessalPress/1000000";
-        if (m_Cpu.contains(small) && m_Cpu.contains(big))
-            std::printf("press growth from 100k to 1M shapes: %.2fx\n",
-                        Median(m_Cpu.at(big)) / Median(m_Cpu.at(small)));
-    }
-
-private:
-    std::map<std::string, std::vector<double>> m_Cpu;
-};
 
 } // namespace
 
@@ -296,9 +273,9 @@ int main(int argc, char **argv)
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
     benchmark::Initialize(&argc, argv);
-    TRatioReporter reporter;
+    tessal::bench::TTimesReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
-    reporter.PrintRatios();
+    PrintRatios(reporter);
     benchmark::Shutdown();
     return 0;
 }

@@ -14,6 +14,8 @@
 #include <tessal/shapes/text.h>
 #include <tessal/surface/cad.h>
 
+#include "benchtimes.h"
+
 #include <benchmark/benchmark.h>
 
 #include <QApplication>
@@ -315,50 +317,22 @@ BENCHMARK(BM_QGraphicsView)
     ->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_TessalIndexRebuild)->Arg(100000)->Unit(benchmark::kMillisecond);
 
-double Median(std::vector<double> v)
+// The ratios of the medians, wall-clock and CPU.
+void PrintRatios(const tessal::bench::TTimesReporter &times)
 {
-    std::sort(v.begin(), v.end());
-    const std::size_t n = v.size();
-    return n % 2 ? v[n / 2] : (v[n / 2 - 1] + v[n / 2]) / 2;
+    for (const char *size : {"10000", "100000"}) {
+        const std::string tessal = std::string("BM_Tessal/") + size;
+        const std::string peer = std::string("BM_QGraphicsView/") + size;
+        if (!times.Has(tessal) || !times.Has(peer))
+            continue;
+        const double tr = times.Real(tessal), pr = times.Real(peer);
+        const double tc = times.Cpu(tessal), pc = times.Cpu(peer);
+        std::printf("%7s shapes, medians of %zu: wall Tessal %.1f ms, QGraphicsView %.1f ms, "
+                    "ratio %.3f; CPU Tessal %.1f ms, QGraphicsView %.1f ms, ratio %.3f\n",
+                    size, times.Count(tessal), tr * 1e3, pr * 1e3, tr / pr, tc * 1e3, pc * 1e3,
+                    tc / pc);
+    }
 }
-
-// Prints as usual and keeps the wall-clock and CPU time per iteration of every repetition,
-// for the ratios of the medians. CPU time is the steadier figure on a shared machine.
-class TRatioReporter : public benchmark::ConsoleReporter
-{
-public:
-    void ReportRuns(const std::vector<Run> &runs) override
-    {
-        ConsoleReporter::ReportRuns(runs);
-        for (const Run &run : runs) {
-            if (run.run_type != Run::RT_Iteration || run.iterations <= 0)
-                continue;
-            const std::string key = run.run_name.function_name + "/" + run.run_name.args;
-            const double n = double(run.iterations);
-            m_Real[key].push_back(run.real_accumulated_time / n);
-            m_Cpu[key].push_back(run.cpu_accumulated_time / n);
-        }
-    }
-
-    void PrintRatios() const
-    {
-        for (const char *size : {"10000", "100000"}) {
-            const std::string tessal = std::string("BM_Tessal/") + size;
-            const std::string peer = std::string("BM_QGraphicsView/") + size;
-            if (!m_Real.contains(tessal) || !m_Real.contains(peer))
-                continue;
-            const double tr = Median(m_Real.at(tessal)), pr = Median(m_Real.at(peer));
-            const double tc = Median(m_Cpu.at(tessal)), pc = Median(m_Cpu.at(peer));
-            std::printf("%7s shapes, medians of %zu: wall Tessal %.1f ms, QGraphicsView %.1f ms, "
-                        "ratio %.3f; CPU Tessal %.1f ms, QGraphicsView %.1f ms, ratio %.3f\n",
-                        size, m_Real.at(tessal).size(), tr * 1e3, pr * 1e3, tr / pr, tc * 1e3,
-                        pc * 1e3, tc / pc);
-        }
-    }
-
-private:
-    std::map<std::string, std::vector<double>> m_Real, m_Cpu;
-};
 
 } // namespace
 
@@ -368,9 +342,9 @@ int main(int argc, char **argv)
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
     benchmark::Initialize(&argc, argv);
-    TRatioReporter reporter;
+    tessal::bench::TTimesReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
-    reporter.PrintRatios();
+    PrintRatios(reporter);
     benchmark::Shutdown();
     return 0;
 }

@@ -304,10 +304,12 @@ bool TMyCAD::AddShapeforLoadfromStream(std::int32_t index, TMyShape *shape, bool
     if (index < 0 || index > count)
         return false;
     const auto at = m_Shapes.begin() + index;
-    if (preallocated && index < count && !*at)
+    if (preallocated && index < count && !*at) {
         at->reset(shape);
-    else
+    } else {
         m_Shapes.emplace(at, shape);
+        ShapesRenumbered();
+    }
     return true;
 }
 

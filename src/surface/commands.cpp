@@ -292,6 +292,7 @@ void TMyCAD::SwapShape(TMyShape *a, TMyShape *b)
     if (na < 0 || nb < 0 || na == nb)
         return;
     std::swap(m_Shapes[std::size_t(na)], m_Shapes[std::size_t(nb)]);
+    ShapesRenumbered();
     a->SetShapeNo(nb);
     b->SetShapeNo(na);
     RenumberRelations([na, nb](std::int32_t n) { return n == na ? nb : (n == nb ? na : n); });

@@ -254,6 +254,7 @@ void TMyCAD::RemoveShapes(const std::vector<TMyShape *> &shapes)
         return n >= 0 && std::size_t(n) < newNo.size() ? newNo[std::size_t(n)] : -1;
     });
     std::erase_if(m_Shapes, [&gone](const auto &shape) { return gone.contains(shape.get()); });
+    ShapesRenumbered();
     for (std::size_t i = 0; i < m_Shapes.size(); ++i)
         m_Shapes[i]->SetShapeNo(std::int32_t(i));
 }
@@ -326,6 +327,7 @@ void TMyCAD::DeleteAllShapes()
     m_CurrentShape = nullptr;
     m_HotHighlight = {};
     m_Shapes.clear();
+    ShapesRenumbered();
     DocumentChanged();
 }
 

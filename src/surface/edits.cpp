@@ -413,6 +413,7 @@ bool TMyCAD::InsertShape(TMyShape *shape, std::int32_t no, bool noIdCount)
     if (no < count) {
         RenumberRelations([no, count](std::int32_t n) { return n >= no && n < count ? n + 1 : n; });
         std::rotate(m_Shapes.begin() + no, m_Shapes.end() - 1, m_Shapes.end());
+        ShapesRenumbered();
     }
     for (std::size_t i = std::size_t(no); i < m_Shapes.size(); ++i)
         m_Shapes[i]->SetShapeNo(std::int32_t(i));
@@ -433,6 +434,7 @@ TMyShape *TMyCAD::ReplaceShapeObject(std::int32_t no, std::unique_ptr<TMyShape> 
     const bool current = m_CurrentShape == old;
     ForgetShape(old);
     m_Shapes[std::size_t(no)] = std::move(shape);
+    ShapesRenumbered();
     now->SetShapeNo(no);
     if (place >= 0)
         m_WorkingShapes.insert(m_WorkingShapes.begin() + place, now);

@@ -236,11 +236,12 @@ void TMyCAD::EnsureIndex()
     TTextMeasure measure;
     TExtentBuilder builder(*this, measure);
     const std::int32_t count = GetShapesCount();
+    // Every change of the list other than an append marks the index stale where it is made
+    // (ShapesRenumbered), so a query does not compare the whole list with the index: only
+    // the last indexed place is checked, which catches a list cut short and refilled.
     const auto sameList = [&] {
-        for (std::int32_t no = 0; no < m_Index->Count(); ++no)
-            if (m_Index->Entry(no).Shape != m_Shapes[std::size_t(no)].get())
-                return false;
-        return true;
+        const std::int32_t last = m_Index->Count() - 1;
+        return last < 0 || m_Index->Entry(last).Shape == m_Shapes[std::size_t(last)].get();
     };
     if (!m_Index->IsStale() && m_Index->Zoom() == m_Zoom && m_Index->Count() <= count &&
         sameList()) {
