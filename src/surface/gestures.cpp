@@ -304,8 +304,15 @@ void TMouseMachine::Cancel()
     m_Child = m_ClickThrough = nullptr;
     m_DragBase = {};
     m_LiveLinksCollected = false;
+    ForgetDragLayer();
     m_Cad.ReleaseCursorClipArea();
     m_Cad.ClearAllLinkHot();
+}
+
+void TMouseMachine::ForgetDragLayer()
+{
+    m_DragLayer = QImage();
+    m_DragLayerTried = false;
 }
 
 void TMouseMachine::ToolChanged()
@@ -316,6 +323,7 @@ void TMouseMachine::ToolChanged()
     m_Child = m_ClickThrough = nullptr;
     m_DragBase = {};
     m_LiveLinksCollected = false;
+    ForgetDragLayer();
     m_Cad.ReleaseCursorClipArea();
 }
 

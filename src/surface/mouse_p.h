@@ -119,6 +119,9 @@ private:
     void MoveRubberBand(TPoint p);
     void MoveResizing(TShiftState shift, TPoint p);
     void MoveDragging(TPoint p);
+    QImage DragLayer(const std::vector<TMyShape *> &shapes);
+    static void XorLayer(TCanvas &canvas, const QImage &layer, TPoint at);
+    void ForgetDragLayer();
     void MoveTextPoint(TPoint p);
     void MoveRotating(TPoint p);
     void MoveDragWhole(TPoint p);
@@ -186,6 +189,9 @@ private:
     // so that Escape can put them back.
     TRect m_DragBase;
     std::vector<TLiveLink> m_LiveLinks;
+    QImage m_DragLayer;
+    TPoint m_DragLayerOrigin;
+    bool m_DragLayerTried = false;
     bool m_LiveLinksCollected = false;
     QImage m_ScratchImage;
     std::unique_ptr<TCanvas> m_Scratch;

@@ -116,6 +116,7 @@ void TMouseMachine::EndGesture()
 {
     m_Down = false;
     m_LiveLinksCollected = false;
+    ForgetDragLayer();
     m_DragBase = {};
     m_Cad.ReleaseCursorClipArea();
 }

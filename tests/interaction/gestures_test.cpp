@@ -3,6 +3,7 @@
 // selections and events in order, the exact geometry, and undo records per gesture.
 #include "mousehelpers.h"
 
+#include <tessal/geometry/canvasmodes.h>
 #include <tessal/shapes/polyline.h>
 #include <tessal/shapes/shape.h>
 
@@ -238,6 +239,38 @@ TEST(MouseGestures, FeedbackIsErasedExactlyWithoutRepaints)
     EXPECT_FALSE(SameOnScreen(band, bandOrigin, s.cad));
     QTest::keyClick(&s.cad, Qt::Key_Escape);
     EXPECT_TRUE(SameOnScreen(band, bandOrigin, s.cad));
+}
+
+// The drag feedback of many shapes is the picture of their outlines drawn in exclusive-or at
+// the mouse's offset, pixel for pixel, overlaps included.
+TEST(MouseGestures, DragFeedbackEqualsOutlinesDrawnInXor)
+{
+    TMouseSurface s;
+    std::vector<TMyShape *> shapes{AddRectangle(s.cad, 100, 100, 200, 160),
+                                   AddRectangle(s.cad, 150, 130, 260, 230)};
+    const std::vector<TMyPoint> ellipse{{120, 180}, {220, 260}},
+        chain{{90, 90}, {300, 120}, {140, 250}};
+    shapes.push_back(
+        s.cad.GetShapeByID(s.cad.AddShapeByCode(TDrawTool::SpEllipse, {}, ellipse, 0.3, {})));
+    shapes.push_back(
+        s.cad.GetShapeByID(s.cad.AddShapeByCode(TDrawTool::SpPolyLine, {}, chain, 0, {})));
+    s.cad.SetWorkingShapes(shapes);
+    s.cad.repaint();
+    QImage expected = s.cad.ScreenImage().copy();
+    const QPoint origin = s.cad.ScreenOrigin();
+    s.Press({130, 120});
+    s.Move({150, 110});
+    s.Move({167, 99});
+    {
+        TCanvas canvas(&expected);
+        canvas.SetOrigin(ToTPoint(origin));
+        SetDragResizeRotateShapeMode(canvas);
+        s.cad.DraggingforShapes(canvas, {130, 120}, {167, 99});
+        canvas.Flush();
+    }
+    EXPECT_TRUE(SameOnScreen(expected, origin, s.cad));
+    s.Release({167, 99});
+    EXPECT_EQ(shapes[0]->GetLeftTop(), (TMyPoint{137, 79}));
 }
 
 // With LiveConnectors the route of a connector bound to a dragged shape is part of the
