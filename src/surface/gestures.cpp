@@ -304,15 +304,15 @@ void TMouseMachine::Cancel()
     m_Child = m_ClickThrough = nullptr;
     m_DragBase = {};
     m_LiveLinksCollected = false;
-    ForgetDragLayer();
+    ForgetDragPicture();
     m_Cad.ReleaseCursorClipArea();
     m_Cad.ClearAllLinkHot();
 }
 
-void TMouseMachine::ForgetDragLayer()
+void TMouseMachine::ForgetDragPicture()
 {
-    m_DragLayer = QImage();
-    m_DragLayerTried = false;
+    m_DragPicture.reset();
+    m_DragPictureTried = false;
 }
 
 void TMouseMachine::ToolChanged()
@@ -323,7 +323,7 @@ void TMouseMachine::ToolChanged()
     m_Child = m_ClickThrough = nullptr;
     m_DragBase = {};
     m_LiveLinksCollected = false;
-    ForgetDragLayer();
+    ForgetDragPicture();
     m_Cad.ReleaseCursorClipArea();
 }
 

@@ -21,6 +21,7 @@ namespace tessal {
 class TMyCAD;
 class TMyShape;
 class TMyLinkLine;
+class TXorPicture;
 
 // Applies f to shape and, depth first, to its members; the bound stops a corrupt child list
 // that leads back to an ancestor.
@@ -119,9 +120,8 @@ private:
     void MoveRubberBand(TPoint p);
     void MoveResizing(TShiftState shift, TPoint p);
     void MoveDragging(TPoint p);
-    QImage DragLayer(const std::vector<TMyShape *> &shapes);
-    static void XorLayer(TCanvas &canvas, const QImage &layer, TPoint at);
-    void ForgetDragLayer();
+    std::shared_ptr<const TXorPicture> DragPicture(const std::vector<TMyShape *> &shapes);
+    void ForgetDragPicture();
     void MoveTextPoint(TPoint p);
     void MoveRotating(TPoint p);
     void MoveDragWhole(TPoint p);
@@ -189,9 +189,8 @@ private:
     // so that Escape can put them back.
     TRect m_DragBase;
     std::vector<TLiveLink> m_LiveLinks;
-    QImage m_DragLayer;
-    TPoint m_DragLayerOrigin;
-    bool m_DragLayerTried = false;
+    std::shared_ptr<const TXorPicture> m_DragPicture;
+    bool m_DragPictureTried = false;
     bool m_LiveLinksCollected = false;
     QImage m_ScratchImage;
     std::unique_ptr<TCanvas> m_Scratch;

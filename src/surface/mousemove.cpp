@@ -3,6 +3,7 @@
 // and the feedback of the gesture under way. Nothing here changes the document.
 #include <tessal/surface/cad.h>
 #include <tessal/surface/mouse_p.h>
+#include <tessal/surface/xorpicture_p.h>
 
 #include <tessal/geometry/canvasmodes.h>
 #include <tessal/geometry/geometry.h>
@@ -11,7 +12,6 @@
 #include <tessal/shapes/shape.h>
 
 #include <QCursor>
-#include <QPainter>
 
 #include <algorithm>
 #include <cmath>
@@ -304,14 +304,15 @@ void TMouseMachine::MoveDragging(TPoint p)
         if (!routes.empty())
             touched = TRect(0, 0, m_Cad.width(), m_Cad.height());
     }
-    const QImage layer = DragLayer(shapes);
-    const TPoint at{m_DragLayerOrigin.X + p.X - m_Start.X, m_DragLayerOrigin.Y + p.Y - m_Start.Y};
+    const std::shared_ptr<const TXorPicture> picture = DragPicture(shapes);
+    const TPoint offset{p.X - m_Start.X, p.Y - m_Start.Y};
     m_Feedback.Show(
-        [&cad, shapes = std::move(shapes), routes = std::move(routes), layer, at, from,
+        [&cad, shapes = std::move(shapes), routes = std::move(routes), picture, offset, from,
          p](TCanvas &c) {
             SetDragResizeRotateShapeMode(c);
-            if (!layer.isNull()) {
-                XorLayer(c, layer, at);
+            if (picture && c.Target()) {
+                c.Flush(); // the image is written directly
+                picture->XorInto(*c.Target(), c.Origin(), offset);
             } else {
                 for (TMyShape *shape : shapes)
                     cad.DragOutline(c, shape, from, p);
@@ -321,42 +322,32 @@ void TMouseMachine::MoveDragging(TPoint p)
         touched);
 }
 
-// The outlines of the dragged shapes drawn once, in exclusive-or on black: each pixel holds
-// what drawing the outlines xors into the screen there (overlaps cancel as they do on the
-// screen). Outlines moved by whole pixels are the same pixels moved, so a move costs one xor
-// of this picture at the offset instead of drawing every outline again. Null where the
-// picture would be huge or the screen has device pixels of another size; the outlines are
-// drawn then.
-QImage TMouseMachine::DragLayer(const std::vector<TMyShape *> &shapes)
+// The outlines of the dragged shapes drawn once, in exclusive-or on black, and kept as the
+// pixels they change: a move shows them at the new offset instead of drawing every outline
+// again. Nothing where the picture would be huge or the screen has device pixels of another
+// size; the outlines are drawn then.
+std::shared_ptr<const TXorPicture> TMouseMachine::DragPicture(const std::vector<TMyShape *> &shapes)
 {
-    if (!m_DragLayer.isNull() || m_DragLayerTried)
-        return m_DragLayer;
-    m_DragLayerTried = true;
+    if (m_DragPicture || m_DragPictureTried)
+        return m_DragPicture;
+    m_DragPictureTried = true;
     const TRect area = m_DragBase.Inflated(2, 2);
     constexpr qint64 MaxPixels = 16 * 1024 * 1024;
     if (area.IsEmpty() || qint64(area.Width()) * area.Height() > MaxPixels ||
         m_Cad.m_ScreenImage.devicePixelRatio() != 1.0)
         return {};
-    m_DragLayer = QImage(area.Width(), area.Height(), QImage::Format_RGB32);
-    m_DragLayer.fill(Qt::black);
-    m_DragLayerOrigin = {area.Left, area.Top};
-    TCanvas canvas(&m_DragLayer);
-    canvas.SetOrigin(m_DragLayerOrigin);
-    SetDragResizeRotateShapeMode(canvas);
-    for (TMyShape *shape : shapes)
-        m_Cad.DragOutline(canvas, shape, m_Start, m_Start);
-    canvas.Flush();
-    return m_DragLayer;
-}
-
-void TMouseMachine::XorLayer(TCanvas &canvas, const QImage &layer, TPoint at)
-{
-    QPainter &painter = canvas.Painter();
-    painter.save();
-    painter.resetTransform();
-    painter.setCompositionMode(QPainter::RasterOp_SourceXorDestination);
-    painter.drawImage(QPoint(at.X - canvas.Origin().X, at.Y - canvas.Origin().Y), layer);
-    painter.restore();
+    QImage picture(area.Width(), area.Height(), QImage::Format_RGB32);
+    picture.fill(Qt::black);
+    {
+        TCanvas canvas(&picture);
+        canvas.SetOrigin(area.TopLeft());
+        SetDragResizeRotateShapeMode(canvas);
+        for (TMyShape *shape : shapes)
+            m_Cad.DragOutline(canvas, shape, m_Start, m_Start);
+        canvas.Flush();
+    }
+    m_DragPicture = std::make_shared<const TXorPicture>(picture, area.TopLeft());
+    return m_DragPicture;
 }
 
 void TMouseMachine::MoveTextPoint(TPoint p)

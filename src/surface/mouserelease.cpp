@@ -116,7 +116,7 @@ void TMouseMachine::EndGesture()
 {
     m_Down = false;
     m_LiveLinksCollected = false;
-    ForgetDragLayer();
+    ForgetDragPicture();
     m_DragBase = {};
     m_Cad.ReleaseCursorClipArea();
 }
