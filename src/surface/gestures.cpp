@@ -300,12 +300,8 @@ void TMouseMachine::Cancel()
     } else if (m_Down && tool != TActionTools::dtDragWhole) {
         RestoreTool();
     }
-    m_Down = false;
     m_Child = m_ClickThrough = nullptr;
-    m_DragBase = {};
-    m_LiveLinksCollected = false;
-    ForgetDragPicture();
-    m_Cad.ReleaseCursorClipArea();
+    EndGesture();
     m_Cad.ClearAllLinkHot();
 }
 
@@ -319,12 +315,8 @@ void TMouseMachine::ToolChanged()
 {
     m_Feedback.Hide();
     m_Building.reset();
-    m_Down = false;
     m_Child = m_ClickThrough = nullptr;
-    m_DragBase = {};
-    m_LiveLinksCollected = false;
-    ForgetDragPicture();
-    m_Cad.ReleaseCursorClipArea();
+    EndGesture();
 }
 
 // Called before the shape goes: the feedback may show it and is erased while it still can
