@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# The editor under a virtual X server with real input: choose the rectangle tool from the
-# Tools menu by keyboard, drag a rectangle with the mouse, save with Ctrl+S, quit with
-# Ctrl+Q, and read the saved drawing back with tessal-cli dump.
+# The editor under a virtual X server with real input: choose the rectangle and the
+# connector tools from the Tools menu by keyboard, drag each with the mouse, save with
+# Ctrl+S, quit with Ctrl+Q, and read the saved drawing back with tessal-cli dump.
 # Usage: editor_e2e.sh EDITOR CLI WORKDIR. Exit status 77: no X server could be started.
 set -uo pipefail
 editor=$1 cli=$2 work=$3
@@ -51,26 +51,35 @@ window=$(timeout 15 xdotool search --sync --onlyvisible --name "Tessal Editor" |
 xdotool windowsize "$window" 1200 850 windowmove "$window" 0 0 windowfocus --sync "$window"
 sleep 0.5
 
-# Tools menu (Alt+T), seventh entry: Rectangle.
-xdotool key --window "$window" alt+t
-sleep 0.3
-for _ in 1 2 3 4 5 6; do xdotool key Down; done
-xdotool key Return
-sleep 0.3
+# Picks entry n (0 first) of the Tools menu (Alt+T) by keyboard.
+choose_tool() {
+    xdotool key alt+t
+    sleep 0.3
+    for ((i = 0; i < $1; i++)); do xdotool key Down; done
+    xdotool key Return
+    sleep 0.3
+}
+# A left-button drag from (x, y) by (dx, dy) in five steps.
+drag() {
+    xdotool mousemove "$1" "$2" mousedown 1
+    for step in 1 2 3 4 5; do
+        xdotool mousemove $(($1 + step * $3 / 5)) $(($2 + step * $4 / 5))
+        sleep 0.05
+    done
+    xdotool mouseup 1
+    sleep 0.3
+}
 
 # The page is larger than the view, so the middle of the window lies on the surface.
 eval "$(xdotool getwindowgeometry --shell "$window")"
 cx=$((X + WIDTH / 2 - 150)) cy=$((Y + HEIGHT / 2))
-xdotool mousemove $((cx - 100)) $((cy - 60)) mousedown 1
-for step in 1 2 3 4 5; do
-    xdotool mousemove $((cx - 100 + step * 40)) $((cy - 60 + step * 24))
-    sleep 0.05
-done
-xdotool mouseup 1
-sleep 0.3
-xdotool key --window "$window" ctrl+s
+choose_tool 6 # Rectangle
+drag $((cx - 100)) $((cy - 60)) 200 120
+choose_tool 0 # Connector
+drag $((cx + 150)) $((cy - 60)) 120 100
+xdotool key ctrl+s
 sleep 0.5
-xdotool key --window "$window" ctrl+q
+xdotool key ctrl+q
 for _ in $(seq 50); do
     kill -0 "$editor_pid" 2>/dev/null || break
     sleep 0.1
@@ -80,5 +89,8 @@ editor_pid=""
 
 [ -f "$drawing" ] || fail "nothing was saved: $(cat "$work/editor.log")"
 "$cli" dump "$drawing" >"$work/dump.json" || fail "tessal-cli dump refused the file"
-grep -q '"TMyRectangle"' "$work/dump.json" || fail "no rectangle in the saved drawing: $(head -c 2000 "$work/dump.json")"
-echo "PASS: rectangle drawn, saved with Ctrl+S and read back"
+for class in TMyRectangle TMyLinkLine; do
+    grep -q "\"$class\"" "$work/dump.json" ||
+        fail "no $class in the saved drawing: $(head -c 2000 "$work/dump.json")"
+done
+echo "PASS: rectangle and connector drawn, saved with Ctrl+S and read back"
