@@ -3,6 +3,7 @@
 #include "mainwindow.h"
 
 #include "layersdock.h"
+#include "librarydock.h"
 #include "shapecommands.h"
 #include "toolpalette.h"
 
@@ -131,9 +132,19 @@ void MainWindow::CreateDocks()
     inspector->setWidget(m_Inspector);
     addDockWidget(Qt::RightDockWidgetArea, inspector);
 
+    auto *library = new QDockWidget(tr("Library"), this);
+    library->setObjectName(QStringLiteral("libraryDock"));
+    m_Library = new TLibraryPanel(
+        m_Cad, [this] { return VisibleCentre(); }, [this] { NoteChange(); });
+    library->setWidget(m_Library);
+    addDockWidget(Qt::RightDockWidgetArea, library);
+    tabifyDockWidget(layers, library);
+    layers->raise();
+
     QMenu *view = menuBar()->findChild<QMenu *>(QStringLiteral("viewMenu"));
     view->addSeparator();
     view->addAction(layers->toggleViewAction());
+    view->addAction(library->toggleViewAction());
     view->addAction(inspector->toggleViewAction());
 }
 
@@ -301,6 +312,15 @@ void MainWindow::UpdateTitle()
     const QString name = m_FileName.isEmpty() ? tr("Untitled") : QFileInfo(m_FileName).fileName();
     setWindowTitle(tr("%1[*] - Tessal Editor").arg(name));
     setWindowModified(m_Cad->Modified());
+}
+
+QPointF MainWindow::VisibleCentre() const
+{
+    const QPoint middle =
+        m_Cad->mapFrom(m_Scroll->viewport(), m_Scroll->viewport()->rect().center());
+    const QPoint clamped(std::clamp(middle.x(), 0, m_Cad->width()),
+                         std::clamp(middle.y(), 0, m_Cad->height()));
+    return QPointF(clamped) / m_Cad->Zoom();
 }
 
 void MainWindow::ZoomBy(double factor)

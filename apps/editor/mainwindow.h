@@ -18,6 +18,7 @@ namespace tessal {
 class TBitmap;
 class TComponentInspector;
 class TLayersPanel;
+class TLibraryPanel;
 class TMyCAD;
 class TMyRulerFrame;
 class TShapeCommands;
@@ -35,6 +36,9 @@ public:
     TToolPalette *Palette() const { return m_Palette; }
     TShapeCommands *Commands() const { return m_Commands; }
     TLayersPanel *Layers() const { return m_Layers; }
+    TLibraryPanel *Library() const { return m_Library; }
+    // The document point at the middle of the visible part of the surface.
+    QPointF VisibleCentre() const;
     QScrollArea *ScrollArea() const { return m_Scroll; }
     const QString &FileName() const { return m_FileName; }
     QStringList RecentFiles() const { return m_Recent; }
@@ -102,6 +106,7 @@ private:
     TToolPalette *m_Palette = nullptr;
     TShapeCommands *m_Commands = nullptr;
     TLayersPanel *m_Layers = nullptr;
+    TLibraryPanel *m_Library = nullptr;
     TComponentInspector *m_Inspector = nullptr;
     QPrinter *m_Printer = nullptr;
     QString m_FileName;

@@ -5,6 +5,7 @@
 #include "mainwindow.h"
 
 #include "layersdock.h"
+#include "librarydock.h"
 #include "shapecommands.h"
 #include "toolpalette.h"
 
@@ -298,6 +299,50 @@ TEST_F(EditorTest, ExportsEveryFormatAndPrints)
     printer.setOutputFileName(m_Dir.filePath(QStringLiteral("print.pdf")));
     ASSERT_TRUE(m_Window->PrintOn(&printer));
     EXPECT_EQ(Head(m_Dir.filePath(QStringLiteral("print.pdf")), 5), QByteArray("%PDF-"));
+}
+
+TEST_F(EditorTest, LibraryEntriesArePreviewedAndInserted)
+{
+    TLibraryPanel *library = m_Window->Library();
+    const QString garbage = m_Dir.filePath(QStringLiteral("garbage.tsl"));
+    QFile file(garbage);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("not a library at all");
+    file.close();
+    {
+        TBoxAnswer answer(QMessageBox::Ok);
+        EXPECT_FALSE(library->OpenLibrary(garbage));
+        EXPECT_TRUE(answer.Text().contains(QStringLiteral("cannot be read")));
+    }
+    EXPECT_EQ(library->List()->count(), 0);
+    ASSERT_TRUE(
+        library->OpenLibrary(QStringLiteral(TESSAL_TEST_DATA_DIR "/libraries/two_shapes.tsl")));
+    ASSERT_EQ(library->List()->count(), 2);
+    const QIcon preview = library->List()->item(0)->icon();
+    ASSERT_FALSE(preview.isNull());
+    const QImage picture = preview.pixmap(64, 64).toImage();
+    bool drawn = false;
+    for (int y = 0; y < picture.height() && !drawn; ++y)
+        for (int x = 0; x < picture.width() && !drawn; ++x)
+            drawn = qGray(picture.pixel(x, y)) < 128;
+    EXPECT_TRUE(drawn) << "the preview shows the entry's shapes";
+
+    const std::int32_t before = m_Cad()->GetShapesCount();
+    ASSERT_EQ(library->List()->item(0)->text(), QStringLiteral("Door"));
+    ASSERT_TRUE(library->InsertEntry(QStringLiteral("Door")));
+    EXPECT_EQ(m_Cad()->GetShapesCount(), before + 2);
+    {
+        // An entry of connection points only has nothing to insert, and says so.
+        TBoxAnswer answer(QMessageBox::Ok);
+        EXPECT_FALSE(library->InsertEntry(QStringLiteral("Pin")));
+        EXPECT_TRUE(answer.Text().contains(QStringLiteral("no shapes")));
+    }
+    EXPECT_EQ(m_Window->UndoText(), QStringLiteral("&Undo Add"));
+    EXPECT_TRUE(m_Window->isWindowModified());
+    // Centred on the middle of the view.
+    const QPointF centre = m_Window->VisibleCentre();
+    const QRectF box = Box(m_Cad()->GetShapeByNo(before));
+    EXPECT_TRUE(box.adjusted(-200, -200, 200, 200).contains(centre));
 }
 
 // A picture of the window with a drawing, the palette, the docks and the rulers, for

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+// A shape library browser: opens a library file, shows a preview of each entry, and inserts
+// the clicked entry into the drawing at the middle of the visible area.
+#pragma once
+
+#include <QWidget>
+
+#include <functional>
+#include <memory>
+
+class QLabel;
+class QListWidget;
+class QListWidgetItem;
+
+namespace tessal {
+
+class TLibManager;
+class TMyCAD;
+
+class TLibraryPanel : public QWidget
+{
+    Q_OBJECT
+
+public:
+    // where answers the document point at which inserted entries are centred; changed runs
+    // after an insertion.
+    TLibraryPanel(TMyCAD *surface, std::function<QPointF()> where, std::function<void()> changed,
+                  QWidget *parent = nullptr);
+    ~TLibraryPanel() override;
+
+    // Opens a library; a damaged or foreign file leaves the shown library and says why in a
+    // message box. Answers whether it was opened.
+    bool OpenLibrary(const QString &fileName);
+    // Inserts the named entry as one undo step; false when it cannot be read.
+    bool InsertEntry(const QString &name);
+    QListWidget *List() const { return m_List; }
+
+private:
+    void AskOpen();
+    void ItemActivated(QListWidgetItem *item);
+
+    TMyCAD *m_Surface;
+    std::function<QPointF()> m_Where;
+    std::function<void()> m_Changed;
+    std::unique_ptr<TLibManager> m_Library;
+    QLabel *m_Title;
+    QListWidget *m_List;
+};
+
+} // namespace tessal
