@@ -20,6 +20,7 @@
 #include <QFile>
 #include <QListWidget>
 #include <QMessageBox>
+#include <QMimeData>
 #include <QPrinter>
 #include <QScrollArea>
 #include <QStandardPaths>
@@ -27,6 +28,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <QUrl>
 #include <QWheelEvent>
 
 #include <algorithm>
@@ -343,6 +345,44 @@ TEST_F(EditorTest, LibraryEntriesArePreviewedAndInserted)
     const QPointF centre = m_Window->VisibleCentre();
     const QRectF box = Box(m_Cad()->GetShapeByNo(before));
     EXPECT_TRUE(box.adjusted(-200, -200, 200, 200).contains(centre));
+}
+
+TEST_F(EditorTest, DroppedDrawingOpensAndTheContextMenuOffersTheCommands)
+{
+    m_Cad()->SetSnap(false);
+    DrawRectangle({40, 40}, {90, 90});
+    const QString path = m_Dir.filePath(QStringLiteral("dropped.tsd"));
+    ASSERT_TRUE(m_Window->Save(path));
+    m_Window->NewDrawing();
+
+    auto *data = new QMimeData;
+    data->setUrls({QUrl::fromLocalFile(path)});
+    const QPoint at(400, 300);
+    QDragEnterEvent enter(at, Qt::CopyAction, data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(m_Window.get(), &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent drop(at, Qt::CopyAction, data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(m_Window.get(), &drop);
+    QTRY_COMPARE(m_Window->FileName(), QFileInfo(path).absoluteFilePath());
+    EXPECT_EQ(m_Cad()->GetShapesCount(), 1);
+    delete data;
+
+    // A right click on the surface opens the shape commands.
+    QStringList offered;
+    QTimer::singleShot(50, [&offered] {
+        if (QWidget *popup = QApplication::activePopupWidget()) {
+            for (QAction *action : popup->actions())
+                if (!action->isSeparator())
+                    offered << action->text();
+            popup->close();
+        }
+    });
+    QContextMenuEvent menu(QContextMenuEvent::Mouse, QPoint(60, 60),
+                           m_Cad()->mapToGlobal(QPoint(60, 60)));
+    QApplication::sendEvent(m_Cad(), &menu);
+    EXPECT_TRUE(offered.contains(QStringLiteral("&Group")));
+    EXPECT_TRUE(offered.contains(QStringLiteral("Bring to &Front")));
+    EXPECT_TRUE(offered.contains(QStringLiteral("Cu&t")));
 }
 
 // A picture of the window with a drawing, the palette, the docks and the rulers, for
