@@ -28,7 +28,10 @@ int main(int argc, char **argv)
             window.NewDrawing(QFileInfo(args.at(1)).absoluteFilePath());
     } else {
         BuildSampleDrawing(*window.Cad());
+        // Show the sample's layers and selection; it counts as unchanged.
+        window.NoteChange();
         window.Cad()->SetModified(false);
+        window.NoteChange();
     }
     window.show();
 
