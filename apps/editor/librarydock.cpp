@@ -6,11 +6,13 @@
 #include <tessal/shapes/shape.h>
 #include <tessal/surface/cad.h>
 
+#include <QDropEvent>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QLabel>
 #include <QListWidget>
 #include <QMessageBox>
+#include <QMimeData>
 #include <QPixmap>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -19,6 +21,24 @@ namespace tessal {
 
 namespace {
 constexpr int PreviewSide = 64;
+
+// Drags carry the entry's name, so that the surface needs nothing of the list.
+class TEntryList : public QListWidget
+{
+public:
+    using QListWidget::QListWidget;
+
+protected:
+    QStringList mimeTypes() const override { return {TLibraryPanel::EntryMimeType()}; }
+    QMimeData *mimeData(const QList<QListWidgetItem *> &items) const override
+    {
+        if (items.isEmpty())
+            return nullptr;
+        auto *data = new QMimeData;
+        data->setData(TLibraryPanel::EntryMimeType(), items.front()->text().toUtf8());
+        return data;
+    }
+};
 } // namespace
 
 TLibraryPanel::TLibraryPanel(TMyCAD *surface, std::function<QPointF()> where,
@@ -28,14 +48,18 @@ TLibraryPanel::TLibraryPanel(TMyCAD *surface, std::function<QPointF()> where,
     , m_Where(std::move(where))
     , m_Changed(std::move(changed))
     , m_Title(new QLabel(tr("No library open")))
-    , m_List(new QListWidget)
+    , m_List(new TEntryList)
 {
+    m_List->setDragEnabled(true);
+    m_List->setDragDropMode(QAbstractItemView::DragOnly);
+    m_Surface->setAcceptDrops(true);
+    m_Surface->installEventFilter(this);
     m_List->setObjectName(QStringLiteral("libraryList"));
     m_List->setViewMode(QListView::IconMode);
     m_List->setIconSize(QSize(PreviewSide, PreviewSide));
     m_List->setResizeMode(QListView::Adjust);
     m_List->setMovement(QListView::Static);
-    m_List->setToolTip(tr("Click an entry to insert it into the drawing"));
+    m_List->setToolTip(tr("Click an entry to insert it, or drag it onto the drawing"));
     auto *open = new QPushButton(tr("Open Library..."));
     connect(open, &QPushButton::clicked, this, &TLibraryPanel::AskOpen);
     connect(m_List, &QListWidget::itemClicked, this, &TLibraryPanel::ItemActivated);
@@ -69,7 +93,7 @@ bool TLibraryPanel::OpenLibrary(const QString &fileName)
     return true;
 }
 
-bool TLibraryPanel::InsertEntry(const QString &name)
+bool TLibraryPanel::InsertEntry(const QString &name, std::optional<QPointF> centre)
 {
     if (!m_Library)
         return false;
@@ -92,12 +116,35 @@ bool TLibraryPanel::InsertEntry(const QString &name)
         QMessageBox::information(this, tr("Insert"), tr("%1 holds no shapes.").arg(name));
         return false;
     }
-    const QPointF centre = m_Where();
-    const TMyPoint offset{float(centre.x() - width / 2.0), float(centre.y() - height / 2.0)};
+    const QPointF middle = centre.value_or(m_Where());
+    const TMyPoint offset{float(middle.x() - width / 2.0), float(middle.y() - height / 2.0)};
     const bool placed = !m_Surface->PlaceShapes(std::move(copies), offset, false).empty();
     m_Surface->DocumentChanged();
     m_Changed();
     return placed;
+}
+
+bool TLibraryPanel::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched != m_Surface)
+        return QWidget::eventFilter(watched, event);
+    if (event->type() == QEvent::DragEnter || event->type() == QEvent::DragMove) {
+        auto *drag = static_cast<QDragMoveEvent *>(event);
+        if (!drag->mimeData()->hasFormat(EntryMimeType()))
+            return false;
+        drag->acceptProposedAction();
+        return true;
+    }
+    if (event->type() == QEvent::Drop) {
+        auto *drop = static_cast<QDropEvent *>(event);
+        if (!drop->mimeData()->hasFormat(EntryMimeType()))
+            return false;
+        drop->acceptProposedAction();
+        const QString name = QString::fromUtf8(drop->mimeData()->data(EntryMimeType()));
+        InsertEntry(name, drop->position() / m_Surface->Zoom());
+        return true;
+    }
+    return false;
 }
 
 void TLibraryPanel::AskOpen()

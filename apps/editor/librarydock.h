@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 // A shape library browser: opens a library file, shows a preview of each entry, and inserts
-// the clicked entry into the drawing at the middle of the visible area.
+// the clicked entry into the drawing at the middle of the visible area, or a dragged entry
+// where it is dropped on the surface.
 #pragma once
 
 #include <QWidget>
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 class QLabel;
 class QListWidget;
@@ -31,9 +33,16 @@ public:
     // Opens a library; a damaged or foreign file leaves the shown library and says why in a
     // message box. Answers whether it was opened.
     bool OpenLibrary(const QString &fileName);
-    // Inserts the named entry as one undo step; false when it cannot be read.
-    bool InsertEntry(const QString &name);
+    // Inserts the named entry as one undo step, centred on centre (document units), or on
+    // the middle of the view; false when it cannot be read or holds no shapes.
+    bool InsertEntry(const QString &name, std::optional<QPointF> centre = std::nullopt);
+    // The drag data of an entry: its name under this type.
+    static QString EntryMimeType() { return QStringLiteral("application/x-tessal-library-entry"); }
     QListWidget *List() const { return m_List; }
+
+protected:
+    // Drops of entries on the surface.
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void AskOpen();

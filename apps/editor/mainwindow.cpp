@@ -202,6 +202,7 @@ void MainWindow::CreateViewMenu()
     bar->setObjectName(QStringLiteral("viewBar"));
     QAction *in = view->addAction(tr("Zoom &In"), this, [this] { ZoomBy(ZoomStep); });
     in->setShortcut(QKeySequence::ZoomIn);
+    in->setObjectName(QStringLiteral("zoomIn"));
     QAction *out = view->addAction(tr("Zoom &Out"), this, [this] { ZoomBy(1 / ZoomStep); });
     out->setShortcut(QKeySequence::ZoomOut);
     QAction *fit = view->addAction(tr("&Fit Page"), this, &MainWindow::ZoomToFit);

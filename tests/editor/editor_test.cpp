@@ -341,10 +341,31 @@ TEST_F(EditorTest, LibraryEntriesArePreviewedAndInserted)
     }
     EXPECT_EQ(m_Window->UndoText(), QStringLiteral("&Undo Add"));
     EXPECT_TRUE(m_Window->isWindowModified());
-    // Centred on the middle of the view.
+    // Centred on the middle of the view: the door's 100 x 50 box around it.
     const QPointF centre = m_Window->VisibleCentre();
-    const QRectF box = Box(m_Cad()->GetShapeByNo(before));
-    EXPECT_TRUE(box.adjusted(-200, -200, 200, 200).contains(centre));
+    QRectF box = Box(m_Cad()->GetShapeByNo(before));
+    for (std::int32_t no = before + 1; no < m_Cad()->GetShapesCount(); ++no)
+        box |= Box(m_Cad()->GetShapeByNo(no));
+    EXPECT_NEAR(box.center().x(), centre.x(), 1.0);
+    EXPECT_NEAR(box.center().y(), centre.y(), 1.0);
+
+    // Dragged from the list and dropped on the surface: centred where it was dropped.
+    m_Window->findChild<QAction *>(QStringLiteral("zoomIn"))->trigger();
+    const double zoom = m_Cad()->Zoom();
+    const std::unique_ptr<QMimeData> data(
+        library->List()->model()->mimeData({library->List()->model()->index(0, 0)}));
+    ASSERT_TRUE(data && data->hasFormat(TLibraryPanel::EntryMimeType()));
+    const QPoint at(500, 400);
+    QDragEnterEvent enter(at, Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(m_Cad(), &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent drop(at, Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(m_Cad(), &drop);
+    ASSERT_EQ(m_Cad()->GetShapesCount(), before + 4);
+    QRectF dropped = Box(m_Cad()->GetShapeByNo(before + 2));
+    dropped |= Box(m_Cad()->GetShapeByNo(before + 3));
+    EXPECT_NEAR(dropped.center().x(), at.x() / zoom, 1.0);
+    EXPECT_NEAR(dropped.center().y(), at.y() / zoom, 1.0);
 }
 
 TEST_F(EditorTest, DroppedDrawingOpensAndTheContextMenuOffersTheCommands)
