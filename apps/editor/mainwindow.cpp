@@ -8,6 +8,8 @@
 #include "toolpalette.h"
 
 #include <tessal/inspector/componentinspector.h>
+#include <tessal/inspector/inspectorgrid.h>
+#include <tessal/inspector/propertymodel.h>
 #include <tessal/ruler/rulerlink.h>
 #include <tessal/shapes/shape.h>
 #include <tessal/surface/cad.h>
@@ -129,6 +131,12 @@ void MainWindow::CreateDocks()
     inspector->setObjectName(QStringLiteral("inspectorDock"));
     m_Inspector = new TComponentInspector;
     m_Inspector->SetSurface(m_Cad);
+    // Property edits record no undo step; they change the drawing all the same.
+    connect(m_Inspector->Grid()->Model(), &TPropertyModel::EditApplied, this, [this] {
+        m_Cad->SetModified(true);
+        m_Cad->Invalidate();
+        NoteChange();
+    });
     inspector->setWidget(m_Inspector);
     addDockWidget(Qt::RightDockWidgetArea, inspector);
 

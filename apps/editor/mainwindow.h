@@ -37,6 +37,7 @@ public:
     TShapeCommands *Commands() const { return m_Commands; }
     TLayersPanel *Layers() const { return m_Layers; }
     TLibraryPanel *Library() const { return m_Library; }
+    TComponentInspector *Inspector() const { return m_Inspector; }
     // The document point at the middle of the visible part of the surface.
     QPointF VisibleCentre() const;
     QScrollArea *ScrollArea() const { return m_Scroll; }

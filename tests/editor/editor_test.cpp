@@ -9,6 +9,8 @@
 #include "shapecommands.h"
 #include "toolpalette.h"
 
+#include <tessal/inspector/componentinspector.h>
+#include <tessal/inspector/inspectorgrid.h>
 #include <tessal/shapes/shape.h>
 #include <tessal/surface/cad.h>
 
@@ -28,6 +30,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <QTreeView>
 #include <QUrl>
 #include <QWheelEvent>
 
@@ -238,6 +241,20 @@ TEST_F(EditorTest, CommandsLayersZoomAndTheUnsavedGuard)
     EXPECT_FALSE(m_Cad()->IsVisibleLayerByID(top));
     ASSERT_TRUE(layers->RenameCurrent(QStringLiteral("Upper")));
     EXPECT_EQ(layers->List()->item(1)->text(), QStringLiteral("Upper"));
+
+    // A property edit in the inspector counts as a change of the drawing.
+    m_Cad()->SetModified(false);
+    m_Window->NoteChange();
+    ASSERT_FALSE(m_Window->isWindowModified());
+    m_Cad()->ClearWorkingShapes();
+    m_Cad()->AddWorkingShape(m_Cad()->GetShapeByNo(0));
+    m_Window->Inspector()->Refresh();
+    TInspectorGrid *grid = m_Window->Inspector()->Grid();
+    const QModelIndex caption = grid->ViewIndex({QStringLiteral("Caption")});
+    ASSERT_TRUE(caption.isValid());
+    ASSERT_TRUE(grid->View()->model()->setData(caption, QStringLiteral("Pump")));
+    EXPECT_EQ(m_Cad()->GetShapeByNo(0)->Caption(), QStringLiteral("Pump"));
+    EXPECT_TRUE(m_Window->isWindowModified());
 
     // Ctrl+wheel zooms by one step per notch.
     QWidget *viewport = m_Window->ScrollArea()->viewport();
