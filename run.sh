@@ -9,7 +9,7 @@ cd "$(dirname "$0")"
 PACKAGES=(cmake g++ make pkg-config qt6-base-dev qt6-base-dev-tools qt6-svg-dev qt6-tools-dev
           libqt6opengl6-dev libgl-dev libboost-dev libgtest-dev libgmock-dev libbenchmark-dev
           libemf2svg-dev libwmf-dev libuemf-dev libdxflib-dev python3-ezdxf fonts-dejavu-core
-          fonts-urw-base35 qt6-qpa-plugins)
+          fonts-urw-base35 qt6-qpa-plugins xvfb xdotool xauth)
 BUILD_DIR=${TESSAL_BUILD_DIR:-build}
 
 install_missing() {

@@ -3,7 +3,19 @@
 # licences stronger than MIT, so they sit behind TESSAL_METAFILES.
 set(TESSAL_HAVE_EMF OFF)
 set(TESSAL_HAVE_WMF OFF)
+set(TESSAL_HAVE_UEMF OFF)
 if(TESSAL_METAFILES)
+  # WMF writing.
+  find_path(UEMF_INCLUDE_DIR uwmf.h)
+  find_library(UEMF_LIBRARY uemf)
+  if(UEMF_INCLUDE_DIR AND UEMF_LIBRARY)
+    add_library(Tessal_uemf UNKNOWN IMPORTED)
+    set_target_properties(Tessal_uemf PROPERTIES IMPORTED_LOCATION "${UEMF_LIBRARY}"
+                          INTERFACE_INCLUDE_DIRECTORIES "${UEMF_INCLUDE_DIR}")
+    set(TESSAL_HAVE_UEMF ON)
+  else()
+    message(STATUS "Tessal: libUEMF not found, WMF pictures are not written")
+  endif()
   find_path(EMF2SVG_INCLUDE_DIR emf2svg.h)
   find_library(EMF2SVG_LIBRARY emf2svg)
   if(EMF2SVG_INCLUDE_DIR AND EMF2SVG_LIBRARY)

@@ -3,8 +3,11 @@
 #include "mainwindow.h"
 #include "sample.h"
 
+#include <tessal/surface/cad.h>
+
 #include <QApplication>
 #include <QDir>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QPixmap>
 #include <QTextStream>
@@ -13,13 +16,23 @@ int main(int argc, char **argv)
 {
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("tessal-editor"));
+    QApplication::setOrganizationName(QStringLiteral("Tessal"));
 
     tessal::MainWindow window;
     const QStringList args = QApplication::arguments();
-    if (args.size() > 1)
-        window.OpenFile(args.at(1));
-    else
+    if (args.size() > 1) {
+        // A name that does not exist yet starts a new drawing that saves under it.
+        if (QFileInfo::exists(args.at(1)))
+            window.OpenFile(args.at(1));
+        else
+            window.NewDrawing(QFileInfo(args.at(1)).absoluteFilePath());
+    } else {
         BuildSampleDrawing(*window.Cad());
+        // Show the sample's layers and selection; it counts as unchanged.
+        window.NoteChange();
+        window.Cad()->SetModified(false);
+        window.NoteChange();
+    }
     window.show();
 
     if (QGuiApplication::platformName() == QLatin1String("offscreen")) {

@@ -1,16 +1,28 @@
 // SPDX-License-Identifier: MIT
-// The editor's main window: one drawing surface in a scroll area, file and zoom actions,
-// status bar.
+// The editor's main window: the drawing surface with rulers in a scroll area, the tool
+// palette, shape commands, docks for layers and the inspector, files, export and printing.
+// Everything it does goes through the surface's public operations.
 #pragma once
 
 #include <QMainWindow>
+#include <QStringList>
 
+class QAction;
 class QLabel;
+class QMenu;
+class QPrinter;
 class QScrollArea;
 
 namespace tessal {
 
+class TBitmap;
+class TComponentInspector;
+class TLayersPanel;
+class TLibraryPanel;
 class TMyCAD;
+class TMyRulerFrame;
+class TShapeCommands;
+class TToolPalette;
 
 class MainWindow : public QMainWindow
 {
@@ -18,27 +30,97 @@ class MainWindow : public QMainWindow
 
 public:
     explicit MainWindow(QWidget *parent = nullptr);
+    ~MainWindow() override;
 
     TMyCAD *Cad() const { return m_Cad; }
-    // Opens a drawing file; a file that cannot be read leaves the drawing as it was and
-    // says why in the status bar.
-    void OpenFile(const QString &path);
-    // Saves to path, or asks for a name when it is empty.
-    void Save(QString path);
+    TToolPalette *Palette() const { return m_Palette; }
+    TShapeCommands *Commands() const { return m_Commands; }
+    TLayersPanel *Layers() const { return m_Layers; }
+    TLibraryPanel *Library() const { return m_Library; }
+    TComponentInspector *Inspector() const { return m_Inspector; }
+    // The document point at the middle of the visible part of the surface.
+    QPointF VisibleCentre() const;
+    QScrollArea *ScrollArea() const { return m_Scroll; }
+    const QString &FileName() const { return m_FileName; }
+    QStringList RecentFiles() const { return m_Recent; }
+
+    // Opens a drawing; a file that cannot be read leaves the open drawing untouched and
+    // says why in a message box. Answers whether it was opened.
+    bool OpenFile(const QString &path);
+    // Saves to path (asks for a name when empty); a failed save keeps the old file and says
+    // why. Answers whether it was saved.
+    bool Save(QString path);
+    // Writes the page (or the selection) to a picture file chosen by its suffix.
+    bool ExportTo(const QString &path, bool selectionOnly);
+    // Prints on printer with the scaling chosen in the Print menu.
+    bool PrintOn(QPrinter *printer);
+    // Asks whether to save unsaved changes; false when the user cancelled.
+    bool MaybeSave();
+    // Empties the drawing (after MaybeSave).
+    void NewDrawing(const QString &fileName = {});
+    // The title of the undo action: "Undo" followed by what the newest step did.
+    QString UndoText() const;
+    // Selects every top-level shape of the visible layers.
+    void SelectAll();
+    // Checks whether the drawing changed since the last look and updates title and actions.
+    void NoteChange();
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    void CreateActions();
-    void CreateFileActions();
-    QString DrawingFilter() const;
+    void CreateDocks();
+    void CreateFileMenu();
+    void CreateExportAndPrint(QMenu *file);
+    void CreateEditMenu();
+    void CreateViewMenu();
+    void CreateToolsMenu();
+    void CreateShapeMenu();
+    void ConnectSurfaceEvents();
+    void ReadSettings();
+    void WriteSettings() const;
+    void AddRecent(const QString &path);
+    void UpdateRecentMenu();
+    void UpdateTitle();
+    void UpdateActions();
+    void Undo();
     void ZoomBy(double factor);
     void ZoomTo(double zoom);
+    void ZoomToFit();
     void ShowZoom();
+    void ShowError(const QString &title, const QString &text);
+    void InsertBlock(bool import);
+    void ExportDialog(bool selectionOnly);
+    void PrintPreview();
+    void PageSetup();
+    void RequestPicture(TBitmap &picture);
+    QString DrawingFilter() const;
+    // A fingerprint of the newest undo step, to notice new steps.
+    QString HistoryMark() const;
 
     TMyCAD *m_Cad = nullptr;
-    QString m_FileName;
+    TMyRulerFrame *m_Rulers = nullptr;
     QScrollArea *m_Scroll = nullptr;
+    TToolPalette *m_Palette = nullptr;
+    TShapeCommands *m_Commands = nullptr;
+    TLayersPanel *m_Layers = nullptr;
+    TLibraryPanel *m_Library = nullptr;
+    TComponentInspector *m_Inspector = nullptr;
+    QPrinter *m_Printer = nullptr;
+    QString m_FileName;
+    QStringList m_Recent;
+    QMenu *m_RecentMenu = nullptr;
+    QAction *m_UndoAction = nullptr;
+    QAction *m_CutAction = nullptr;
+    QAction *m_CopyAction = nullptr;
+    QAction *m_FitToPageAction = nullptr;
     QLabel *m_ZoomLabel = nullptr;
     QLabel *m_PositionLabel = nullptr;
+    QLabel *m_ValueLabel = nullptr;
+    QString m_HistoryMark;
 };
 
 } // namespace tessal

@@ -20,6 +20,7 @@
 #include <QLabel>
 #include <QRegion>
 #include <QString>
+#include <QStringList>
 #include <QVariant>
 #include <QWidget>
 
@@ -28,6 +29,8 @@
 #include <memory>
 #include <span>
 #include <vector>
+
+class QPrinter;
 
 namespace tessal {
 
@@ -61,6 +64,13 @@ struct TLayer
 // Where the shapes of a drawing inserted as a block go: all onto the current layer (Merge),
 // or onto the drawing's layers at the places their layers have in the block (Import).
 enum class TBlockLayerMode : std::uint8_t { Merge = 0, Import = 1 };
+
+// How Print places the drawing page on the printer's sheets: scaled to fit one sheet, or at
+// its own size in millimetres over as many sheets as it needs (left to right, then down).
+enum class TPrintScale : std::uint8_t { FitToPage = 0, ActualSize = 1 };
+
+// What the picture files show: the whole drawing page, or the working shapes' extent.
+enum class TExportArea : std::uint8_t { Page = 0, Selection = 1 };
 
 // The surface. Document geometry is in pixels at zoom 1; the widget's own coordinates
 // (mouse positions, repaint rectangles) are screen pixels, i.e. document values x Zoom.
@@ -824,6 +834,41 @@ public:
     // when the device cannot be painted on.
     bool RenderTo(QPaintDevice *device, const TRect &page, bool grid = false);
 
+    // ---- Printing (print.cpp) ----
+    // The drawing page in document pixels (control pixels at zoom 1).
+    QSize PagePixelSize() const;
+    // The sheets Print fills on printer: columns and rows (at least 1 x 1).
+    QSize PrintSheetGrid(QPrinter *printer, TPrintScale scale) const;
+    // Prints the page: the background when PrintBackground, the shapes of visible layers,
+    // the border (PrintABorder) and the page head and foot, as the page's millimetres map to
+    // the printer's printable area (see TPrintScale). On a grey-scale printer the shapes
+    // print in grey. The zoom and selection on screen are not changed. False, with
+    // LastError(), when the printer cannot be opened or a sheet cannot be started.
+    bool Print(QPrinter *printer, TPrintScale scale = TPrintScale::FitToPage);
+
+    // ---- Picture files (exportfiles.cpp, wmfwriter.cpp) ----
+    // Pictures at zoom 1 without handles, grid or the printing aids (border, head, foot):
+    // the page with background and shapes, or the working shapes on the background colour. Every
+    // writer goes through a temporary file that replaces fileName only when complete; false, with
+    // LastError(), when there is nothing to write (no selection) or writing failed.
+    QImage ExportImage(TExportArea area = TExportArea::Page);
+    bool SaveToBmp(const QString &fileName, TExportArea area = TExportArea::Page);
+    // quality 0..100, as QImageWriter takes it.
+    bool SaveToJpeg(const QString &fileName, TExportArea area = TExportArea::Page,
+                    int quality = 90);
+    bool SaveToPng(const QString &fileName, TExportArea area = TExportArea::Page);
+    // Vector figures, one unit per document pixel.
+    bool SaveToSvg(const QString &fileName, TExportArea area = TExportArea::Page);
+    // One PDF page of the picture's physical size (document pixels at the screen's dpi).
+    bool SaveToPdf(const QString &fileName, TExportArea area = TExportArea::Page);
+    // A Windows metafile holding the picture as one device-independent bitmap.
+    bool SaveToWmf(const QString &fileName, TExportArea area = TExportArea::Page);
+    // Chooses the writer by the file name's suffix (bmp, jpg, jpeg, png, svg, pdf, wmf);
+    // another suffix is an error.
+    bool ExportToFile(const QString &fileName, TExportArea area = TExportArea::Page);
+    // The suffixes ExportToFile accepts, lower case.
+    static QStringList ExportSuffixes();
+
     // ---- TShapeHost ----
     std::int32_t ControlWidth() const override { return width(); }
     std::int32_t ControlHeight() const override { return height(); }
@@ -1274,6 +1319,16 @@ private:
     void DrawGridDots(TCanvas &canvas, QSize size, double sx, double sy);
     // The grid of page drawn on an export canvas (export.cpp).
     void DrawGridOn(TCanvas &canvas, const TRect &page);
+    // The border and the head and foot on a canvas showing a whole page of size units.
+    void DrawBorderOn(TCanvas &canvas, QSizeF size);
+    void DrawHeadFootOn(TCanvas &canvas, QSizeF size);
+    // The page at zoom 1 (print.cpp) on canvas in document pixels: the background when
+    // wanted, the shapes, and with aids the border, head and foot.
+    void DrawPrintPage(TCanvas &canvas, bool background, bool aids);
+    // Runs draw with the zoom at 1 and any gesture cancelled; the screen is left as it was.
+    void AtZoomOne(const std::function<void()> &draw);
+    bool ExportVector(const QString &fileName, TExportArea area, bool pdf);
+    bool ExportRaster(const QString &fileName, TExportArea area, const char *format, int quality);
     void DrawGridLines(TCanvas &canvas, QSize size, double sx, double sy, const TRect &rect);
     void EnsureIndex();
     bool m_GridDrawing = false;

@@ -18,9 +18,8 @@ struct TPageScale
     double Y = 0;
 };
 
-TPageScale ScaleOf(const QImage &image, std::uint32_t pageWidth, std::uint32_t pageHeight)
+TPageScale ScaleOf(QSizeF size, std::uint32_t pageWidth, std::uint32_t pageHeight)
 {
-    const QSizeF size = image.deviceIndependentSize();
     if (pageWidth == 0 || pageHeight == 0)
         return {};
     return {size.width() / pageWidth, size.height() / pageHeight};
@@ -35,18 +34,22 @@ void TMyCAD::DrawBorder(QImage &image)
 {
     if (!m_PrintABorder || image.isNull())
         return;
-    const TPageScale s = ScaleOf(image, m_PageWidth, m_PageHeight);
-    if (s.X <= 0 || s.Y <= 0)
+    TCanvas canvas(&image);
+    DrawBorderOn(canvas, image.deviceIndependentSize());
+    canvas.Flush();
+}
+
+void TMyCAD::DrawBorderOn(TCanvas &canvas, QSizeF size)
+{
+    const TPageScale s = ScaleOf(size, m_PageWidth, m_PageHeight);
+    if (!m_PrintABorder || s.X <= 0 || s.Y <= 0)
         return;
-    const QSizeF size = image.deviceIndependentSize();
     const TRect frame(RoundEven(m_PrintABordertoLeft * s.X), RoundEven(m_PrintABordertoTop * s.Y),
                       RoundEven(size.width()) - RoundEven(m_PrintABordertoRight * s.X),
                       RoundEven(size.height()) - RoundEven(m_PrintABordertoBottom * s.Y));
-    TCanvas canvas(&image);
     canvas.Pen() = TPen{clBlack, TPenMode::pmCopy, TPenStyle::psSolid, 1};
     canvas.Brush().Style = TBrushStyle::bsClear;
     canvas.Rectangle(frame);
-    canvas.Flush();
 }
 
 // The head's text cell starts PageHeadToTop millimetres below the page's top edge, the
@@ -60,14 +63,19 @@ void TMyCAD::DrawHeadFoot(QImage &image)
 {
     if (image.isNull() || (m_PageHead.isEmpty() && m_PageFoot.isEmpty()))
         return;
-    const TPageScale s = ScaleOf(image, m_PageWidth, m_PageHeight);
-    if (s.X <= 0 || s.Y <= 0)
+    TCanvas canvas(&image);
+    DrawHeadFootOn(canvas, image.deviceIndependentSize());
+    canvas.Flush();
+}
+
+void TMyCAD::DrawHeadFootOn(TCanvas &canvas, QSizeF size)
+{
+    const TPageScale s = ScaleOf(size, m_PageWidth, m_PageHeight);
+    if (s.X <= 0 || s.Y <= 0 || (m_PageHead.isEmpty() && m_PageFoot.isEmpty()))
         return;
     const double textScale = s.X * 25.4 / logicalDpiX();
-    const QSizeF size = image.deviceIndependentSize();
     const std::int32_t left = RoundEven(m_PrintABordertoLeft * s.X);
     const std::int32_t right = RoundEven(size.width()) - RoundEven(m_PrintABordertoRight * s.X);
-    TCanvas canvas(&image);
     canvas.SetBkModeTransparent(true);
     const auto place = [&](const QString &text, const TFont &font, TAlignment alignment) {
         const TPoint extent = GetTextWidthHeight(canvas, text, font, textScale, 0);
@@ -88,7 +96,6 @@ void TMyCAD::DrawHeadFoot(QImage &image)
         const std::int32_t bottom = RoundEven(size.height()) - RoundEven(m_PageFootToBottom * s.Y);
         MyLogTextOut(canvas, x, bottom - h, m_PageFoot, m_PageFootFont, textScale, 0);
     }
-    canvas.Flush();
 }
 
 } // namespace tessal

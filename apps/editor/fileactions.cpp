@@ -1,0 +1,281 @@
+// SPDX-License-Identifier: MIT
+// The File menu: drawings, recent files, blocks, picture export and printing.
+#include "mainwindow.h"
+
+#include "layersdock.h"
+
+#include <tessal/geometry/bitmapops.h>
+#include <tessal/surface/cad.h>
+
+#include <QAction>
+#include <QApplication>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QKeySequence>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QPageSetupDialog>
+#include <QPrintDialog>
+#include <QPrintPreviewDialog>
+#include <QPrinter>
+#include <QRegularExpression>
+#include <QStatusBar>
+#include <QToolBar>
+
+namespace tessal {
+
+namespace {
+constexpr int MaxRecent = 8;
+} // namespace
+
+void MainWindow::CreateFileMenu()
+{
+    QMenu *file = menuBar()->addMenu(tr("&File"));
+    QToolBar *bar = addToolBar(tr("File"));
+    bar->setObjectName(QStringLiteral("fileBar"));
+    QAction *create = file->addAction(tr("&New"), this, [this] {
+        if (MaybeSave())
+            NewDrawing();
+    });
+    create->setShortcut(QKeySequence::New);
+    QAction *open = file->addAction(tr("&Open..."), this, [this] {
+        if (!MaybeSave())
+            return;
+        const QString path =
+            QFileDialog::getOpenFileName(this, tr("Open drawing"), {}, DrawingFilter());
+        if (!path.isEmpty())
+            OpenFile(path);
+    });
+    open->setShortcut(QKeySequence::Open);
+    m_RecentMenu = file->addMenu(tr("Open &Recent"));
+    QAction *save = file->addAction(tr("&Save"), this, [this] { Save(m_FileName); });
+    save->setShortcut(QKeySequence::Save);
+    QAction *saveAs = file->addAction(tr("Save &As..."), this, [this] { Save({}); });
+    saveAs->setShortcut(QKeySequence::SaveAs);
+    bar->addActions({create, open, save});
+    file->addSeparator();
+    QMenu *insert = file->addMenu(tr("&Insert Drawing as Block"));
+    insert->addAction(tr("Onto the &Current Layer..."), this, [this] { InsertBlock(false); });
+    insert->addAction(tr("With its &Layers..."), this, [this] { InsertBlock(true); });
+    CreateExportAndPrint(file);
+    file->addSeparator();
+    QAction *quit = file->addAction(tr("&Quit"), this, &QWidget::close);
+    quit->setShortcut(QKeySequence::Quit);
+}
+
+void MainWindow::CreateExportAndPrint(QMenu *file)
+{
+    file->addSeparator();
+    file->addAction(tr("&Export Page..."), this, [this] { ExportDialog(false); });
+    file->addAction(tr("Export Se&lection..."), this, [this] { ExportDialog(true); });
+    file->addSeparator();
+    QAction *print = file->addAction(tr("&Print..."), this, [this] {
+        QPrintDialog dialog(m_Printer, this);
+        if (dialog.exec() == QDialog::Accepted)
+            PrintOn(m_Printer);
+    });
+    print->setShortcut(QKeySequence::Print);
+    file->addAction(tr("Print Pre&view..."), this, &MainWindow::PrintPreview);
+    file->addAction(tr("Page Set&up..."), this, &MainWindow::PageSetup);
+    m_FitToPageAction = file->addAction(tr("Print &Scaled to One Sheet"));
+    m_FitToPageAction->setCheckable(true);
+    m_FitToPageAction->setChecked(true);
+    m_FitToPageAction->setToolTip(
+        tr("Otherwise the page prints at its own size over as many sheets as it needs"));
+}
+
+QString MainWindow::DrawingFilter() const
+{
+    return tr("Drawings (*.tsd);;All files (*)");
+}
+
+bool MainWindow::OpenFile(const QString &path)
+{
+    const QString name = QFileInfo(path).fileName();
+    if (!QFileInfo(path).isFile() || !TMyCAD::IsZEDAFile(path)) {
+        ShowError(tr("Open drawing"), tr("%1 is not a drawing file.").arg(name));
+        return false;
+    }
+    // A damaged file would leave a half-read drawing behind: read it on a scratch surface
+    // first, so that the open drawing stays as it is when the file is refused.
+    {
+        TMyCAD scratch;
+        if (!scratch.LoadFromFile(path)) {
+            ShowError(tr("Open drawing"),
+                      tr("%1 cannot be read: %2").arg(name, scratch.LastError()));
+            return false;
+        }
+    }
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    const bool loaded = m_Cad->LoadFromFile(path);
+    QApplication::restoreOverrideCursor();
+    if (!loaded) {
+        ShowError(tr("Open drawing"), tr("%1 cannot be read: %2").arg(name, m_Cad->LastError()));
+        return false;
+    }
+    m_Cad->ClearAllUndoStuff();
+    m_Cad->SetModified(false);
+    m_FileName = QFileInfo(path).absoluteFilePath();
+    m_HistoryMark = HistoryMark();
+    AddRecent(m_FileName);
+    NoteChange();
+    ShowZoom();
+    statusBar()->showMessage(tr("%1 opened").arg(name), 3000);
+    return true;
+}
+
+bool MainWindow::Save(QString path)
+{
+    if (path.isEmpty())
+        path = QFileDialog::getSaveFileName(this, tr("Save drawing"), m_FileName, DrawingFilter());
+    if (path.isEmpty())
+        return false;
+    if (QFileInfo(path).suffix().isEmpty())
+        path += QStringLiteral(".tsd");
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    const bool saved = m_Cad->SaveToFile(path);
+    QApplication::restoreOverrideCursor();
+    if (!saved) {
+        ShowError(tr("Save drawing"), tr("%1 cannot be saved: %2").arg(path, m_Cad->LastError()));
+        return false;
+    }
+    m_FileName = QFileInfo(path).absoluteFilePath();
+    AddRecent(m_FileName);
+    UpdateTitle();
+    statusBar()->showMessage(tr("%1 saved").arg(QFileInfo(path).fileName()), 3000);
+    return true;
+}
+
+bool MainWindow::MaybeSave()
+{
+    if (!m_Cad->Modified())
+        return true;
+    const auto answer = QMessageBox::warning(
+        this, tr("Unsaved changes"), tr("The drawing has been changed. Save the changes?"),
+        QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Save);
+    if (answer == QMessageBox::Save)
+        return Save(m_FileName);
+    return answer == QMessageBox::Discard;
+}
+
+void MainWindow::NewDrawing(const QString &fileName)
+{
+    m_Cad->DeleteAllShapes();
+    m_Cad->DeleteAllLayers();
+    m_Cad->NewLayer(QStringLiteral("Layer0"), true);
+    m_Cad->ClearAllUndoStuff();
+    m_Cad->SetModified(false);
+    m_FileName = fileName;
+    m_HistoryMark = HistoryMark();
+    NoteChange();
+    m_Cad->Invalidate();
+}
+
+void MainWindow::AddRecent(const QString &path)
+{
+    m_Recent.removeAll(path);
+    m_Recent.prepend(path);
+    while (m_Recent.size() > MaxRecent)
+        m_Recent.removeLast();
+    UpdateRecentMenu();
+}
+
+void MainWindow::UpdateRecentMenu()
+{
+    m_RecentMenu->clear();
+    for (const QString &path : std::as_const(m_Recent))
+        m_RecentMenu
+            ->addAction(QFileInfo(path).fileName(), this,
+                        [this, path] {
+                            if (MaybeSave())
+                                OpenFile(path);
+                        })
+            ->setToolTip(path);
+    m_RecentMenu->setEnabled(!m_Recent.isEmpty());
+}
+
+void MainWindow::InsertBlock(bool import)
+{
+    const QString path =
+        QFileDialog::getOpenFileName(this, tr("Insert drawing"), {}, DrawingFilter());
+    if (path.isEmpty())
+        return;
+    if (!TMyCAD::IsZEDAFile(path)) {
+        ShowError(tr("Insert drawing"), tr("%1 is not a drawing file.").arg(path));
+        return;
+    }
+    if (!m_Cad->AddBlockfromZEDAFile(path,
+                                     import ? TBlockLayerMode::Import : TBlockLayerMode::Merge)) {
+        ShowError(tr("Insert drawing"), tr("%1 cannot be read: %2").arg(path, m_Cad->LastError()));
+        return;
+    }
+    m_Cad->SetModified(true);
+    NoteChange();
+}
+
+bool MainWindow::ExportTo(const QString &path, bool selectionOnly)
+{
+    const bool ok =
+        m_Cad->ExportToFile(path, selectionOnly ? TExportArea::Selection : TExportArea::Page);
+    if (!ok)
+        ShowError(tr("Export"), m_Cad->LastError());
+    else
+        statusBar()->showMessage(tr("%1 written").arg(QFileInfo(path).fileName()), 3000);
+    return ok;
+}
+
+void MainWindow::ExportDialog(bool selectionOnly)
+{
+    const QString filter = tr("PNG picture (*.png);;SVG drawing (*.svg);;PDF document (*.pdf);;"
+                              "BMP picture (*.bmp);;JPEG picture (*.jpg *.jpeg);;"
+                              "Windows metafile (*.wmf)");
+    QString chosen;
+    QString path = QFileDialog::getSaveFileName(this, tr("Export"), {}, filter, &chosen);
+    if (path.isEmpty())
+        return;
+    if (QFileInfo(path).suffix().isEmpty()) {
+        // The first suffix of the chosen filter: "JPEG picture (*.jpg *.jpeg)" gives ".jpg".
+        const QRegularExpressionMatch match =
+            QRegularExpression(QStringLiteral("\\*(\\.\\w+)")).match(chosen);
+        path += match.hasMatch() ? match.captured(1) : QStringLiteral(".png");
+    }
+    ExportTo(path, selectionOnly);
+}
+
+bool MainWindow::PrintOn(QPrinter *printer)
+{
+    const bool ok = m_Cad->Print(printer, m_FitToPageAction->isChecked() ? TPrintScale::FitToPage
+                                                                         : TPrintScale::ActualSize);
+    if (!ok)
+        ShowError(tr("Print"), m_Cad->LastError());
+    return ok;
+}
+
+void MainWindow::PrintPreview()
+{
+    QPrintPreviewDialog dialog(m_Printer, this);
+    connect(&dialog, &QPrintPreviewDialog::paintRequested, this,
+            [this](QPrinter *printer) { PrintOn(printer); });
+    dialog.exec();
+}
+
+void MainWindow::PageSetup()
+{
+    QPageSetupDialog dialog(m_Printer, this);
+    dialog.exec();
+}
+
+void MainWindow::RequestPicture(TBitmap &picture)
+{
+    const QString path = QFileDialog::getOpenFileName(
+        this, tr("Picture"), {}, tr("Pictures (*.bmp *.jpg *.jpeg *.ico *.emf *.wmf *.png)"));
+    if (path.isEmpty())
+        return;
+    QString reason;
+    picture = LoadGraphicsFile(path, &reason);
+    if (picture.IsEmpty())
+        ShowError(tr("Picture"), tr("%1 cannot be read: %2").arg(path, reason));
+}
+
+} // namespace tessal

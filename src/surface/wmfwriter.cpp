@@ -1,0 +1,142 @@
+// SPDX-License-Identifier: MIT
+// Windows metafiles of the page or the selection: one stretched device-independent bitmap
+// under a placeable header, built with libUEMF's record makers.
+#include <tessal/surface/cad.h>
+
+#include <QSaveFile>
+#include <QTemporaryFile>
+
+#ifdef TESSAL_HAVE_UEMF
+extern "C" {
+#include <uwmf.h>
+}
+#endif
+
+#include <cstdio>
+#include <cstdlib>
+#include <limits>
+
+namespace tessal {
+
+#ifdef TESSAL_HAVE_UEMF
+
+namespace {
+
+// Owns a metafile under construction. libUEMF's own wmf_free is not called: the metafile
+// reader's library exports a function of the same name, and the process may hold both.
+struct TWmfTrack
+{
+    WMFTRACK *Track = nullptr;
+    ~TWmfTrack()
+    {
+        if (!Track)
+            return;
+        if (Track->fp)
+            std::fclose(Track->fp);
+        std::free(Track->buf);
+        std::free(Track);
+    }
+};
+
+// Appends a record made by a libUEMF maker (which answers nullptr on bad arguments).
+bool Append(char *record, WMFTRACK *track)
+{
+    return record && wmf_append(reinterpret_cast<U_METARECORD *>(record), track, 1) == 0;
+}
+
+// The picture as metafile bytes, or empty when a record could not be made. Logical units
+// are the picture's pixels at the screen's dots per inch, so that the placeable header
+// gives the picture its physical size.
+QByteArray MetafileOf(const QImage &picture, int dpi, QString &error)
+{
+    const QImage rgba = picture.convertToFormat(QImage::Format_RGBA8888);
+    const int w = rgba.width();
+    const int h = rgba.height();
+    // The library writes its buffer to a file when finishing; that file is a scratch copy,
+    // the caller replaces the real one atomically.
+    QTemporaryFile scratch;
+    if (!scratch.open()) {
+        error = TMyCAD::tr("No temporary file for the metafile: %1").arg(scratch.errorString());
+        return {};
+    }
+    const QByteArray scratchName = QFile::encodeName(scratch.fileName());
+    TWmfTrack wt;
+    if (wmf_start(scratchName.constData(), 1u << 20, 1u << 20, &wt.Track) != 0) {
+        error = TMyCAD::tr("The metafile cannot be started.");
+        return {};
+    }
+    U_PAIRF inches{float(double(w) / dpi), float(double(h) / dpi)};
+    char *header = U_WMRHEADER_set(&inches, unsigned(dpi));
+    bool ok =
+        header && wmf_header_append(reinterpret_cast<U_METARECORD *>(header), wt.Track, 1) == 0;
+    ok = ok && Append(U_WMRSETMAPMODE_set(U_MM_ANISOTROPIC), wt.Track);
+    ok = ok && Append(U_WMRSETWINDOWORG_set(U_POINT16{0, 0}), wt.Track);
+    ok = ok && Append(U_WMRSETWINDOWEXT_set(U_POINT16{int16_t(w), int16_t(h)}), wt.Track);
+    char *pixels = nullptr;
+    uint32_t pixelBytes = 0;
+    PU_RGBQUAD colours = nullptr;
+    int colourCount = 0;
+    ok = ok &&
+         RGBA_to_DIB(&pixels, &pixelBytes, &colours, &colourCount,
+                     reinterpret_cast<const char *>(rgba.constBits()), w, h,
+                     int(rgba.bytesPerLine()), U_BCBM_COLOR24, U_CT_NO, U_ROW_ORDER_INVERT) == 0;
+    if (ok) {
+        const U_BITMAPINFOHEADER bmih =
+            bitmapinfoheader_set(w, h, 1, U_BCBM_COLOR24, U_BI_RGB, pixelBytes, 0, 0, 0, 0);
+        PU_BITMAPINFO bmi = bitmapinfo_set(bmih, nullptr);
+        const U_POINT16 size{int16_t(w), int16_t(h)};
+        ok =
+            bmi && Append(U_WMRSTRETCHDIB_set(U_POINT16{0, 0}, size, U_POINT16{0, 0}, size,
+                                              U_DIB_RGB_COLORS, U_SRCCOPY, bmi, pixelBytes, pixels),
+                          wt.Track);
+        std::free(bmi);
+    }
+    std::free(pixels);
+    std::free(colours);
+    ok = ok && Append(U_WMREOF_set(), wt.Track) && wmf_finish(wt.Track) == 0;
+    if (!ok) {
+        error = TMyCAD::tr("The metafile records cannot be made.");
+        return {};
+    }
+    return QByteArray(wt.Track->buf, qsizetype(wt.Track->used));
+}
+
+} // namespace
+
+bool TMyCAD::SaveToWmf(const QString &fileName, TExportArea area)
+{
+    m_LastError.clear();
+    const QImage picture = ExportImage(area);
+    if (picture.isNull()) {
+        m_LastError =
+            area == TExportArea::Selection ? tr("Nothing is selected.") : tr("The page is empty.");
+        return false;
+    }
+    // Metafile coordinates are 16-bit.
+    constexpr int MaxSide = std::numeric_limits<int16_t>::max();
+    if (picture.width() > MaxSide || picture.height() > MaxSide) {
+        m_LastError = tr("The picture is too large for a metafile.");
+        return false;
+    }
+    const QByteArray bytes = MetafileOf(picture, logicalDpiX(), m_LastError);
+    if (bytes.isEmpty())
+        return false;
+    QSaveFile file(fileName);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
+        m_LastError = tr("%1 cannot be written: %2").arg(fileName, file.errorString());
+        return false;
+    }
+    return true;
+}
+
+#else
+
+bool TMyCAD::SaveToWmf(const QString &fileName, TExportArea)
+{
+    m_LastError = tr("%1: this build writes no metafiles (libUEMF was not found).").arg(fileName);
+    return false;
+}
+
+#endif
+
+} // namespace tessal

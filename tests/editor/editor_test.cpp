@@ -1,0 +1,441 @@
+// SPDX-License-Identifier: MIT
+// The editor's main window driven in-process: tools chosen from the palette, shapes drawn
+// with real mouse events, undo, commands, layers, files, export, printing and the guard
+// against losing changes. Message boxes are answered by a timer, as a user would.
+#include "mainwindow.h"
+
+#include "layersdock.h"
+#include "librarydock.h"
+#include "shapecommands.h"
+#include "toolpalette.h"
+
+#include <tessal/inspector/componentinspector.h>
+#include <tessal/inspector/inspectorgrid.h>
+#include <tessal/shapes/shape.h>
+#include <tessal/surface/cad.h>
+
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDialog>
+#include <QFile>
+#include <QListWidget>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QPrinter>
+#include <QScrollArea>
+#include <QStandardPaths>
+#include <QSvgRenderer>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+#include <QTreeView>
+#include <QUrl>
+#include <QWheelEvent>
+
+#include <algorithm>
+#include <iostream>
+#include <memory>
+
+using namespace tessal;
+
+namespace {
+
+// Answers the next message box with the button of the given role and keeps its text.
+class TBoxAnswer
+{
+public:
+    explicit TBoxAnswer(QMessageBox::StandardButton button)
+        : m_Button(button)
+    {
+        Poll();
+    }
+    QString Text() const { return *m_Text; }
+    bool Seen() const { return !m_Text->isNull(); }
+
+private:
+    void Poll()
+    {
+        auto text = m_Text;
+        const QMessageBox::StandardButton button = m_Button;
+        QTimer::singleShot(20, [this, text, button] {
+            auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+            if (!box) {
+                if (++m_Tries < 200)
+                    Poll();
+                return;
+            }
+            *text = box->text();
+            box->button(button)->click();
+        });
+    }
+    QMessageBox::StandardButton m_Button;
+    std::shared_ptr<QString> m_Text = std::make_shared<QString>();
+    int m_Tries = 0;
+};
+
+class EditorTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        QStandardPaths::setTestModeEnabled(true);
+        m_Window = std::make_unique<MainWindow>();
+        m_Window->NewDrawing();
+        m_Window->show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(m_Window.get()));
+        // A message box that no test step expects would wait forever: close it and fail.
+        QObject::connect(&m_Watchdog, &QTimer::timeout, [this] {
+            QWidget *modal = QApplication::activeModalWidget();
+            if (modal && modal == m_LastModal) {
+                auto *box = qobject_cast<QMessageBox *>(modal);
+                m_Unexpected << (box ? box->text() : modal->windowTitle());
+                if (auto *dialog = qobject_cast<QDialog *>(modal))
+                    dialog->reject();
+            }
+            m_LastModal = modal;
+        });
+        m_Watchdog.start(700);
+    }
+    void TearDown() override
+    {
+        m_Watchdog.stop();
+        EXPECT_TRUE(m_Unexpected.isEmpty()) << m_Unexpected.join(" | ").toStdString();
+        m_Cad()->SetModified(false);
+        m_Window.reset();
+    }
+    TMyCAD *m_Cad() const { return m_Window->Cad(); }
+
+    // A drag with the left button from a to b in surface pixels, as the mouse does it.
+    void Drag(QPoint a, QPoint b)
+    {
+        QWidget *surface = m_Cad();
+        QTest::mousePress(surface, Qt::LeftButton, Qt::NoModifier, a);
+        for (int i = 1; i <= 4; ++i) {
+            const QPoint p = a + (b - a) * i / 4;
+            QMouseEvent move(QEvent::MouseMove, p, surface->mapToGlobal(p), Qt::NoButton,
+                             Qt::LeftButton, Qt::NoModifier);
+            QApplication::sendEvent(surface, &move);
+        }
+        QTest::mouseRelease(surface, Qt::LeftButton, Qt::NoModifier, b);
+        QApplication::processEvents();
+    }
+    void DrawRectangle(QPoint a, QPoint b)
+    {
+        m_Window->Palette()->ActionFor(TDrawTool::SpRectangle)->trigger();
+        Drag(a, b);
+    }
+
+    std::unique_ptr<MainWindow> m_Window;
+    QTemporaryDir m_Dir;
+    QTimer m_Watchdog;
+    QWidget *m_LastModal = nullptr;
+    QStringList m_Unexpected;
+};
+
+// The extent of a shape's points in document units.
+QRectF Box(const TMyShape *shape)
+{
+    QPointF low(1e9, 1e9);
+    QPointF high(-1e9, -1e9);
+    for (std::int32_t i = 0; i < shape->GetPointsCount(); ++i) {
+        const TMyPoint p = shape->GetPoint(i);
+        low = QPointF(std::min<qreal>(low.x(), p.X), std::min<qreal>(low.y(), p.Y));
+        high = QPointF(std::max<qreal>(high.x(), p.X), std::max<qreal>(high.y(), p.Y));
+    }
+    return QRectF(low, high);
+}
+
+QByteArray Head(const QString &path, int n)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.read(n) : QByteArray();
+}
+
+} // namespace
+
+TEST_F(EditorTest, PaletteDrawUndoSaveAndReopen)
+{
+    TToolPalette *palette = m_Window->Palette();
+    ASSERT_EQ(int(palette->Actions().size()), 22);
+    for (int i = 0; i < 22; ++i) {
+        palette->Actions()[std::size_t(i)]->trigger();
+        EXPECT_EQ(m_Cad()->ShapeTool(), TDrawTool(i));
+        EXPECT_TRUE(palette->Actions()[std::size_t(i)]->isChecked());
+        EXPECT_FALSE(palette->Actions()[std::size_t(i)]->icon().isNull());
+    }
+    m_Cad()->SetSnap(false);
+    DrawRectangle({100, 120}, {260, 200});
+    ASSERT_EQ(m_Cad()->GetShapesCount(), 1);
+    TMyShape *shape = m_Cad()->GetShapeByNo(0);
+    EXPECT_EQ(shape->ClassName(), QStringLiteral("TMyRectangle"));
+    EXPECT_EQ(Box(shape), QRectF(QPointF(100, 120), QPointF(260, 200)));
+    // The surface went back to selecting and the palette follows it.
+    EXPECT_TRUE(palette->ActionFor(TDrawTool::SpSelecting)->isChecked());
+    QApplication::processEvents();
+    EXPECT_TRUE(m_Window->isWindowModified());
+    QAction *undo = m_Window->findChild<QAction *>(QStringLiteral("undo"));
+    EXPECT_EQ(undo->text(), QStringLiteral("&Undo Add"));
+    undo->trigger();
+    EXPECT_EQ(m_Cad()->GetShapesCount(), 0);
+
+    DrawRectangle({100, 120}, {260, 200});
+    DrawRectangle({300, 300}, {340, 380});
+    ASSERT_EQ(m_Cad()->GetShapesCount(), 2);
+    const QString path = m_Dir.filePath(QStringLiteral("drawing.tsd"));
+    ASSERT_TRUE(m_Window->Save(path));
+    EXPECT_FALSE(m_Window->isWindowModified());
+    EXPECT_EQ(m_Window->RecentFiles().value(0), QFileInfo(path).absoluteFilePath());
+
+    m_Window->NewDrawing();
+    EXPECT_EQ(m_Cad()->GetShapesCount(), 0);
+    ASSERT_TRUE(m_Window->OpenFile(path));
+    ASSERT_EQ(m_Cad()->GetShapesCount(), 2);
+    EXPECT_EQ(Box(m_Cad()->GetShapeByNo(1)), QRectF(QPointF(300, 300), QPointF(340, 380)));
+    EXPECT_FALSE(m_Window->isWindowModified());
+
+    // A damaged file: the reason is shown and the open drawing stays as it is.
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    file.resize(file.size() - 30);
+    file.close();
+    m_Window->NewDrawing();
+    DrawRectangle({10, 10}, {50, 50});
+    TBoxAnswer answer(QMessageBox::Ok);
+    EXPECT_FALSE(m_Window->OpenFile(path));
+    EXPECT_TRUE(answer.Text().contains(QStringLiteral("cannot be read")));
+    EXPECT_EQ(m_Cad()->GetShapesCount(), 1);
+    // A failed save keeps the old file and says why.
+    TBoxAnswer saveAnswer(QMessageBox::Ok);
+    EXPECT_FALSE(m_Window->Save(m_Dir.filePath(QStringLiteral("missing/x.tsd"))));
+    EXPECT_TRUE(saveAnswer.Text().contains(QStringLiteral("cannot be saved")));
+}
+
+TEST_F(EditorTest, CommandsLayersZoomAndTheUnsavedGuard)
+{
+    m_Cad()->SetSnap(false);
+    DrawRectangle({100, 100}, {200, 150});
+    DrawRectangle({140, 200}, {300, 260});
+    TShapeCommands *commands = m_Window->Commands();
+    m_Cad()->ClearWorkingShapes();
+    m_Window->NoteChange();
+    EXPECT_FALSE(commands->Action(QStringLiteral("group"))->isEnabled());
+    m_Window->SelectAll();
+    ASSERT_TRUE(commands->Action(QStringLiteral("alignLeft"))->isEnabled());
+    commands->Action(QStringLiteral("alignLeft"))->trigger();
+    EXPECT_EQ(Box(m_Cad()->GetShapeByNo(1)).left(), 100);
+    commands->Action(QStringLiteral("group"))->trigger();
+    EXPECT_EQ(m_Cad()->GetShapesCount(), 3);
+    EXPECT_EQ(m_Window->UndoText(), QStringLiteral("&Undo Group"));
+    m_Window->findChild<QAction *>(QStringLiteral("undo"))->trigger();
+    EXPECT_FALSE(m_Cad()->GetShapeByNo(0)->HasChildShapes());
+
+    // Layers: a new layer becomes current, its check box hides it.
+    TLayersPanel *layers = m_Window->Layers();
+    ASSERT_TRUE(layers->AddLayer(QStringLiteral("Top")));
+    const std::int32_t top = m_Cad()->GetLayerIdByName(QStringLiteral("Top"));
+    EXPECT_EQ(m_Cad()->CurrentLayerId(), top);
+    ASSERT_EQ(layers->List()->count(), 2);
+    layers->List()->item(1)->setCheckState(Qt::Unchecked);
+    EXPECT_FALSE(m_Cad()->IsVisibleLayerByID(top));
+    ASSERT_TRUE(layers->RenameCurrent(QStringLiteral("Upper")));
+    EXPECT_EQ(layers->List()->item(1)->text(), QStringLiteral("Upper"));
+
+    // A property edit in the inspector counts as a change of the drawing.
+    m_Cad()->SetModified(false);
+    m_Window->NoteChange();
+    ASSERT_FALSE(m_Window->isWindowModified());
+    m_Cad()->ClearWorkingShapes();
+    m_Cad()->AddWorkingShape(m_Cad()->GetShapeByNo(0));
+    m_Window->Inspector()->Refresh();
+    TInspectorGrid *grid = m_Window->Inspector()->Grid();
+    const QModelIndex caption = grid->ViewIndex({QStringLiteral("Caption")});
+    ASSERT_TRUE(caption.isValid());
+    ASSERT_TRUE(grid->View()->model()->setData(caption, QStringLiteral("Pump")));
+    EXPECT_EQ(m_Cad()->GetShapeByNo(0)->Caption(), QStringLiteral("Pump"));
+    EXPECT_TRUE(m_Window->isWindowModified());
+
+    // Ctrl+wheel zooms by one step per notch.
+    QWidget *viewport = m_Window->ScrollArea()->viewport();
+    const QPointF at(50, 50);
+    QWheelEvent wheel(at, viewport->mapToGlobal(at), {}, {0, 120}, Qt::NoButton,
+                      Qt::ControlModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(viewport, &wheel);
+    EXPECT_DOUBLE_EQ(m_Cad()->Zoom(), 1.25);
+
+    // Closing with changes asks first; Cancel keeps the window, Discard closes it.
+    ASSERT_TRUE(m_Cad()->Modified());
+    {
+        TBoxAnswer answer(QMessageBox::Cancel);
+        EXPECT_FALSE(m_Window->close());
+        EXPECT_TRUE(answer.Seen());
+        EXPECT_TRUE(m_Window->isVisible());
+    }
+    TBoxAnswer answer(QMessageBox::Discard);
+    EXPECT_TRUE(m_Window->close());
+    EXPECT_TRUE(answer.Seen());
+}
+
+TEST_F(EditorTest, ExportsEveryFormatAndPrints)
+{
+    m_Cad()->SetSnap(false);
+    DrawRectangle({60, 60}, {200, 140});
+    const QSize page = m_Cad()->PagePixelSize();
+    for (const char *name : {"p.png", "p.bmp", "p.jpg"}) {
+        SCOPED_TRACE(name);
+        const QString path = m_Dir.filePath(QString::fromLatin1(name));
+        ASSERT_TRUE(m_Window->ExportTo(path, false));
+        const QImage image(path);
+        EXPECT_EQ(image.size(), page);
+        // The rectangle's black outline at its left edge, white inside.
+        EXPECT_LT(qGray(image.pixel(60, 100)), 40);
+        EXPECT_GT(qGray(image.pixel(130, 100)), 215);
+    }
+    ASSERT_TRUE(m_Window->ExportTo(m_Dir.filePath(QStringLiteral("p.svg")), false));
+    EXPECT_EQ(QSvgRenderer(m_Dir.filePath(QStringLiteral("p.svg"))).viewBox().size(), page);
+    ASSERT_TRUE(m_Window->ExportTo(m_Dir.filePath(QStringLiteral("p.pdf")), false));
+    EXPECT_EQ(Head(m_Dir.filePath(QStringLiteral("p.pdf")), 5), QByteArray("%PDF-"));
+    const bool wmf = m_Window->Cad()->SaveToWmf(m_Dir.filePath(QStringLiteral("probe.wmf")));
+    if (wmf) {
+        ASSERT_TRUE(m_Window->ExportTo(m_Dir.filePath(QStringLiteral("p.wmf")), false));
+        EXPECT_EQ(Head(m_Dir.filePath(QStringLiteral("p.wmf")), 4),
+                  QByteArray("\xD7\xCD\xC6\x9A", 4));
+    }
+    // The selection: nothing selected is said, a selected shape is written alone.
+    m_Cad()->ClearWorkingShapes();
+    {
+        TBoxAnswer answer(QMessageBox::Ok);
+        EXPECT_FALSE(m_Window->ExportTo(m_Dir.filePath(QStringLiteral("s.png")), true));
+        EXPECT_EQ(answer.Text(), QStringLiteral("Nothing is selected."));
+    }
+    m_Window->SelectAll();
+    ASSERT_TRUE(m_Window->ExportTo(m_Dir.filePath(QStringLiteral("s.png")), true));
+    EXPECT_LT(QImage(m_Dir.filePath(QStringLiteral("s.png"))).width(), 200);
+
+    QPrinter printer(QPrinter::HighResolution);
+    printer.setOutputFormat(QPrinter::PdfFormat);
+    printer.setOutputFileName(m_Dir.filePath(QStringLiteral("print.pdf")));
+    ASSERT_TRUE(m_Window->PrintOn(&printer));
+    EXPECT_EQ(Head(m_Dir.filePath(QStringLiteral("print.pdf")), 5), QByteArray("%PDF-"));
+}
+
+TEST_F(EditorTest, LibraryEntriesArePreviewedAndInserted)
+{
+    TLibraryPanel *library = m_Window->Library();
+    const QString garbage = m_Dir.filePath(QStringLiteral("garbage.tsl"));
+    QFile file(garbage);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("not a library at all");
+    file.close();
+    {
+        TBoxAnswer answer(QMessageBox::Ok);
+        EXPECT_FALSE(library->OpenLibrary(garbage));
+        EXPECT_TRUE(answer.Text().contains(QStringLiteral("cannot be read")));
+    }
+    EXPECT_EQ(library->List()->count(), 0);
+    ASSERT_TRUE(
+        library->OpenLibrary(QStringLiteral(TESSAL_TEST_DATA_DIR "/libraries/two_shapes.tsl")));
+    ASSERT_EQ(library->List()->count(), 2);
+    const QIcon preview = library->List()->item(0)->icon();
+    ASSERT_FALSE(preview.isNull());
+    const QImage picture = preview.pixmap(64, 64).toImage();
+    bool drawn = false;
+    for (int y = 0; y < picture.height() && !drawn; ++y)
+        for (int x = 0; x < picture.width() && !drawn; ++x)
+            drawn = qGray(picture.pixel(x, y)) < 128;
+    EXPECT_TRUE(drawn) << "the preview shows the entry's shapes";
+
+    const std::int32_t before = m_Cad()->GetShapesCount();
+    ASSERT_EQ(library->List()->item(0)->text(), QStringLiteral("Door"));
+    ASSERT_TRUE(library->InsertEntry(QStringLiteral("Door")));
+    EXPECT_EQ(m_Cad()->GetShapesCount(), before + 2);
+    {
+        // An entry of connection points only has nothing to insert, and says so.
+        TBoxAnswer answer(QMessageBox::Ok);
+        EXPECT_FALSE(library->InsertEntry(QStringLiteral("Pin")));
+        EXPECT_TRUE(answer.Text().contains(QStringLiteral("no shapes")));
+    }
+    EXPECT_EQ(m_Window->UndoText(), QStringLiteral("&Undo Add"));
+    EXPECT_TRUE(m_Window->isWindowModified());
+    // Centred on the middle of the view: the door's 100 x 50 box around it.
+    const QPointF centre = m_Window->VisibleCentre();
+    QRectF box = Box(m_Cad()->GetShapeByNo(before));
+    for (std::int32_t no = before + 1; no < m_Cad()->GetShapesCount(); ++no)
+        box |= Box(m_Cad()->GetShapeByNo(no));
+    EXPECT_NEAR(box.center().x(), centre.x(), 1.0);
+    EXPECT_NEAR(box.center().y(), centre.y(), 1.0);
+
+    // Dragged from the list and dropped on the surface: centred where it was dropped.
+    m_Window->findChild<QAction *>(QStringLiteral("zoomIn"))->trigger();
+    const double zoom = m_Cad()->Zoom();
+    const std::unique_ptr<QMimeData> data(
+        library->List()->model()->mimeData({library->List()->model()->index(0, 0)}));
+    ASSERT_TRUE(data && data->hasFormat(TLibraryPanel::EntryMimeType()));
+    const QPoint at(500, 400);
+    QDragEnterEvent enter(at, Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(m_Cad(), &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent drop(at, Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(m_Cad(), &drop);
+    ASSERT_EQ(m_Cad()->GetShapesCount(), before + 4);
+    QRectF dropped = Box(m_Cad()->GetShapeByNo(before + 2));
+    dropped |= Box(m_Cad()->GetShapeByNo(before + 3));
+    EXPECT_NEAR(dropped.center().x(), at.x() / zoom, 1.0);
+    EXPECT_NEAR(dropped.center().y(), at.y() / zoom, 1.0);
+}
+
+TEST_F(EditorTest, DroppedDrawingOpensAndTheContextMenuOffersTheCommands)
+{
+    m_Cad()->SetSnap(false);
+    DrawRectangle({40, 40}, {90, 90});
+    const QString path = m_Dir.filePath(QStringLiteral("dropped.tsd"));
+    ASSERT_TRUE(m_Window->Save(path));
+    m_Window->NewDrawing();
+
+    auto *data = new QMimeData;
+    data->setUrls({QUrl::fromLocalFile(path)});
+    const QPoint at(400, 300);
+    QDragEnterEvent enter(at, Qt::CopyAction, data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(m_Window.get(), &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent drop(at, Qt::CopyAction, data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(m_Window.get(), &drop);
+    QTRY_COMPARE(m_Window->FileName(), QFileInfo(path).absoluteFilePath());
+    EXPECT_EQ(m_Cad()->GetShapesCount(), 1);
+    delete data;
+
+    // A right click on the surface opens the shape commands.
+    QStringList offered;
+    QTimer::singleShot(50, [&offered] {
+        if (QWidget *popup = QApplication::activePopupWidget()) {
+            for (QAction *action : popup->actions())
+                if (!action->isSeparator())
+                    offered << action->text();
+            popup->close();
+        }
+    });
+    QContextMenuEvent menu(QContextMenuEvent::Mouse, QPoint(60, 60),
+                           m_Cad()->mapToGlobal(QPoint(60, 60)));
+    QApplication::sendEvent(m_Cad(), &menu);
+    EXPECT_TRUE(offered.contains(QStringLiteral("&Group")));
+    EXPECT_TRUE(offered.contains(QStringLiteral("Bring to &Front")));
+    EXPECT_TRUE(offered.contains(QStringLiteral("Cu&t")));
+}
+
+// A picture of the window with a drawing, the palette, the docks and the rulers, for
+// people to look at.
+TEST_F(EditorTest, WritesAScreenshot)
+{
+    m_Cad()->SetSnap(false);
+    DrawRectangle({80, 80}, {300, 200});
+    m_Window->Palette()->ActionFor(TDrawTool::SpEllipse)->trigger();
+    Drag({350, 120}, {520, 260});
+    m_Window->resize(1200, 850);
+    QApplication::processEvents();
+    const QImage shot = m_Window->grab().toImage();
+    ASSERT_FALSE(shot.isNull());
+    const QString path = QStringLiteral(TESSAL_EDITOR_SCREENSHOT);
+    ASSERT_TRUE(shot.save(path)) << path.toStdString();
+    std::cout << "screenshot written to " << path.toStdString() << "\n";
+}
