@@ -177,8 +177,7 @@ int RunSave(int count, const QString &file)
         return 1;
     }
     const double save = double(timer.nsecsElapsed()) / 1e6;
-    std::printf("code_ms=%.2f save_ms=%.2f bytes=%lld\n", build, save,
-                QFileInfo(file).size());
+    std::printf("code_ms=%.2f save_ms=%.2f bytes=%lld\n", build, save, QFileInfo(file).size());
     return 0;
 }
 
@@ -264,16 +263,15 @@ TSizeResult RunSize(int count, int runs, const QString &dir)
     std::printf("%d shapes (medians of %d runs; every run in brackets)\n", count, runs);
     std::printf("  build by code        %9.1f ms   [%s]\n", save.Med("code_ms"),
                 save.All("code_ms").c_str());
-    std::printf("  save                 %9.1f ms   [%s]  %.1f bytes a shape\n",
-                save.Med("save_ms"), save.All("save_ms").c_str(), save.Med("bytes") / count);
+    std::printf("  save                 %9.1f ms   [%s]  %.1f bytes a shape\n", save.Med("save_ms"),
+                save.All("save_ms").c_str(), save.Med("bytes") / count);
     std::printf("  open + index         %9.1f ms   [%s]\n", open.Med("open_ms"),
                 open.All("open_ms").c_str());
     std::printf("  scene build + index  %9.1f ms   [%s]\n", scene.Med("build_ms"),
                 scene.All("build_ms").c_str());
     std::printf("  open / scene         %9.2f\n", open.Med("open_ms") / scene.Med("build_ms"));
-    std::printf("  memory: drawing %.1f MB, scene %.1f MB, ratio %.2f\n",
-                open.Med("rss_kb") / 1024, scene.Med("rss_kb") / 1024,
-                open.Med("rss_kb") / scene.Med("rss_kb"));
+    std::printf("  memory: drawing %.1f MB, scene %.1f MB, ratio %.2f\n", open.Med("rss_kb") / 1024,
+                scene.Med("rss_kb") / 1024, open.Med("rss_kb") / scene.Med("rss_kb"));
     std::fflush(stdout);
     QFile::remove(file);
     return {open.Med("open_ms"), open.Med("rss_kb"), scene.Med("build_ms"), scene.Med("rss_kb")};
