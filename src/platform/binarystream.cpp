@@ -73,8 +73,14 @@ void BinaryStream::Skip(std::int64_t count)
 
 std::uint64_t BinaryStream::ReadLittle(int size)
 {
-    std::uint8_t bytes[8];
-    ReadRaw(bytes, size);
+    std::uint8_t local[8];
+    const std::uint8_t *bytes = local;
+    if (m_Data && size <= m_Size - m_Offset) {
+        bytes = reinterpret_cast<const std::uint8_t *>(m_Data + m_Offset);
+        m_Offset += size;
+    } else {
+        ReadRaw(local, size);
+    }
     std::uint64_t v = 0;
     for (int i = size - 1; i >= 0; --i)
         v = (v << 8) | bytes[i];
@@ -94,7 +100,10 @@ void BinaryStream::WriteRaw(const void *data, std::int64_t count)
     if (count <= 0)
         return;
     if (m_Out) {
-        m_Out->append(static_cast<const char *>(data), qsizetype(count));
+        // Growing in place and copying is several times faster than a general append.
+        const qsizetype at = m_Out->size();
+        m_Out->resize(at + qsizetype(count));
+        std::memcpy(m_Out->data() + at, data, std::size_t(count));
         return;
     }
     if (!m_Device || m_Device->write(static_cast<const char *>(data), count) != count)
