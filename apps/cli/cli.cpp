@@ -10,6 +10,11 @@
 #include <tessal/surface/cad.h>
 
 #include <QFile>
+#include <QFileInfo>
+
+#include <cstdio>
+
+#include <unistd.h>
 
 namespace tessal::Cli {
 
@@ -46,6 +51,23 @@ int Fail(TIo io, const QString &reason)
     return ExitFailure;
 }
 
+// Files above this size take long enough to read that a person at a terminal wants to see
+// that something happens.
+constexpr qint64 ProgressFileSize = 4 << 20;
+
+// Rewrites one line of standard error with the percentage read, only when it changes.
+TProgressEvent ProgressLine(const QString &name)
+{
+    return [name, shown = -1](TMyCAD *, std::int64_t done, std::int64_t total, bool &) mutable {
+        const int percent = total > 0 ? int(done * 100 / total) : 100;
+        if (percent == shown)
+            return;
+        shown = percent;
+        std::fprintf(stderr, "\rreading %s: %3d%%", qPrintable(name), percent);
+        std::fflush(stderr);
+    };
+}
+
 std::unique_ptr<TMyCAD> LoadDrawing(const QString &fileName, QString &error)
 {
     // A file that cannot be opened gets the system's reason rather than "not a drawing".
@@ -54,10 +76,19 @@ std::unique_ptr<TMyCAD> LoadDrawing(const QString &fileName, QString &error)
         error = QStringLiteral("%1: %2").arg(fileName, file.errorString());
         return nullptr;
     }
+    const qint64 size = file.size();
     file.close();
     TMyCAD::SetNoLayerHandler([](TMyCAD *) {});
     auto cad = std::make_unique<TMyCAD>();
-    if (!cad->LoadFromFile(fileName)) {
+    const bool progress = size > ProgressFileSize && isatty(STDERR_FILENO);
+    if (progress)
+        cad->SetOnProgress(ProgressLine(QFileInfo(fileName).fileName()));
+    const bool loaded = cad->LoadFromFile(fileName);
+    if (progress) {
+        std::fputs("\r\033[K", stderr); // the line goes away once the work is done
+        cad->SetOnProgress({});
+    }
+    if (!loaded) {
         const QString &reason = cad->LastError();
         error = reason.contains(fileName) ? reason : QStringLiteral("%1: %2").arg(fileName, reason);
         return nullptr;

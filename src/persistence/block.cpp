@@ -75,7 +75,9 @@ bool TMyCAD::LoadFromStreamforBlock(QIODevice *stream, TBlockLayerMode mode)
     try {
         if (!stream->seek(0))
             throw TStreamError("the stream cannot be read from its start");
-        BinaryStream s(stream);
+        // Read from memory: a block can be as big as any drawing.
+        const QByteArray bytes = stream->readAll();
+        BinaryStream s(bytes.constData(), bytes.size());
         ReadDrawingSettings(s, true); // a block never makes the drawing smaller
         const std::vector<TLayer> blockLayers = ReadBlockLayers(s);
         ReadBlockShapes(s);

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 // Saving and loading a whole drawing: header, settings, user data, layers and shapes.
 #include <tessal/persistence/drawingfile.h>
+#include <tessal/persistence/drawingfile_p.h>
 #include <tessal/surface/cad.h>
 
 #include <tessal/platform/binarystream.h>
 #include <tessal/platform/streamprimitives.h>
 #include <tessal/shapes/shape.h>
 
+#include <QBuffer>
 #include <QFile>
 #include <QSaveFile>
 
@@ -81,9 +83,77 @@ std::int32_t NextAfter(std::int32_t largest)
     return largest == std::numeric_limits<std::int32_t>::max() ? largest : largest + 1;
 }
 
+// Only exactly 1 reads as visible; the next free layer identity follows the largest read.
+std::vector<TLayer> ReadLayers(BinaryStream &stream, std::int32_t &currentId,
+                               std::int32_t &idCounter)
+{
+    std::vector<TLayer> layers;
+    std::int32_t largest = 0;
+    for (std::int32_t i = ReadCount(stream, 12); i > 0; --i) {
+        TLayer layer;
+        layer.Name = ReadCountedText(stream);
+        layer.Id = stream.ReadInt32();
+        layer.Visible = stream.ReadInt32() == 1;
+        largest = std::max(largest, layer.Id);
+        layers.push_back(layer);
+    }
+    currentId = stream.ReadInt32();
+    idCounter = NextAfter(largest);
+    return layers;
+}
+
 } // namespace
 
+// ---- Progress ----
+
+// A report every this many shapes keeps the handler's cost out of sight, yet moves a
+// progress bar smoothly for a million shapes.
+constexpr std::int64_t ProgressStep = 4096;
+
+void TMyCAD::ReportProgress(std::int64_t done, std::int64_t total) const
+{
+    if (!m_OnProgress)
+        return;
+    bool cancel = false;
+    m_OnProgress(const_cast<TMyCAD *>(this), done, total, cancel);
+    if (cancel)
+        throw TLoadCancelled();
+}
+
 // ---- Saving ----
+
+// The bytes gather in memory and go to the device in pieces of about this size: a drawing
+// is millions of small values, each of which would otherwise be a call into the device.
+constexpr qsizetype WriteChunk = 1 << 20;
+
+void TMyCAD::WriteDrawing(BinaryStream &s, const std::function<void()> &flush) const
+{
+    WriteHeader(s);
+    s.WriteUInt32(m_ColorOfBackGround);
+    s.WriteInt32(Unzoomed(width(), m_Zoom));
+    s.WriteInt32(Unzoomed(height(), m_Zoom));
+    s.WriteUInt8(std::uint8_t(m_TheUNIT));
+    if (!WriteBitmapBuffer(s, m_BkBitmap))
+        throw TStreamError("writing the background picture failed");
+    s.WriteInt32(std::int32_t(m_BkBitmapMode));
+    s.WriteDouble(m_Ratio);
+    s.WriteInt32(m_Tag);
+    WriteUserData(s, m_UserData);
+    WriteLayers(s, m_Layers);
+    s.WriteInt32(m_CurrentLayerId);
+    const std::int64_t count = GetShapesCount();
+    s.WriteInt32(std::int32_t(count));
+    ReportProgress(0, count);
+    std::int64_t done = 0;
+    for (const auto &shape : m_Shapes) {
+        WriteFixedText(s, shape->ClassName(), DrawingFile::ClassNameWidth);
+        shape->SaveToStream(s);
+        flush();
+        if (++done % ProgressStep == 0)
+            ReportProgress(done, count);
+    }
+    ReportProgress(count, count);
+}
 
 bool TMyCAD::SaveToStream(QIODevice *stream) const
 {
@@ -92,31 +162,28 @@ bool TMyCAD::SaveToStream(QIODevice *stream) const
         m_LastError = QStringLiteral("the stream is not open for writing");
         return false;
     }
+    QByteArray chunk;
+    chunk.reserve(WriteChunk + WriteChunk / 4);
+    const auto pass = [&chunk, stream](qsizetype least) {
+        if (chunk.size() < least)
+            return;
+        if (stream->write(chunk) != chunk.size())
+            throw TStreamError("write failed at offset " + std::to_string(stream->pos()));
+        chunk.resize(0);
+    };
     try {
-        BinaryStream s(stream);
-        WriteHeader(s);
-        s.WriteUInt32(m_ColorOfBackGround);
-        s.WriteInt32(Unzoomed(width(), m_Zoom));
-        s.WriteInt32(Unzoomed(height(), m_Zoom));
-        s.WriteUInt8(std::uint8_t(m_TheUNIT));
-        if (!WriteBitmapBuffer(s, m_BkBitmap))
-            throw TStreamError("writing the background picture failed");
-        s.WriteInt32(std::int32_t(m_BkBitmapMode));
-        s.WriteDouble(m_Ratio);
-        s.WriteInt32(m_Tag);
-        WriteUserData(s, m_UserData);
-        WriteLayers(s, m_Layers);
-        s.WriteInt32(m_CurrentLayerId);
-        s.WriteInt32(GetShapesCount());
-        for (const auto &shape : m_Shapes) {
-            WriteFixedText(s, shape->ClassName(), DrawingFile::ClassNameWidth);
-            shape->SaveToStream(s);
-        }
+        BinaryStream s(&chunk);
+        WriteDrawing(s, [&pass] { pass(WriteChunk); });
+        pass(1);
         return true;
     } catch (const TStreamError &e) {
         m_LastError = QString::fromStdString(e.what());
-        return false;
+    } catch (const TLoadCancelled &) {
+        m_LastError = QStringLiteral("saving was cancelled");
+    } catch (const std::bad_alloc &) {
+        m_LastError = QStringLiteral("out of memory");
     }
+    return false;
 }
 
 bool TMyCAD::SaveToFile(const QString &fileName)
@@ -153,6 +220,8 @@ bool TMyCAD::IsZEDAFile(const QString &fileName)
     }
 }
 
+// The file is read from a mapping of it where the system allows, so that its pages are
+// neither copied nor kept once the drawing is built.
 bool TMyCAD::LoadFromFile(const QString &fileName)
 {
     if (!IsZEDAFile(fileName)) {
@@ -164,8 +233,10 @@ bool TMyCAD::LoadFromFile(const QString &fileName)
         m_LastError = file.errorString();
         return false;
     }
-    DeleteAllShapes();
-    return LoadFromStream(&file);
+    if (const uchar *mapped = file.map(0, file.size()))
+        return LoadFromMemory(reinterpret_cast<const char *>(mapped), file.size());
+    const QByteArray bytes = file.readAll();
+    return LoadFromMemory(bytes.constData(), bytes.size());
 }
 
 bool TMyCAD::LoadFromStream(QIODevice *stream)
@@ -175,19 +246,57 @@ bool TMyCAD::LoadFromStream(QIODevice *stream)
         m_LastError = QStringLiteral("the stream is not open for reading");
         return false;
     }
-    ResetForLoad();
+    if (!stream->seek(0)) {
+        m_LastError = QStringLiteral("the stream cannot be read from its start");
+        return false;
+    }
+    if (const auto *buffer = qobject_cast<const QBuffer *>(stream))
+        return LoadFromMemory(buffer->data().constData(), buffer->data().size());
+    QByteArray bytes;
     try {
-        if (!stream->seek(0))
-            throw TStreamError("the stream cannot be read from its start");
-        BinaryStream s(stream);
-        ReadDrawingSettings(s);
-        ReadLayerTable(s);
-        ReadShapeList(s);
+        bytes = stream->readAll();
+    } catch (const std::bad_alloc &) {
+        m_LastError = QStringLiteral("out of memory");
+        return false;
+    }
+    return LoadFromMemory(bytes.constData(), bytes.size());
+}
+
+// The whole file is read before the drawing changes. A cancelled load then leaves it as it
+// was; a damaged file replaces it with what could be read, as callers of the stream
+// reader rely on.
+bool TMyCAD::LoadFromMemory(const char *data, std::int64_t size)
+{
+    m_LastError.clear();
+    const QString formerVersion = m_DiskFileVersion;
+    const bool formerLoading = IsLoading();
+    SetLoading(true);
+    TLoadedDrawing drawing;
+    bool cancelled = false;
+    try {
+        BinaryStream s(data, size);
+        drawing.Settings = ReadDrawingSettingsOnly(s);
+        // Shape records are read in the layout the header names.
+        m_DiskFileVersion = drawing.Settings->Version;
+        drawing.Layers = ReadLayers(s, drawing.CurrentLayerId, drawing.LayerIdCounter);
+        std::int32_t largest = 0;
+        ReadShapeList(s, drawing.Shapes, largest);
+        drawing.ShapeIdCounter = NextAfter(largest);
     } catch (const TStreamError &e) {
         m_LastError = QString::fromStdString(e.what());
+    } catch (const TLoadCancelled &) {
+        cancelled = true;
     } catch (const std::bad_alloc &) {
         m_LastError = QStringLiteral("out of memory");
     }
+    if (cancelled) {
+        drawing.Shapes.clear(); // while the loading flag still says so
+        m_DiskFileVersion = formerVersion;
+        SetLoading(formerLoading);
+        m_LastError = QStringLiteral("loading was cancelled");
+        return false;
+    }
+    CommitLoadedDrawing(drawing);
     SetLoading(false);
     ShapesRenumbered();
     Invalidate();
@@ -207,74 +316,106 @@ void TMyCAD::ResetForLoad()
     m_Layers.clear();
 }
 
-// The header and the drawing's own settings. A drawing takes the stored size; a block
-// (growOnly) only enlarges the control where it is larger. Either way the shape records
-// that follow are read in the stream's own layout.
-void TMyCAD::ReadDrawingSettings(BinaryStream &stream, bool growOnly)
+// Whatever was read completely replaces the drawing. Without a layer table nothing can
+// hold the shapes: the no-layer handler runs and the load fails.
+void TMyCAD::CommitLoadedDrawing(TLoadedDrawing &drawing)
 {
+    ResetForLoad();
+    if (drawing.Settings)
+        ApplyDrawingSettings(*drawing.Settings, false);
+    if (drawing.Layers) {
+        m_Layers = std::move(*drawing.Layers);
+        m_CurrentLayerId = drawing.CurrentLayerId;
+        m_LayerIdCounter = drawing.LayerIdCounter;
+    }
+    if (!drawing.Shapes.empty()) {
+        if (m_Layers.empty()) {
+            if (!AddShapeforLoadfromStream(0, drawing.Shapes.front().get(), false) &&
+                m_LastError.isEmpty())
+                m_LastError = QStringLiteral("the drawing has no layer to hold its shapes");
+            drawing.Shapes.clear();
+        } else {
+            m_Shapes = std::move(drawing.Shapes);
+        }
+    }
+    if (drawing.ShapeIdCounter && m_LastError.isEmpty())
+        m_ShapeIdCounter = *drawing.ShapeIdCounter;
+}
+
+TDrawingSettings ReadDrawingSettingsOnly(BinaryStream &stream)
+{
+    TDrawingSettings settings;
     ReadFixedText(stream, DrawingFile::TagWidth);
     ReadFixedText(stream, DrawingFile::TitleWidth);
-    m_DiskFileVersion = ReadFixedText(stream, DrawingFile::VersionWidth).trimmed();
+    settings.Version = ReadFixedText(stream, DrawingFile::VersionWidth).trimmed();
     ReadFixedText(stream, DrawingFile::DateWidth);
     ReadFixedText(stream, DrawingFile::ReservedWidth);
 
-    m_ColorOfBackGround = stream.ReadUInt32();
-    const std::int32_t w = stream.ReadInt32();
-    const std::int32_t h = stream.ReadInt32();
-    if (w < 0 || h < 0 || w > MaxControlSide || h > MaxControlSide)
-        throw TStreamError("implausible drawing size " + std::to_string(w) + " x " +
-                           std::to_string(h));
+    settings.Background = stream.ReadUInt32();
+    settings.Width = stream.ReadInt32();
+    settings.Height = stream.ReadInt32();
+    if (settings.Width < 0 || settings.Height < 0 || settings.Width > MaxControlSide ||
+        settings.Height > MaxControlSide)
+        throw TStreamError("implausible drawing size " + std::to_string(settings.Width) + " x " +
+                           std::to_string(settings.Height));
+    const std::uint8_t unit = stream.ReadUInt8();
+    if (unit > std::uint8_t(TUnits::inch))
+        throw TStreamError("invalid unit " + std::to_string(unit));
+    settings.Unit = TUnits(unit);
+    ReadBitmapBuffer(stream, settings.Picture); // a picture the decoder refuses leaves none
+    const std::int32_t mode = stream.ReadInt32();
+    if (mode < 0 || mode > std::int32_t(TBkBitmapMode::LeftTop))
+        throw TStreamError("invalid background mode " + std::to_string(mode));
+    settings.PictureMode = TBkBitmapMode(mode);
+    settings.Ratio = stream.ReadDouble();
+    settings.HasUserData = HasDrawingUserData(settings.Version);
+    if (!settings.HasUserData)
+        return settings;
+    settings.Tag = stream.ReadInt32();
+    for (std::int32_t i = ReadCount(stream, 8); i > 0; --i) {
+        QString key = ReadCountedText(stream);
+        settings.UserData.push_back({key, ReadCountedText(stream)});
+    }
+    return settings;
+}
+
+// A drawing takes the stored size; a block (growOnly) only enlarges the control where it is
+// larger. Either way the shape records that follow are read in the stream's own layout.
+void TMyCAD::ApplyDrawingSettings(const TDrawingSettings &settings, bool growOnly)
+{
+    m_DiskFileVersion = settings.Version;
+    m_ColorOfBackGround = settings.Background;
+    const std::int32_t w = settings.Width;
+    const std::int32_t h = settings.Height;
     if (!growOnly)
         resize(w, h);
     else if (w > width() || h > height())
         resize(std::max(w, width()), std::max(h, height()));
-    const std::uint8_t unit = stream.ReadUInt8();
-    if (unit > std::uint8_t(TUnits::inch))
-        throw TStreamError("invalid unit " + std::to_string(unit));
-    m_TheUNIT = TUnits(unit);
-    TBitmap picture;
-    ReadBitmapBuffer(stream, picture); // a picture the decoder refuses leaves none
-    m_BkBitmap = picture;
-    const std::int32_t mode = stream.ReadInt32();
-    if (mode < 0 || mode > std::int32_t(TBkBitmapMode::LeftTop))
-        throw TStreamError("invalid background mode " + std::to_string(mode));
-    m_BkBitmapMode = TBkBitmapMode(mode);
-    m_Ratio = stream.ReadDouble();
-    if (!HasDrawingUserData(m_DiskFileVersion))
+    m_TheUNIT = settings.Unit;
+    m_BkBitmap = settings.Picture;
+    m_BkBitmapMode = settings.PictureMode;
+    m_Ratio = settings.Ratio;
+    if (!settings.HasUserData)
         return;
-    m_Tag = stream.ReadInt32();
+    m_Tag = settings.Tag;
     std::vector<TUserDataRecord> records = m_UserData.Records();
-    for (std::int32_t i = ReadCount(stream, 8); i > 0; --i) {
-        QString key = ReadCountedText(stream);
-        records.push_back({key, ReadCountedText(stream)});
-    }
+    records.insert(records.end(), settings.UserData.begin(), settings.UserData.end());
     m_UserData.SetUserDataRecord(records);
 }
 
-// Only exactly 1 reads as visible; the next free layer identity follows the largest read.
-void TMyCAD::ReadLayerTable(BinaryStream &stream)
+void TMyCAD::ReadDrawingSettings(BinaryStream &stream, bool growOnly)
 {
-    std::int32_t largest = 0;
-    for (std::int32_t i = ReadCount(stream, 12); i > 0; --i) {
-        TLayer layer;
-        layer.Name = ReadCountedText(stream);
-        layer.Id = stream.ReadInt32();
-        layer.Visible = stream.ReadInt32() == 1;
-        largest = std::max(largest, layer.Id);
-        m_Layers.push_back(layer);
-    }
-    m_CurrentLayerId = stream.ReadInt32();
-    m_LayerIdCounter = NextAfter(largest);
+    ApplyDrawingSettings(ReadDrawingSettingsOnly(stream), growOnly);
 }
 
 // Every shape returns to its stored place with its stored numbers and relations, so no
-// renumbering or re-binding follows. The next free identities are only set once every
-// shape was read.
-void TMyCAD::ReadShapeList(BinaryStream &stream)
+// renumbering or re-binding follows.
+void TMyCAD::ReadShapeList(BinaryStream &stream, std::vector<std::unique_ptr<TMyShape>> &shapes,
+                           std::int32_t &largestId)
 {
     const std::int32_t count = ReadCount(stream, DrawingFile::ClassNameWidth);
-    m_Shapes.reserve(std::size_t(count));
-    std::int32_t largest = 0;
+    shapes.reserve(std::size_t(count));
+    ReportProgress(0, count);
     for (std::int32_t i = 0; i < count; ++i) {
         const QString className = ReadFixedText(stream, DrawingFile::ClassNameWidth).trimmed();
         std::unique_ptr<TMyShape> shape = CreateShapeByName(className);
@@ -283,15 +424,12 @@ void TMyCAD::ReadShapeList(BinaryStream &stream)
                                "\" at offset " + std::to_string(stream.Pos() - 16));
         shape->LoadFromStream(stream);
         shape->SetCenterPoint(shape->GetCenterPoint());
-        largest = std::max(largest, shape->ShapeId());
-        m_Shapes.emplace_back();
-        if (!AddShapeforLoadfromStream(i, shape.get(), true)) {
-            m_Shapes.pop_back();
-            throw TStreamError("the drawing has no layer to hold its shapes");
-        }
-        shape.release();
+        largestId = std::max(largestId, shape->ShapeId());
+        shapes.push_back(std::move(shape));
+        if ((i + 1) % ProgressStep == 0)
+            ReportProgress(i + 1, count);
     }
-    m_ShapeIdCounter = NextAfter(largest);
+    ReportProgress(count, count);
 }
 
 bool TMyCAD::AddShapeforLoadfromStream(std::int32_t index, TMyShape *shape, bool preallocated)

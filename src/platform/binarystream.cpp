@@ -2,6 +2,7 @@
 // Little-endian value encoding, and the portable conversion of the 10-byte extended float.
 #include <tessal/platform/binarystream.h>
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstring>
@@ -10,9 +11,18 @@
 
 namespace tessal {
 
+std::int64_t BinaryStream::Pos() const
+{
+    if (m_Device)
+        return m_Device->pos();
+    return m_Out ? std::int64_t(m_Out->size()) : m_Offset;
+}
+
 std::int64_t BinaryStream::BytesLeft() const
 {
-    return m_Device->bytesAvailable();
+    if (m_Device)
+        return m_Device->bytesAvailable();
+    return m_Out ? 0 : m_Size - m_Offset;
 }
 
 void BinaryStream::RequireBytes(std::int64_t count, std::int64_t elementSize) const
@@ -27,8 +37,19 @@ void BinaryStream::ReadRaw(void *data, std::int64_t count)
 {
     if (count <= 0)
         return;
-    if (m_Device->read(static_cast<char *>(data), count) != count)
-        throw TStreamError("unexpected end of stream at offset " + std::to_string(Pos()));
+    if (!m_Device) {
+        // A short read takes what is left, as a device does, so the offset in the message
+        // and the next read behave alike.
+        const std::int64_t have = std::min(count, m_Size - m_Offset);
+        if (have > 0)
+            std::memcpy(data, m_Data + m_Offset, std::size_t(have));
+        m_Offset += std::max<std::int64_t>(have, 0);
+        if (have == count)
+            return;
+    } else if (m_Device->read(static_cast<char *>(data), count) == count) {
+        return;
+    }
+    throw TStreamError("unexpected end of stream at offset " + std::to_string(Pos()));
 }
 
 QByteArray BinaryStream::ReadBytes(std::int64_t count)
@@ -42,14 +63,24 @@ QByteArray BinaryStream::ReadBytes(std::int64_t count)
 void BinaryStream::Skip(std::int64_t count)
 {
     RequireBytes(count, 1);
+    if (!m_Device) {
+        m_Offset += count;
+        return;
+    }
     if (m_Device->skip(count) != count)
         throw TStreamError("unexpected end of stream at offset " + std::to_string(Pos()));
 }
 
 std::uint64_t BinaryStream::ReadLittle(int size)
 {
-    std::uint8_t bytes[8];
-    ReadRaw(bytes, size);
+    std::uint8_t local[8];
+    const std::uint8_t *bytes = local;
+    if (m_Data && size <= m_Size - m_Offset) {
+        bytes = reinterpret_cast<const std::uint8_t *>(m_Data + m_Offset);
+        m_Offset += size;
+    } else {
+        ReadRaw(local, size);
+    }
     std::uint64_t v = 0;
     for (int i = size - 1; i >= 0; --i)
         v = (v << 8) | bytes[i];
@@ -68,7 +99,14 @@ void BinaryStream::WriteRaw(const void *data, std::int64_t count)
 {
     if (count <= 0)
         return;
-    if (m_Device->write(static_cast<const char *>(data), count) != count)
+    if (m_Out) {
+        // Growing in place and copying is several times faster than a general append.
+        const qsizetype at = m_Out->size();
+        m_Out->resize(at + qsizetype(count));
+        std::memcpy(m_Out->data() + at, data, std::size_t(count));
+        return;
+    }
+    if (!m_Device || m_Device->write(static_cast<const char *>(data), count) != count)
         throw TStreamError("write failed at offset " + std::to_string(Pos()));
 }
 

@@ -18,17 +18,30 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-// Reads and writes fixed-width little-endian values at the device's current position. The
-// stream does not own the device, which must be open in the needed mode.
+// Reads and writes fixed-width little-endian values, either at a device's current position
+// or on memory. Memory streams exist for speed: a big drawing is millions of small values,
+// and a device pays a virtual call (and for a file, a status query per size check) on each.
+// The stream owns neither the device nor the memory, which must outlive it.
 class BinaryStream
 {
 public:
     explicit BinaryStream(QIODevice *device)
         : m_Device(device)
     {}
+    // Reads size bytes at data; Pos() counts from data.
+    BinaryStream(const char *data, std::int64_t size)
+        : m_Data(data)
+        , m_Size(size)
+    {}
+    // Appends everything written to out; Pos() is out's size. The owner may take the bytes
+    // away between writes (to pass them on to a device in pieces); Pos() then restarts.
+    explicit BinaryStream(QByteArray *out)
+        : m_Out(out)
+    {}
 
+    // Null for a memory stream.
     QIODevice *Device() const { return m_Device; }
-    std::int64_t Pos() const { return m_Device->pos(); }
+    std::int64_t Pos() const;
     // Bytes that can still be read before the end of the device.
     std::int64_t BytesLeft() const;
     // Throws TStreamError unless count elements of elementSize bytes can still be read; call
@@ -73,7 +86,11 @@ private:
     std::uint64_t ReadLittle(int size);
     void WriteLittle(std::uint64_t v, int size);
 
-    QIODevice *m_Device;
+    QIODevice *m_Device = nullptr;
+    const char *m_Data = nullptr;
+    std::int64_t m_Size = 0;
+    std::int64_t m_Offset = 0;
+    QByteArray *m_Out = nullptr;
 };
 
 // The x87 extended encoding on its own, for callers that hold the bytes already.

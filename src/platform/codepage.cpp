@@ -24,6 +24,22 @@ QByteArray &CurrentCodePage()
     return name;
 }
 
+// Whether the current code page reads bytes 0 to 127 as the same code points. Nearly every
+// stored text is plain ASCII, which then needs no conversion at all.
+bool &AsciiCompatible()
+{
+    static bool compatible = true;
+    return compatible;
+}
+
+bool IsAscii(const QByteArray &bytes)
+{
+    for (const char c : bytes)
+        if (static_cast<unsigned char>(c) >= 0x80)
+            return false;
+    return true;
+}
+
 // Owns one iconv conversion descriptor.
 class Converter
 {
@@ -97,6 +113,11 @@ bool SetAnsiCodePage(const QByteArray &name)
     if (!to.IsValid() || !from.IsValid())
         return false;
     CurrentCodePage() = name;
+    QByteArray ascii(128, Qt::Uninitialized);
+    for (int i = 0; i < 128; ++i)
+        ascii[i] = char(i);
+    AsciiCompatible() = false; // measured by the full conversion
+    AsciiCompatible() = FromAnsi(ascii) == QString::fromLatin1(ascii);
     return true;
 }
 
@@ -111,6 +132,10 @@ QByteArray ToAnsi(const QString &text)
 
 QString FromAnsi(const QByteArray &bytes)
 {
+    if (bytes.isEmpty())
+        return {};
+    if (AsciiCompatible() && IsAscii(bytes))
+        return QString::fromLatin1(bytes);
     Converter c(kUtf16, CurrentCodePage().constData());
     if (!c.IsValid())
         return {};

@@ -20,11 +20,23 @@ std::int32_t StoredBytes(std::int32_t length)
 
 void WriteStrBuffer(BinaryStream &stream, const QString &text, std::int32_t count)
 {
-    QByteArray bytes(count, ' ');
+    if (count <= 0)
+        return;
+    // Every caller writes at most 255 bytes; a buffer on the stack spares an allocation per
+    // text, which a big drawing has millions of.
+    char local[256];
+    QByteArray large;
+    char *bytes = local;
+    if (count > std::int32_t(sizeof local)) {
+        large.resize(count);
+        bytes = large.data();
+    }
     const std::int32_t have = std::min<std::int32_t>(count, std::int32_t(text.size()));
+    const QChar *chars = text.constData();
     for (std::int32_t i = 0; i < have; ++i)
-        bytes[i] = char(text.at(i).unicode() & 0xFF);
-    stream.WriteBytes(bytes);
+        bytes[i] = char(chars[i].unicode() & 0xFF);
+    std::fill(bytes + have, bytes + count, ' ');
+    stream.WriteRaw(bytes, count);
 }
 
 QString ReadStrBuffer(BinaryStream &stream, std::int32_t count)

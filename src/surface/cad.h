@@ -37,8 +37,10 @@ namespace tessal {
 class BinaryStream;
 class TMyShape;
 class TMyLinkLine;
-class TShapeIndex;   // spatial index of the shapes (private to the surface)
-class TMouseMachine; // the gesture state machine (private to the surface)
+class TShapeIndex;       // spatial index of the shapes (private to the surface)
+class TMouseMachine;     // the gesture state machine (private to the surface)
+struct TDrawingSettings; // a drawing file's settings, read before they are applied
+struct TLoadedDrawing;   // a whole drawing file, read before it replaces the drawing
 
 // The action names of undo records.
 inline const QString ACT_ADD = QStringLiteral("ACT_ADD");
@@ -662,7 +664,8 @@ public:
     bool SaveToFile(const QString &fileName);
     // Replaces the drawing with the stream's contents, read from position 0. On failure the
     // drawing keeps what was read up to the fault, the undo history stays, the next free
-    // identities do not change, and LastError() says why.
+    // identities do not change, and LastError() says why. When OnProgress cancels, the
+    // drawing stays exactly as it was.
     bool LoadFromStream(QIODevice *stream);
     // False, with the drawing untouched, unless IsZEDAFile accepts the file.
     bool LoadFromFile(const QString &fileName);
@@ -980,6 +983,10 @@ public:
     void SetOnNodeDeleted(const TNodeDeleted &h) { m_OnNodeDeleted = h; }
     const TNotifyEvent &OnPaint() const { return m_OnPaint; }
     void SetOnPaint(const TNotifyEvent &h) { m_OnPaint = h; }
+    // Not published with the events above: it is this library's own addition, reported by
+    // LoadFromFile, LoadFromStream, SaveToFile and SaveToStream.
+    const TProgressEvent &OnProgress() const { return m_OnProgress; }
+    void SetOnProgress(const TProgressEvent &h) { m_OnProgress = h; }
     const TShapeAdded &OnShapeAdded() const { return m_OnShapeAdded; }
     void SetOnShapeAdded(const TShapeAdded &h) { m_OnShapeAdded = h; }
     const TShapeCodeDragging &OnShapeCodeDragging() const { return m_OnShapeCodeDragging; }
@@ -1262,6 +1269,7 @@ private:
     TNodeAdded m_OnNodeAdded;
     TNodeDeleted m_OnNodeDeleted;
     TNotifyEvent m_OnPaint;
+    TProgressEvent m_OnProgress;
     TShapeAdded m_OnShapeAdded;
     TShapeCodeDragging m_OnShapeCodeDragging;
     TShapeCodeRotating m_OnShapeCodeRotating;
@@ -1279,9 +1287,15 @@ private:
 
     // Drawing files (persistence layer).
     void ResetForLoad();
+    bool LoadFromMemory(const char *data, std::int64_t size);
     void ReadDrawingSettings(BinaryStream &stream, bool growOnly = false);
-    void ReadLayerTable(BinaryStream &stream);
-    void ReadShapeList(BinaryStream &stream);
+    void ApplyDrawingSettings(const TDrawingSettings &settings, bool growOnly);
+    void CommitLoadedDrawing(TLoadedDrawing &drawing);
+    void ReadShapeList(BinaryStream &stream, std::vector<std::unique_ptr<TMyShape>> &shapes,
+                       std::int32_t &largestId);
+    void WriteDrawing(BinaryStream &stream, const std::function<void()> &flush) const;
+    // Calls OnProgress; throws TLoadCancelled when the handler cancels.
+    void ReportProgress(std::int64_t done, std::int64_t total) const;
     QString m_DiskFileVersion = QStringLiteral("XP.j");
     mutable QString m_LastError;
     bool m_Modified = false;

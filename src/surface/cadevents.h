@@ -78,6 +78,11 @@ using TShapeMouseDraggingSizingRotating =
 // The image tool asks for its picture; an empty picture cancels the shape.
 using TRequestPicture = std::function<void(TMyCAD *sender, TBitmap &picture)>;
 
+// Progress of long work (reading or writing a drawing): done of total steps so far, where a
+// step is one shape. Setting cancel stops the work and leaves everything as it was before.
+using TProgressEvent =
+    std::function<void(TMyCAD *sender, std::int64_t done, std::int64_t total, bool &cancel)>;
+
 } // namespace tessal
 
 Q_DECLARE_METATYPE(tessal::TRequestPicture)

@@ -265,6 +265,109 @@ void DrawSample(TMyCAD &cad)
     cad.ClearWorkingShapes();
 }
 
+// Many plain rectangles, added without undo steps, so that progress has steps to report.
+void FillWithRectangles(TMyCAD &cad, int count)
+{
+    for (int i = 0; i < count; ++i) {
+        auto *shape = new TMyRectangle(&cad);
+        const float x = float(i % 100) * 3, y = float(i / 100) * 2;
+        shape->Points() = {{x, y}, {x + 2, y}, {x + 2, y + 1}, {x, y + 1}};
+        ASSERT_TRUE(cad.AddShape(shape, false, false));
+    }
+}
+
+struct TProgressLog
+{
+    std::vector<std::pair<std::int64_t, std::int64_t>> Calls;
+    // The call (counted from 1) that cancels; 0 never cancels.
+    std::size_t CancelAt = 0;
+
+    TProgressEvent Handler(TMyCAD *expected)
+    {
+        return
+            [this, expected](TMyCAD *sender, std::int64_t done, std::int64_t total, bool &cancel) {
+                EXPECT_EQ(sender, expected);
+                Calls.emplace_back(done, total);
+                cancel = Calls.size() == CancelAt;
+            };
+    }
+};
+
+// Reports start at 0, end at the total, never go back, and come often enough to show.
+void ExpectSteadyProgress(const TProgressLog &log, std::int64_t total)
+{
+    ASSERT_GE(log.Calls.size(), 3u);
+    EXPECT_EQ(log.Calls.front(), std::make_pair(std::int64_t(0), total));
+    EXPECT_EQ(log.Calls.back(), std::make_pair(total, total));
+    for (std::size_t i = 1; i < log.Calls.size(); ++i) {
+        EXPECT_GE(log.Calls[i].first, log.Calls[i - 1].first);
+        EXPECT_EQ(log.Calls[i].second, total);
+    }
+}
+
+TEST(DrawingFile, ProgressIsReportedAndCancellingChangesNothing)
+{
+    constexpr int Count = 10000;
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    const QString path = dir.filePath(QStringLiteral("big.drawing"));
+    TMyCAD big;
+    FillWithRectangles(big, Count);
+    TProgressLog saving;
+    big.SetOnProgress(saving.Handler(&big));
+    ASSERT_TRUE(big.SaveToFile(path)) << big.LastError().toStdString();
+    ExpectSteadyProgress(saving, Count);
+    const QByteArray bigBytes = SavedDrawing(big);
+
+    // A save cancelled half-way keeps the old file and the modified flag.
+    TMyCAD other;
+    FillWithRectangles(other, Count / 2);
+    other.SetModified(true);
+    TProgressLog cancelSave;
+    cancelSave.CancelAt = 2;
+    other.SetOnProgress(cancelSave.Handler(&other));
+    EXPECT_FALSE(other.SaveToFile(path));
+    EXPECT_EQ(cancelSave.Calls.size(), 2u);
+    EXPECT_TRUE(other.Modified());
+    EXPECT_FALSE(other.LastError().isEmpty());
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), bigBytes);
+    file.close();
+
+    // A load cancelled at any report leaves the drawing, its selection and its undo steps.
+    TMyCAD cad;
+    DrawSample(cad);
+    cad.SetDiskFileVersion(QStringLiteral("XP.i"));
+    const std::vector<TMyPoint> corners = {{1, 1}, {5, 5}};
+    cad.AddShapeByCode(TDrawTool::SpRectangle, QString(), corners, 0, {});
+    const QByteArray before = SavedDrawing(cad);
+    const std::size_t undoSteps = cad.UndoRedoShapeList().size();
+    const TMyShape *first = cad.GetShapeByNo(0);
+    const QSize size = cad.size();
+    for (const std::size_t at : {std::size_t(1), std::size_t(2), std::size_t(4)}) {
+        TProgressLog cancelLoad;
+        cancelLoad.CancelAt = at;
+        cad.SetOnProgress(cancelLoad.Handler(&cad));
+        EXPECT_FALSE(at % 2 ? cad.LoadFromFile(path) : Load(cad, bigBytes)) << at;
+        EXPECT_EQ(cancelLoad.Calls.size(), at);
+        EXPECT_TRUE(cad.LastError().contains(QStringLiteral("cancel")));
+        EXPECT_FALSE(cad.IsLoading());
+        EXPECT_EQ(cad.DiskFileVersion(), QStringLiteral("XP.i"));
+        EXPECT_EQ(cad.GetShapeByNo(0), first);
+        EXPECT_EQ(cad.size(), size);
+        EXPECT_EQ(cad.UndoRedoShapeList().size(), undoSteps);
+        EXPECT_EQ(SavedDrawing(cad), before);
+    }
+
+    TProgressLog loading;
+    cad.SetOnProgress(loading.Handler(&cad));
+    ASSERT_TRUE(cad.LoadFromFile(path)) << cad.LastError().toStdString();
+    ExpectSteadyProgress(loading, Count);
+    cad.SetOnProgress({});
+    EXPECT_EQ(SavedDrawing(cad), bigBytes);
+}
+
 TEST(DrawingFile, SavedAndLoadedDrawingRendersTheSame)
 {
     TMyCAD cad;

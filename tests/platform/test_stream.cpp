@@ -248,3 +248,93 @@ TEST(Bitmap, PixelsAndScanLinesAgree)
     bmp.SetSize(0, 5);
     EXPECT_TRUE(bmp.IsEmpty());
 }
+
+// Memory streams must be indistinguishable from device streams: the same bytes for the same
+// writes, the same values and the same failures for the same reads.
+TEST(BinaryStream, MemoryStreamsMatchDeviceStreams)
+{
+    QRandomGenerator random(4711);
+    for (int round = 0; round < 20; ++round) {
+        Stream device(QIODevice::WriteOnly);
+        QByteArray memory;
+        BinaryStream m(&memory);
+        std::vector<int> kinds;
+        for (int i = 0; i < 200; ++i) {
+            const int kind = random.bounded(6);
+            const std::uint64_t v = random.generate64();
+            kinds.push_back(kind);
+            for (BinaryStream *s : {&device.S, &m}) {
+                switch (kind) {
+                case 0:
+                    s->WriteUInt8(std::uint8_t(v));
+                    break;
+                case 1:
+                    s->WriteInt16(std::int16_t(v));
+                    break;
+                case 2:
+                    s->WriteUInt32(std::uint32_t(v));
+                    break;
+                case 3:
+                    s->WriteInt64(std::int64_t(v));
+                    break;
+                case 4:
+                    s->WriteExtended(double(std::int64_t(v)) / 3);
+                    break;
+                default:
+                    s->WriteBytes(QByteArray(int(v % 5), char(v)));
+                    break;
+                }
+            }
+            ASSERT_EQ(m.Pos(), device.S.Pos());
+        }
+        ASSERT_EQ(memory, device.Data);
+
+        // Read both back, cut short at a random place, and compare value by value.
+        const QByteArray cut = memory.left(random.bounded(memory.size() + 1));
+        Stream dr(QIODevice::ReadOnly, cut);
+        BinaryStream mr(cut.constData(), cut.size());
+        for (const int kind : kinds) {
+            ASSERT_EQ(mr.BytesLeft(), dr.S.BytesLeft());
+            std::string deviceError, memoryError;
+            std::uint64_t dv = 0, mv = 0;
+            const auto read = [kind](BinaryStream &s, std::uint64_t &v, std::string &error) {
+                try {
+                    switch (kind) {
+                    case 0:
+                        v = s.ReadUInt8();
+                        break;
+                    case 1:
+                        v = std::uint64_t(s.ReadInt16());
+                        break;
+                    case 2:
+                        v = s.ReadUInt32();
+                        break;
+                    case 3:
+                        v = std::uint64_t(s.ReadInt64());
+                        break;
+                    case 4:
+                        v = std::uint64_t(s.ReadExtended());
+                        break;
+                    default:
+                        v = std::uint64_t(s.ReadBytes(s.ReadUInt8() % 5).size());
+                        break;
+                    }
+                } catch (const TStreamError &e) {
+                    error = e.what();
+                }
+            };
+            read(dr.S, dv, deviceError);
+            read(mr, mv, memoryError);
+            ASSERT_EQ(memoryError, deviceError);
+            ASSERT_EQ(mv, dv);
+            ASSERT_EQ(mr.Pos(), dr.S.Pos());
+        }
+    }
+    // Writing to a stream that reads memory fails as writing to a read-only device does.
+    const QByteArray bytes("abcd");
+    BinaryStream r(bytes.constData(), bytes.size());
+    r.Skip(3);
+    EXPECT_THROW(r.Skip(2), TStreamError);
+    EXPECT_EQ(r.ReadUInt8(), 'd');
+    EXPECT_THROW(r.WriteInt32(1), TStreamError);
+}

@@ -18,7 +18,8 @@ TRecordVersion RecordVersionOf(const QString &text)
         QStringLiteral("XP.8"), QStringLiteral("XP.9"), QStringLiteral("XP.a"),
         QStringLiteral("XP.e"), QStringLiteral("XP.h"), QStringLiteral("XP.i"),
         QStringLiteral("XP.j")};
-    for (std::size_t i = 0; i < names.size(); ++i)
+    // Newest first: nearly every record read is in the newest layout.
+    for (std::size_t i = names.size(); i-- > 0;)
         if (names[i] == text)
             return TRecordVersion(i);
     return TRecordVersion::Unknown;
@@ -94,7 +95,10 @@ void WriteFont(BinaryStream &stream, const TFont &font)
 // resolution) and so decides the height; the resolution itself comes after both.
 TFont ReadFont(BinaryStream &stream, TFont font)
 {
-    font.Name = ReadCountedText(stream);
+    // Most shapes keep the default face; keeping the shape's own copy of an equal name
+    // shares its text instead of holding one more per shape.
+    if (QString name = ReadCountedText(stream); name != font.Name)
+        font.Name = std::move(name);
     font.Charset = stream.ReadUInt8();
     font.Color = stream.ReadUInt32();
     font.SetHeight(ReadExtent(stream, "font height"));
