@@ -7,8 +7,9 @@
 #include <tessal/platform/streamprimitives.h>
 #include <tessal/shapes/shape.h>
 
+#include "filesaver_p.h"
+
 #include <QFile>
-#include <QSaveFile>
 
 #include <algorithm>
 #include <cmath>
@@ -121,19 +122,13 @@ bool TMyCAD::SaveToStream(QIODevice *stream) const
 
 bool TMyCAD::SaveToFile(const QString &fileName)
 {
-    QSaveFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly)) {
-        m_LastError = file.errorString();
+    QString reason;
+    const auto write = [this](QIODevice &device) { return SaveToStream(&device); };
+    if (!detail::SaveWholeFile(fileName, write, reason)) {
+        m_LastError = reason;
         return false;
     }
-    if (!SaveToStream(&file)) {
-        file.cancelWriting();
-        return false;
-    }
-    if (!file.commit()) {
-        m_LastError = file.errorString();
-        return false;
-    }
+    m_LastError.clear();
     SetModified(false);
     return true;
 }

@@ -486,7 +486,9 @@ public:
     // written in the newest layout. Width and height are stored unzoomed. False when writing
     // failed; the stream position is where the writer stopped.
     bool SaveToStream(QIODevice *stream) const;
-    // Through a temporary file that replaces fileName only when complete; clears Modified.
+    // Through a temporary file that replaces fileName only when complete (a device such as
+    // /dev/full is written in place); clears Modified. On failure (full disk, no permission,
+    // file-size limit) the old file stays as it was, and LastError() gives the system's reason.
     bool SaveToFile(const QString &fileName);
     // Replaces the drawing with the stream's contents, read from position 0. On failure the
     // drawing keeps what was read up to the fault, the undo history stays, the next free
