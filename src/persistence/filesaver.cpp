@@ -46,9 +46,18 @@ private:
     sigset_t m_Previous;
 };
 
-QString Reason(const QString &fileName, const QFileDevice &file, const QString &fallback)
+// A write that stops part-way (a file-size limit, a disk filling up) leaves only a vague
+// error behind; writing out the rest once more lets the system say why.
+QString Reason(const QString &fileName, QFileDevice &file, const QString &fallback)
 {
-    const QString why = file.error() != QFileDevice::NoError ? file.errorString() : fallback;
+    if (file.error() == QFileDevice::NoError)
+        return QStringLiteral("cannot save %1: %2").arg(fileName, fallback);
+    QString why = file.errorString();
+    if (file.isOpen()) {
+        file.unsetError();
+        if (!file.flush() && file.error() != QFileDevice::NoError)
+            why = file.errorString();
+    }
     return QStringLiteral("cannot save %1: %2").arg(fileName, why);
 }
 
@@ -78,7 +87,9 @@ bool SaveWholeFile(const QString &fileName, const std::function<bool(QIODevice &
         reason = Reason(fileName, file, QStringLiteral("cannot create it"));
         return false;
     }
-    if (!write(file) || file.error() != QFileDevice::NoError) {
+    // The buffer is flushed here: commit() would rename the temporary file over the old one
+    // even when writing out its buffer failed (a full disk or a file-size limit).
+    if (!write(file) || !file.flush() || file.error() != QFileDevice::NoError) {
         reason = Reason(fileName, file, QStringLiteral("writing failed"));
         file.cancelWriting();
         return false;

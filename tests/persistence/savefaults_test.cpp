@@ -175,12 +175,12 @@ TEST_F(SaveFaults, AFolderWithoutWritePermissionKeepsTheOldFile)
     // The superuser writes into any folder, so as root the save runs in a child that has
     // become an unprivileged user; without the right to change users the case is skipped.
     const bool root = geteuid() == 0;
-    const uid_t nobody = 65534;
     ASSERT_TRUE(QFile::setPermissions(m_Dir.path(), QFileDevice::ReadOwner | QFileDevice::ExeOwner |
                                                         QFileDevice::ReadOther |
                                                         QFileDevice::ExeOther));
+    // Only the folder refuses: the file itself may be written by anyone.
     ASSERT_TRUE(QFile::setPermissions(m_Old, QFileDevice::ReadOwner | QFileDevice::WriteOwner |
-                                                 QFileDevice::ReadOther));
+                                                 QFileDevice::ReadOther | QFileDevice::WriteOther));
     for (const Document &doc : Documents()) {
         SCOPED_TRACE(doc.name);
         if (!root) {
@@ -189,7 +189,8 @@ TEST_F(SaveFaults, AFolderWithoutWritePermissionKeepsTheOldFile)
             ExpectRefused(saved, reason, "Permission denied");
             continue;
         }
-        const auto answer = SaveInChild(doc, m_Old, [nobody] {
+        const auto answer = SaveInChild(doc, m_Old, [] {
+            const uid_t nobody = 65534;
             return setgid(nobody) == 0 && setuid(nobody) == 0 && geteuid() == nobody;
         });
         if (!answer)

@@ -10,6 +10,8 @@
 
 #include <deque>
 #include <functional>
+#include <iostream>
+#include <iterator>
 #include <random>
 
 namespace tessal::test {
@@ -26,6 +28,7 @@ QByteArray Saved(const TMyCAD &cad)
 // The saved drawing with the shapes in identity order. Taking back a deletion puts the
 // shapes back after the present ones, so only the list order may differ from before; every
 // relation number is renumbered with it, by the surface's own exchange of list places.
+// Nothing else is set aside.
 QByteArray Canonical(const TMyCAD &cad)
 {
     QByteArray bytes = Saved(cad);
@@ -41,6 +44,8 @@ QByteArray Canonical(const TMyCAD &cad)
                 lowest = j;
         copy.SwapShape(copy.GetShapeByNo(i), copy.GetShapeByNo(lowest));
     }
+    // The current layer is a choice of the user's, not part of any step.
+    copy.SetCurrentLayerId(0);
     return Saved(copy);
 }
 
@@ -61,12 +66,36 @@ public:
         const std::int32_t n = m_Cad.GetShapesCount();
         return n ? m_Cad.GetShapeByNo(Pick(n)) : nullptr;
     }
-    // A few distinct shapes as the working shapes, as a selection would give them.
-    void SelectSome(int count)
+    // A shape that no connector is bound to, nor any member of its root group, and that is
+    // not a bound connector itself; nullptr when the one picked is not such a shape.
+    // Deleting a bound shape sets the connector's end free, and taking the deletion back
+    // does not bind it again (as documented), so random deletions keep away from them.
+    TMyShape *AnyUnboundShape()
+    {
+        TMyShape *shape = AnyShape();
+        TMyShape *root = shape;
+        while (root && root->HasParentShape())
+            root = m_Cad.GetShapeByNo(root->ParentNo());
+        return root && Unbound(*root, 0) ? shape : nullptr;
+    }
+    bool Unbound(const TMyShape &shape, int depth) const
+    {
+        const auto *link = dynamic_cast<const TMyLinkLine *>(&shape);
+        if (!shape.LinkShapes().empty() ||
+            (link && (link->StartSpNo() >= 0 || link->EndSpNo() >= 0)))
+            return false;
+        for (std::int32_t no : shape.ChildShapes())
+            if (const TMyShape *child = m_Cad.GetShapeByNo(no);
+                child && (depth > m_Cad.GetShapesCount() || !Unbound(*child, depth + 1)))
+                return false;
+        return true;
+    }
+    // A few shapes as the working shapes, as a selection would give them.
+    void SelectSome(int count, bool unboundOnly = false)
     {
         std::vector<TMyShape *> chosen;
         for (int i = 0; i < count; ++i)
-            if (TMyShape *shape = AnyShape())
+            if (TMyShape *shape = unboundOnly ? AnyUnboundShape() : AnyShape())
                 chosen.push_back(shape);
         m_Cad.SetWorkingShapes(chosen);
     }
@@ -74,51 +103,59 @@ public:
     static constexpr std::uint8_t HistorySize = 12;
     TMyCAD m_Cad;
     std::mt19937 m_Rng;
+    std::deque<const char *> m_Steps; // the command of each step in the history
+    QByteArray Canonical() const { return test::Canonical(m_Cad); }
+    std::int32_t Undo() { return m_Cad.PopFromUndoRedoShapeList(); }
 };
 
 // Every command that records a step. Each entry runs one command on random arguments; one
 // that refuses its arguments records nothing and must leave the drawing as it was.
 // Commands added later (node edits by mouse, say) join by adding an entry here.
+// Ungrouping is not among them: it is taken back by a new group, with a new identity and a
+// box of its own (see UngroupTakenBackByARegroup), so the saved drawing cannot come back.
 struct Operation
 {
     const char *name;
     int weight;
+    bool adds; // left out while the drawing is at its working size
     std::function<void(RandomUse &)> run;
 };
 
 const std::vector<Operation> &Operations()
 {
     static const TDrawTool tools[] = {
-        TDrawTool::SpRectangle, TDrawTool::SpEllipse, TDrawTool::SpLine, TDrawTool::SpPolyLine,
-        TDrawTool::SpPolygon,   TDrawTool::SpText,    TDrawTool::SpArc,  TDrawTool::SpPolyBezier,
+        TDrawTool::SpRectangle, TDrawTool::SpEllipse, TDrawTool::SpLine,    TDrawTool::SpPolyLine,
+        TDrawTool::SpPolygon,   TDrawTool::SpText,    TDrawTool::SpElliArc, TDrawTool::SpPolyBezier,
         TDrawTool::SpBLine,     TDrawTool::SpLinkLine};
     static const std::vector<Operation> operations = {
-        {"add by code", 6,
+        {"add by code", 6, true,
          [](RandomUse &u) {
              u.m_Cad.SetCurrentLayerId(u.Pick(2));
-             const TDrawTool tool = tools[u.Pick(std::size(tools))];
+             const TDrawTool tool = tools[u.Pick(int(std::size(tools)))];
              u.m_Cad.AddShapeByCode2(tool, {}, {u.Coordinate(), u.Coordinate()}, 5 + u.Pick(80),
                                      5 + u.Pick(80), 2 + u.Pick(4), u.Pick(4) * 0.3, {});
          }},
-        {"connector created and bound", 2,
+        {"connector created and bound", 2, true,
          [](RandomUse &u) {
              TMyShape *a = u.AnyShape();
              TMyShape *b = u.AnyShape();
              if (a && b && a != b && !dynamic_cast<TMyLinkLine *>(a) &&
-                 !dynamic_cast<TMyLinkLine *>(b))
-                 AddConnector(u.m_Cad, a, b);
+                 !dynamic_cast<TMyLinkLine *>(b)) {
+                 // Routed as binding by mouse leaves it, so that its path follows its ends.
+                 u.m_Cad.ChangeLinkShapes(AddConnector(u.m_Cad, a, b));
+             }
          }},
-        {"delete one", 3,
+        {"delete one", 3, false,
          [](RandomUse &u) {
-             if (TMyShape *shape = u.AnyShape())
+             if (TMyShape *shape = u.AnyUnboundShape())
                  u.m_Cad.DeleteShapeById(shape->ShapeId(), true);
          }},
-        {"delete selected", 1,
+        {"delete selected", 1, false,
          [](RandomUse &u) {
-             u.SelectSome(1 + u.Pick(3));
+             u.SelectSome(1 + u.Pick(3), true);
              u.m_Cad.DeleteSelectedShapes();
          }},
-        {"align", 2,
+        {"align", 2, false,
          [](RandomUse &u) {
              u.SelectSome(2 + u.Pick(3));
              using Align = void (TMyCAD::*)();
@@ -130,12 +167,12 @@ const std::vector<Operation> &Operations()
                                             &TMyCAD::AlignVerticalCenter};
              (u.m_Cad.*aligns[u.Pick(6)])();
          }},
-        {"flip", 2,
+        {"flip", 2, false,
          [](RandomUse &u) {
              if (TMyShape *shape = u.AnyShape())
                  u.Pick(2) ? u.m_Cad.FlipHoriz(shape) : u.m_Cad.FlipVert(shape);
          }},
-        {"restack", 3,
+        {"restack", 3, false,
          [](RandomUse &u) {
              TMyShape *shape = u.AnyShape();
              if (!shape)
@@ -155,24 +192,19 @@ const std::vector<Operation> &Operations()
                  break;
              }
          }},
-        {"group", 2,
+        {"group", 2, false,
          [](RandomUse &u) {
              std::vector<TMyShape *> members;
              for (int i = 0; i < 2 + u.Pick(2); ++i)
                  members.push_back(u.AnyShape());
              u.m_Cad.GroupShapes(members, true);
          }},
-        {"ungroup", 1,
-         [](RandomUse &u) {
-             if (TMyShape *shape = u.AnyShape(); shape && shape->HasChildShapes())
-                 u.m_Cad.UnGroupShape(shape, true);
-         }},
-        {"paste", 1,
+        {"paste", 1, true,
          [](RandomUse &u) {
              u.SelectSome(1 + u.Pick(2));
              u.m_Cad.PasteShapesData(u.m_Cad.CopiedShapesData());
          }},
-        {"block insertion", 1,
+        {"block insertion", 1, true,
          [](RandomUse &u) {
              TMyCAD block;
              AddRectangle(block, u.Coordinate(), u.Coordinate(), 150, 150);
@@ -189,19 +221,37 @@ const std::vector<Operation> &Operations()
     return operations;
 }
 
+// The drawing is kept near this many shapes, so that its saves stay quick.
+constexpr std::int32_t WorkingSize = 24;
+
 const Operation &PickOperation(RandomUse &u)
 {
-    const auto &operations = Operations();
+    const bool full = u.m_Cad.GetShapesCount() >= WorkingSize;
     int total = 0;
-    for (const Operation &op : operations)
-        total += op.weight;
+    for (const Operation &op : Operations())
+        total += full && op.adds ? 0 : op.weight;
     int at = u.Pick(total);
-    for (const Operation &op : operations) {
-        if (at < op.weight)
+    for (const Operation &op : Operations()) {
+        const int weight = full && op.adds ? 0 : op.weight;
+        if (at < weight)
             return op;
-        at -= op.weight;
+        at -= weight;
     }
-    return operations.front();
+    return Operations().front();
+}
+
+// Equal bytes, or where the first difference is.
+::testing::AssertionResult SameBytes(const QByteArray &now, const QByteArray &expected)
+{
+    if (now == expected)
+        return ::testing::AssertionSuccess();
+    qsizetype at = 0;
+    while (at < now.size() && at < expected.size() && now[at] == expected[at])
+        ++at;
+    return ::testing::AssertionFailure()
+           << "sizes " << now.size() << " and " << expected.size() << ", first difference at " << at
+           << ": " << now.mid(at, 24).toHex(' ').toStdString() << " instead of "
+           << expected.mid(at, 24).toHex(' ').toStdString();
 }
 
 // The newest record of the history, which changes exactly when a step is recorded.
@@ -213,34 +263,39 @@ const TMyShape *NewestRecord(const TMyCAD &cad)
 
 // Runs count operations, taking steps back one time in four. before holds the drawing as
 // it was before each step still in the history, oldest first.
-void Run(RandomUse &u, int count, std::deque<QByteArray> &before)
+void RunSome(RandomUse &u, int count, std::deque<QByteArray> &before)
 {
     for (int i = 0; i < count; ++i) {
         SCOPED_TRACE(testing::Message() << "operation " << i);
         if (u.Pick(4) == 0) {
             const bool any = !before.empty();
-            EXPECT_EQ(u.m_Cad.PopFromUndoRedoShapeList(),
-                      any ? std::int32_t(before.size()) - 2 : -1);
+            EXPECT_EQ(u.Undo(), any ? std::int32_t(before.size()) - 2 : -1);
             if (any) {
-                ASSERT_EQ(Canonical(u.m_Cad), before.back()) << "taking back a step";
+                ASSERT_TRUE(SameBytes(u.Canonical(), before.back()))
+                    << "taking back a step of " << u.m_Steps.back();
+                u.m_Steps.pop_back();
                 before.pop_back();
             }
             continue;
         }
         const Operation &op = PickOperation(u);
         SCOPED_TRACE(op.name);
-        const QByteArray now = Canonical(u.m_Cad);
+        const QByteArray now = u.Canonical();
         const TMyShape *newest = NewestRecord(u.m_Cad);
         op.run(u);
         ASSERT_TRUE(RelationsValid(u.m_Cad));
         if (NewestRecord(u.m_Cad) == newest) {
-            ASSERT_EQ(Canonical(u.m_Cad), now) << "a command that recorded nothing changed shapes";
+            ASSERT_TRUE(SameBytes(u.Canonical(), now))
+                << "a command that recorded nothing changed shapes";
             continue;
         }
         before.push_back(now);
+        u.m_Steps.push_back(op.name);
         // The history keeps at most HistorySize steps: the oldest one is forgotten.
-        if (before.size() > RandomUse::HistorySize)
+        if (before.size() > RandomUse::HistorySize) {
             before.pop_front();
+            u.m_Steps.pop_front();
+        }
         ASSERT_EQ(std::size_t(StepCount(u.m_Cad)), before.size());
     }
 }
@@ -253,17 +308,19 @@ TEST(UndoRandom, EveryStepTakenBackGivesTheSavedDrawingBack)
         RandomUse u(seed);
         std::deque<QByteArray> before;
         for (int round = 0; round < 25; ++round) {
-            ASSERT_NO_FATAL_FAILURE(Run(u, 100, before));
+            ASSERT_NO_FATAL_FAILURE(RunSome(u, 100, before));
             // The records kept are bounded by the history, not by the work done.
             ASSERT_LE(StepCount(u.m_Cad), RandomUse::HistorySize);
             steps += int(before.size());
             // Everything still in the history taken back: the oldest remembered drawing.
             while (!before.empty()) {
-                ASSERT_GE(u.m_Cad.PopFromUndoRedoShapeList(), -1);
-                ASSERT_EQ(Canonical(u.m_Cad), before.back());
+                ASSERT_GE(u.Undo(), -1);
+                ASSERT_TRUE(SameBytes(u.Canonical(), before.back()))
+                    << "taking back a step of " << u.m_Steps.back();
                 before.pop_back();
+                u.m_Steps.pop_back();
             }
-            EXPECT_EQ(u.m_Cad.PopFromUndoRedoShapeList(), -1);
+            EXPECT_EQ(u.Undo(), -1);
         }
     }
     // The runs did overflow the history and did take steps back.
