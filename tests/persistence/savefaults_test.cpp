@@ -93,8 +93,8 @@ std::optional<ChildAnswer> SaveInChild(const Document &doc, const QString &path,
         QString reason;
         if (!setUp())
             _exit(3);
-        const QByteArray answer =
-            (doc.save(path, reason) ? QByteArray("1") : QByteArray("0")) + reason.toUtf8();
+        const bool saved = doc.save(path, reason);
+        const QByteArray answer = QByteArray(saved ? "1" : "0") + reason.toUtf8();
         const bool written =
             write(fds[1], answer.constData(), size_t(answer.size())) == ssize_t(answer.size());
         _exit(written ? 0 : 4);

@@ -65,6 +65,20 @@ public:
         const std::int32_t n = m_Cad.GetShapesCount();
         return n ? m_Cad.GetShapeByNo(Pick(n)) : nullptr;
     }
+    int Connectors() const
+    {
+        int n = 0;
+        for (std::int32_t no = 0; no < m_Cad.GetShapesCount(); ++no)
+            n += dynamic_cast<const TMyLinkLine *>(m_Cad.GetShapeByNo(no)) ? 1 : 0;
+        return n;
+    }
+    int Groups() const
+    {
+        int n = 0;
+        for (std::int32_t no = 0; no < m_Cad.GetShapesCount(); ++no)
+            n += m_Cad.GetShapeByNo(no)->HasChildShapes() ? 1 : 0;
+        return n;
+    }
     // A shape that no connector is bound to, nor any member of its root group, and that is
     // not a bound connector itself; nullptr when the one picked is not such a shape.
     // Deleting a bound shape sets the connector's end free, and taking the deletion back
@@ -123,9 +137,9 @@ struct Operation
 const std::vector<Operation> &Operations()
 {
     static const TDrawTool tools[] = {
-        TDrawTool::SpRectangle, TDrawTool::SpEllipse, TDrawTool::SpLine,    TDrawTool::SpPolyLine,
-        TDrawTool::SpPolygon,   TDrawTool::SpText,    TDrawTool::SpElliArc, TDrawTool::SpPolyBezier,
-        TDrawTool::SpBLine,     TDrawTool::SpLinkLine};
+        TDrawTool::SpRectangle, TDrawTool::SpEllipse,    TDrawTool::SpLine,
+        TDrawTool::SpPolyLine,  TDrawTool::SpPolygon,    TDrawTool::SpText,
+        TDrawTool::SpElliArc,   TDrawTool::SpPolyBezier, TDrawTool::SpBLine};
     static const std::vector<Operation> operations = {
         {"add by code", 6, true,
          [](RandomUse &u) {
@@ -136,9 +150,10 @@ const std::vector<Operation> &Operations()
          }},
         {"connector created and bound", 2, true,
          [](RandomUse &u) {
+             // A few connectors are enough; routing each one again is the slowest part.
              TMyShape *a = u.AnyShape();
              TMyShape *b = u.AnyShape();
-             if (a && b && a != b && !dynamic_cast<TMyLinkLine *>(a) &&
+             if (u.Connectors() < 4 && a && b && a != b && !dynamic_cast<TMyLinkLine *>(a) &&
                  !dynamic_cast<TMyLinkLine *>(b)) {
                  // Routed as binding by mouse leaves it, so that its path follows its ends.
                  u.m_Cad.ChangeLinkShapes(AddConnector(u.m_Cad, a, b));
@@ -193,6 +208,9 @@ const std::vector<Operation> &Operations()
          }},
         {"group", 2, false,
          [](RandomUse &u) {
+             // Without ungrouping, groups would nest ever deeper; a few levels are enough.
+             if (u.Groups() >= 5)
+                 return;
              std::vector<TMyShape *> members;
              for (int i = 0; i < 2 + u.Pick(2); ++i)
                  members.push_back(u.AnyShape());
