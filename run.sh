@@ -3,13 +3,16 @@
 # Tessal's two entry points: `./run.sh editor [FILE]` and `./run.sh test`.
 # Each installs the Debian packages that are missing, configures, builds incrementally,
 # then opens the editor or runs every test through ctest.
+# Packages are installed without their recommendations, so whatever is needed at run time is
+# named here even when another package only recommends it: fonts-urw-base35 (the WMF player's
+# fonts) and llvm-14 (llvm-symbolizer, which turns sanitizer reports into source lines).
 set -euo pipefail
 cd "$(dirname "$0")"
 
 PACKAGES=(cmake g++ make pkg-config qt6-base-dev qt6-base-dev-tools qt6-svg-dev qt6-tools-dev
           libqt6opengl6-dev libgl-dev libboost-dev libgtest-dev libgmock-dev libbenchmark-dev
           libemf2svg-dev libwmf-dev libuemf-dev libdxflib-dev python3-ezdxf fonts-dejavu-core
-          fonts-urw-base35 qt6-qpa-plugins xvfb xdotool xauth)
+          fonts-urw-base35 qt6-qpa-plugins xvfb xdotool xauth clang-14 libclang-rt-14-dev llvm-14)
 BUILD_DIR=${TESSAL_BUILD_DIR:-build}
 
 install_missing() {

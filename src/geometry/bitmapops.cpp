@@ -116,6 +116,17 @@ TBitmap RenderSvgPicture(const QByteArray &svg, std::int32_t width, std::int32_t
     return TBitmap(canvas);
 }
 
+TBitmap DecodePicture(const QByteArray &bytes, const QString &kind, QString &reason)
+{
+    if (kind == QLatin1String("BMP"))
+        return DecodeBmp(bytes, reason);
+    if (kind == QLatin1String("JPG") || kind == QLatin1String("PEG"))
+        return DecodeRaster(bytes, "JPEG", QStringLiteral("JPEG"), reason);
+    if (kind == QLatin1String("ICO"))
+        return DecodeRaster(bytes, "ICO", QStringLiteral("icon"), reason);
+    return DecodeMetafile(bytes, kind, reason);
+}
+
 } // namespace detail
 
 void GrayScaleBitmap(TBitmap &bitmap, bool enabled)
@@ -215,17 +226,7 @@ TBitmap LoadGraphicsFile(const QString &fileName, QString *reason)
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly))
         return fail(QStringLiteral("cannot read %1: %2").arg(fileName, file.errorString()));
-    const QByteArray bytes = file.readAll();
-
-    TBitmap picture;
-    if (kind == QLatin1String("BMP"))
-        picture = DecodeBmp(bytes, why);
-    else if (kind == QLatin1String("JPG") || kind == QLatin1String("PEG"))
-        picture = DecodeRaster(bytes, "JPEG", QStringLiteral("JPEG"), why);
-    else if (kind == QLatin1String("ICO"))
-        picture = DecodeRaster(bytes, "ICO", QStringLiteral("icon"), why);
-    else
-        picture = DecodeMetafile(bytes, kind, why);
+    const TBitmap picture = detail::DecodePicture(file.readAll(), kind, why);
     if (picture.IsEmpty())
         return fail(QStringLiteral("%1: %2").arg(fileName, why));
     if (reason)

@@ -77,6 +77,10 @@ std::optional<TWmfLayout> CheckLayout(const QByteArray &b)
     const std::uint16_t headerWords = LeU16(b, at + 2);
     if ((type != 1 && type != 2) || headerWords != MetaHeaderSize / 2)
         return std::nullopt;
+    // The player sizes its record buffer by the header's largest record: one larger than the
+    // whole file cannot be true, and would cost gigabytes and minutes.
+    if (std::uint64_t(LeU32(b, at + 12)) * 2 > std::uint64_t(b.size() - at))
+        return std::nullopt;
     at += MetaHeaderSize;
     while (b.size() - at >= 6) {
         const std::uint64_t size = std::uint64_t(LeU32(b, at)) * 2;

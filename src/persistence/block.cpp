@@ -67,9 +67,13 @@ bool TMyCAD::LoadFromStreamforBlock(QIODevice *stream, TBlockLayerMode mode)
         return false;
     }
     SetLoading(true);
-    for (const auto &shape : m_Shapes)
-        if (!shape->Name().isEmpty())
-            shape->SetName(QStringLiteral("A") + QString::number(shape->ShapeId()));
+    m_BlockFormerNames.clear();
+    for (const auto &shape : m_Shapes) {
+        if (shape->Name().isEmpty())
+            continue;
+        m_BlockFormerNames.emplace_back(shape->ShapeId(), shape->Name());
+        shape->SetName(QStringLiteral("A") + QString::number(shape->ShapeId()));
+    }
     m_MemoryShapes.clear();
     SetZoom(1.0);
     try {
@@ -149,7 +153,12 @@ bool TMyCAD::PasteforBlock()
     m_MemoryShapes.clear();
     if (shapes.empty())
         return true;
-    return !PlaceShapes(std::move(shapes), {0, 0}, true).empty();
+    const std::vector<TMyShape *> placed = PlaceShapes(std::move(shapes), {0, 0}, true);
+    // Taking the insertion back gives the drawing's shapes their names back too.
+    if (!placed.empty())
+        RecordFormerNames(m_BlockFormerNames, placed.front());
+    m_BlockFormerNames.clear();
+    return !placed.empty();
 }
 
 // ---- Library entries ----

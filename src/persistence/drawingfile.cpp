@@ -8,9 +8,10 @@
 #include <tessal/platform/streamprimitives.h>
 #include <tessal/shapes/shape.h>
 
+#include "filesaver_p.h"
+
 #include <QBuffer>
 #include <QFile>
-#include <QSaveFile>
 
 #include <algorithm>
 #include <cmath>
@@ -188,19 +189,23 @@ bool TMyCAD::SaveToStream(QIODevice *stream) const
 
 bool TMyCAD::SaveToFile(const QString &fileName)
 {
-    QSaveFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly)) {
-        m_LastError = file.errorString();
+    QString reason;
+    // A save that stopped by itself (cancelled, out of memory) gives its own reason; one
+    // the device refused gives the system's.
+    QString stopped;
+    const auto write = [this, &stopped](QIODevice &device) {
+        if (SaveToStream(&device))
+            return true;
+        const auto *file = qobject_cast<const QFileDevice *>(&device);
+        if (!file || file->error() == QFileDevice::NoError)
+            stopped = m_LastError;
+        return false;
+    };
+    if (!detail::SaveWholeFile(fileName, write, reason)) {
+        m_LastError = stopped.isEmpty() ? reason : stopped;
         return false;
     }
-    if (!SaveToStream(&file)) {
-        file.cancelWriting();
-        return false;
-    }
-    if (!file.commit()) {
-        m_LastError = file.errorString();
-        return false;
-    }
+    m_LastError.clear();
     SetModified(false);
     return true;
 }

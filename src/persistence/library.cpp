@@ -9,9 +9,10 @@
 #include <tessal/shapes/link.h>
 #include <tessal/surface/cad.h>
 
+#include "filesaver_p.h"
+
 #include <QBuffer>
 #include <QFile>
-#include <QSaveFile>
 #include <QTransform>
 
 #include <algorithm>
@@ -248,12 +249,11 @@ bool TLibManager::LoadFromOldFile(const QString &fileName)
 bool TLibManager::SaveToFile(const QString &fileName)
 {
     ReplaceoldTagwithNewTag();
-    QSaveFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly) || file.write(m_Buffer) != m_Buffer.size() ||
-        !file.commit()) {
-        m_LastError = file.errorString();
+    const auto write = [this](QIODevice &device) {
+        return device.write(m_Buffer) == m_Buffer.size();
+    };
+    if (!detail::SaveWholeFile(fileName, write, m_LastError))
         return false;
-    }
     m_FileName = fileName;
     m_LastError.clear();
     return true;

@@ -393,6 +393,15 @@ public:
         // A deleted shape that comes back at its recorded list place (Copy's ShapeNo), not
         // after the present shapes: set by commands that replace shapes (RecordEdit).
         bool AtPlace = false;
+        // For a connector: the identities of the shapes its ends were bound to (-1: free).
+        std::int32_t StartId = -1;
+        std::int32_t EndId = -1;
+        // What taking the record back gives the live shape: its recorded state (Whole), only
+        // its name ShapeName (a name a block insertion replaced), or its recorded geometry
+        // with the bindings it has now (Path: a connector re-routed because a shape it is
+        // bound to changed; taken back after that shape).
+        enum class TScope : std::uint8_t { Whole, Name, Path };
+        TScope Scope = TScope::Whole;
     };
     // Records one step for shapes[0 .. highIndex] (see the action names below): the oldest
     // step is evicted when the newest step number equals UndoRedoSize - 1.
@@ -660,7 +669,9 @@ public:
     // written in the newest layout. Width and height are stored unzoomed. False when writing
     // failed; the stream position is where the writer stopped.
     bool SaveToStream(QIODevice *stream) const;
-    // Through a temporary file that replaces fileName only when complete; clears Modified.
+    // Through a temporary file that replaces fileName only when complete (a device such as
+    // /dev/full is written in place); clears Modified. On failure (full disk, no permission,
+    // file-size limit) the old file stays as it was, and LastError() gives the system's reason.
     bool SaveToFile(const QString &fileName);
     // Replaces the drawing with the stream's contents, read from position 0. On failure the
     // drawing keeps what was read up to the fault, the undo history stays, the next free
@@ -716,7 +727,9 @@ public:
     // an empty memory list, on a damaged stream.
     bool LoadFromStreamforBlock(QIODevice *stream, TBlockLayerMode mode);
     // Adds the memory shapes to the drawing where they are, as PlaceShapes does, keeping
-    // the layers LoadFromStreamforBlock gave them. False only without any layer.
+    // the layers LoadFromStreamforBlock gave them. False only without any layer. Taking the
+    // step back also gives the drawing's shapes the names that reading the block replaced;
+    // the settings the block brought stay.
     bool PasteforBlock();
     // The shapes read by LoadFromStreamforBlock, created for this surface; their relations
     // name places in this list.
@@ -1165,9 +1178,15 @@ private:
                     bool childrenOnlyFromTop, std::int32_t depth);
     void RecordShape(TMyShape *shape, std::int32_t step, const QString &action);
     void TakeBackChange(const TUndoRecord &record);
+    void TakeBackPath(const TUndoRecord &record);
+    void RecordBoundConnectors(std::span<TMyShape *const> shapes, std::int32_t step);
     void TakeBackReorder(const TUndoRecord &record);
     void Regroup(std::vector<TMyShape *> &members, const TUndoRecord *formerGroup);
     void RestoreShapes(const std::vector<const TUndoRecord *> &records);
+    // Adds the shapes named in formerNames (identity, name before) to the newest step, which
+    // must be the one that added firstAdded, as records that give the names back.
+    void RecordFormerNames(const std::vector<std::pair<std::int32_t, QString>> &formerNames,
+                           const TMyShape *firstAdded);
     std::vector<TUndoRecord> m_UndoList;
 
     // Commands (commands.cpp).
@@ -1305,6 +1324,8 @@ private:
     void ReadBlockShapes(BinaryStream &stream);
     void AssignBlockLayers(const std::vector<TLayer> &blockLayers, TBlockLayerMode mode);
     std::vector<std::unique_ptr<TMyShape>> m_MemoryShapes;
+    // The names that reading the last block replaced, for the step that pastes it.
+    std::vector<std::pair<std::int32_t, QString>> m_BlockFormerNames;
 
     // Interaction and repaint state.
     TActionTools m_ActionTool = TActionTools::dtSelecting;

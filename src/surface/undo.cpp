@@ -9,6 +9,8 @@
 #include <tessal/shapes/shapetools.h>
 
 #include <algorithm>
+#include <array>
+#include <functional>
 #include <limits>
 #include <unordered_map>
 
@@ -80,6 +82,12 @@ void TMyCAD::RecordShape(TMyShape *shape, std::int32_t step, const QString &acti
     for (std::int32_t no : shape->ChildShapes())
         if (const TMyShape *child = GetShapeByNo(no))
             record.ChildIds.push_back(child->ShapeId());
+    if (const auto *link = dynamic_cast<const TMyLinkLine *>(shape)) {
+        const TMyShape *start = GetShapeByNo(link->StartSpNo());
+        const TMyShape *end = GetShapeByNo(link->EndSpNo());
+        record.StartId = start ? start->ShapeId() : -1;
+        record.EndId = end ? end->ShapeId() : -1;
+    }
     m_UndoList.push_back(std::move(record));
 }
 
@@ -124,6 +132,8 @@ void TMyCAD::AppendRecords(std::span<TMyShape *const> shapes, std::int32_t last,
     if (action == ACT_UNGROUP) {
         RecordTree(shapes[0], step, action, true, 0);
     } else if (action == ACT_DELETE || action == ACT_CHANGE) {
+        if (action == ACT_CHANGE)
+            RecordBoundConnectors(shapes.first(std::size_t(last) + 1), step);
         for (std::int32_t i = last; i >= 0; --i)
             RecordTree(shapes[std::size_t(i)], step, action, false, 0);
     } else if (action == ACT_ADD) {
@@ -155,6 +165,60 @@ void TMyCAD::RecordEdit(std::span<TMyShape *const> shapes, const QString &action
         m_UndoList[i].AtPlace = atPlace;
 }
 
+void TMyCAD::RecordFormerNames(const std::vector<std::pair<std::int32_t, QString>> &formerNames,
+                               const TMyShape *firstAdded)
+{
+    // An addition is recorded last shape first, so its first shape is the newest record.
+    if (m_UndoList.empty() || !firstAdded ||
+        m_UndoList.back().Copy->ShapeId() != firstAdded->ShapeId())
+        return;
+    const std::int32_t step = m_UndoList.back().Step;
+    for (const auto &[id, name] : formerNames) {
+        TMyShape *shape = GetShapeByID(id);
+        if (!shape)
+            continue;
+        RecordShape(shape, step, ACT_CHANGE);
+        m_UndoList.back().ShapeName = name;
+        m_UndoList.back().Scope = TUndoRecord::TScope::Name;
+    }
+}
+
+// A connector's path depends on every shape it goes around, so re-routing it when its
+// shapes get their state back need not give its old path: the path is recorded too. These
+// records come first in the step, so that they are taken back last.
+void TMyCAD::RecordBoundConnectors(std::span<TMyShape *const> shapes, std::int32_t step)
+{
+    std::vector<TMyShape *> changed;
+    const std::function<void(TMyShape *, std::int32_t)> collect = [&](TMyShape *shape,
+                                                                      std::int32_t depth) {
+        if (!shape || depth > GetShapesCount() ||
+            std::find(changed.begin(), changed.end(), shape) != changed.end())
+            return;
+        changed.push_back(shape);
+        for (std::int32_t no : shape->ChildShapes())
+            collect(GetShapeByNo(no), depth + 1);
+    };
+    for (TMyShape *shape : shapes)
+        collect(shape, 0);
+    // Changed connectors too: their own record is followed by re-routes as their shapes
+    // are taken back.
+    std::vector<TMyShape *> connectors;
+    const auto add = [&connectors](TMyShape *link) {
+        if (dynamic_cast<TMyLinkLine *>(link) &&
+            std::find(connectors.begin(), connectors.end(), link) == connectors.end())
+            connectors.push_back(link);
+    };
+    for (TMyShape *shape : changed) {
+        add(shape);
+        for (std::int32_t no : shape->LinkShapes())
+            add(GetShapeByNo(no));
+    }
+    for (TMyShape *link : connectors) {
+        RecordShape(link, step, ACT_CHANGE);
+        m_UndoList.back().Scope = TUndoRecord::TScope::Path;
+    }
+}
+
 void TMyCAD::ClearAllUndoStuff()
 {
     m_UndoList.clear();
@@ -178,7 +242,12 @@ std::int32_t TMyCAD::PopFromUndoRedoShapeList()
     for (std::size_t i = m_UndoList.size(); i-- > first;) {
         const TUndoRecord &record = m_UndoList[i];
         const std::int32_t id = record.Copy->ShapeId();
-        if (record.Action == ACT_ADD) {
+        if (record.Scope == TUndoRecord::TScope::Name) {
+            if (TMyShape *live = GetShapeByID(id))
+                live->SetName(record.ShapeName);
+        } else if (record.Scope == TUndoRecord::TScope::Path) {
+            TakeBackPath(record);
+        } else if (record.Action == ACT_ADD) {
             DeleteShapeById(id, false);
         } else if (record.Action == ACT_DELETE) {
             restore.push_back(&record);
@@ -241,6 +310,10 @@ void TMyCAD::TakeBackChange(const TUndoRecord &record)
     live->SetName(name);
     live->SetShapeNo(shapeNo);
     if (link) {
+        // The recorded ends name places of that time; deletions taken back since may have
+        // moved the shapes, so the ends are found again by identity.
+        link->SetStartSpNo(GetShapeNoInMyShapes(GetShapeByID(record.StartId)));
+        link->SetEndSpNo(GetShapeNoInMyShapes(GetShapeByID(record.EndId)));
         const std::int32_t self = GetShapeNoInMyShapes(link);
         if (!GetShapeByNo(link->StartSpNo())) {
             link->SetStartSpNo(-1);
@@ -259,6 +332,26 @@ void TMyCAD::TakeBackChange(const TUndoRecord &record)
                 AddLinklineShape(*shape, self);
     }
     ChangeLinkShapes(live);
+}
+
+void TMyCAD::TakeBackPath(const TUndoRecord &record)
+{
+    auto *live = dynamic_cast<TMyLinkLine *>(GetShapeByID(record.Copy->ShapeId()));
+    if (!live)
+        return;
+    const std::array<std::int32_t, 4> ends = {live->StartSpNo(), live->StartSpPtId(),
+                                              live->EndSpNo(), live->EndSpPtId()};
+    const std::int32_t parent = live->ParentNo();
+    const QString name = live->Name();
+    const std::int32_t shapeNo = live->ShapeNo();
+    CopyWholeState(*live, *record.Copy);
+    live->SetStartSpNo(ends[0]);
+    live->SetStartSpPtId(ends[1]);
+    live->SetEndSpNo(ends[2]);
+    live->SetEndSpPtId(ends[3]);
+    live->SetParentNo(parent);
+    live->SetName(name);
+    live->SetShapeNo(shapeNo);
 }
 
 void TMyCAD::TakeBackReorder(const TUndoRecord &record)
@@ -293,6 +386,8 @@ void TMyCAD::Regroup(std::vector<TMyShape *> &members, const TUndoRecord *former
         if (record.Copy->ShapeId() == oldId)
             record.Copy->SetShapeId(newId);
         ReplaceId(record.ParentId, oldId, newId);
+        ReplaceId(record.StartId, oldId, newId);
+        ReplaceId(record.EndId, oldId, newId);
         for (std::int32_t &child : record.ChildIds)
             ReplaceId(child, oldId, newId);
     }

@@ -74,8 +74,10 @@ TEST(BitmapOps, ByteArithmetic)
         {-100, {127, 128, 49, 205, 55, 110, 148, 202, 172}},
         {-255, std::vector<int>(9, 127)},
         {-1000, {127, 125, 255, 0, 255, 205, 31, 0, 0}}};
-    for (const auto &[k, expected] : contrast)
+    for (const auto &[amount, expected] : contrast) {
+        const int k = amount;
         EXPECT_EQ(apply(wide, [k](TBitmap &b) { AdjustContrastBitmap(b, k); }), expected) << k;
+    }
 }
 
 TEST(BitmapOps, FlipMirrorsInPlace)

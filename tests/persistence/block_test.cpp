@@ -74,6 +74,7 @@ TEST(Block, GrowsTheDrawingNeverShrinksItAndTakesTheSettings)
         cad.resize(before);
         cad.CreateAddShapeByName(QStringLiteral("TMyLine"));
         cad.CreateAddShapeByName(QStringLiteral("TMyLine"))->SetName(QString());
+        const QString firstName = cad.GetShapeByNo(0)->Name();
         ASSERT_TRUE(cad.AddBlockfromZEDAFile(path, TBlockLayerMode::Merge));
         EXPECT_EQ(cad.size(), after);
         ASSERT_EQ(cad.GetShapesCount(), 4);
@@ -82,10 +83,14 @@ TEST(Block, GrowsTheDrawingNeverShrinksItAndTakesTheSettings)
         EXPECT_EQ(cad.GetShapeByNo(1)->Name(), QString());
         EXPECT_EQ(cad.GetShapeByNo(2)->Name(), QStringLiteral("Shape2"));
         EXPECT_EQ(cad.GetShapeByNo(3)->ClassName(), QStringLiteral("TMyEllipse"));
-        ASSERT_EQ(cad.UndoRedoShapeList().size(), 2u); // one step for both
+        // One step for both added shapes and the name the first shape had.
+        ASSERT_EQ(cad.UndoRedoShapeList().size(), 3u);
         EXPECT_EQ(cad.UndoRedoShapeList().front().Step, cad.UndoRedoShapeList().back().Step);
         EXPECT_EQ(cad.WorkingShapes().size(), 2u);
         EXPECT_TRUE(cad.MemoryShapes().empty());
+        cad.PopFromUndoRedoShapeList();
+        ASSERT_EQ(cad.GetShapesCount(), 2);
+        EXPECT_EQ(cad.GetShapeByNo(0)->Name(), firstName);
     }
 
     TMyCAD cad;

@@ -107,7 +107,7 @@ TEST(Library, OneEntryByteForByteAndBackAtNominalSize)
     // The caller's shape is left as it was.
     EXPECT_EQ(rect->Name(), QStringLiteral("Shape7"));
     EXPECT_EQ(rect->Points(), Box2030);
-    EXPECT_EQ(rect->TextPoint(), TMyPoint(70, 55));
+    EXPECT_EQ(rect->TextPoint(), (TMyPoint{70, 55}));
 
     Read r = Get(lib, "Door");
     ASSERT_TRUE(r.Ok) << lib.LastError().toStdString();
@@ -117,7 +117,7 @@ TEST(Library, OneEntryByteForByteAndBackAtNominalSize)
     ASSERT_EQ(r.List.size(), 1u);
     EXPECT_EQ(r.List[0]->ClassName(), QStringLiteral("TMyRectangle"));
     EXPECT_EQ(r.List[0]->Points(), (TMyPointArray{{0, 0}, {100, 0}, {100, 50}, {0, 50}}));
-    EXPECT_EQ(r.List[0]->TextPoint(), TMyPoint(50, 25));
+    EXPECT_EQ(r.List[0]->TextPoint(), (TMyPoint{50, 25}));
     EXPECT_TRUE(r.List[0]->Name().isEmpty());
     EXPECT_EQ(r.List[0]->Tag(), 99);
 
@@ -227,7 +227,7 @@ TEST(Library, TagTestsAndRecordVersions)
     Read r = Get(lib, "Old");
     ASSERT_TRUE(r.Ok) << lib.LastError().toStdString();
     EXPECT_EQ(r.List[0]->Points(), (TMyPointArray{{3, 8}, {20, -12}, {20, 80}, {3, 80}}));
-    EXPECT_EQ(r.List[0]->TextPoint(), TMyPoint(6, 16));
+    EXPECT_EQ(r.List[0]->TextPoint(), (TMyPoint{6, 16}));
     EXPECT_EQ(r.Data.GetCount(), 0);
 }
 

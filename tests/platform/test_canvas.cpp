@@ -149,7 +149,8 @@ TEST(CanvasLines, EveryDirectionKeepsTheStartAndLeavesOutTheEnd)
                               {{10, 15}, {10, 5}}, {{5, 5}, {15, 15}},  {{15, 15}, {5, 5}},
                               {{15, 5}, {5, 15}},  {{5, 15}, {15, 5}},  {{5, 8}, {15, 12}},
                               {{15, 12}, {5, 8}}};
-    for (const auto &[from, to] : ends) {
+    for (const auto &fromTo : ends) {
+        const TPoint from = fromTo[0], to = fromTo[1];
         SCOPED_TRACE(testing::Message()
                      << from.X << "," << from.Y << " -> " << to.X << "," << to.Y);
         const QImage image = Painted(20, 20, [&](TCanvas &canvas) {
