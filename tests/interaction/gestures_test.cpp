@@ -100,7 +100,8 @@ TEST(MouseGestures, DragMovesAllWorkingShapesAsOneStep)
         EXPECT_EQ(b->GetLeftTop().X, 200 + dx);
         EXPECT_EQ(b->GetLeftTop().Y, 100 + dy);
         EXPECT_EQ(StepCount(s.cad), 1);
-        EXPECT_EQ(s.cad.UndoRedoShapeList().size(), 2u);
+        // Both shapes, and the path of the connector bound to them.
+        EXPECT_EQ(s.cad.UndoRedoShapeList().size(), 3u);
         EXPECT_EQ(dragged, std::vector<QString>{a->Name()});
         if (mode == TDragMode::dgBoth) {
             EXPECT_NE(link->Points(), linkBefore); // the connector followed
