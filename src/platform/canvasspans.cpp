@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // TCanvas: wide outlines with round joins and ends, painted as the spans of TRoundStroke.
 #include "canvas_p.h"
+#include "fillpixels_p.h"
 
 #include <QVarLengthArray>
 
@@ -180,7 +181,7 @@ void TCanvas::WriteSpans(const std::vector<TSpan> &spans, QRgb colour, TPenMode 
     for (const TSpan &s : spans) {
         auto *row = reinterpret_cast<QRgb *>(bits + stride * s.Y);
         if (mode == TPenMode::pmCopy) {
-            std::fill(row + s.Left, row + s.Right, opaque);
+            FillPixels(row + s.Left, row + s.Right, opaque);
             continue;
         }
         for (QRgb *px = row + s.Left; px != row + s.Right; ++px)
@@ -210,7 +211,7 @@ void TCanvas::PaintSpansOnLayer(const QPainterPath &outline, const QRect &box, Q
     const QRgb opaque = 0xFF000000u | colour.rgb();
     for (const TSpan &s : d->Stroke.Spans()) {
         auto *row = reinterpret_cast<QRgb *>(layer.scanLine(s.Y - box.top()));
-        std::fill(row + (s.Left - box.left()), row + (s.Right - box.left()), opaque);
+        FillPixels(row + (s.Left - box.left()), row + (s.Right - box.left()), opaque);
     }
 }
 
