@@ -75,9 +75,19 @@ void TCanvas::CollectRoundStroke(std::span<const TPoint> chain, bool closed, QPo
 {
     TRoundStroke &stroke = d->Stroke;
     const auto at = [&](std::size_t i) { return QPoint(chain[i].X, chain[i].Y) + shift; };
-    // A closed chain's first start disc is its last end disc.
-    for (std::size_t i = 1; i < chain.size(); ++i)
-        stroke.AddSegment(at(i - 1), at(i), i == 1 && !closed);
+    // A closed chain's first start disc is its last end disc. A segment of no length adds
+    // nothing but its end disc, which the segment before it has added at the same point
+    // already (small ellipses and curves repeat points often): it is left out, handing its
+    // start disc on, unless a closed chain has nothing else to show.
+    bool start = !closed, added = false;
+    for (std::size_t i = 1; i < chain.size(); ++i) {
+        if (chain[i] == chain[i - 1] && (!start || i + 1 < chain.size()))
+            continue;
+        stroke.AddSegment(at(i - 1), at(i), std::exchange(start, false));
+        added = true;
+    }
+    if (closed && !added && chain.size() > 1)
+        stroke.AddSegment(at(0), at(0), false);
     // As a closed path does: the closing line only when the chain ends elsewhere.
     if (closed && chain.size() > 1 && chain.back() != chain.front())
         stroke.AddSegment(at(chain.size() - 1), at(0), false);
