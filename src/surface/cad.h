@@ -1146,6 +1146,7 @@ private:
     // Keeps the screen image over the part of the control that can be seen (or at least
     // over need), moving what it shows when that part moves.
     void EnsureScreenImage(const QRect &need = {});
+    bool KeepsScreenImage(const QRect &current, const QRect &area) const;
     QRect ScreenArea(const QRect &need) const;
     void ForgetCoveredHighlight(const QRect &recomposed);
     void RotateTree(TMyShape *shape, TMyPoint centre, double delta, std::int32_t depth);
