@@ -237,19 +237,37 @@ void MainWindow::InsertBlock(bool import)
 {
     const QString path =
         QFileDialog::getOpenFileName(this, tr("Insert drawing"), {}, DrawingFilter());
-    if (path.isEmpty())
-        return;
-    if (!TMyCAD::IsZEDAFile(path)) {
-        ShowError(tr("Insert drawing"), tr("%1 is not a drawing file.").arg(path));
-        return;
+    if (!path.isEmpty())
+        InsertBlockFile(path, import);
+}
+
+bool MainWindow::InsertBlockFile(const QString &path, bool import)
+{
+    const QString name = QFileInfo(path).fileName();
+    if (!QFileInfo(path).isFile() || !TMyCAD::IsZEDAFile(path)) {
+        ShowError(tr("Insert drawing"), tr("%1 is not a drawing file.").arg(name));
+        return false;
     }
+    // Reading a block renames shapes and may add layers before it meets damage further on:
+    // a file is checked on a scratch surface first.
+    {
+        TMyCAD scratch;
+        if (!scratch.LoadFromFile(path)) {
+            ShowError(tr("Insert drawing"),
+                      tr("%1 cannot be read: %2").arg(name, scratch.LastError()));
+            return false;
+        }
+    }
+    const bool modified = m_Cad->Modified();
     if (!m_Cad->AddBlockfromZEDAFile(path,
                                      import ? TBlockLayerMode::Import : TBlockLayerMode::Merge)) {
-        ShowError(tr("Insert drawing"), tr("%1 cannot be read: %2").arg(path, m_Cad->LastError()));
-        return;
+        m_Cad->SetModified(modified);
+        ShowError(tr("Insert drawing"), tr("%1 cannot be read: %2").arg(name, m_Cad->LastError()));
+        return false;
     }
     m_Cad->SetModified(true);
     NoteChange();
+    return true;
 }
 
 bool MainWindow::ExportTo(const QString &path, bool selectionOnly)

@@ -51,6 +51,9 @@ public:
     // Saves to path (asks for a name when empty); a failed save keeps the old file and says
     // why. Answers whether it was saved.
     bool Save(QString path);
+    // Inserts a drawing file as a block, onto the current layer or with its own layers. A
+    // file that cannot be read leaves the drawing untouched and says why.
+    bool InsertBlockFile(const QString &path, bool import);
     // Writes the page (or the selection) to a picture file chosen by its suffix.
     bool ExportTo(const QString &path, bool selectionOnly);
     // Writes the drawing as DXF, its texts as text entities or as the outlines of their glyphs.

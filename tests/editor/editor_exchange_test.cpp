@@ -306,3 +306,51 @@ TEST_F(EditorTest, CancelledLoadAndSaveKeepTheDrawingAndTheFile)
     EXPECT_EQ(m_Cad()->GetShapesCount(), 9000);
     EXPECT_EQ(m_Window->findChild<QProgressDialog *>(), nullptr);
 }
+
+TEST_F(EditorTest, BlocksAndSavesThatFailKeepWhatWasThere)
+{
+    m_Cad()->SetSnap(false);
+    DrawRectangle({40, 40}, {120, 90});
+    const QString path = m_Dir.filePath(QStringLiteral("block.tsd"));
+    ASSERT_TRUE(m_Window->Save(path));
+    const QString name = m_Cad()->GetShapeByNo(0)->Name();
+
+    // A damaged block: the reason, and the drawing as it was (names, layers, unchanged).
+    QByteArray damaged = Contents(path);
+    damaged.chop(30);
+    const QString cut = m_Dir.filePath(QStringLiteral("cut.tsd"));
+    ASSERT_TRUE(Write(cut, damaged));
+    {
+        TBoxAnswer answer(QMessageBox::Ok);
+        EXPECT_FALSE(m_Window->InsertBlockFile(cut, true));
+        EXPECT_TRUE(answer.Text().startsWith(QStringLiteral("cut.tsd cannot be read: ")));
+    }
+    EXPECT_EQ(m_Cad()->GetShapesCount(), 1);
+    EXPECT_EQ(m_Cad()->GetShapeByNo(0)->Name(), name);
+    EXPECT_EQ(m_Cad()->GetLayersCount(), 1);
+    EXPECT_FALSE(m_Window->isWindowModified());
+
+    // A good one comes in with its layer and is one step to take back.
+    ASSERT_TRUE(m_Window->InsertBlockFile(path, true));
+    EXPECT_EQ(m_Cad()->GetShapesCount(), 2);
+    EXPECT_TRUE(m_Window->isWindowModified());
+    m_Window->findChild<QAction *>(QStringLiteral("undo"))->trigger();
+    EXPECT_EQ(m_Cad()->GetShapesCount(), 1);
+
+    // Saving into a folder that refuses writing says why and keeps the old file. Whoever
+    // may write anywhere (root) cannot see this refusal.
+    const QByteArray before = Contents(path);
+    DrawRectangle({200, 40}, {260, 90});
+    QFile::setPermissions(m_Dir.path(), QFile::ReadOwner | QFile::ExeOwner);
+    QFile probe(m_Dir.filePath(QStringLiteral("probe")));
+    const bool refused = !probe.open(QIODevice::WriteOnly);
+    probe.remove();
+    if (refused) {
+        TBoxAnswer answer(QMessageBox::Ok);
+        EXPECT_FALSE(m_Window->Save(path));
+        EXPECT_TRUE(answer.Text().contains(QStringLiteral("cannot be saved")));
+        EXPECT_EQ(Contents(path), before);
+        EXPECT_TRUE(m_Window->isWindowModified());
+    }
+    QFile::setPermissions(m_Dir.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+}
