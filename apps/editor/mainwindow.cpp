@@ -197,6 +197,7 @@ void MainWindow::CreateEditMenu()
         NoteChange();
     });
     paste->setShortcut(QKeySequence::Paste);
+    edit->addAction(m_Commands->Action(QStringLiteral("delete")));
     QAction *selectAll = edit->addAction(tr("Select &All"), this, &MainWindow::SelectAll);
     selectAll->setShortcut(QKeySequence::SelectAll);
     bar->addActions({m_UndoAction, m_CutAction, m_CopyAction, paste});
