@@ -17,10 +17,14 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMenu>
-#include <QMessageBox>
 #include <QStatusBar>
 
 namespace tessal {
+
+namespace {
+// Report lines shown in the message itself.
+constexpr qsizetype ShortReport = 12;
+} // namespace
 
 void MainWindow::CreateDxfActions(QMenu *file, QMenu *exportMenu)
 {
@@ -132,12 +136,8 @@ bool MainWindow::ImportDxf(const QString &path)
     }
     if (!read) {
         progress.Finish();
-        QMessageBox box(QMessageBox::Warning, tr("Import DXF"),
-                        tr("%1 cannot be imported: %2").arg(name, report.Error), QMessageBox::Ok,
-                        this);
-        box.setInformativeText(tr("The open drawing is unchanged."));
-        box.setDetailedText(m_ImportReport.join(QLatin1Char('\n')));
-        box.exec();
+        ShowMessage(true, tr("Import DXF"), tr("%1 cannot be imported: %2").arg(name, report.Error),
+                    tr("The open drawing is unchanged."), m_ImportReport.join(QLatin1Char('\n')));
         return false;
     }
     if (!TakeDrawing(scratch, progress)) {
@@ -146,18 +146,20 @@ bool MainWindow::ImportDxf(const QString &path)
                 tr("Importing %1 was cancelled; the drawing is unchanged.").arg(name), 5000);
         return false;
     }
+    // A long report (many kinds of skipped entities) shows in full under Details.
+    const bool longReport = m_ImportReport.size() > ShortReport;
     // A new drawing that has no file yet; Save As offers the DXF's name.
     DrawingReplaced({}, true);
     m_SaveHint =
         info.absolutePath() + QDir::separator() + info.completeBaseName() + QStringLiteral(".tsd");
-    QMessageBox box(QMessageBox::Information, tr("Import DXF"),
-                    tr("%1 imported: %2 entities read, %3 skipped.")
-                        .arg(name)
-                        .arg(report.EntitiesRead)
-                        .arg(report.SkippedCount()),
-                    QMessageBox::Ok, this);
-    box.setInformativeText(m_ImportReport.join(QLatin1Char('\n')));
-    box.exec();
+    ShowMessage(false, tr("Import DXF"),
+                tr("%1 imported: %2 entities read, %3 skipped.")
+                    .arg(name)
+                    .arg(report.EntitiesRead)
+                    .arg(report.SkippedCount()),
+                m_ImportReport.mid(0, ShortReport).join(QLatin1Char('\n')) +
+                    (longReport ? QStringLiteral("\n...") : QString()),
+                longReport ? m_ImportReport.join(QLatin1Char('\n')) : QString());
     return true;
 }
 

@@ -31,6 +31,7 @@
 #include <QScrollBar>
 #include <QSettings>
 #include <QStatusBar>
+#include <QTextStream>
 #include <QToolBar>
 #include <QWheelEvent>
 
@@ -360,7 +361,25 @@ void MainWindow::ShowZoom()
 
 void MainWindow::ShowError(const QString &title, const QString &text)
 {
-    QMessageBox::warning(this, title, text);
+    ShowMessage(true, title, text);
+}
+
+void MainWindow::ShowMessage(bool warning, const QString &title, const QString &text,
+                             const QString &informative, const QString &detailed)
+{
+    if (m_MessagesToConsole) {
+        QTextStream out(stderr);
+        out << title << ": " << text << "\n";
+        for (const QString &more : {informative, detailed})
+            if (!more.isEmpty())
+                out << more << "\n";
+        return;
+    }
+    QMessageBox box(warning ? QMessageBox::Warning : QMessageBox::Information, title, text,
+                    QMessageBox::Ok, this);
+    box.setInformativeText(informative);
+    box.setDetailedText(detailed);
+    box.exec();
 }
 
 bool MainWindow::eventFilter(QObject *watched, QEvent *event)

@@ -66,6 +66,8 @@ public:
     bool ImportDxf(const QString &path);
     // The report of the last DXF import, as shown to the user.
     const QStringList &ImportReport() const { return m_ImportReport; }
+    // Without a display nobody could answer a message box: messages go to the console.
+    void SetMessagesToConsole(bool on) { m_MessagesToConsole = on; }
     // How long a load or save runs before its progress dialog shows.
     void SetProgressDelay(int ms) { m_ProgressDelay = ms; }
     // Prints on printer with the scaling chosen in the Print menu.
@@ -108,6 +110,9 @@ private:
     void ZoomToFit();
     void ShowZoom();
     void ShowError(const QString &title, const QString &text);
+    // A message box with optional further text, or the console (SetMessagesToConsole).
+    void ShowMessage(bool warning, const QString &title, const QString &text,
+                     const QString &informative = {}, const QString &detailed = {});
     void InsertBlock(bool import);
     void CreateDxfActions(QMenu *file, QMenu *exportMenu);
     void DxfExportDialog(bool textAsOutlines);
@@ -137,6 +142,7 @@ private:
     QString m_SaveHint;
     QStringList m_ImportReport;
     int m_ProgressDelay = 500;
+    bool m_MessagesToConsole = false;
     QStringList m_Recent;
     QMenu *m_RecentMenu = nullptr;
     QAction *m_UndoAction = nullptr;
