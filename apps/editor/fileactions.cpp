@@ -118,8 +118,8 @@ bool MainWindow::OpenFile(const QString &path)
         if (!scratch.LoadFromFile(path))
             reason = scratch.LastError();
     }
-    bool loaded = reason.isEmpty();
-    if (loaded && !progress.Cancelled()) {
+    bool loaded = reason.isEmpty() && !progress.Cancelled();
+    if (loaded) {
         progress.NextPass();
         progress.Attach(m_Cad);
         QApplication::setOverrideCursor(Qt::WaitCursor);
@@ -128,7 +128,7 @@ bool MainWindow::OpenFile(const QString &path)
         reason = m_Cad->LastError();
     }
     progress.Finish();
-    if (progress.Cancelled()) {
+    if (!loaded && progress.Cancelled()) {
         statusBar()->showMessage(
             tr("Opening %1 was cancelled; the drawing is unchanged.").arg(name), 5000);
         return false;

@@ -23,6 +23,8 @@ TProgressScope::TProgressScope(QWidget *parent, const QString &label, int delayM
     m_Dialog->setMinimumDuration(delayMs);
     m_Dialog->setAutoReset(false);
     m_Dialog->setAutoClose(false);
+    // The delay counts from here, the start of the work.
+    m_Dialog->setValue(0);
 }
 
 TProgressScope::~TProgressScope()
@@ -60,7 +62,9 @@ void TProgressScope::NextPass()
 
 void TProgressScope::Report(std::int64_t done, std::int64_t total)
 {
-    if (!m_Dialog)
+    // Work that cannot stop at once (a DXF being parsed) goes on reporting: the cancelled
+    // dialog stays closed.
+    if (!m_Dialog || m_Dialog->wasCanceled())
         return;
     const std::int64_t step =
         total > 0 ? std::clamp<std::int64_t>(done * Steps / total, 0, Steps) : 0;

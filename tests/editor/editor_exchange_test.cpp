@@ -300,6 +300,22 @@ TEST_F(EditorTest, CancelledLoadAndSaveKeepTheDrawingAndTheFile)
     EXPECT_TRUE(m_Window->FileName().isEmpty());
     EXPECT_EQ(m_Window->UndoText(), QStringLiteral("&Undo Add"));
 
+    // A DXF import cancelled while the file is parsed: the parse finishes, its result is
+    // dropped.
+    if (MainWindow::CanImportDxf()) {
+        TMyCAD big;
+        ASSERT_TRUE(big.LoadFromFile(path));
+        const QString dxf = m_Dir.filePath(QStringLiteral("big.dxf"));
+        ASSERT_TRUE(Write(dxf, big.DxfText(false)));
+        ASSERT_GT(QFileInfo(dxf).size(), 2 << 20) << "several slices of the parser";
+        TCanceller canceller(m_Window.get());
+        EXPECT_FALSE(m_Window->ImportDxf(dxf));
+        EXPECT_EQ(canceller.Cancels(), 1);
+        EXPECT_TRUE(m_Window->statusBar()->currentMessage().contains(QStringLiteral("cancelled")));
+        ASSERT_EQ(m_Cad()->GetShapesCount(), 1);
+        EXPECT_TRUE(m_Window->FileName().isEmpty());
+    }
+
     // Left alone, the dialog shows and the load completes.
     m_Cad()->SetModified(false);
     ASSERT_TRUE(m_Window->OpenFile(path));
