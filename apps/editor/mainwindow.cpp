@@ -137,6 +137,7 @@ void MainWindow::CreateDocks()
         m_Cad->SetModified(true);
         m_Cad->Invalidate();
         NoteChange();
+        ShowZoom(); // the surface's Zoom is one of the properties
     });
     inspector->setWidget(m_Inspector);
     addDockWidget(Qt::RightDockWidgetArea, inspector);
