@@ -429,6 +429,10 @@ public:
     // and the current shape.
     std::int32_t GroupShapes(std::span<TMyShape *const> shapes, bool record);
     std::int32_t GroupWorkingShape();
+    // The same under a new TMyCombine: the shapes become one block, as a placed library
+    // entry is. Recorded as a grouping ("ACT_GROUP"), and ungrouped like any group.
+    std::int32_t CombineShapes(std::span<TMyShape *const> shapes, bool record);
+    std::int32_t CombineWorkingShape();
     // Dissolves a top-level, unlocked group; members keep their places. IsUngrouping() is
     // true meanwhile, and OnShapeDeleted does not fire for the dissolved group.
     void UnGroupShape(TMyShape *group, bool record);
@@ -1184,6 +1188,8 @@ private:
     void TakeBackPath(const TUndoRecord &record);
     void RecordBoundConnectors(std::span<TMyShape *const> shapes, std::int32_t step);
     void TakeBackReorder(const TUndoRecord &record);
+    std::int32_t GroupShapesAs(std::span<TMyShape *const> shapes, bool record,
+                               const QString &className);
     void Regroup(std::vector<TMyShape *> &members, const TUndoRecord *formerGroup);
     void RestoreShapes(const std::vector<const TUndoRecord *> &records);
     // Adds the shapes named in formerNames (identity, name before) to the newest step, which
