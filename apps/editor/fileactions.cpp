@@ -3,6 +3,7 @@
 #include "mainwindow.h"
 
 #include "layersdock.h"
+#include "progress.h"
 
 #include <tessal/geometry/bitmapops.h>
 #include <tessal/surface/cad.h>
@@ -43,7 +44,10 @@ void MainWindow::CreateFileMenu()
         if (!MaybeSave())
             return;
         const QString path =
-            QFileDialog::getOpenFileName(this, tr("Open drawing"), {}, DrawingFilter());
+            QFileDialog::getOpenFileName(this, tr("Open drawing"), {},
+                                         CanImportDxf() ? tr("Drawings (*.tsd *.dxf);;"
+                                                             "All files (*)")
+                                                        : DrawingFilter());
         if (!path.isEmpty())
             OpenFile(path);
     });
@@ -67,8 +71,11 @@ void MainWindow::CreateFileMenu()
 void MainWindow::CreateExportAndPrint(QMenu *file)
 {
     file->addSeparator();
-    file->addAction(tr("&Export Page..."), this, [this] { ExportDialog(false); });
-    file->addAction(tr("Export Se&lection..."), this, [this] { ExportDialog(true); });
+    QMenu *exportMenu = file->addMenu(tr("&Export"));
+    exportMenu->setObjectName(QStringLiteral("exportMenu"));
+    exportMenu->addAction(tr("&Page as Picture..."), this, [this] { ExportDialog(false); });
+    exportMenu->addAction(tr("&Selection as Picture..."), this, [this] { ExportDialog(true); });
+    CreateDxfActions(file, exportMenu);
     file->addSeparator();
     QAction *print = file->addAction(tr("&Print..."), this, [this] {
         QPrintDialog dialog(m_Printer, this);
@@ -93,57 +100,93 @@ QString MainWindow::DrawingFilter() const
 bool MainWindow::OpenFile(const QString &path)
 {
     const QString name = QFileInfo(path).fileName();
+    if (CanImportDxf() &&
+        QFileInfo(path).suffix().compare(QLatin1String("dxf"), Qt::CaseInsensitive) == 0)
+        return ImportDxf(path);
     if (!QFileInfo(path).isFile() || !TMyCAD::IsZEDAFile(path)) {
         ShowError(tr("Open drawing"), tr("%1 is not a drawing file.").arg(name));
         return false;
     }
+    TProgressScope progress(this, tr("Opening %1...").arg(name), m_ProgressDelay, 2);
     // A damaged file would leave a half-read drawing behind: read it on a scratch surface
-    // first, so that the open drawing stays as it is when the file is refused.
+    // first, so that the open drawing stays as it is when the file is refused. A cancelled
+    // load leaves the drawing as it was by itself.
+    QString reason;
     {
         TMyCAD scratch;
-        if (!scratch.LoadFromFile(path)) {
-            ShowError(tr("Open drawing"),
-                      tr("%1 cannot be read: %2").arg(name, scratch.LastError()));
-            return false;
-        }
+        progress.Attach(&scratch);
+        if (!scratch.LoadFromFile(path))
+            reason = scratch.LastError();
     }
-    QApplication::setOverrideCursor(Qt::WaitCursor);
-    const bool loaded = m_Cad->LoadFromFile(path);
-    QApplication::restoreOverrideCursor();
-    if (!loaded) {
-        ShowError(tr("Open drawing"), tr("%1 cannot be read: %2").arg(name, m_Cad->LastError()));
+    bool loaded = reason.isEmpty() && !progress.Cancelled();
+    if (loaded) {
+        progress.NextPass();
+        progress.Attach(m_Cad);
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+        loaded = m_Cad->LoadFromFile(path);
+        QApplication::restoreOverrideCursor();
+        reason = m_Cad->LastError();
+    }
+    progress.Finish();
+    if (!loaded && progress.Cancelled()) {
+        statusBar()->showMessage(
+            tr("Opening %1 was cancelled; the drawing is unchanged.").arg(name), 5000);
         return false;
     }
-    m_Cad->ClearAllUndoStuff();
-    m_Cad->SetModified(false);
-    m_FileName = QFileInfo(path).absoluteFilePath();
-    m_HistoryMark = HistoryMark();
+    if (!loaded) {
+        ShowError(tr("Open drawing"), tr("%1 cannot be read: %2").arg(name, reason));
+        return false;
+    }
+    DrawingReplaced(QFileInfo(path).absoluteFilePath(), false);
     AddRecent(m_FileName);
-    NoteChange();
-    ShowZoom();
     statusBar()->showMessage(tr("%1 opened").arg(name), 3000);
     return true;
+}
+
+void MainWindow::DrawingReplaced(const QString &fileName, bool modified)
+{
+    m_Cad->ClearAllUndoStuff();
+    m_Cad->SetModified(modified);
+    m_FileName = fileName;
+    m_SaveHint.clear();
+    m_HistoryMark = HistoryMark();
+    NoteChange();
+    ShowZoom();
+    m_Cad->Invalidate();
 }
 
 bool MainWindow::Save(QString path)
 {
     if (path.isEmpty())
-        path = QFileDialog::getSaveFileName(this, tr("Save drawing"), m_FileName, DrawingFilter());
+        path = QFileDialog::getSaveFileName(this, tr("Save drawing"),
+                                            m_FileName.isEmpty() ? m_SaveHint : m_FileName,
+                                            DrawingFilter());
     if (path.isEmpty())
         return false;
     if (QFileInfo(path).suffix().isEmpty())
         path += QStringLiteral(".tsd");
+    const QString name = QFileInfo(path).fileName();
+    TProgressScope progress(this, tr("Saving %1...").arg(name), m_ProgressDelay);
+    progress.Attach(m_Cad);
     QApplication::setOverrideCursor(Qt::WaitCursor);
     const bool saved = m_Cad->SaveToFile(path);
     QApplication::restoreOverrideCursor();
+    progress.Finish();
+    if (!saved && progress.Cancelled()) {
+        statusBar()->showMessage(
+            tr("Saving was cancelled; the drawing is not saved and %1 is unchanged.").arg(name),
+            5000);
+        return false;
+    }
     if (!saved) {
         ShowError(tr("Save drawing"), tr("%1 cannot be saved: %2").arg(path, m_Cad->LastError()));
         return false;
     }
     m_FileName = QFileInfo(path).absoluteFilePath();
+    m_SaveHint.clear();
     AddRecent(m_FileName);
     UpdateTitle();
-    statusBar()->showMessage(tr("%1 saved").arg(QFileInfo(path).fileName()), 3000);
+    statusBar()->showMessage(tr("%1 saved").arg(name), 3000);
     return true;
 }
 
@@ -164,12 +207,7 @@ void MainWindow::NewDrawing(const QString &fileName)
     m_Cad->DeleteAllShapes();
     m_Cad->DeleteAllLayers();
     m_Cad->NewLayer(QStringLiteral("Layer0"), true);
-    m_Cad->ClearAllUndoStuff();
-    m_Cad->SetModified(false);
-    m_FileName = fileName;
-    m_HistoryMark = HistoryMark();
-    NoteChange();
-    m_Cad->Invalidate();
+    DrawingReplaced(fileName, false);
 }
 
 void MainWindow::AddRecent(const QString &path)
@@ -199,19 +237,37 @@ void MainWindow::InsertBlock(bool import)
 {
     const QString path =
         QFileDialog::getOpenFileName(this, tr("Insert drawing"), {}, DrawingFilter());
-    if (path.isEmpty())
-        return;
-    if (!TMyCAD::IsZEDAFile(path)) {
-        ShowError(tr("Insert drawing"), tr("%1 is not a drawing file.").arg(path));
-        return;
+    if (!path.isEmpty())
+        InsertBlockFile(path, import);
+}
+
+bool MainWindow::InsertBlockFile(const QString &path, bool import)
+{
+    const QString name = QFileInfo(path).fileName();
+    if (!QFileInfo(path).isFile() || !TMyCAD::IsZEDAFile(path)) {
+        ShowError(tr("Insert drawing"), tr("%1 is not a drawing file.").arg(name));
+        return false;
     }
+    // Reading a block renames shapes and may add layers before it meets damage further on:
+    // a file is checked on a scratch surface first.
+    {
+        TMyCAD scratch;
+        if (!scratch.LoadFromFile(path)) {
+            ShowError(tr("Insert drawing"),
+                      tr("%1 cannot be read: %2").arg(name, scratch.LastError()));
+            return false;
+        }
+    }
+    const bool modified = m_Cad->Modified();
     if (!m_Cad->AddBlockfromZEDAFile(path,
                                      import ? TBlockLayerMode::Import : TBlockLayerMode::Merge)) {
-        ShowError(tr("Insert drawing"), tr("%1 cannot be read: %2").arg(path, m_Cad->LastError()));
-        return;
+        m_Cad->SetModified(modified);
+        ShowError(tr("Insert drawing"), tr("%1 cannot be read: %2").arg(name, m_Cad->LastError()));
+        return false;
     }
     m_Cad->SetModified(true);
     NoteChange();
+    return true;
 }
 
 bool MainWindow::ExportTo(const QString &path, bool selectionOnly)

@@ -19,6 +19,8 @@ int main(int argc, char **argv)
     QApplication::setOrganizationName(QStringLiteral("Tessal"));
 
     tessal::MainWindow window;
+    const bool offscreen = QGuiApplication::platformName() == QLatin1String("offscreen");
+    window.SetMessagesToConsole(offscreen);
     const QStringList args = QApplication::arguments();
     if (args.size() > 1) {
         // A name that does not exist yet starts a new drawing that saves under it.
@@ -35,7 +37,7 @@ int main(int argc, char **argv)
     }
     window.show();
 
-    if (QGuiApplication::platformName() == QLatin1String("offscreen")) {
+    if (offscreen) {
         // Let layout and the first paint happen before taking the picture.
         QApplication::processEvents();
         const QString path = QDir::current().absoluteFilePath(QStringLiteral("tessal-editor.png"));

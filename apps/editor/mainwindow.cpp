@@ -31,6 +31,7 @@
 #include <QScrollBar>
 #include <QSettings>
 #include <QStatusBar>
+#include <QTextStream>
 #include <QToolBar>
 #include <QWheelEvent>
 
@@ -136,6 +137,7 @@ void MainWindow::CreateDocks()
         m_Cad->SetModified(true);
         m_Cad->Invalidate();
         NoteChange();
+        ShowZoom(); // the surface's Zoom is one of the properties
     });
     inspector->setWidget(m_Inspector);
     addDockWidget(Qt::RightDockWidgetArea, inspector);
@@ -197,6 +199,7 @@ void MainWindow::CreateEditMenu()
         NoteChange();
     });
     paste->setShortcut(QKeySequence::Paste);
+    edit->addAction(m_Commands->Action(QStringLiteral("delete")));
     QAction *selectAll = edit->addAction(tr("Select &All"), this, &MainWindow::SelectAll);
     selectAll->setShortcut(QKeySequence::SelectAll);
     bar->addActions({m_UndoAction, m_CutAction, m_CopyAction, paste});
@@ -359,7 +362,25 @@ void MainWindow::ShowZoom()
 
 void MainWindow::ShowError(const QString &title, const QString &text)
 {
-    QMessageBox::warning(this, title, text);
+    ShowMessage(true, title, text);
+}
+
+void MainWindow::ShowMessage(bool warning, const QString &title, const QString &text,
+                             const QString &informative, const QString &detailed)
+{
+    if (m_MessagesToConsole) {
+        QTextStream out(stderr);
+        out << title << ": " << text << "\n";
+        for (const QString &more : {informative, detailed})
+            if (!more.isEmpty())
+                out << more << "\n";
+        return;
+    }
+    QMessageBox box(warning ? QMessageBox::Warning : QMessageBox::Information, title, text,
+                    QMessageBox::Ok, this);
+    box.setInformativeText(informative);
+    box.setDetailedText(detailed);
+    box.exec();
 }
 
 bool MainWindow::eventFilter(QObject *watched, QEvent *event)

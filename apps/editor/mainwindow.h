@@ -21,6 +21,7 @@ class TLayersPanel;
 class TLibraryPanel;
 class TMyCAD;
 class TMyRulerFrame;
+class TProgressScope;
 class TShapeCommands;
 class TToolPalette;
 
@@ -50,8 +51,25 @@ public:
     // Saves to path (asks for a name when empty); a failed save keeps the old file and says
     // why. Answers whether it was saved.
     bool Save(QString path);
+    // Inserts a drawing file as a block, onto the current layer or with its own layers. A
+    // file that cannot be read leaves the drawing untouched and says why.
+    bool InsertBlockFile(const QString &path, bool import);
     // Writes the page (or the selection) to a picture file chosen by its suffix.
     bool ExportTo(const QString &path, bool selectionOnly);
+    // Writes the drawing as DXF, its texts as text entities or as the outlines of their glyphs.
+    bool ExportDxf(const QString &path, bool textAsOutlines);
+    // Whether this build reads DXF files.
+    static bool CanImportDxf();
+    // Replaces the drawing with a DXF file's (after MaybeSave, like Open) as a new, unsaved
+    // drawing and shows the import's report. A file that cannot be read, or only in part,
+    // leaves the open drawing untouched and says why. Answers whether it was imported.
+    bool ImportDxf(const QString &path);
+    // The report of the last DXF import, as shown to the user.
+    const QStringList &ImportReport() const { return m_ImportReport; }
+    // Without a display nobody could answer a message box: messages go to the console.
+    void SetMessagesToConsole(bool on) { m_MessagesToConsole = on; }
+    // How long a load or save runs before its progress dialog shows.
+    void SetProgressDelay(int ms) { m_ProgressDelay = ms; }
     // Prints on printer with the scaling chosen in the Print menu.
     bool PrintOn(QPrinter *printer);
     // Asks whether to save unsaved changes; false when the user cancelled.
@@ -92,7 +110,16 @@ private:
     void ZoomToFit();
     void ShowZoom();
     void ShowError(const QString &title, const QString &text);
+    // A message box with optional further text, or the console (SetMessagesToConsole).
+    void ShowMessage(bool warning, const QString &title, const QString &text,
+                     const QString &informative = {}, const QString &detailed = {});
     void InsertBlock(bool import);
+    void CreateDxfActions(QMenu *file, QMenu *exportMenu);
+    void DxfExportDialog(bool textAsOutlines);
+    // Takes the drawing of a scratch surface as a new, unsaved drawing.
+    bool TakeDrawing(TMyCAD &source, TProgressScope &progress);
+    // After a new drawing came in: clean history, title, layers, zoom.
+    void DrawingReplaced(const QString &fileName, bool modified);
     void ExportDialog(bool selectionOnly);
     void PrintPreview();
     void PageSetup();
@@ -111,6 +138,11 @@ private:
     TComponentInspector *m_Inspector = nullptr;
     QPrinter *m_Printer = nullptr;
     QString m_FileName;
+    // Where Save As starts for a drawing that has no file yet (an imported one).
+    QString m_SaveHint;
+    QStringList m_ImportReport;
+    int m_ProgressDelay = 500;
+    bool m_MessagesToConsole = false;
     QStringList m_Recent;
     QMenu *m_RecentMenu = nullptr;
     QAction *m_UndoAction = nullptr;

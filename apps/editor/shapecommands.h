@@ -30,9 +30,12 @@ public:
     void UpdateEnabled();
     QAction *Action(const QString &objectName) const;
 
+    // Whether a command applies to the selected shapes.
+    using TApplies = std::function<bool(const std::vector<TMyShape *> &)>;
+
 private:
     QAction *Add(const QString &name, const QString &text, std::function<void()> run,
-                 int minSelected);
+                 TApplies applies);
     std::vector<TMyShape *> Selected() const;
     void ForEachSelected(const std::function<void(TMyShape *)> &run);
 
@@ -41,7 +44,7 @@ private:
     struct TCommand
     {
         QAction *Action;
-        int MinSelected;
+        TApplies Applies;
         bool Separator;
     };
     std::vector<TCommand> m_Commands;

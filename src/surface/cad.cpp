@@ -160,6 +160,18 @@ QRect TMyCAD::ScreenArea(const QRect &need) const
     return area;
 }
 
+// The image is also kept when it holds the area and no more than the visible part of the
+// control: in a control larger than the screen, paints that reach past the screen (feedback
+// drawn there) would otherwise make it again, and compose its new part again, every time.
+bool TMyCAD::KeepsScreenImage(const QRect &current, const QRect &area) const
+{
+    if (current == area)
+        return true;
+    if (!current.contains(area) || !isVisible())
+        return false;
+    return (visibleRegion().boundingRect() & rect()).contains(current);
+}
+
 void TMyCAD::EnsureScreenImage(const QRect &need)
 {
     const qreal dpr = devicePixelRatioF();
@@ -170,7 +182,8 @@ void TMyCAD::EnsureScreenImage(const QRect &need)
         return;
     }
     const QRect current(m_ScreenOrigin, m_ScreenImage.deviceIndependentSize().toSize());
-    if (!m_ScreenImage.isNull() && current == area && m_ScreenImage.devicePixelRatio() == dpr)
+    if (!m_ScreenImage.isNull() && m_ScreenImage.devicePixelRatio() == dpr &&
+        KeepsScreenImage(current, area))
         return;
     m_ScreenCanvas.reset();
     QImage image((QSizeF(area.size()) * dpr).toSize(), QImage::Format_RGB32);

@@ -341,6 +341,8 @@ public:
     TMyShape *GetShapeByID(std::int32_t id) const override;
     TMyShape *GetShapeByName(const QString &name) const;
     std::int32_t GetShapeNoById(std::int32_t id) const;
+    // The place of a live shape in the list, or -1 for a detached one. A deleted shape is
+    // gone: ask for its ID with GetShapeByID instead of keeping its pointer.
     std::int32_t GetShapeNoInMyShapes(const TMyShape *shape) const;
     // Only when old != new, a shape is named old and none is named new.
     bool RenameShapeName(const QString &oldName, const QString &newName);
@@ -427,6 +429,10 @@ public:
     // and the current shape.
     std::int32_t GroupShapes(std::span<TMyShape *const> shapes, bool record);
     std::int32_t GroupWorkingShape();
+    // The same under a new TMyCombine: the shapes become one block, as a placed library
+    // entry is. Recorded as a grouping ("ACT_GROUP"), and ungrouped like any group.
+    std::int32_t CombineShapes(std::span<TMyShape *const> shapes, bool record);
+    std::int32_t CombineWorkingShape();
     // Dissolves a top-level, unlocked group; members keep their places. IsUngrouping() is
     // true meanwhile, and OnShapeDeleted does not fire for the dissolved group.
     void UnGroupShape(TMyShape *group, bool record);
@@ -1144,6 +1150,7 @@ private:
     // Keeps the screen image over the part of the control that can be seen (or at least
     // over need), moving what it shows when that part moves.
     void EnsureScreenImage(const QRect &need = {});
+    bool KeepsScreenImage(const QRect &current, const QRect &area) const;
     QRect ScreenArea(const QRect &need) const;
     void ForgetCoveredHighlight(const QRect &recomposed);
     void RotateTree(TMyShape *shape, TMyPoint centre, double delta, std::int32_t depth);
@@ -1181,6 +1188,8 @@ private:
     void TakeBackPath(const TUndoRecord &record);
     void RecordBoundConnectors(std::span<TMyShape *const> shapes, std::int32_t step);
     void TakeBackReorder(const TUndoRecord &record);
+    std::int32_t GroupShapesAs(std::span<TMyShape *const> shapes, bool record,
+                               const QString &className);
     void Regroup(std::vector<TMyShape *> &members, const TUndoRecord *formerGroup);
     void RestoreShapes(const std::vector<const TUndoRecord *> &records);
     // Adds the shapes named in formerNames (identity, name before) to the newest step, which

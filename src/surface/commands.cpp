@@ -73,6 +73,17 @@ TMyPoint AlignOffset(std::int32_t edge, const TBox &own, const TBox &all)
 
 std::int32_t TMyCAD::GroupShapes(std::span<TMyShape *const> shapes, bool record)
 {
+    return GroupShapesAs(shapes, record, QStringLiteral("TMyGroup"));
+}
+
+std::int32_t TMyCAD::CombineShapes(std::span<TMyShape *const> shapes, bool record)
+{
+    return GroupShapesAs(shapes, record, QStringLiteral("TMyCombine"));
+}
+
+std::int32_t TMyCAD::GroupShapesAs(std::span<TMyShape *const> shapes, bool record,
+                                   const QString &className)
+{
     std::vector<TMyShape *> roots;
     std::vector<TMyShape *> given;
     for (TMyShape *shape : shapes) {
@@ -96,7 +107,7 @@ std::int32_t TMyCAD::GroupShapes(std::span<TMyShape *const> shapes, bool record)
         box.Add(*root);
     if (box.IsEmpty())
         box = TBox{0, 0, 0, 0};
-    std::unique_ptr<TMyShape> group = CreateShapeByName(QStringLiteral("TMyGroup"));
+    std::unique_ptr<TMyShape> group = CreateShapeByName(className);
     // The corners go in as zoomed pixels, the way AddPoint takes them.
     const double zoom = Zoom();
     const float l = float(box.Left * zoom), t = float(box.Top * zoom);
@@ -137,6 +148,12 @@ std::int32_t TMyCAD::GroupWorkingShape()
 {
     const std::vector<TMyShape *> shapes = m_WorkingShapes;
     return GroupShapes(shapes, true);
+}
+
+std::int32_t TMyCAD::CombineWorkingShape()
+{
+    const std::vector<TMyShape *> shapes = m_WorkingShapes;
+    return CombineShapes(shapes, true);
 }
 
 // A locked group is left alone: its deletion would be refused after its members had been

@@ -373,7 +373,10 @@ void TMyCAD::TakeBackReorder(const TUndoRecord &record)
 // group are made to name it, so that older steps still find it.
 void TMyCAD::Regroup(std::vector<TMyShape *> &members, const TUndoRecord *formerGroup)
 {
-    const std::int32_t newId = GroupShapes(members, false);
+    // A block (a placed library entry, a combine) comes back as a block.
+    const QString className =
+        formerGroup ? formerGroup->Copy->ClassName() : QStringLiteral("TMyGroup");
+    const std::int32_t newId = GroupShapesAs(members, false, className);
     TMyShape *group = GetShapeByID(newId);
     if (!group || !formerGroup)
         return;

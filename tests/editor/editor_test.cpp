@@ -1,159 +1,11 @@
 // SPDX-License-Identifier: MIT
 // The editor's main window driven in-process: tools chosen from the palette, shapes drawn
 // with real mouse events, undo, commands, layers, files, export, printing and the guard
-// against losing changes. Message boxes are answered by a timer, as a user would.
-#include "mainwindow.h"
-
-#include "layersdock.h"
-#include "librarydock.h"
-#include "shapecommands.h"
-#include "toolpalette.h"
-
-#include <tessal/inspector/componentinspector.h>
-#include <tessal/inspector/inspectorgrid.h>
-#include <tessal/shapes/shape.h>
-#include <tessal/surface/cad.h>
-
-#include <gtest/gtest.h>
-
-#include <QAbstractButton>
-#include <QApplication>
-#include <QDialog>
-#include <QFile>
-#include <QListWidget>
-#include <QMessageBox>
-#include <QMimeData>
-#include <QPrinter>
-#include <QScrollArea>
-#include <QStandardPaths>
-#include <QSvgRenderer>
-#include <QTemporaryDir>
-#include <QTest>
-#include <QTimer>
-#include <QTreeView>
-#include <QUrl>
-#include <QWheelEvent>
-
-#include <algorithm>
-#include <iostream>
-#include <memory>
+// against losing changes.
+#include "editorfixture.h"
 
 using namespace tessal;
-
-namespace {
-
-// Answers the next message box with the button of the given role and keeps its text.
-class TBoxAnswer
-{
-public:
-    explicit TBoxAnswer(QMessageBox::StandardButton button)
-        : m_Button(button)
-    {
-        Poll();
-    }
-    QString Text() const { return *m_Text; }
-    bool Seen() const { return !m_Text->isNull(); }
-
-private:
-    void Poll()
-    {
-        auto text = m_Text;
-        const QMessageBox::StandardButton button = m_Button;
-        QTimer::singleShot(20, [this, text, button] {
-            auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
-            if (!box) {
-                if (++m_Tries < 200)
-                    Poll();
-                return;
-            }
-            *text = box->text();
-            box->button(button)->click();
-        });
-    }
-    QMessageBox::StandardButton m_Button;
-    std::shared_ptr<QString> m_Text = std::make_shared<QString>();
-    int m_Tries = 0;
-};
-
-class EditorTest : public ::testing::Test
-{
-protected:
-    void SetUp() override
-    {
-        QStandardPaths::setTestModeEnabled(true);
-        m_Window = std::make_unique<MainWindow>();
-        m_Window->NewDrawing();
-        m_Window->show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(m_Window.get()));
-        // A message box that no test step expects would wait forever: close it and fail.
-        QObject::connect(&m_Watchdog, &QTimer::timeout, [this] {
-            QWidget *modal = QApplication::activeModalWidget();
-            if (modal && modal == m_LastModal) {
-                auto *box = qobject_cast<QMessageBox *>(modal);
-                m_Unexpected << (box ? box->text() : modal->windowTitle());
-                if (auto *dialog = qobject_cast<QDialog *>(modal))
-                    dialog->reject();
-            }
-            m_LastModal = modal;
-        });
-        m_Watchdog.start(700);
-    }
-    void TearDown() override
-    {
-        m_Watchdog.stop();
-        EXPECT_TRUE(m_Unexpected.isEmpty()) << m_Unexpected.join(" | ").toStdString();
-        m_Cad()->SetModified(false);
-        m_Window.reset();
-    }
-    TMyCAD *m_Cad() const { return m_Window->Cad(); }
-
-    // A drag with the left button from a to b in surface pixels, as the mouse does it.
-    void Drag(QPoint a, QPoint b)
-    {
-        QWidget *surface = m_Cad();
-        QTest::mousePress(surface, Qt::LeftButton, Qt::NoModifier, a);
-        for (int i = 1; i <= 4; ++i) {
-            const QPoint p = a + (b - a) * i / 4;
-            QMouseEvent move(QEvent::MouseMove, p, surface->mapToGlobal(p), Qt::NoButton,
-                             Qt::LeftButton, Qt::NoModifier);
-            QApplication::sendEvent(surface, &move);
-        }
-        QTest::mouseRelease(surface, Qt::LeftButton, Qt::NoModifier, b);
-        QApplication::processEvents();
-    }
-    void DrawRectangle(QPoint a, QPoint b)
-    {
-        m_Window->Palette()->ActionFor(TDrawTool::SpRectangle)->trigger();
-        Drag(a, b);
-    }
-
-    std::unique_ptr<MainWindow> m_Window;
-    QTemporaryDir m_Dir;
-    QTimer m_Watchdog;
-    QWidget *m_LastModal = nullptr;
-    QStringList m_Unexpected;
-};
-
-// The extent of a shape's points in document units.
-QRectF Box(const TMyShape *shape)
-{
-    QPointF low(1e9, 1e9);
-    QPointF high(-1e9, -1e9);
-    for (std::int32_t i = 0; i < shape->GetPointsCount(); ++i) {
-        const TMyPoint p = shape->GetPoint(i);
-        low = QPointF(std::min<qreal>(low.x(), p.X), std::min<qreal>(low.y(), p.Y));
-        high = QPointF(std::max<qreal>(high.x(), p.X), std::max<qreal>(high.y(), p.Y));
-    }
-    return QRectF(low, high);
-}
-
-QByteArray Head(const QString &path, int n)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.read(n) : QByteArray();
-}
-
-} // namespace
+using namespace tessal::test;
 
 TEST_F(EditorTest, PaletteDrawUndoSaveAndReopen)
 {
@@ -419,6 +271,7 @@ TEST_F(EditorTest, DroppedDrawingOpensAndTheContextMenuOffersTheCommands)
                            m_Cad()->mapToGlobal(QPoint(60, 60)));
     QApplication::sendEvent(m_Cad(), &menu);
     EXPECT_TRUE(offered.contains(QStringLiteral("&Group")));
+    EXPECT_TRUE(offered.contains(QStringLiteral("Com&bine into a Block")));
     EXPECT_TRUE(offered.contains(QStringLiteral("Bring to &Front")));
     EXPECT_TRUE(offered.contains(QStringLiteral("Cu&t")));
 }

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Thousands of random presses, moves and releases with random tools, modifiers and zooms:
 // the selection stays well formed, the relations consistent, every gesture records at most
-// one step, and taking a gesture's step back gives the drawing saved before it, byte for byte.
+// one step, taking a gesture's step back gives the drawing saved before it, byte for byte,
+// and so does taking back, one by one, every step the history still holds at the end.
 #include "mousehelpers.h"
 
 #include <tessal/shapes/shape.h>
@@ -56,8 +57,12 @@ public:
 
     void Gesture()
     {
-        if (Chance(0.25))
-            m_S.cad.SetShapeTool(Tools[Int(0, int(std::size(Tools)) - 1)]);
+        if (Chance(0.25)) {
+            const TDrawTool tool = Tools[Int(0, int(std::size(Tools)) - 1)];
+            m_S.cad.SetShapeTool(tool);
+        }
+        if (!WholeDrags && m_S.cad.ShapeTool() == TDrawTool::SpDragWhole)
+            m_S.cad.SetShapeTool(TDrawTool::SpSelecting);
         // A zoom change is a step of its own: the stored control size follows the zoom.
         if (Chance(0.03)) {
             m_S.cad.SetZoom(std::array{0.5, 1.0, 1.5, 2.0}[std::size_t(Int(0, 3))]);
@@ -82,6 +87,10 @@ public:
         m_S.Release(p, mod);
     }
 
+    // Moving the whole drawing records no step; the last gestures leave it out so that the
+    // history they leave can be taken back to the drawings saved before them.
+    bool WholeDrags = true;
+
     bool Chance(double p) { return std::uniform_real_distribution<>(0, 1)(m_Rng) < p; }
     int Int(int lo, int hi) { return std::uniform_int_distribution<>(lo, hi)(m_Rng); }
 
@@ -104,48 +113,99 @@ private:
     return ::testing::AssertionSuccess();
 }
 
+// The stored control size follows the zoom, so drawings saved at different zooms are
+// compared as saved at 100 %.
+QByteArray SavedAtFullSize(TMyCAD &cad)
+{
+    const double zoom = cad.Zoom();
+    cad.SetZoom(1.0);
+    QByteArray bytes = Saved(cad);
+    cad.SetZoom(zoom);
+    return bytes;
+}
+
+// A new step always brings new shape copies, also when the oldest step made room for it:
+// the first record of the newest step tells steps apart.
+const TMyShape *NewestStep(const TMyCAD &cad)
+{
+    const auto &list = cad.UndoRedoShapeList();
+    std::size_t first = list.size();
+    while (first > 0 && list[first - 1].Step == list.back().Step)
+        --first;
+    return first == list.size() ? nullptr : list[first].Copy.get();
+}
+
 TEST(MouseRandom, GesturesKeepTheDocumentWellFormedAndUndoExact)
 {
     for (const unsigned seed : {1u, 2u, 3u}) {
         SCOPED_TRACE(seed);
         TMouseSurface s;
         s.cad.SetDisableTextInput(true);
-        s.cad.SetUndoRedoSize(255);
+        // Small enough for the oldest steps to be evicted many times over.
+        s.cad.SetUndoRedoSize(40);
         // A member taken alone would be a working shape with a parent; keep groups whole.
         s.cad.SetOnChildShapeSelected([](TMyCAD *, TMyShape *, bool &accept) { accept = false; });
-        AddRectangle(s.cad, 50, 50, 150, 120);
-        AddRectangle(s.cad, 200, 80, 260, 200);
+        TMyShape *r1 = AddRectangle(s.cad, 50, 50, 150, 120);
+        TMyShape *r2 = AddRectangle(s.cad, 200, 80, 260, 200);
         TMyShape *a = AddRectangle(s.cad, 300, 300, 380, 360);
         TMyShape *b = AddRectangle(s.cad, 420, 300, 480, 380);
-        // No connectors: taking a step back routes a connector again against the shapes as
-        // they are then, which need not give the route it had (see the connector tests).
+        s.cad.ChangeLinkShapes(AddConnector(s.cad, r1, r2));
         const std::vector<TMyShape *> pair{a, b};
         s.cad.GroupShapes(pair, false);
         s.cad.ClearAllUndoStuff();
 
         TRandomUser user(s, seed);
+        std::vector<QByteArray> history; // the drawing before each step still held
         int undone = 0;
         for (int i = 0; i < 800; ++i) {
+            user.WholeDrags = i < 400;
             const int steps = StepCount(s.cad);
-            const QByteArray prior = Saved(s.cad);
+            const TMyShape *newest = NewestStep(s.cad);
+            const std::size_t records = s.cad.UndoRedoShapeList().size();
+            const QByteArray prior = SavedAtFullSize(s.cad);
             user.Gesture();
             ASSERT_TRUE(SelectionWellFormed(s.cad)) << "gesture " << i;
             ASSERT_TRUE(RelationsValid(s.cad)) << "gesture " << i;
             ASSERT_LE(StepCount(s.cad), steps + 1) << "one gesture, at most one step";
+            if (NewestStep(s.cad) == newest) {
+                ASSERT_EQ(s.cad.UndoRedoShapeList().size(), records)
+                    << "gesture " << i << " added to the step of an earlier one";
+                // Moving the whole drawing records nothing, so the steps before it can no
+                // longer give back the drawings saved before them.
+                if (s.cad.ShapeTool() == TDrawTool::SpDragWhole && SavedAtFullSize(s.cad) != prior)
+                    history.clear();
+                continue;
+            }
+            // The new step may have pushed the oldest one out.
+            if (history.size() == std::size_t(StepCount(s.cad)))
+                history.erase(history.begin());
             // Every second recorded gesture is taken back at once: the drawing must be the
             // one before it, byte for byte.
-            if (StepCount(s.cad) == steps + 1 && user.Chance(0.5)) {
+            if (user.Chance(0.5)) {
                 const QString action = s.cad.UndoRedoShapeList().back().Action;
                 const auto tool = s.cad.ShapeTool();
                 s.cad.PopFromUndoRedoShapeList();
-                ASSERT_EQ(Saved(s.cad), prior)
+                ASSERT_EQ(SavedAtFullSize(s.cad), prior)
                     << "gesture " << i << " " << action.toStdString() << " tool " << int(tool)
                     << " shapes " << s.cad.GetShapesCount();
                 ++undone;
+                continue;
             }
+            history.push_back(prior);
         }
         EXPECT_GT(undone, 50);
         EXPECT_GT(s.cad.GetShapesCount(), 5);
+        ASSERT_LE(history.size(), std::size_t(StepCount(s.cad)));
+        ASSERT_GE(history.size(), 20u) << "too few steps to take back";
+        const bool comparableToTheStart = history.size() == std::size_t(StepCount(s.cad));
+        while (!history.empty()) {
+            s.cad.PopFromUndoRedoShapeList();
+            ASSERT_EQ(SavedAtFullSize(s.cad), history.back()) << history.size() << " steps left";
+            history.pop_back();
+        }
+        if (comparableToTheStart) {
+            EXPECT_EQ(s.cad.PopFromUndoRedoShapeList(), -1);
+        }
     }
 }
 

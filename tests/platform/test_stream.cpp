@@ -8,6 +8,7 @@
 #include <QBuffer>
 #include <QRandomGenerator>
 
+#include <bit>
 #include <cmath>
 #include <limits>
 
@@ -313,7 +314,7 @@ TEST(BinaryStream, MemoryStreamsMatchDeviceStreams)
                         v = std::uint64_t(s.ReadInt64());
                         break;
                     case 4:
-                        v = std::uint64_t(s.ReadExtended());
+                        v = std::bit_cast<std::uint64_t>(s.ReadExtended());
                         break;
                     default:
                         v = std::uint64_t(s.ReadBytes(s.ReadUInt8() % 5).size());

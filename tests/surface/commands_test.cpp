@@ -108,6 +108,44 @@ TEST(Commands, GroupingRefusalsLeaveEverything)
     EXPECT_TRUE(RelationsValid(cad));
 }
 
+// Combining is grouping under a TMyCombine: taken back, ungrouped and taken back again, the
+// block comes back as a combine, not as a plain group.
+TEST(Commands, CombineMakesABlockThatUndoAndUngroupKeep)
+{
+    TMyCAD cad;
+    TMyShape *a = AddRectangle(cad, 0, 0, 10, 10);
+    TMyShape *b = AddRectangle(cad, 20, 5, 30, 25);
+    cad.SetWorkingShapes(std::vector<TMyShape *>{a, b});
+    const std::int32_t id = cad.CombineWorkingShape();
+    ASSERT_EQ(id, 2);
+    TMyShape *block = cad.GetShapeByID(id);
+    EXPECT_EQ(block->ClassName(), QStringLiteral("TMyCombine"));
+    EXPECT_EQ(block->Points(), (TMyPointArray{{0, 0}, {30, 0}, {30, 25}, {0, 25}}));
+    EXPECT_EQ(block->ChildShapes(), (std::vector<std::int32_t>{0, 1}));
+    EXPECT_EQ(cad.UndoRedoShapeList().back().Action, ACT_GROUP);
+    EXPECT_TRUE(RelationsValid(cad));
+
+    cad.PopFromUndoRedoShapeList();
+    EXPECT_EQ(cad.GetShapesCount(), 2);
+    EXPECT_EQ(a->ParentNo(), -1);
+    cad.SetWorkingShapes(std::vector<TMyShape *>{a, b});
+    block = cad.GetShapeByID(cad.CombineWorkingShape());
+    ASSERT_NE(block, nullptr);
+    cad.UnGroupShape(block, true);
+    EXPECT_EQ(cad.GetShapesCount(), 2);
+    cad.PopFromUndoRedoShapeList();
+    ASSERT_EQ(cad.GetShapesCount(), 3);
+    EXPECT_EQ(cad.GetShapeByNo(2)->ClassName(), QStringLiteral("TMyCombine"));
+    EXPECT_EQ(a->ParentNo(), 2);
+    EXPECT_TRUE(RelationsValid(cad));
+
+    // Two layers refuse a combine as they refuse a group.
+    cad.NewLayer(QStringLiteral("Other"), true);
+    TMyShape *c = AddRectangle(cad, 40, 0, 50, 10);
+    TMyShape *const twoLayers[] = {cad.GetShapeByNo(2), c};
+    EXPECT_EQ(cad.CombineShapes(twoLayers, true), -1);
+}
+
 TEST(Commands, AlignmentsMoveBoxesOntoTheCommonBox)
 {
     TMyCAD cad;

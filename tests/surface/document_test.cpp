@@ -220,8 +220,9 @@ TEST(Document, DeletionRenumbersRelations)
     TMyShape *const pair[] = {f, h};
     TMyShape *k = cad.GetShapeByID(cad.GroupShapes(pair, false));
     h->SetLockedFlag(true);
+    const std::int32_t fId = f->ShapeId();
     ASSERT_TRUE(cad.DeleteShapeById(k->ShapeId(), false));
-    EXPECT_EQ(cad.GetShapeNoInMyShapes(f), -1);
+    EXPECT_EQ(cad.GetShapeByID(fId), nullptr);
     EXPECT_EQ(cad.GetShapeNoInMyShapes(h), 3);
     EXPECT_EQ(h->ParentNo(), -1);
     EXPECT_TRUE(RelationsValid(cad));

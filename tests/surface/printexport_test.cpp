@@ -3,6 +3,7 @@
 // the zoom on screen; failures keep the old file; printing fills the expected sheets.
 #include "documenthelpers.h"
 
+#include <tessal/geometry/metafile_p.h>
 #include <tessal/platform/color.h>
 #include <tessal/surface/cad.h>
 
@@ -167,6 +168,14 @@ TEST(PrintExport, PicturesShowThePageAtZoomOneWhateverTheScreenZoom)
 #ifdef TESSAL_HAVE_UEMF
     ASSERT_TRUE(cad.ExportToFile(path("page.wmf"))) << cad.LastError().toStdString();
     CheckMetafile(Head(path("page.wmf"), 1 << 24), expected, cad.logicalDpiX());
+#endif
+#if defined(TESSAL_HAVE_UEMF) && defined(TESSAL_HAVE_WMF)
+    // With the writer's library in the process, the reader's still calls its own functions:
+    // a metafile with text makes it map a font through a function both libraries name alike.
+    QFile text(QStringLiteral(TESSAL_TEST_DATA_DIR "/pictures/text_with_font.wmf"));
+    ASSERT_TRUE(text.open(QIODevice::ReadOnly));
+    QString reason;
+    detail::DecodePicture(text.readAll(), QStringLiteral("WMF"), reason);
 #endif
 }
 

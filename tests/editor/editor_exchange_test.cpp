@@ -1,0 +1,372 @@
+// SPDX-License-Identifier: MIT
+// The editor's exchange with other programs and its long-running work: DXF export read back
+// by the DXF reader, DXF import with its report, damaged DXF files, combining from the
+// menu with the commands that apply, and progress dialogs whose Cancel keeps the drawing
+// and the file.
+#include "editorfixture.h"
+
+#include <tessal/shapes/text.h>
+
+#include <QMenuBar>
+#include <QProgressDialog>
+#include <QStatusBar>
+
+#ifdef TESSAL_EDITOR_DXF_IMPORT
+#include <tessal/dxf/import/dxfimport.h>
+#endif
+
+using namespace tessal;
+using namespace tessal::test;
+
+namespace {
+
+QByteArray Contents(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+bool Write(const QString &path, const QByteArray &bytes)
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+}
+
+void ExpectPoints(const TMyShape *shape, const TMyPointArray &expected)
+{
+    ASSERT_EQ(shape->Points().size(), expected.size()) << shape->ClassName().toStdString();
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        EXPECT_NEAR(shape->Points()[i].X, expected[i].X, 1e-3) << i;
+        EXPECT_NEAR(shape->Points()[i].Y, expected[i].Y, 1e-3) << i;
+    }
+}
+
+// Two lines and an entity the reader does not take.
+const QByteArray TwoLines = "0\nSECTION\n2\nENTITIES\n"
+                            "0\nLINE\n8\nWalls\n10\n10\n20\n20\n11\n30\n21\n20\n"
+                            "0\nLINE\n8\nWalls\n10\n10\n20\n40\n11\n30\n21\n40\n"
+                            "0\nWIPEOUT\n8\n0\n"
+                            "0\nENDSEC\n0\nEOF\n";
+
+// Cancels every progress dialog of the window as soon as it shows, as an impatient user.
+class TCanceller
+{
+public:
+    explicit TCanceller(QWidget *window)
+    {
+        QObject::connect(&m_Timer, &QTimer::timeout, [this, window] {
+            auto *dialog = window->findChild<QProgressDialog *>();
+            if (dialog && dialog->isVisible()) {
+                ++m_Cancels;
+                dialog->cancel();
+            }
+        });
+        m_Timer.start(0);
+    }
+    int Cancels() const { return m_Cancels; }
+
+private:
+    QTimer m_Timer;
+    int m_Cancels = 0;
+};
+
+} // namespace
+
+TEST_F(EditorTest, DxfExportReadsBackAndImportShowsItsReport)
+{
+    m_Cad()->SetSnap(false);
+    DrawRectangle({100, 120}, {260, 200});
+    const TMyPoint textBox[] = {{300, 300}, {460, 360}};
+    m_Cad()->AddShapeByCode(TDrawTool::SpText, {}, textBox, 0, QStringLiteral("Pump"));
+    m_Window->NoteChange();
+    const QString plain = m_Dir.filePath(QStringLiteral("plain.dxf"));
+    const QString outlines = m_Dir.filePath(QStringLiteral("outlines.dxf"));
+    ASSERT_TRUE(m_Window->ExportDxf(plain, false));
+    ASSERT_TRUE(m_Window->ExportDxf(outlines, true));
+    // The text is a TEXT entity in one, glyph outlines in the other.
+    EXPECT_TRUE(Contents(plain).contains("\r\nTEXT\r\n"));
+    EXPECT_FALSE(Contents(outlines).contains("\r\nTEXT\r\n"));
+    EXPECT_GT(Contents(outlines).count("\r\nLWPOLYLINE\r\n") + Contents(outlines).count("POLYLINE"),
+              2);
+    {
+        // Writing into a folder that is not there says why and leaves nothing behind.
+        TBoxAnswer answer(QMessageBox::Ok);
+        EXPECT_FALSE(m_Window->ExportDxf(m_Dir.filePath(QStringLiteral("no/x.dxf")), false));
+        EXPECT_TRUE(answer.Text().contains(QStringLiteral("cannot be written")));
+    }
+    if (!MainWindow::CanImportDxf())
+        GTEST_SKIP() << "this build reads no DXF files";
+
+#ifdef TESSAL_EDITOR_DXF_IMPORT
+    // The DXF reader takes back what the editor wrote, at the same place.
+    TMyCAD check;
+    check.SetPageWidth(m_Cad()->PageWidth());
+    check.SetPageHeight(m_Cad()->PageHeight());
+    TDxfImportReport report;
+    ASSERT_TRUE(LoadFromDxf(check, plain, report)) << report.Error.toStdString();
+    ASSERT_EQ(check.GetShapesCount(), 2);
+    EXPECT_EQ(check.GetShapeByNo(0)->ClassName(), QStringLiteral("TMyPolygon"));
+    ExpectPoints(check.GetShapeByNo(0),
+                 {{100, 120}, {260, 120}, {260, 200}, {100, 200}, {100, 120}});
+    ASSERT_EQ(check.GetShapeByNo(1)->ClassName(), QStringLiteral("TMyText"));
+    EXPECT_EQ(static_cast<TMyText *>(check.GetShapeByNo(1))->Lines(),
+              QStringList{QStringLiteral("Pump")});
+    ASSERT_TRUE(LoadFromDxf(check, outlines, report)) << report.Error.toStdString();
+    EXPECT_GT(check.GetShapesCount(), 2);
+    for (std::int32_t no = 0; no < check.GetShapesCount(); ++no)
+        EXPECT_NE(check.GetShapeByNo(no)->ClassName(), QStringLiteral("TMyText"));
+#endif
+
+    // Imported through the window (Open takes DXF files too): a new, unsaved drawing with a
+    // clean history, and the report in a message box.
+    m_Window->Save(m_Dir.filePath(QStringLiteral("before.tsd")));
+    {
+        TBoxAnswer answer(QMessageBox::Ok);
+        ASSERT_TRUE(m_Window->OpenFile(plain));
+        EXPECT_EQ(answer.Text(), QStringLiteral("plain.dxf imported: 2 entities read, 0 skipped."));
+        EXPECT_TRUE(answer.InformativeText().contains(QStringLiteral("shapes created: 2")));
+    }
+    EXPECT_EQ(m_Cad()->GetShapesCount(), 2);
+    ExpectPoints(m_Cad()->GetShapeByNo(0),
+                 {{100, 120}, {260, 120}, {260, 200}, {100, 200}, {100, 120}});
+    EXPECT_TRUE(m_Window->FileName().isEmpty());
+    EXPECT_TRUE(m_Window->isWindowModified());
+    EXPECT_FALSE(m_Window->findChild<QAction *>(QStringLiteral("undo"))->isEnabled());
+
+    // Skipped entities are counted with their reasons; the file's layer comes along.
+    const QString lines = m_Dir.filePath(QStringLiteral("lines.dxf"));
+    ASSERT_TRUE(Write(lines, TwoLines));
+    {
+        TBoxAnswer answer(QMessageBox::Ok);
+        ASSERT_TRUE(m_Window->ImportDxf(lines));
+        EXPECT_EQ(answer.Text(), QStringLiteral("lines.dxf imported: 2 entities read, 1 skipped."));
+        EXPECT_TRUE(answer.InformativeText().contains(
+            QStringLiteral("1 x WIPEOUT: entity type not supported")));
+    }
+    EXPECT_EQ(m_Window->ImportReport().value(2), QStringLiteral("entities skipped: 1"));
+    ASSERT_EQ(m_Cad()->GetShapesCount(), 2);
+    EXPECT_GE(m_Cad()->GetLayerIdByName(QStringLiteral("Walls")), 0);
+    EXPECT_EQ(m_Cad()->GetShapeByNo(0)->LayerId(),
+              m_Cad()->GetLayerIdByName(QStringLiteral("Walls")));
+}
+
+TEST_F(EditorTest, DamagedDxfLeavesTheDrawingUntouched)
+{
+    if (!MainWindow::CanImportDxf())
+        GTEST_SKIP() << "this build reads no DXF files";
+    m_Cad()->SetSnap(false);
+    DrawRectangle({40, 40}, {120, 90});
+    const QString path = m_Dir.filePath(QStringLiteral("kept.tsd"));
+    ASSERT_TRUE(m_Window->Save(path));
+    const QRectF box = Box(m_Cad()->GetShapeByNo(0));
+    const std::size_t history = m_Cad()->UndoRedoShapeList().size();
+
+    // Cut after the first line: the reader would import that line and stop.
+    const QString cut = m_Dir.filePath(QStringLiteral("cut.dxf"));
+    ASSERT_TRUE(Write(cut, TwoLines.left(TwoLines.indexOf("0\nLINE", 30))));
+    const QString garbage = m_Dir.filePath(QStringLiteral("garbage.dxf"));
+    ASSERT_TRUE(Write(garbage, "hello world\n"));
+    const std::pair<QString, const char *> cases[] = {
+        {cut, "EOF marker"},
+        {garbage, "not a DXF file"},
+        {m_Dir.filePath(QStringLiteral("missing.dxf")), "missing.dxf"},
+    };
+    for (const auto &[file, reason] : cases) {
+        SCOPED_TRACE(file.toStdString());
+        TBoxAnswer answer(QMessageBox::Ok);
+        EXPECT_FALSE(m_Window->ImportDxf(file));
+        EXPECT_TRUE(answer.Text().contains(QStringLiteral("cannot be imported")));
+        EXPECT_TRUE(answer.Text().contains(QLatin1String(reason))) << answer.Text().toStdString();
+        EXPECT_EQ(answer.InformativeText(), QStringLiteral("The open drawing is unchanged."));
+        ASSERT_EQ(m_Cad()->GetShapesCount(), 1);
+        EXPECT_EQ(Box(m_Cad()->GetShapeByNo(0)), box);
+        EXPECT_EQ(m_Cad()->UndoRedoShapeList().size(), history);
+        EXPECT_EQ(m_Window->FileName(), QFileInfo(path).absoluteFilePath());
+        EXPECT_FALSE(m_Window->isWindowModified());
+    }
+}
+
+TEST_F(EditorTest, CombineFromTheMenuAndCommandsThatApply)
+{
+    m_Cad()->SetSnap(false);
+    DrawRectangle({100, 100}, {200, 150});
+    DrawRectangle({140, 200}, {300, 260});
+    TShapeCommands *commands = m_Window->Commands();
+    // The command as the Shape menu offers it.
+    QAction *combine = nullptr;
+    for (QAction *entry : m_Window->menuBar()->actions())
+        if (entry->menu())
+            for (QAction *action : entry->menu()->actions())
+                if (action->objectName() == QLatin1String("combine"))
+                    combine = action;
+    ASSERT_NE(combine, nullptr);
+    const auto enabled = [commands](const char *name) {
+        return commands->Action(QString::fromLatin1(name))->isEnabled();
+    };
+
+    // One plain rectangle: stacking, flipping and locking apply, nothing that takes two or
+    // works on lines or groups.
+    m_Cad()->SetWorkingShapes(std::vector<TMyShape *>{m_Cad()->GetShapeByNo(0)});
+    m_Window->NoteChange();
+    for (const char *name : {"group", "combine", "ungroup", "alignLeft", "swap", "unlock",
+                             "breakLine", "closePolygon"})
+        EXPECT_FALSE(enabled(name)) << name;
+    for (const char *name : {"front", "flipH", "lock", "delete"})
+        EXPECT_TRUE(enabled(name)) << name;
+
+    m_Window->SelectAll();
+    for (const char *name : {"group", "combine", "alignLeft", "swap", "averageWidth"})
+        EXPECT_TRUE(enabled(name)) << name;
+    combine->trigger();
+    ASSERT_EQ(m_Cad()->GetShapesCount(), 3);
+    TMyShape *block = m_Cad()->GetShapeByNo(2);
+    EXPECT_EQ(block->ClassName(), QStringLiteral("TMyCombine"));
+    EXPECT_EQ(block->ChildShapes(), (std::vector<std::int32_t>{0, 1}));
+    EXPECT_EQ(Box(block), QRectF(QPointF(100, 100), QPointF(300, 260)));
+    EXPECT_TRUE(m_Window->isWindowModified());
+    EXPECT_TRUE(enabled("ungroup"));
+    EXPECT_FALSE(enabled("combine"));
+    EXPECT_EQ(m_Window->UndoText(), QStringLiteral("&Undo Group"));
+
+    // Locked, the block cannot be ungrouped, and only Unlock is offered of the two.
+    commands->Action(QStringLiteral("lock"))->trigger();
+    EXPECT_TRUE(block->Locked());
+    EXPECT_FALSE(enabled("ungroup"));
+    EXPECT_FALSE(enabled("lock"));
+    EXPECT_TRUE(enabled("unlock"));
+    commands->Action(QStringLiteral("unlock"))->trigger();
+    commands->Action(QStringLiteral("ungroup"))->trigger();
+    EXPECT_EQ(m_Cad()->GetShapesCount(), 2);
+
+    // A polyline breaks and closes; closed, it no longer offers to close.
+    const TMyPoint chain[] = {{400, 100}, {500, 100}, {500, 200}, {420, 220}};
+    m_Cad()->AddShapeByCode(TDrawTool::SpPolyLine, {}, chain, 0, {});
+    m_Window->NoteChange();
+    EXPECT_TRUE(enabled("breakLine"));
+    ASSERT_TRUE(enabled("closePolygon"));
+    commands->Action(QStringLiteral("closePolygon"))->trigger();
+    EXPECT_EQ(m_Cad()->GetShapeByNo(2)->ClassName(), QStringLiteral("TMyPolygon"));
+    EXPECT_FALSE(enabled("closePolygon"));
+    EXPECT_FALSE(enabled("breakLine"));
+
+    // Shapes on two layers are neither grouped nor combined.
+    ASSERT_TRUE(m_Window->Layers()->AddLayer(QStringLiteral("Top")));
+    DrawRectangle({600, 100}, {650, 150});
+    m_Cad()->SetWorkingShapes(
+        std::vector<TMyShape *>{m_Cad()->GetShapeByNo(0), m_Cad()->GetShapeByNo(3)});
+    m_Window->NoteChange();
+    EXPECT_FALSE(enabled("group"));
+    EXPECT_FALSE(enabled("combine"));
+    EXPECT_TRUE(enabled("swap"));
+}
+
+TEST_F(EditorTest, CancelledLoadAndSaveKeepTheDrawingAndTheFile)
+{
+    // Enough shapes for several progress reports.
+    m_Cad()->SetUndoRedoSize(1);
+    for (int i = 0; i < 9000; ++i) {
+        const float x = float(i % 90) * 8, y = float(i / 90) * 8;
+        const TMyPoint corners[] = {{x, y}, {x + 6, y + 6}};
+        m_Cad()->AddShapeByCode(TDrawTool::SpRectangle, {}, corners, 0, {});
+    }
+    const QString path = m_Dir.filePath(QStringLiteral("big.tsd"));
+    ASSERT_TRUE(m_Window->Save(path));
+    const QByteArray saved = Contents(path);
+    m_Window->SetProgressDelay(0);
+    {
+        // A cancelled save keeps the old file and the drawing's unsaved state.
+        m_Cad()->DeleteShapeById(m_Cad()->GetShapeByNo(0)->ShapeId(), true);
+        m_Window->NoteChange();
+        ASSERT_TRUE(m_Window->isWindowModified());
+        TCanceller canceller(m_Window.get());
+        EXPECT_FALSE(m_Window->Save(path));
+        EXPECT_EQ(canceller.Cancels(), 1);
+        EXPECT_EQ(Contents(path), saved);
+        EXPECT_TRUE(m_Window->isWindowModified());
+        EXPECT_TRUE(m_Window->statusBar()->currentMessage().contains(QStringLiteral("cancelled")));
+    }
+
+    m_Window->NewDrawing();
+    m_Cad()->SetSnap(false);
+    DrawRectangle({40, 40}, {120, 90});
+    {
+        TCanceller canceller(m_Window.get());
+        EXPECT_FALSE(m_Window->OpenFile(path));
+        EXPECT_EQ(canceller.Cancels(), 1);
+    }
+    EXPECT_TRUE(m_Window->statusBar()->currentMessage().contains(QStringLiteral("cancelled")));
+    ASSERT_EQ(m_Cad()->GetShapesCount(), 1);
+    EXPECT_EQ(Box(m_Cad()->GetShapeByNo(0)), QRectF(QPointF(40, 40), QPointF(120, 90)));
+    EXPECT_TRUE(m_Window->FileName().isEmpty());
+    EXPECT_EQ(m_Window->UndoText(), QStringLiteral("&Undo Add"));
+
+    // A DXF import cancelled while the file is parsed: the parse finishes, its result is
+    // dropped.
+    if (MainWindow::CanImportDxf()) {
+        TMyCAD big;
+        ASSERT_TRUE(big.LoadFromFile(path));
+        const QString dxf = m_Dir.filePath(QStringLiteral("big.dxf"));
+        ASSERT_TRUE(Write(dxf, big.DxfText(false)));
+        ASSERT_GT(QFileInfo(dxf).size(), 2 << 20) << "several slices of the parser";
+        TCanceller canceller(m_Window.get());
+        EXPECT_FALSE(m_Window->ImportDxf(dxf));
+        EXPECT_EQ(canceller.Cancels(), 1);
+        EXPECT_TRUE(m_Window->statusBar()->currentMessage().contains(QStringLiteral("cancelled")));
+        ASSERT_EQ(m_Cad()->GetShapesCount(), 1);
+        EXPECT_TRUE(m_Window->FileName().isEmpty());
+    }
+
+    // Left alone, the dialog shows and the load completes.
+    m_Cad()->SetModified(false);
+    ASSERT_TRUE(m_Window->OpenFile(path));
+    EXPECT_EQ(m_Cad()->GetShapesCount(), 9000);
+    EXPECT_EQ(m_Window->findChild<QProgressDialog *>(), nullptr);
+}
+
+TEST_F(EditorTest, BlocksAndSavesThatFailKeepWhatWasThere)
+{
+    m_Cad()->SetSnap(false);
+    DrawRectangle({40, 40}, {120, 90});
+    const QString path = m_Dir.filePath(QStringLiteral("block.tsd"));
+    ASSERT_TRUE(m_Window->Save(path));
+    const QString name = m_Cad()->GetShapeByNo(0)->Name();
+
+    // A damaged block: the reason, and the drawing as it was (names, layers, unchanged).
+    QByteArray damaged = Contents(path);
+    damaged.chop(30);
+    const QString cut = m_Dir.filePath(QStringLiteral("cut.tsd"));
+    ASSERT_TRUE(Write(cut, damaged));
+    {
+        TBoxAnswer answer(QMessageBox::Ok);
+        EXPECT_FALSE(m_Window->InsertBlockFile(cut, true));
+        EXPECT_TRUE(answer.Text().startsWith(QStringLiteral("cut.tsd cannot be read: ")));
+    }
+    EXPECT_EQ(m_Cad()->GetShapesCount(), 1);
+    EXPECT_EQ(m_Cad()->GetShapeByNo(0)->Name(), name);
+    EXPECT_EQ(m_Cad()->GetLayersCount(), 1);
+    EXPECT_FALSE(m_Window->isWindowModified());
+
+    // A good one comes in with its layer and is one step to take back.
+    ASSERT_TRUE(m_Window->InsertBlockFile(path, true));
+    EXPECT_EQ(m_Cad()->GetShapesCount(), 2);
+    EXPECT_TRUE(m_Window->isWindowModified());
+    m_Window->findChild<QAction *>(QStringLiteral("undo"))->trigger();
+    EXPECT_EQ(m_Cad()->GetShapesCount(), 1);
+
+    // Saving into a folder that refuses writing says why and keeps the old file. Whoever
+    // may write anywhere (root) cannot see this refusal.
+    const QByteArray before = Contents(path);
+    DrawRectangle({200, 40}, {260, 90});
+    QFile::setPermissions(m_Dir.path(), QFile::ReadOwner | QFile::ExeOwner);
+    QFile probe(m_Dir.filePath(QStringLiteral("probe")));
+    const bool refused = !probe.open(QIODevice::WriteOnly);
+    probe.remove();
+    if (refused) {
+        TBoxAnswer answer(QMessageBox::Ok);
+        EXPECT_FALSE(m_Window->Save(path));
+        EXPECT_TRUE(answer.Text().contains(QStringLiteral("cannot be saved")));
+        EXPECT_EQ(Contents(path), before);
+        EXPECT_TRUE(m_Window->isWindowModified());
+    }
+    QFile::setPermissions(m_Dir.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+}
