@@ -20,35 +20,41 @@ namespace tessal::DxfImport {
 
 namespace {
 
-// Hands the bytes to the parser a slice at a time, reporting how far it got.
+// Hands the bytes to the parser a slice at a time, reporting how far it got before each
+// slice. When the report says stop, the parser sees the end of the data: it then finishes
+// at once, with no exception thrown through it.
 class TProgressBuffer : public std::streambuf
 {
 public:
-    TProgressBuffer(const QByteArray &data,
-                    const std::function<void(std::int64_t, std::int64_t)> &progress)
+    TProgressBuffer(const QByteArray &data, const TParseProgress &progress)
         : m_Data(data)
         , m_Progress(progress)
     {}
 
+    bool Stopped() const { return m_Stopped; }
+
 protected:
     int_type underflow() override
     {
-        if (m_Offset >= m_Data.size())
+        if (m_Stopped || m_Offset >= m_Data.size())
             return traits_type::eof();
+        if (m_Progress && !m_Progress(m_Offset, m_Data.size())) {
+            m_Stopped = true;
+            return traits_type::eof();
+        }
         const qsizetype n = std::min<qsizetype>(Slice, m_Data.size() - m_Offset);
         char *begin = const_cast<char *>(m_Data.constData()) + m_Offset;
         setg(begin, begin, begin + n);
         m_Offset += n;
-        if (m_Progress)
-            m_Progress(m_Offset, m_Data.size());
         return traits_type::to_int_type(*begin);
     }
 
 private:
-    static constexpr qsizetype Slice = 1 << 20;
+    static constexpr qsizetype Slice = 1 << 18;
     const QByteArray &m_Data;
-    const std::function<void(std::int64_t, std::int64_t)> &m_Progress;
+    const TParseProgress &m_Progress;
     qsizetype m_Offset = 0;
+    bool m_Stopped = false;
 };
 
 // Receives dxflib's callbacks. Entities made of several callbacks (polylines and their
@@ -360,8 +366,7 @@ bool EndsWithEof(const QByteArray &data)
 
 } // namespace
 
-bool ParseDxf(const QByteArray &data, TModel &model, QString &error,
-              const std::function<void(std::int64_t, std::int64_t)> &progress)
+bool ParseDxf(const QByteArray &data, TModel &model, QString &error, const TParseProgress &progress)
 {
     if (data.startsWith("AutoCAD Binary DXF")) {
         error = QStringLiteral("binary DXF is not supported; save the drawing as ASCII DXF");
@@ -393,6 +398,12 @@ bool ParseDxf(const QByteArray &data, TModel &model, QString &error,
         return false;
     } catch (const std::exception &e) {
         error = QStringLiteral("the DXF parser stopped: %1").arg(QString::fromLocal8Bit(e.what()));
+        return false;
+    }
+    // The end of the data is the last report, so that a cancel there still counts.
+    if (buffer.Stopped() || (progress && !progress(safe.size(), safe.size()))) {
+        model.Cancelled = true;
+        error = QStringLiteral("the import was cancelled");
         return false;
     }
     if (!complete) {
