@@ -288,6 +288,7 @@ TEST(BinaryStream, MemoryStreamsMatchDeviceStreams)
             }
             ASSERT_EQ(m.Pos(), device.S.Pos());
         }
+        m.Trim();
         ASSERT_EQ(memory, device.Data);
 
         // Read both back, cut short at a random place, and compare value by value.
