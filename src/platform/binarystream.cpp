@@ -25,10 +25,15 @@ void BinaryStream::Trim()
     m_OutEnd = m_Offset;
 }
 
+// The owner may have kept a copy of the bytes, which shares the array's memory: asking for
+// it anew gives the stream memory of its own again.
 void BinaryStream::Rewind()
 {
-    if (m_Out)
-        m_Offset = 0;
+    if (!m_Out)
+        return;
+    m_Offset = 0;
+    m_OutData = m_Out->data();
+    m_OutEnd = m_Out->size();
 }
 
 void BinaryStream::Reserve(std::int64_t count)
