@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Rendering a full 1920 x 1080 view of the same mixed scene with the drawing surface and
-// with QGraphicsView, and the ratio of the two median times.
+// with QGraphicsView, and the ratio of the two median times; and a million shapes seen
+// zoomed out, scrolled.
 //
 // Both sides draw the same picture with the same means: aliased shapes and glyphs, the same
 // pens (colour, width, round joins and ends), brushes and font, over the whole view. Each side
@@ -26,6 +27,7 @@
 #include <QGraphicsView>
 #include <QPainter>
 #include <QPainterPath>
+#include <QScrollBar>
 
 #include <algorithm>
 #include <cmath>
@@ -95,6 +97,29 @@ std::vector<TItem> MakeScene(int count)
     return items;
 }
 
+// The drawing of a big document: rectangles, ellipses and lines in equal parts, 4 to 60
+// pixels, spread over a square of the given side.
+std::vector<TItem> MakeSpreadScene(int count, double side)
+{
+    std::mt19937 rng(54321);
+    std::uniform_real_distribution<double> at(0, side);
+    std::uniform_real_distribution<double> size(4, 60);
+    std::uniform_int_distribution<int> channel(0, 255);
+    std::vector<TItem> items;
+    items.reserve(std::size_t(count));
+    for (int i = 0; i < count; ++i) {
+        TItem item;
+        item.Kind = i % 3 == 0 ? TKind::Rectangle : i % 3 == 1 ? TKind::Ellipse : TKind::Line;
+        const QPointF origin(at(rng), at(rng));
+        item.Points = {origin, origin + QPointF(size(rng), size(rng))};
+        item.PenColour = QColor(channel(rng), channel(rng), channel(rng));
+        item.BrushColour = QColor(channel(rng), channel(rng), channel(rng));
+        item.PenWidth = 1 + i % 2;
+        items.push_back(std::move(item));
+    }
+    return items;
+}
+
 TColor ToColor(const QColor &c)
 {
     return RGBToColor(std::uint8_t(c.red()), std::uint8_t(c.green()), std::uint8_t(c.blue()));
@@ -146,13 +171,15 @@ std::unique_ptr<TMyShape> MakeShape(TMyCAD &cad, const TItem &item)
     return shape;
 }
 
-// A surface whose page covers the view at 96 dots per inch: 508 x 286 mm.
-std::unique_ptr<TMyCAD> MakeSurface(const std::vector<TItem> &items)
+// A surface whose page covers width x height pixels at zoom 1, by default the view: 508 x 286
+// mm at 96 dots per inch.
+std::unique_ptr<TMyCAD> MakeSurface(const std::vector<TItem> &items, int width = ViewWidth,
+                                    int height = ViewHeight)
 {
     auto cad = std::make_unique<TMyCAD>();
     cad->SetPageStyle(TPageStyle::CustomerPage);
-    cad->SetPageWidth(std::uint32_t(std::ceil(ViewWidth * 25.4 / cad->logicalDpiX())));
-    cad->SetPageHeight(std::uint32_t(std::ceil(ViewHeight * 25.4 / cad->logicalDpiY())));
+    cad->SetPageWidth(std::uint32_t(std::ceil(width * 25.4 / cad->logicalDpiX())));
+    cad->SetPageHeight(std::uint32_t(std::ceil(height * 25.4 / cad->logicalDpiY())));
     cad->GridOperation()->SetGridType(TGridType::gNone);
     cad->SetHotShow(false);
     for (const TItem &item : items)
@@ -172,14 +199,19 @@ QFont TextFont()
     return font;
 }
 
-std::unique_ptr<QGraphicsScene> MakeGraphicsScene(const std::vector<TItem> &items)
+// Pens are as wide on screen as the surface's at every zoom: cosmetic ones when the view
+// is scaled.
+std::unique_ptr<QGraphicsScene> MakeGraphicsScene(const std::vector<TItem> &items,
+                                                  int width = ViewWidth, int height = ViewHeight,
+                                                  bool cosmetic = false)
 {
-    auto scene = std::make_unique<QGraphicsScene>(0, 0, ViewWidth, ViewHeight);
+    auto scene = std::make_unique<QGraphicsScene>(0, 0, width, height);
     const QFont font = TextFont();
     for (const TItem &item : items) {
         // The surface's default outline has round joins and round ends; the peer draws the
         // same picture.
-        const QPen pen(item.PenColour, item.PenWidth, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
+        QPen pen(item.PenColour, item.PenWidth, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
+        pen.setCosmetic(cosmetic);
         const QBrush brush(item.BrushColour);
         const QRectF box = QRectF(item.Points.front(), item.Points.back()).normalized();
         switch (item.Kind) {
@@ -302,6 +334,137 @@ void BM_TessalIndexRebuild(benchmark::State &state)
     }
 }
 
+// ---- A big drawing seen zoomed out ----
+//
+// A million shapes over 20,000 x 20,000 pixels, shown at a tenth of their size: the view of
+// 1920 x 1080 holds about half of the drawing. Scrolling down by a tenth of the view moves
+// the pixels both already show and composes the strip it exposes; that composition is what
+// is measured, at a new place every time, and for comparison the whole view at once (a jump).
+constexpr int BigSide = 20000;
+constexpr double BigZoom = 0.1;
+constexpr int ScrollStep = ViewHeight / 10;
+
+struct TZoomedWorlds
+{
+    std::unique_ptr<TMyCAD> Cad;
+    std::unique_ptr<QGraphicsScene> Scene;
+    std::unique_ptr<QGraphicsView> View;
+    int Top = 0; // the view's top row, in pixels of the zoomed drawing
+};
+
+TZoomedWorlds &ZoomedWorlds(int count)
+{
+    // Kept to the end and never destroyed: a scene takes minutes to take a million items
+    // out of its index one by one, which would only delay the report.
+    static auto *worlds = new std::map<int, TZoomedWorlds>;
+    TZoomedWorlds &w = (*worlds)[count];
+    if (w.Cad)
+        return w;
+    const std::vector<TItem> items = MakeSpreadScene(count, BigSide);
+    w.Cad = MakeSurface(items, BigSide, BigSide);
+    w.Cad->SetZoom(BigZoom);
+    w.Scene = MakeGraphicsScene(items, BigSide, BigSide, true);
+    w.View = std::make_unique<QGraphicsView>(w.Scene.get());
+    w.View->setFixedSize(ViewWidth, ViewHeight);
+    w.View->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    w.View->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    w.View->setFrameShape(QFrame::NoFrame);
+    w.View->setRenderHints({});
+    w.View->setTransformationAnchor(QGraphicsView::NoAnchor);
+    w.View->setTransform(QTransform::fromScale(BigZoom, BigZoom));
+    if (w.Cad->width() < ViewWidth || w.Cad->height() < ViewHeight) {
+        std::fprintf(stderr, "zoomed-out surface of %d x %d cannot show the view\n",
+                     w.Cad->width(), w.Cad->height());
+        std::exit(1);
+    }
+    return w;
+}
+
+// The next place of the view: a step further down, back to the top at the bottom.
+int ScrollDown(TZoomedWorlds &w)
+{
+    const int limit = int(BigSide * BigZoom) - ViewHeight;
+    w.Top = w.Top + ScrollStep > limit ? 0 : w.Top + ScrollStep;
+    w.View->verticalScrollBar()->setValue(w.Top);
+    return w.Top;
+}
+
+// The rows of the view that a scroll down by a step exposes, in view and control pixels.
+QRect ExposedStrip()
+{
+    return QRect(0, ViewHeight - ScrollStep, ViewWidth, ScrollStep);
+}
+
+void RenderPeerPart(QGraphicsView &view, QImage &image, const QRect &part)
+{
+    QPainter painter(&image);
+    painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing, false);
+    painter.fillRect(part, Qt::white);
+    view.render(&painter, QRectF(part), part);
+}
+
+void BM_TessalZoomedOutScroll(benchmark::State &state)
+{
+    TZoomedWorlds &w = ZoomedWorlds(int(state.range(0)));
+    w.Cad->DrawAll(TRect(0, 0, ViewWidth, ViewHeight)); // builds the index
+    SaveImage(w.Cad->OffscreenImage(), "tessal-zoomed-out", state.range(0));
+    for (auto _ : state) {
+        const QRect strip = ExposedStrip().translated(0, ScrollDown(w));
+        w.Cad->DrawAll(TRect::FromQRect(strip));
+        benchmark::DoNotOptimize(w.Cad->OffscreenImage().constBits());
+    }
+}
+
+void BM_QGraphicsViewZoomedOutScroll(benchmark::State &state)
+{
+    TZoomedWorlds &w = ZoomedWorlds(int(state.range(0)));
+    QImage image(ViewWidth, ViewHeight, QImage::Format_RGB32);
+    w.View->verticalScrollBar()->setValue(0);
+    RenderPeerPart(*w.View, image, image.rect()); // builds the BSP tree
+    SaveImage(image, "qgraphicsview-zoomed-out", state.range(0));
+    for (auto _ : state) {
+        ScrollDown(w);
+        RenderPeerPart(*w.View, image, ExposedStrip());
+        benchmark::DoNotOptimize(image.constBits());
+    }
+}
+
+void BM_TessalZoomedOutView(benchmark::State &state)
+{
+    TZoomedWorlds &w = ZoomedWorlds(int(state.range(0)));
+    for (auto _ : state) {
+        const int top = ScrollDown(w);
+        w.Cad->DrawAll(TRect(0, top, ViewWidth, top + ViewHeight));
+        benchmark::DoNotOptimize(w.Cad->OffscreenImage().constBits());
+    }
+}
+
+void BM_QGraphicsViewZoomedOutView(benchmark::State &state)
+{
+    TZoomedWorlds &w = ZoomedWorlds(int(state.range(0)));
+    QImage image(ViewWidth, ViewHeight, QImage::Format_RGB32);
+    for (auto _ : state) {
+        ScrollDown(w);
+        RenderPeerPart(*w.View, image, image.rect());
+        benchmark::DoNotOptimize(image.constBits());
+    }
+}
+
+constexpr int ZoomedRepetitions = 9;
+BENCHMARK(BM_TessalZoomedOutScroll)
+    ->Arg(1000000)
+    ->Repetitions(ZoomedRepetitions)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_QGraphicsViewZoomedOutScroll)
+    ->Arg(1000000)
+    ->Repetitions(ZoomedRepetitions)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_TessalZoomedOutView)->Arg(1000000)->Repetitions(3)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_QGraphicsViewZoomedOutView)
+    ->Arg(1000000)
+    ->Repetitions(3)
+    ->Unit(benchmark::kMillisecond);
+
 // Several repetitions of each; the ratio is taken from the medians, which a busy machine
 // disturbs less than the means.
 constexpr int Repetitions = 5;
@@ -331,6 +494,18 @@ void PrintRatios(const tessal::bench::TTimesReporter &times)
                     "ratio %.3f; CPU Tessal %.1f ms, QGraphicsView %.1f ms, ratio %.3f\n",
                     size, times.Count(tessal), tr * 1e3, pr * 1e3, tr / pr, tc * 1e3, pc * 1e3,
                     tc / pc);
+    }
+    for (const char *what : {"Scroll", "View"}) {
+        const std::string tessal = std::string("BM_TessalZoomedOut") + what + "/1000000";
+        const std::string peer = std::string("BM_QGraphicsViewZoomedOut") + what + "/1000000";
+        if (!times.Has(tessal) || !times.Has(peer))
+            continue;
+        const double tr = times.Real(tessal), pr = times.Real(peer);
+        const double tc = times.Cpu(tessal), pc = times.Cpu(peer);
+        std::printf("1M zoomed out, %s, medians of %zu: wall Tessal %.1f ms, QGraphicsView "
+                    "%.1f ms, ratio %.3f; CPU Tessal %.1f ms, QGraphicsView %.1f ms, ratio %.3f\n",
+                    *what == 'S' ? "strip exposed by a scroll" : "whole view", times.Count(tessal),
+                    tr * 1e3, pr * 1e3, tr / pr, tc * 1e3, pc * 1e3, tc / pc);
     }
 }
 

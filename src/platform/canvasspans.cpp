@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // TCanvas: wide outlines with round joins and ends, painted as the spans of TRoundStroke.
 #include "canvas_p.h"
+#include "fillpixels_p.h"
 
 #include <QVarLengthArray>
 
@@ -74,9 +75,19 @@ void TCanvas::CollectRoundStroke(std::span<const TPoint> chain, bool closed, QPo
 {
     TRoundStroke &stroke = d->Stroke;
     const auto at = [&](std::size_t i) { return QPoint(chain[i].X, chain[i].Y) + shift; };
-    // A closed chain's first start disc is its last end disc.
-    for (std::size_t i = 1; i < chain.size(); ++i)
-        stroke.AddSegment(at(i - 1), at(i), i == 1 && !closed);
+    // A closed chain's first start disc is its last end disc. A segment of no length adds
+    // nothing but its end disc, which the segment before it has added at the same point
+    // already (small ellipses and curves repeat points often): it is left out, handing its
+    // start disc on, unless a closed chain has nothing else to show.
+    bool start = !closed, added = false;
+    for (std::size_t i = 1; i < chain.size(); ++i) {
+        if (chain[i] == chain[i - 1] && (!start || i + 1 < chain.size()))
+            continue;
+        stroke.AddSegment(at(i - 1), at(i), std::exchange(start, false));
+        added = true;
+    }
+    if (closed && !added && chain.size() > 1)
+        stroke.AddSegment(at(0), at(0), false);
     // As a closed path does: the closing line only when the chain ends elsewhere.
     if (closed && chain.size() > 1 && chain.back() != chain.front())
         stroke.AddSegment(at(chain.size() - 1), at(0), false);
@@ -180,7 +191,7 @@ void TCanvas::WriteSpans(const std::vector<TSpan> &spans, QRgb colour, TPenMode 
     for (const TSpan &s : spans) {
         auto *row = reinterpret_cast<QRgb *>(bits + stride * s.Y);
         if (mode == TPenMode::pmCopy) {
-            std::fill(row + s.Left, row + s.Right, opaque);
+            FillPixels(row + s.Left, row + s.Right, opaque);
             continue;
         }
         for (QRgb *px = row + s.Left; px != row + s.Right; ++px)
@@ -210,7 +221,7 @@ void TCanvas::PaintSpansOnLayer(const QPainterPath &outline, const QRect &box, Q
     const QRgb opaque = 0xFF000000u | colour.rgb();
     for (const TSpan &s : d->Stroke.Spans()) {
         auto *row = reinterpret_cast<QRgb *>(layer.scanLine(s.Y - box.top()));
-        std::fill(row + (s.Left - box.left()), row + (s.Right - box.left()), opaque);
+        FillPixels(row + (s.Left - box.left()), row + (s.Right - box.left()), opaque);
     }
 }
 

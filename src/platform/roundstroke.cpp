@@ -2,9 +2,11 @@
 // TRoundStroke: rows of a union of round capsules, found approximately and settled exactly.
 #include "roundstroke_p.h"
 
+#include "fillpixels_p.h"
 #include "rowbuckets_p.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdlib>
 
@@ -67,7 +69,7 @@ void TRoundStroke::PaintDirectly(unsigned char *bits, std::ptrdiff_t stride, std
     m_Colour = colour;
 }
 
-void TRoundStroke::AddSegment(QPoint from, QPoint to, bool withStart)
+TRoundStroke::Capsule TRoundStroke::MakeCapsule(QPoint from, QPoint to, bool withStart) const
 {
     Capsule c{};
     c.StartDisc = withStart;
@@ -92,6 +94,57 @@ void TRoundStroke::AddSegment(QPoint from, QPoint to, bool withStart)
         c.Tilt = dy * along;
         c.Span = length2 * along;
     }
+    return c;
+}
+
+namespace {
+
+// Segments no longer than this in either direction, under pens no wider than MaxStampWidth,
+// are stamped: the rule depends on the points' differences alone, so the pixels of a
+// segment, relative to its start, are the same wherever it lies. They are worked out once
+// per width, direction and start disc, and kept for the thread. Outlines of curves and
+// ellipses are chains of such segments.
+constexpr std::int32_t StampReach = 12;
+constexpr std::int32_t StampSide = 2 * StampReach + 1;
+constexpr std::int32_t MaxStampWidth = 16;
+
+struct TStampRow
+{
+    std::int32_t Dy, Left, Right; // pixels Left .. Right of row Dy, from the start
+};
+
+struct TStampRef
+{
+    std::uint32_t Begin = 0, End = 0;
+    bool Built = false;
+};
+
+struct TStampSet
+{
+    std::vector<TStampRef> Refs; // by direction and start disc
+    std::vector<TStampRow> Rows;
+};
+
+TStampSet &StampsOfWidth(std::int32_t width)
+{
+    thread_local std::array<TStampSet, MaxStampWidth + 1> sets;
+    TStampSet &set = sets[std::size_t(width)];
+    if (set.Refs.empty())
+        set.Refs.resize(std::size_t(StampSide * StampSide * 2));
+    return set;
+}
+
+} // namespace
+
+void TRoundStroke::AddSegment(QPoint from, QPoint to, bool withStart)
+{
+    const QPoint d = to - from;
+    if (m_Width <= MaxStampWidth && std::abs(d.x()) <= StampReach &&
+        std::abs(d.y()) <= StampReach) {
+        AddStamp(from, to, withStart);
+        return;
+    }
+    const Capsule c = MakeCapsule(from, to, withStart);
     const double reach = m_Radius + 1e-6;
     if (std::max(c.Ax, c.Bx) + reach < m_Bounds.left() ||
         std::min(c.Ax, c.Bx) - reach > m_Bounds.right())
@@ -102,8 +155,48 @@ void TRoundStroke::AddSegment(QPoint from, QPoint to, bool withStart)
         std::max<std::int64_t>(std::min(c.Ay, c.By) - m_Width / 2, m_Bounds.top());
     const std::int64_t bottom =
         std::min<std::int64_t>(std::max(c.Ay, c.By) + (m_Width - 1) / 2, m_Bounds.bottom());
+    if (c.Dx == 0) {
+        // Straight down or up: every row from end to end is covered alike, by the band (the
+        // discs at the ends reach no further across than the band does).
+        const std::int64_t first = std::max(top, std::min(c.Ay, c.By));
+        const std::int64_t last = std::min(bottom, std::max(c.Ay, c.By));
+        std::int64_t left = 0, right = 0;
+        if (first <= last && CoveredRow(c, std::int32_t(c.Ay), left, right)) {
+            for (std::int64_t y = top; y < first; ++y)
+                AddRow(c, std::int32_t(y));
+            for (std::int64_t y = first; y <= last; ++y)
+                Emit(y, left, right);
+            for (std::int64_t y = last + 1; y <= bottom; ++y)
+                AddRow(c, std::int32_t(y));
+            return;
+        }
+    }
     for (std::int64_t y = top; y <= bottom; ++y)
         AddRow(c, std::int32_t(y));
+}
+
+void TRoundStroke::AddStamp(QPoint from, QPoint to, bool withStart)
+{
+    TStampSet &set = StampsOfWidth(m_Width);
+    const QPoint d = to - from;
+    TStampRef &ref = set.Refs[std::size_t(
+        ((d.y() + StampReach) * StampSide + d.x() + StampReach) * 2 + (withStart ? 1 : 0))];
+    if (!ref.Built) {
+        const Capsule c = MakeCapsule({0, 0}, d, withStart);
+        ref.Begin = std::uint32_t(set.Rows.size());
+        const std::int32_t top = std::min(0, d.y()) - m_Width / 2;
+        const std::int32_t bottom = std::max(0, d.y()) + (m_Width - 1) / 2;
+        for (std::int32_t y = top; y <= bottom; ++y)
+            if (std::int64_t left = 0, right = 0; CoveredRow(c, y, left, right))
+                set.Rows.push_back({y, std::int32_t(left), std::int32_t(right)});
+        ref.End = std::uint32_t(set.Rows.size());
+        ref.Built = true;
+    }
+    for (std::uint32_t i = ref.Begin; i < ref.End; ++i) {
+        const TStampRow &row = set.Rows[i];
+        Emit(std::int64_t(from.y()) + row.Dy, std::int64_t(from.x()) + row.Left,
+             std::int64_t(from.x()) + row.Right);
+    }
 }
 
 namespace {
@@ -161,7 +254,8 @@ std::int64_t FloorOf(double v)
 // are settled by the exact test wherever they come near a pixel centre. Inside the interval
 // every centre is covered: the rows where a whole stretch lies on the rim, tangent to a disc
 // or along a horizontal band's edge, are decided exactly before estimating.
-void TRoundStroke::AddRow(const Capsule &c, std::int32_t y)
+bool TRoundStroke::CoveredRow(const Capsule &c, std::int32_t y, std::int64_t &left,
+                              std::int64_t &right) const
 {
     double lo = HUGE_VAL, hi = -HUGE_VAL;
     if (c.StartDisc)
@@ -191,9 +285,8 @@ void TRoundStroke::AddRow(const Capsule &c, std::int32_t y)
         hi = std::max(hi, double(std::max(c.Ax, c.Bx)));
     }
     if (lo > hi)
-        return;
+        return false;
     const auto covered = [&](std::int64_t x) { return Covered(c, x, y, m_Width); };
-    std::int64_t left = 0, right = 0;
     if (c.Huge) {
         // Far-off coordinates leave the estimate too coarse to trust: walk to the ends.
         left = std::int64_t(std::ceil(lo - 1));
@@ -210,16 +303,29 @@ void TRoundStroke::AddRow(const Capsule &c, std::int32_t y)
         left = std::abs(lo - double(nl)) < Near ? nl + (covered(nl) ? 0 : 1) : FloorOf(lo) + 1;
         right = std::abs(hi - double(nr)) < Near ? nr - (covered(nr) ? 0 : 1) : FloorOf(hi);
     }
+    return left <= right;
+}
+
+void TRoundStroke::AddRow(const Capsule &c, std::int32_t y)
+{
+    if (std::int64_t left = 0, right = 0; CoveredRow(c, y, left, right))
+        Emit(y, left, right);
+}
+
+void TRoundStroke::Emit(std::int64_t y, std::int64_t left, std::int64_t right)
+{
+    if (y < m_Bounds.top() || y > m_Bounds.bottom())
+        return;
     const std::int64_t from = std::max<std::int64_t>(left, m_Bounds.left());
     const std::int64_t to = std::min<std::int64_t>(right, m_Bounds.right());
     if (from > to)
         return;
     if (m_Bits) {
         auto *row = reinterpret_cast<std::uint32_t *>(m_Bits + m_Stride * y);
-        std::fill(row + from, row + to + 1, m_Colour);
+        FillPixels(row + from, row + to + 1, m_Colour);
         return;
     }
-    m_Spans.push_back({y, std::int32_t(from), std::int32_t(to + 1)});
+    m_Spans.push_back({std::int32_t(y), std::int32_t(from), std::int32_t(to + 1)});
     m_Merged = false;
 }
 

@@ -49,7 +49,15 @@ public:
 
 private:
     struct Capsule;
+    Capsule MakeCapsule(QPoint from, QPoint to, bool withStart) const;
+    // The covered pixels left .. right of row y, false when there are none; not clipped.
+    bool CoveredRow(const Capsule &c, std::int32_t y, std::int64_t &left,
+                    std::int64_t &right) const;
     void AddRow(const Capsule &c, std::int32_t y);
+    // Adds pixels left .. right of row y, clipped to the bounds.
+    void Emit(std::int64_t y, std::int64_t left, std::int64_t right);
+    // A short segment's pixels, stamped from the set worked out for its direction.
+    void AddStamp(QPoint from, QPoint to, bool withStart);
 
     std::int32_t m_Width = 1;
     double m_Radius = 0.5;

@@ -110,6 +110,54 @@ TEST(RoundStroke, RandomPolylinesFollowThePixelRule)
     EXPECT_EQ(mismatches, 0);
 }
 
+// Outlines of ellipses and curves are chains of steps of a few pixels, and rectangles have
+// long straight sides; both take shortcuts of their own. Walks of short steps, now and then a
+// long straight one down or across or a repeated point, under pens up to past the widest the
+// shortcuts serve.
+TEST(RoundStroke, ShortStepsAndStraightRunsFollowThePixelRule)
+{
+    std::mt19937 rng(31);
+    constexpr int Size = 64;
+    std::uniform_int_distribution<int> step(-14, 14), coin(0, 6), run(14, 40), start(8, Size - 8);
+    int mismatches = 0;
+    for (int round = 0; round < 200; ++round) {
+        std::vector<TPoint> points{{start(rng), start(rng)}};
+        for (int i = 0; i < 12; ++i) {
+            const TPoint last = points.back();
+            const int pick = coin(rng);
+            if (pick == 0)
+                points.push_back({last.X, last.Y + (last.Y < Size / 2 ? run(rng) : -run(rng))});
+            else if (pick == 1)
+                points.push_back({last.X + (last.X < Size / 2 ? run(rng) : -run(rng)), last.Y});
+            else if (pick == 2)
+                points.push_back(last);
+            else
+                points.push_back({last.X + step(rng), last.Y + step(rng)});
+        }
+        const int width = 2 + round % 18;
+        const bool closed = round % 4 == 0;
+        const QImage image = DrawPolyline(points, width, Size, closed);
+        if (closed)
+            points.push_back(points.front());
+        for (int y = 0; y < Size; ++y)
+            for (int x = 0; x < Size; ++x)
+                if ((Rgb(image, x, y) == Pen) != Reference(points, width, x, y) &&
+                    mismatches++ == 0)
+                    ADD_FAILURE() << "round " << round << ", width " << width << ": pixel " << x
+                                  << ", " << y;
+    }
+    // A chain that stays on one point is a disc, closed or not.
+    for (int width = 2; width <= 5; ++width)
+        for (const bool closed : {false, true}) {
+            const std::vector<TPoint> dot{{20, 21}, {20, 21}, {20, 21}};
+            const QImage image = DrawPolyline(dot, width, Size, closed);
+            for (int y = 0; y < Size; ++y)
+                for (int x = 0; x < Size; ++x)
+                    mismatches += (Rgb(image, x, y) == Pen) != Reference(dot, width, x, y);
+        }
+    EXPECT_EQ(mismatches, 0);
+}
+
 TEST(RoundStroke, SamePixelsInPartsAndFarFromTheOrigin)
 {
     std::mt19937 rng(7);
