@@ -366,20 +366,59 @@ TEST(DxfDamaged, ErrorsAndPartialImports)
     EXPECT_TRUE(report.Lines().join('\n').contains(QLatin1String("entities skipped")));
 }
 
+// Blocks that insert each other twice over and draw nothing make no shapes, so the shape
+// limit never stops them: 2^16 copies at the nesting limit, and an array of a million
+// rows of an empty block. The import visits a bounded number of entities and says so.
+TEST(DxfDamaged, BlocksThatExpandWithoutDrawing)
+{
+    const QByteArray data = "0\nSECTION\n2\nBLOCKS\n"
+                            "0\nBLOCK\n2\nTWICE\n10\n0\n20\n0\n"
+                            "0\nINSERT\n2\nTWICE\n10\n1\n20\n0\n"
+                            "0\nINSERT\n2\nTWICE\n10\n2\n20\n0\n"
+                            "0\nENDBLK\n"
+                            "0\nBLOCK\n2\nEMPTY\n10\n0\n20\n0\n0\nENDBLK\n0\nENDSEC\n"
+                            "0\nSECTION\n2\nENTITIES\n"
+                            "0\nINSERT\n2\nEMPTY\n10\n0\n20\n0\n70\n3\n71\n1000000\n"
+                            "0\nINSERT\n2\nTWICE\n10\n0\n20\n0\n"
+                            "0\nLINE\n8\n0\n10\n0\n20\n0\n11\n1\n21\n1\n"
+                            "0\nENDSEC\n0\nEOF\n";
+    TMyCAD cad;
+    cad.resize(640, 480);
+    TDxfImportReport report;
+    TDxfImportOptions options;
+    options.MaxShapes = 1000;
+    EXPECT_TRUE(LoadFromDxfData(cad, data, report, options)) << report.Error.toStdString();
+    EXPECT_EQ(cad.GetShapesCount(), 0);
+    EXPECT_GE(report.Skipped[QStringLiteral("INSERT: its block has nothing that could be imported")],
+              1);
+    EXPECT_GE(report.Skipped[QStringLiteral(
+                  "INSERT: the blocks expand to more entities than the import visits")],
+              1);
+    EXPECT_EQ(report.Skipped[QStringLiteral("LINE: the drawing reached the shape limit")], 1);
+    // Visits stop at twice the shape limit and some; each is skipped at most twice (as an
+    // entity and as an insert whose block gave nothing).
+    EXPECT_LE(report.SkippedCount(), 2 * (2 * 1000 + 10000) + 10);
+}
+
 // The files in the fuzz seeds, including every input a fuzzer found slow or fatal: each
 // import answers, and a damaged one says why.
 TEST(DxfDamaged, SeedFilesAnswer)
 {
-    const QDir seeds(QStringLiteral(TESSAL_TEST_DATA_DIR "/dxf"));
-    const QStringList files = seeds.entryList({QStringLiteral("*.dxf")}, QDir::Files);
-    ASSERT_GE(files.size(), 5);
+    QStringList files;
+    for (const QString &folder :
+         {QStringLiteral(TESSAL_TEST_DATA_DIR "/dxf"), QStringLiteral(TESSAL_DXF_FUZZ_CORPUS)}) {
+        const QDir seeds(folder);
+        for (const QString &name : seeds.entryList(QDir::Files))
+            files << seeds.filePath(name);
+    }
+    ASSERT_GE(files.size(), 6);
     for (const QString &name : files) {
         TMyCAD cad;
         cad.resize(640, 480);
         TDxfImportReport report;
         TDxfImportOptions options;
         options.MaxShapes = 20000;
-        const bool ok = LoadFromDxf(cad, seeds.filePath(name), report, options);
+        const bool ok = LoadFromDxf(cad, name, report, options);
         EXPECT_TRUE(ok || !report.Error.isEmpty()) << name.toStdString();
         EXPECT_LE(cad.GetShapesCount(), 20000 + 64) << name.toStdString();
     }

@@ -151,6 +151,13 @@ TBuilder::TShapes TBuilder::Entity(const TEntity &e, const QTransform &t, const 
         Skip(e.Type, "the drawing reached the shape limit");
         return {};
     }
+    // Blocks that insert each other many times over without drawing anything create no
+    // shapes but still cost time: the entities visited are limited as well.
+    if (++m_Visits > VisitLimit()) {
+        m_Full = true;
+        Skip(e.Type, "the blocks expand to more entities than the import visits");
+        return {};
+    }
     // Layers used but not in the table are made on first use; inside a block copy every
     // shape takes the INSERT's layer.
     m_Layer = layer >= 0 ? layer : LayerId(e.Style.Layer);
@@ -398,7 +405,8 @@ TBuilder::TShapes TBuilder::Insert(const TEntity &e, const QTransform &t, const 
     const double a = e.Angle * Pi / 180;
     const QPointF ip = e.Points[0];
     TShapes cells;
-    for (std::int32_t row = 0; row < e.Rows && !m_Full; ++row)
+    bool empty = false;
+    for (std::int32_t row = 0; row < e.Rows && !m_Full && !empty; ++row)
         for (std::int32_t col = 0; col < e.Cols && !m_Full; ++col) {
             // Array cells are spaced along the insert's turned axes, unscaled.
             const QPointF off(col * e.Spacing.x(), row * e.Spacing.y());
@@ -415,8 +423,10 @@ TBuilder::TShapes TBuilder::Insert(const TEntity &e, const QTransform &t, const 
                 const TShapes made = Entity(inner, full, style, layer, depth + 1);
                 members.insert(members.end(), made.begin(), made.end());
             }
-            if (members.empty())
-                break; // an empty block stays empty in every cell
+            if (members.empty()) {
+                empty = true; // an empty block stays empty in every cell
+                break;
+            }
             m_Layer = layer;
             cells.push_back(Group(members, layer));
         }

@@ -50,6 +50,9 @@ private:
     TMyShape *Group(const TShapes &members, std::int32_t layer);
     void Skip(const std::string &type, const char *reason);
     void FitControl();
+    // Entities visited before the import stops: every visit of a drawable entity makes a
+    // shape, so twice the shape limit leaves room for the ones that are skipped.
+    std::int64_t VisitLimit() const { return 2 * m_Options.MaxShapes + 10000; }
     // Metrics of the font at a pixel size, made once per size: a drawing has many texts
     // but few sizes.
     const QFontMetricsF &Metrics(const QString &family, std::int32_t pixelSize);
@@ -64,6 +67,7 @@ private:
     TResolved m_Style;
     std::int32_t m_Layer = -1;
     bool m_Full = false;
+    std::int64_t m_Visits = 0;
     std::map<std::pair<QString, std::int32_t>, QFontMetricsF> m_Metrics;
 };
 
