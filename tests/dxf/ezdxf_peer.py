@@ -74,6 +74,28 @@ def sample(version, name):
         edges.add_arc((280, 75), 15, -90, 90)
         edges.add_line((280, 90), (250, 90))
         edges.add_line((250, 90), (250, 60))
+    # Bulged polylines: open with straight runs between arcs, a closed pair of half turns
+    # (a circle), and a closed one in a turned and scaled block.
+    mixed = [(350, 20, 0, 0, 0), (365, 20, 0, 0, 0), (380, 25, 0, 0, 0.4), (400, 25, 0, 0, 0),
+             (410, 40, 0, 0, -0.7), (430, 40, 0, 0, 2.5), (440, 50)]
+    ring = [(350, 60, 0, 0, 1), (370, 60, 0, 0, 1)]
+    slot = [(0, 0, 0, 0, 0), (20, 0, 0, 0, 1), (20, 8, 0, 0, 0), (0, 8, 0, 0, 1)]
+    round_block = doc.blocks.new("ROUND")
+    if version == "R12":
+        msp.add_polyline2d(mixed, format="xyseb")
+        msp.add_polyline2d(ring, format="xyseb", close=True)
+        round_block.add_polyline2d(slot, format="xyseb", close=True)
+    else:
+        msp.add_lwpolyline(mixed, format="xyseb")
+        msp.add_lwpolyline(ring, format="xyseb", close=True)
+        round_block.add_lwpolyline(slot, format="xyseb", close=True)
+        # Half an ellipse (an arc shape) and a quarter turn of one (Bezier pieces).
+        msp.add_ellipse((400, 90), major_axis=(12, 5), ratio=0.4, start_param=0.4,
+                        end_param=0.4 + math.pi)
+        msp.add_ellipse((430, 90), major_axis=(-4, 10), ratio=0.6, start_param=5.5,
+                        end_param=0.9)
+    msp.add_blockref("ROUND", (360, 100), dxfattribs={"rotation": 20, "xscale": 1.5,
+                                                       "yscale": 1.5})
     inner = doc.blocks.new("INNER", base_point=(1, 1))
     inner.add_line((1, 1), (6, 1), dxfattribs={"color": 0})
     inner.add_circle((4, 4), 2)
@@ -94,11 +116,34 @@ def sample(version, name):
 
 
 def flat(e):
+    # Circles, arcs and ellipses by their own exact evaluation (a path would hold them as
+    # Bezier approximations, a few ten-thousandths of the radius off).
+    if e.dxftype() in ("CIRCLE", "ARC", "ELLIPSE"):
+        return [[v.x, v.y] for v in e.flattening(0.0002)]
     try:
         p = path.make_path(e)
     except TypeError:
         return None
     return [[v.x, v.y] for v in p.flattening(0.0005, segments=16)]
+
+
+def pieces(polyline):
+    """The polyline's arcs and the straight runs between them, in order; a closed one's
+    last run continues into its first."""
+    out = []
+    for ve in polyline.virtual_entities():
+        if ve.dxftype() == "LINE":
+            end = [ve.dxf.end.x, ve.dxf.end.y]
+            if out and out[-1]["kind"] == "chain":
+                out[-1]["points"].append(end)
+            else:
+                out.append({"kind": "chain", "points": [[ve.dxf.start.x, ve.dxf.start.y], end]})
+        else:
+            out.append({"kind": "arc", "points": flat(ve), "radius": ve.dxf.radius,
+                        "centre": list(ve.ocs().to_wcs(ve.dxf.center))[:2]})
+    if polyline.is_closed and len(out) > 1 and out[0]["kind"] == out[-1]["kind"] == "chain":
+        out[0]["points"] = out.pop()["points"] + out[0]["points"][1:]
+    return out
 
 
 def expect(doc):
@@ -121,6 +166,14 @@ def expect(doc):
                                   for p in path.from_hatch(leaf)]
             else:
                 entry["points"] = flat(leaf)
+                if t == "ARC":
+                    entry["centre"] = list(leaf.ocs().to_wcs(leaf.dxf.center))[:2]
+                    entry["radius"] = leaf.dxf.radius
+                elif t == "ELLIPSE":
+                    entry["sweep"] = (leaf.dxf.end_param - leaf.dxf.start_param) % math.tau
+                elif t in ("LWPOLYLINE", "POLYLINE") and any(
+                        v.dxftype() == "ARC" for v in leaf.virtual_entities()):
+                    entry["pieces"] = pieces(leaf)
             if t != "HATCH":
                 entry["rgb"] = list(leaf.rgb) if leaf.rgb else None
             item["leaves"].append(entry)

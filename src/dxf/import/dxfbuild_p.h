@@ -44,6 +44,10 @@ private:
     TShapes Insert(const TEntity &e, const QTransform &t, const TResolved &style,
                    std::int32_t layer, std::int32_t depth);
     TShapes Conic(const TEntity &e, const QTransform &t);
+    TMyShape *EllipticArc(QPointF c, QPointF u, QPointF v, double s0, double s1, QPointF first,
+                          QPointF last);
+    TShapes Polyline(const TEntity &e, const QTransform &t);
+    TMyShape *BulgeArc(QPointF a, QPointF b, double bulge, const QTransform &t);
     TShapes Text(const TEntity &e, const QTransform &t);
     TMyShape *Add(const char *className, TMyPointArray points, double angle = 0);
     TMyShape *Chain(const std::vector<QPointF> &points, const QTransform &t, bool closed);
