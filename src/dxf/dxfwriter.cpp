@@ -124,16 +124,55 @@ bool WriteDxfFile(const QString &fileName, const QByteArray &data, QString &erro
     return true;
 }
 
+// A report every this many shapes keeps the handler's cost out of sight.
+constexpr std::int32_t ProgressStep = 4096;
+
+// The text of DxfText, reporting progress per shape through OnProgress; empty, with
+// cancelled set, when the handler cancels.
+QByteArray DxfTextWithProgress(const TMyCAD &cad, bool glyphs, bool &cancelled)
+{
+    cancelled = false;
+    const std::int32_t count = cad.GetShapesCount();
+    auto report = [&](std::int32_t done) {
+        if (cad.OnProgress())
+            cad.OnProgress()(const_cast<TMyCAD *>(&cad), done, count, cancelled);
+        return !cancelled;
+    };
+    if (!report(0))
+        return {};
+    TDxfWriter writer(cad.height(), cad.Zoom(), glyphs);
+    for (std::int32_t i = 0; i < count; ++i) {
+        writer.WriteShape(*cad.GetShapeByNo(i));
+        if ((i + 1) % ProgressStep == 0 && !report(i + 1))
+            return {};
+    }
+    if (!report(count))
+        return {};
+    return writer.Finish();
+}
+
+// The whole text is made before the file is touched, so a cancel leaves the file as it was;
+// then it goes through a temporary file that replaces the old one only when complete.
+bool SaveDxf(TMyCAD &cad, bool glyphs, const QString &fileName)
+{
+    bool cancelled = false;
+    const QByteArray text = DxfTextWithProgress(cad, glyphs, cancelled);
+    QString error;
+    const bool ok = !cancelled && WriteDxfFile(fileName, text, error);
+    cad.SetLastDxfError(cancelled ? QStringLiteral("%1: cancelled").arg(fileName) : error);
+    return ok;
+}
+
 } // namespace
 
 bool TMyCAD::SaveToDxf(const QString &fileName)
 {
-    return WriteDxfFile(fileName, DxfText(false), m_LastError);
+    return SaveDxf(*this, false, fileName);
 }
 
 bool TMyCAD::SaveToDxf1(const QString &fileName)
 {
-    return WriteDxfFile(fileName, DxfText(true), m_LastError);
+    return SaveDxf(*this, true, fileName);
 }
 
 } // namespace tessal

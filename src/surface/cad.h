@@ -702,7 +702,8 @@ public:
     // temporary file that replaces fileName only when complete; false with LastError().
     bool SaveToDxf(const QString &fileName);
     bool SaveToDxf1(const QString &fileName);
-    // The file SaveToDxf (glyphs false) or SaveToDxf1 (glyphs true) writes.
+    // The file SaveToDxf (glyphs false) or SaveToDxf1 (glyphs true) writes. The saves
+    // report their progress through OnProgress, whose cancel leaves the file untouched.
     QByteArray DxfText(bool glyphs) const;
     // What the DXF import (a separate library) reports as LastError(); empty after success.
     void SetLastDxfError(const QString &error) { m_LastError = error; }

@@ -261,6 +261,33 @@ TEST_F(DxfWriter, FailedSaveKeepsOldFileAndSaysWhy)
     EXPECT_TRUE(QFileInfo(blocked).isDir());
 }
 
+// A save reports its progress per 4096 shapes, from 0 to all of them; a cancel leaves the
+// old file as it was and says so.
+TEST_F(DxfWriter, ProgressAndCancel)
+{
+    for (int i = 0; i < 10000; ++i)
+        Add(TDrawTool::SpLine, {{float(i % 600), 0}, {10, float(i % 400)}});
+    std::vector<std::int64_t> seen;
+    cad.SetOnProgress([&](TMyCAD *sender, std::int64_t done, std::int64_t total, bool &) {
+        EXPECT_EQ(sender, &cad);
+        EXPECT_EQ(total, 10000);
+        seen.push_back(done);
+    });
+    QTemporaryDir dir;
+    const QString name = dir.filePath(QStringLiteral("plan.dxf"));
+    ASSERT_TRUE(cad.SaveToDxf(name));
+    EXPECT_EQ(seen, (std::vector<std::int64_t>{0, 4096, 8192, 10000}));
+
+    cad.SetOnProgress([](TMyCAD *, std::int64_t done, std::int64_t, bool &cancel) {
+        cancel = done >= 4096;
+    });
+    EXPECT_FALSE(cad.SaveToDxf1(name));
+    EXPECT_EQ(cad.LastError(), name + QStringLiteral(": cancelled"));
+    QFile file(name);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), cad.DxfText(false));
+}
+
 // ezdxf reads what both variants write, in strict mode, and its audit finds no error; the
 // entities it sees are the ones written.
 TEST_F(DxfWriter, EzdxfReadsAndAuditsEveryFile)
