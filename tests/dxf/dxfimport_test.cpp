@@ -6,6 +6,7 @@
 
 #include <tessal/dxf/dxfnumbers.h>
 #include <tessal/dxf/import/dxfimport.h>
+#include <tessal/dxf/import/dxfmodel_p.h>
 #include <tessal/geometry/geometry.h>
 #include <tessal/shapes/arc.h>
 #include <tessal/shapes/curve.h>
@@ -348,6 +349,62 @@ TEST(DxfRoundTrip, WriterOutputReadsBackToTheSameGeometry)
     EXPECT_EQ(static_cast<TMyText *>(shape(11))->Lines(), QStringList{QStringLiteral("\u00b1 2")});
     EXPECT_NEAR(shape(10)->Points()[0].X, 240, 0.5);
     EXPECT_EQ(shape(10)->Font().Size(), source.GetShapeByNo(8)->Font().Size());
+}
+
+// The entities the reader decodes itself (LINE, POINT, CIRCLE, ARC, LWPOLYLINE, TEXT) come
+// out exactly as the parser library gives them: random drawings of every version, with
+// random styles, in blocks and between other entities, parsed both ways to the same model.
+void ExpectSameEntities(const tessal::DxfImport::TEntities &direct, const tessal::DxfImport::TEntities &library)
+{
+    ASSERT_EQ(direct.size(), library.size());
+    for (std::size_t i = 0; i < direct.size(); ++i) {
+        const tessal::DxfImport::TEntity &a = direct[i], &b = library[i];
+        SCOPED_TRACE(b.Type + " #" + std::to_string(i));
+        EXPECT_EQ(a.Kind, b.Kind);
+        EXPECT_EQ(a.Type, b.Type);
+        EXPECT_EQ(a.Style.Layer, b.Style.Layer);
+        EXPECT_EQ(a.Style.Aci, b.Style.Aci);
+        EXPECT_EQ(a.Style.TrueColor, b.Style.TrueColor);
+        EXPECT_EQ(a.Style.Weight, b.Style.Weight);
+        EXPECT_EQ(a.Points, b.Points);
+        EXPECT_EQ(a.Bulges, b.Bulges);
+        EXPECT_EQ(a.Closed, b.Closed);
+        EXPECT_EQ(a.Centre, b.Centre);
+        EXPECT_EQ(a.Radius, b.Radius);
+        EXPECT_EQ(a.Start, b.Start);
+        EXPECT_EQ(a.End, b.End);
+        EXPECT_EQ(a.Height, b.Height);
+        // The library turns a TEXT's degrees into radians, which are turned back.
+        EXPECT_NEAR(a.Angle, b.Angle, 1e-9 * std::max(1.0, std::fabs(b.Angle)));
+        EXPECT_EQ(a.Text, b.Text);
+        EXPECT_EQ(a.HAlign, b.HAlign);
+        EXPECT_EQ(a.VAlign, b.VAlign);
+        EXPECT_EQ(a.Block, b.Block);
+    }
+}
+
+TEST(DxfParser, DirectDecodingMatchesTheParserLibrary)
+{
+    QTemporaryDir dir;
+    for (int seed = 1; seed <= 6; ++seed) {
+        const QString name = dir.filePath(QStringLiteral("random%1.dxf").arg(seed));
+        RunPeer({QStringLiteral("random"), QString::number(seed), QStringLiteral("400"), name});
+        QFile file(name);
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        const QByteArray data = file.readAll();
+        tessal::DxfImport::TModel direct, library;
+        QString error;
+        ASSERT_TRUE(tessal::DxfImport::ParseDxf(data, direct, error, {}, true)) << error.toStdString();
+        ASSERT_TRUE(tessal::DxfImport::ParseDxf(data, library, error, {}, false)) << error.toStdString();
+        SCOPED_TRACE(seed);
+        EXPECT_GT(direct.Entities.size(), 300u);
+        ExpectSameEntities(direct.Entities, library.Entities);
+        ASSERT_EQ(direct.Blocks.size(), library.Blocks.size());
+        for (const auto &[blockName, block] : library.Blocks)
+            ExpectSameEntities(direct.Blocks.at(blockName).Entities, block.Entities);
+        EXPECT_EQ(direct.Skipped, library.Skipped);
+        EXPECT_EQ(direct.Layers.size(), library.Layers.size());
+    }
 }
 
 // Text values: UTF-8 or the 8-bit code page, escapes and the special codes of TEXT.

@@ -4,12 +4,15 @@
 #   ezdxf_peer.py audit FILE          -> JSON: audit errors, entity types, LINE points
 #   ezdxf_peer.py make VERSION FILE   -> writes a sample drawing; JSON: per modelspace
 #                                        entity the flattened paths after block transforms
+#   ezdxf_peer.py random SEED N FILE  -> writes N random entities with random styles
 import json
 import math
+import random
 import sys
 
 import ezdxf
 from ezdxf import colors, disassemble, path
+from ezdxf.enums import TextEntityAlignment
 
 
 def audit(name):
@@ -115,6 +118,57 @@ def sample(version, name):
     print(json.dumps(expect(ezdxf.readfile(name))))
 
 
+def random_drawing(seed, count, name):
+    """A drawing of the entities the reader decodes itself, mixed with others, with random
+    styles, in blocks too."""
+    rnd = random.Random(seed)
+    doc = ezdxf.new(rnd.choice(["R12", "R2000", "R2018"]))
+    for i in range(4):
+        doc.layers.add("L%d" % i, color=i + 1)
+    block = doc.blocks.new("B")
+    msp = doc.modelspace()
+    for i in range(count):
+        space = block if i % 10 == 9 else msp
+        x, y = rnd.uniform(-100, 500), rnd.uniform(-100, 500)
+        a = {"layer": "L%d" % rnd.randrange(4)}
+        if rnd.random() < 0.3:
+            a["color"] = rnd.randrange(0, 257)
+        if doc.dxfversion > "AC1009" and rnd.random() < 0.3:
+            a["true_color"] = rnd.randrange(0, 1 << 24)
+        if doc.dxfversion > "AC1009" and rnd.random() < 0.3:
+            a["lineweight"] = rnd.choice([-3, -2, -1, 0, 13, 50, 211])
+        k = rnd.randrange(9)
+        if k == 0:
+            space.add_line((x, y), (x + rnd.uniform(-50, 50), y + rnd.uniform(-50, 50)), dxfattribs=a)
+        elif k == 1:
+            space.add_point((x, y), dxfattribs=a)
+        elif k == 2:
+            space.add_circle((x, y), rnd.uniform(0.1, 40), dxfattribs=a)
+        elif k == 3:
+            space.add_arc((x, y), rnd.uniform(0.1, 40), rnd.uniform(-360, 360), rnd.uniform(-360, 360), dxfattribs=a)
+        elif k == 4:
+            pts = [(x + rnd.uniform(-20, 20), y + rnd.uniform(-20, 20), 0, 0, rnd.choice([0, 0, rnd.uniform(-3, 3)]))
+                   for _ in range(rnd.randrange(1, 7))]
+            if doc.dxfversion > "AC1009":
+                space.add_lwpolyline(pts, format="xyseb", close=rnd.random() < 0.5, dxfattribs=a)
+            else:
+                space.add_polyline2d(pts, format="xyseb", close=rnd.random() < 0.5, dxfattribs=a)
+        elif k == 5:
+            text = space.add_text(rnd.choice(["A", "%%d 1", "x y ", "\\U+00e9"]), dxfattribs=dict(
+                a, height=rnd.uniform(0.5, 9), rotation=rnd.uniform(-400, 400)))
+            text.set_placement((x, y), (x + 3, y + 1), rnd.choice(list(TextEntityAlignment)))
+        elif k == 6:
+            space.add_ellipse((x, y), major_axis=(rnd.uniform(1, 9), rnd.uniform(1, 9)), ratio=0.5,
+                              start_param=rnd.uniform(0, 6), end_param=rnd.uniform(0, 6), dxfattribs=a) \
+                if doc.dxfversion > "AC1009" else space.add_circle((x, y), 1, dxfattribs=a)
+        elif k == 7:
+            msp.add_blockref("B", (x, y), dxfattribs=dict(a, rotation=rnd.uniform(0, 90)))
+        else:
+            space.add_solid([(x, y), (x + 5, y), (x, y + 5)], dxfattribs=a)
+    doc.saveas(name)
+    print("{}")
+
+
 def flat(e):
     # Circles, arcs and ellipses by their own exact evaluation (a path would hold them as
     # Bezier approximations, a few ten-thousandths of the radius off).
@@ -184,5 +238,7 @@ def expect(doc):
 if __name__ == "__main__":
     if sys.argv[1] == "audit":
         audit(sys.argv[2])
+    elif sys.argv[1] == "random":
+        random_drawing(int(sys.argv[2]), int(sys.argv[3]), sys.argv[4])
     else:
         sample(sys.argv[2], sys.argv[3])
