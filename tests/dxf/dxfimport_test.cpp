@@ -233,6 +233,10 @@ TEST_P(DxfImport, GeometryMatchesEzdxfEvaluation)
                 ASSERT_EQ(shape->ClassName(), QStringLiteral("TMyText"));
                 EXPECT_EQ(static_cast<const TMyText *>(shape)->Lines().join('\n'),
                           leaf["text"].toString());
+                // Turned the other way on the page, whose Y grows downwards.
+                const double turn = -leaf["rotation"].toDouble() * std::numbers::pi / 180;
+                EXPECT_NEAR(std::cos(shape->Angle()), std::cos(turn), 1e-6);
+                EXPECT_NEAR(std::sin(shape->Angle()), std::sin(turn), 1e-6);
                 continue;
             }
             if (leaf.contains(QStringLiteral("pieces"))) {

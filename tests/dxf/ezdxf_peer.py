@@ -213,6 +213,7 @@ def expect(doc):
             if t in ("TEXT", "MTEXT"):
                 entry["insert"] = list(leaf.dxf.insert)[:2]
                 entry["text"] = leaf.plain_text() if t == "MTEXT" else leaf.dxf.text
+                entry["rotation"] = leaf.get_rotation() if t == "MTEXT" else leaf.dxf.rotation
             elif t == "POINT":
                 entry["points"] = [list(leaf.dxf.location)[:2]]
             elif t == "HATCH":

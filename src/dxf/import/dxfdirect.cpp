@@ -38,8 +38,8 @@ std::int32_t ToInt(std::string_view s)
     return std::int32_t(value);
 }
 
-// A real number; a decimal comma counts as a point. 0 when it is no number, infinite when
-// it is too large (such geometry is refused later).
+} // namespace
+
 double ToReal(std::string_view s)
 {
     s = TrimBlanks(s);
@@ -58,8 +58,6 @@ double ToReal(std::string_view s)
         return !s.empty() && s.front() == '-' ? -HUGE_VAL : HUGE_VAL;
     return ec == std::errc() ? value : 0;
 }
-
-} // namespace
 
 TGroupReader::TGroupReader(const QByteArray &data)
     : m_Begin(data.constData())

@@ -39,6 +39,10 @@ private:
     std::string_view m_Value;
 };
 
+// A real number as the file writes it; a decimal comma counts as a point. 0 when it is no
+// number, infinite when it is too large (such geometry is refused later).
+double ToReal(std::string_view s);
+
 // LINE, POINT, CIRCLE, ARC, LWPOLYLINE and TEXT: most of a drawing, and simple enough to
 // decode here, which spares the parser library's number conversion (a string stream per
 // value).

@@ -44,6 +44,9 @@ public:
 
     void Finish() { Flush(); }
 
+    // Group 50 of the entity that dxflib hands on next (0 when it has none).
+    void SetFileAngle(double degrees) { m_FileAngle = degrees; }
+
     // An entity decoded without the parser, in its place in the file.
     void AddDecoded(TEntity &&e)
     {
@@ -191,9 +194,11 @@ public:
     {
         TEntity &e = Add(TKind::Text, "MTEXT", {{d.ipx, d.ipy}});
         e.Height = d.height;
-        // The direction vector wins over the angle when it is given.
+        // The direction vector wins over the angle when it is given. The angle (group 50)
+        // is taken in degrees, as files are written; dxflib takes it for radians in some
+        // files and converts it in others, so its value as read from the file is used.
         e.Angle = (d.dirx != 0 || d.diry != 0) ? std::atan2(d.diry, d.dirx) * 180 / M_PI
-                                               : d.angle * 180 / M_PI;
+                                               : m_FileAngle;
         e.Text = PlainMText(DecodeText(m_MTextChunks + d.text, false));
         m_MTextChunks.clear();
         // Attachment 1..9: top/middle/bottom rows of left/centre/right.
@@ -315,6 +320,7 @@ private:
     std::string m_MTextChunks;
     bool m_Pending = false;
     bool m_SkipVertices = false;
+    double m_FileAngle = 0;
 };
 
 // Whether the text starts like an ASCII DXF file: a group code on the first line.
@@ -364,9 +370,17 @@ void Parse(const QByteArray &data, TCollector &collector,
     TDirectEntity direct;
     bool inDirect = false, entitySection = false, sectionStart = false;
     qsizetype reported = 0;
+    double angle = 0; // group 50 of the entity dxflib reads
     while (groups.Next()) {
         const int code = groups.Code();
         const std::string_view text = groups.Value();
+        // dxflib hands an entity on when the next one starts.
+        if (code == 0) {
+            collector.SetFileAngle(angle);
+            angle = 0;
+        } else if (code == 50 && !inDirect) {
+            angle = ToReal(text);
+        }
         if (code == 0 && inDirect) {
             collector.AddDecoded(direct.Finish());
             inDirect = false;
