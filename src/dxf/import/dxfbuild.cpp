@@ -262,6 +262,8 @@ TMyShape *TBuilder::Add(const char *className, TMyPointArray points, double angl
     for (TMyPoint p : points)
         if (!std::isfinite(p.X) || !std::isfinite(p.Y))
             return nullptr;
+    for (TMyPoint p : points)
+        m_Bounds.Add(p);
     std::unique_ptr<TMyShape> shape = m_Cad.CreateShapeByName(QLatin1String(className));
     // The angle first: set on a shape with points, it would turn them.
     shape->SetAngle(float(angle));
@@ -604,16 +606,8 @@ void TBuilder::FitControl()
     const std::int32_t count = m_Cad.GetShapesCount();
     if (count == 0)
         return;
-    float left = 0, top = 0, right = 0, bottom = 0;
-    bool first = true;
-    for (std::int32_t i = 0; i < count; ++i)
-        for (TMyPoint p : m_Cad.GetShapeByNo(i)->Points()) {
-            left = first ? p.X : std::min(left, p.X);
-            top = first ? p.Y : std::min(top, p.Y);
-            right = first ? p.X : std::max(right, p.X);
-            bottom = first ? p.Y : std::max(bottom, p.Y);
-            first = false;
-        }
+    const float left = m_Bounds.Left, top = m_Bounds.Top, right = m_Bounds.Right,
+                bottom = m_Bounds.Bottom;
     const float dx = left < 0 ? -left + 10 : 0, dy = top < 0 ? -top + 10 : 0;
     if (dx != 0 || dy != 0) {
         for (std::int32_t i = 0; i < count; ++i) {

@@ -9,6 +9,7 @@
 #include <QFontMetricsF>
 #include <QTransform>
 
+#include <algorithm>
 #include <map>
 #include <vector>
 
@@ -72,6 +73,20 @@ private:
     std::int32_t m_Layer = -1;
     bool m_Full = false;
     std::int64_t m_Visits = 0;
+    // Where the points of the shapes made lie (groups lie within their members).
+    struct TBounds
+    {
+        float Left = 0, Top = 0, Right = 0, Bottom = 0;
+        bool Empty = true;
+        void Add(TMyPoint p)
+        {
+            Left = Empty ? p.X : std::min(Left, p.X);
+            Top = Empty ? p.Y : std::min(Top, p.Y);
+            Right = Empty ? p.X : std::max(Right, p.X);
+            Bottom = Empty ? p.Y : std::max(Bottom, p.Y);
+            Empty = false;
+        }
+    } m_Bounds;
     std::map<std::pair<QString, std::int32_t>, QFontMetricsF> m_Metrics;
 };
 
