@@ -341,6 +341,8 @@ public:
     TMyShape *GetShapeByID(std::int32_t id) const override;
     TMyShape *GetShapeByName(const QString &name) const;
     std::int32_t GetShapeNoById(std::int32_t id) const;
+    // The place of a live shape in the list, or -1 for a detached one. A deleted shape is
+    // gone: ask for its ID with GetShapeByID instead of keeping its pointer.
     std::int32_t GetShapeNoInMyShapes(const TMyShape *shape) const;
     // Only when old != new, a shape is named old and none is named new.
     bool RenameShapeName(const QString &oldName, const QString &newName);
@@ -702,8 +704,7 @@ public:
     // temporary file that replaces fileName only when complete; false with LastError().
     bool SaveToDxf(const QString &fileName);
     bool SaveToDxf1(const QString &fileName);
-    // The file SaveToDxf (glyphs false) or SaveToDxf1 (glyphs true) writes. The saves
-    // report their progress through OnProgress, whose cancel leaves the file untouched.
+    // The file SaveToDxf (glyphs false) or SaveToDxf1 (glyphs true) writes.
     QByteArray DxfText(bool glyphs) const;
     // What the DXF import (a separate library) reports as LastError(); empty after success.
     void SetLastDxfError(const QString &error) { m_LastError = error; }
