@@ -7,6 +7,8 @@
 
 #include <QSaveFile>
 
+#include <charconv>
+
 #include <vector>
 
 namespace tessal {
@@ -28,25 +30,36 @@ QByteArray TDxfWriter::Finish()
 }
 
 // Group code and value, each on its own line. Lines end in CR LF, as DXF files have
-// traditionally been written; every reader also takes them.
-void TDxfWriter::Pair(int code, const QByteArray &value)
+// traditionally been written; every reader also takes them. A file holds millions of
+// values, so they are appended without making texts of their own.
+void TDxfWriter::Code(int code)
 {
-    m_Out += QByteArray::number(code);
-    m_Out += "\r\n";
-    m_Out += value;
-    m_Out += "\r\n";
+    char text[16];
+    m_Out.append(text, std::to_chars(text, text + sizeof text, code).ptr - text);
+    m_Out.append("\r\n", 2);
 }
 
-QByteArray TDxfWriter::NumberText(double value)
+void TDxfWriter::Pair(int code, QByteArrayView value)
 {
-    return Dxf::FormatNumber(value);
+    Code(code);
+    m_Out.append(value);
+    m_Out.append("\r\n", 2);
+}
+
+void TDxfWriter::Number(int code, double value)
+{
+    Code(code);
+    char text[Dxf::MaxNumberLength];
+    m_Out.append(text, qsizetype(Dxf::WriteNumber(text, value)));
+    m_Out.append("\r\n", 2);
 }
 
 // Entity type, handle and layer "0", the start of every record.
 void TDxfWriter::Head(const char *type)
 {
     Pair(0, type);
-    Pair(5, QByteArray::number(m_Handle++));
+    char handle[16];
+    Pair(5, QByteArrayView(handle, std::to_chars(handle, handle + sizeof handle, m_Handle++).ptr));
     Pair(8, "0");
 }
 

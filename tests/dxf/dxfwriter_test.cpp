@@ -13,11 +13,15 @@
 #include <QFontMetricsF>
 #include <QJsonArray>
 #include <QLocale>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 
 #include <clocale>
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
 #include <numbers>
+#include <random>
 
 namespace tessal {
 namespace {
@@ -53,6 +57,26 @@ TEST(DxfNumbers, ShortestGeneralFormWithDotWhateverTheLocale)
         EXPECT_EQ(Dxf::FormatNumber(value), QByteArray(text)) << value;
     std::setlocale(LC_NUMERIC, "C");
     QLocale::setDefault(before);
+    // Random values of every magnitude: the text reads back as the value rounded to 15
+    // significant digits, plain from 1e-5 to below 1e15 and with an exponent otherwise,
+    // without trailing zeros.
+    std::mt19937_64 random(15);
+    std::uniform_real_distribution<double> mantissa(-10, 10);
+    std::uniform_int_distribution<int> magnitude(-40, 40);
+    const QRegularExpression plain(QStringLiteral("^-?(0|[1-9][0-9]*)(\\.[0-9]*[1-9])?$"));
+    const QRegularExpression exponent(QStringLiteral("^-?[1-9](\\.[0-9]*[1-9])?E-?[1-9][0-9]*$"));
+    for (int i = 0; i < 20000; ++i) {
+        const double value = mantissa(random) * std::pow(10.0, magnitude(random));
+        const QByteArray text = Dxf::FormatNumber(value);
+        char rounded[64];
+        std::snprintf(rounded, sizeof rounded, "%.14e", value);
+        ASSERT_EQ(std::strtod(text.constData(), nullptr), std::strtod(rounded, nullptr))
+            << text.constData();
+        const double size = std::fabs(std::strtod(rounded, nullptr));
+        const bool fixed = size >= 1e-5 && size < 1e15;
+        EXPECT_TRUE((fixed ? plain : exponent).match(QString::fromLatin1(text)).hasMatch())
+            << text.constData();
+    }
     // Texts go out in ASCII, everything else escaped.
     EXPECT_EQ(Dxf::EscapeText(QStringLiteral("Gr\u00f6\u00dfe \u2300\t1")),
               QByteArray("Gr\\U+00F6\\U+00DFe \\U+2300 1"));
