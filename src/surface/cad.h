@@ -341,8 +341,6 @@ public:
     TMyShape *GetShapeByID(std::int32_t id) const override;
     TMyShape *GetShapeByName(const QString &name) const;
     std::int32_t GetShapeNoById(std::int32_t id) const;
-    // The place of a live shape in the list, or -1 for a detached one. A deleted shape is
-    // gone: ask for its ID with GetShapeByID instead of keeping its pointer.
     std::int32_t GetShapeNoInMyShapes(const TMyShape *shape) const;
     // Only when old != new, a shape is named old and none is named new.
     bool RenameShapeName(const QString &oldName, const QString &newName);
