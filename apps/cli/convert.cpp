@@ -118,8 +118,7 @@ bool WriteDxfOutlines(TMyCAD &cad, const QString &out, QString &error)
     return WriteDxf(cad, out, true, error);
 }
 
-int RunConvert(const QString &fileName, const QString &out, TIo io,
-               const TConvertOptions &options)
+int RunConvert(const QString &fileName, const QString &out, TIo io, const TConvertOptions &options)
 {
     const QString suffix = QFileInfo(out).suffix().toLower();
     using TWriter = bool (*)(TMyCAD &, const QString &, QString &);

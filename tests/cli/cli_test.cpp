@@ -354,13 +354,14 @@ TEST(CliDxf, ConvertsBothWaysWithTheImportReport)
     const QByteArray glyphs = outlined.readAll();
     EXPECT_EQ(glyphs, cad->DxfText(true));
     EXPECT_NE(glyphs, bytes);
-    const TToolResult notDxf = RunTool({QStringLiteral("convert"), QStringLiteral("--text-outlines"),
-                                        source, dir.filePath(QStringLiteral("page.png"))});
+    const TToolResult notDxf =
+        RunTool({QStringLiteral("convert"), QStringLiteral("--text-outlines"), source,
+                 dir.filePath(QStringLiteral("page.png"))});
     EXPECT_EQ(notDxf.Status, Cli::ExitUsage);
     EXPECT_TRUE(notDxf.Err.startsWith(QStringLiteral("convert: --text-outlines applies to DXF")));
-    EXPECT_EQ(RunTool({QStringLiteral("convert"), QStringLiteral("--glyphs"), source, outlines})
-                  .Status,
-              Cli::ExitUsage);
+    EXPECT_EQ(
+        RunTool({QStringLiteral("convert"), QStringLiteral("--glyphs"), source, outlines}).Status,
+        Cli::ExitUsage);
 
     const QString back = dir.filePath(QStringLiteral("back.tsd"));
     const TToolResult fromDxf = RunTool({QStringLiteral("convert"), dxf, back});

@@ -358,7 +358,8 @@ TEST(DxfRoundTrip, WriterOutputReadsBackToTheSameGeometry)
 // The entities the reader decodes itself (LINE, POINT, CIRCLE, ARC, LWPOLYLINE, TEXT) come
 // out exactly as the parser library gives them: random drawings of every version, with
 // random styles, in blocks and between other entities, parsed both ways to the same model.
-void ExpectSameEntities(const tessal::DxfImport::TEntities &direct, const tessal::DxfImport::TEntities &library)
+void ExpectSameEntities(const tessal::DxfImport::TEntities &direct,
+                        const tessal::DxfImport::TEntities &library)
 {
     ASSERT_EQ(direct.size(), library.size());
     for (std::size_t i = 0; i < direct.size(); ++i) {
@@ -398,8 +399,10 @@ TEST(DxfParser, DirectDecodingMatchesTheParserLibrary)
         const QByteArray data = file.readAll();
         tessal::DxfImport::TModel direct, library;
         QString error;
-        ASSERT_TRUE(tessal::DxfImport::ParseDxf(data, direct, error, {}, true)) << error.toStdString();
-        ASSERT_TRUE(tessal::DxfImport::ParseDxf(data, library, error, {}, false)) << error.toStdString();
+        ASSERT_TRUE(tessal::DxfImport::ParseDxf(data, direct, error, {}, true))
+            << error.toStdString();
+        ASSERT_TRUE(tessal::DxfImport::ParseDxf(data, library, error, {}, false))
+            << error.toStdString();
         SCOPED_TRACE(seed);
         EXPECT_GT(direct.Entities.size(), 300u);
         ExpectSameEntities(direct.Entities, library.Entities);
@@ -518,8 +521,8 @@ TEST(DxfDamaged, BlocksThatExpandWithoutDrawing)
     options.MaxShapes = 1000;
     EXPECT_TRUE(LoadFromDxfData(cad, data, report, options)) << report.Error.toStdString();
     EXPECT_EQ(cad.GetShapesCount(), 0);
-    EXPECT_GE(report.Skipped[QStringLiteral("INSERT: its block has nothing that could be imported")],
-              1);
+    EXPECT_GE(
+        report.Skipped[QStringLiteral("INSERT: its block has nothing that could be imported")], 1);
     EXPECT_GE(report.Skipped[QStringLiteral(
                   "INSERT: the blocks expand to more entities than the import visits")],
               1);

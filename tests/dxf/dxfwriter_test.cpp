@@ -302,9 +302,8 @@ TEST_F(DxfWriter, ProgressAndCancel)
     ASSERT_TRUE(cad.SaveToDxf(name));
     EXPECT_EQ(seen, (std::vector<std::int64_t>{0, 4096, 8192, 10000}));
 
-    cad.SetOnProgress([](TMyCAD *, std::int64_t done, std::int64_t, bool &cancel) {
-        cancel = done >= 4096;
-    });
+    cad.SetOnProgress(
+        [](TMyCAD *, std::int64_t done, std::int64_t, bool &cancel) { cancel = done >= 4096; });
     EXPECT_FALSE(cad.SaveToDxf1(name));
     EXPECT_EQ(cad.LastError(), name + QStringLiteral(": cancelled"));
     QFile file(name);

@@ -320,8 +320,8 @@ TBuilder::TShapes TBuilder::Conic(const TEntity &e, const QTransform &t)
         t0 = 0;
         t1 = 2 * Pi;
     }
-    if (!(Length(major) > 0) || !(ratio > 0) || !std::isfinite(t0 + t1) ||
-        std::fabs(t0) > 1e6 || std::fabs(t1) > 1e6)
+    if (!(Length(major) > 0) || !(ratio > 0) || !std::isfinite(t0 + t1) || std::fabs(t0) > 1e6 ||
+        std::fabs(t1) > 1e6)
         return {};
     // The way round from the start to the end; equal ends (within rounding) mean all of it.
     double span = std::fmod(t1 - t0, 2 * Pi);

@@ -103,12 +103,12 @@ void TDirectEntity::Start(std::string_view type)
     m_Flags = m_VAlign = 0;
     m_Text.clear();
     // Both polyline kinds are reported as POLYLINE, as the parser library hands them on.
-    m_Entity.Kind = type == "LINE"         ? TKind::Line
-                    : type == "POINT"      ? TKind::Point
-                    : type == "CIRCLE"     ? TKind::Circle
-                    : type == "ARC"        ? TKind::Arc
-                    : type == "TEXT"       ? TKind::Text
-                                           : TKind::Polyline;
+    m_Entity.Kind = type == "LINE"     ? TKind::Line
+                    : type == "POINT"  ? TKind::Point
+                    : type == "CIRCLE" ? TKind::Circle
+                    : type == "ARC"    ? TKind::Arc
+                    : type == "TEXT"   ? TKind::Text
+                                       : TKind::Polyline;
     m_Entity.Type = m_Entity.Kind == TKind::Polyline ? "POLYLINE" : std::string(type);
 }
 

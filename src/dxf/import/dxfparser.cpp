@@ -13,8 +13,8 @@
 #include <QList>
 
 #include <cmath>
-#include <new>
 #include <istream>
+#include <new>
 #include <streambuf>
 
 namespace tessal::DxfImport {
@@ -197,8 +197,8 @@ public:
         // The direction vector wins over the angle when it is given. The angle (group 50)
         // is taken in degrees, as files are written; dxflib takes it for radians in some
         // files and converts it in others, so its value as read from the file is used.
-        e.Angle = (d.dirx != 0 || d.diry != 0) ? std::atan2(d.diry, d.dirx) * 180 / M_PI
-                                               : m_FileAngle;
+        e.Angle =
+            (d.dirx != 0 || d.diry != 0) ? std::atan2(d.diry, d.dirx) * 180 / M_PI : m_FileAngle;
         e.Text = PlainMText(DecodeText(m_MTextChunks + d.text, false));
         m_MTextChunks.clear();
         // Attachment 1..9: top/middle/bottom rows of left/centre/right.
@@ -415,8 +415,7 @@ void Parse(const QByteArray &data, TCollector &collector,
 } // namespace
 
 bool ParseDxf(const QByteArray &data, TModel &model, QString &error,
-              const std::function<void(std::int64_t, std::int64_t)> &progress,
-              bool decodeDirectly)
+              const std::function<void(std::int64_t, std::int64_t)> &progress, bool decodeDirectly)
 {
     if (data.startsWith("AutoCAD Binary DXF")) {
         error = QStringLiteral("binary DXF is not supported; save the drawing as ASCII DXF");
