@@ -496,6 +496,17 @@ TEST(DxfDamaged, ErrorsAndPartialImports)
                   report.Skipped[QStringLiteral("LINE: the drawing reached the shape limit")],
               1);
     EXPECT_TRUE(report.Lines().join('\n').contains(QLatin1String("entities skipped")));
+
+    // A polyline of 3000 arcs would be 3000 shapes and more: beyond the limit it is skipped.
+    QByteArray arcs = "0\nSECTION\n2\nENTITIES\n0\nLWPOLYLINE\n8\n0\n90\n3000\n70\n0\n";
+    for (int i = 0; i < 3000; ++i)
+        arcs += "10\n" + QByteArray::number(i) + "\n20\n0\n42\n0.5\n";
+    arcs += "0\nLINE\n8\n0\n10\n0\n20\n0\n11\n1\n21\n1\n0\nENDSEC\n0\nEOF\n";
+    EXPECT_TRUE(LoadFromDxfData(cad, arcs, report, options)) << report.Error.toStdString();
+    EXPECT_EQ(cad.GetShapesCount(), 0);
+    EXPECT_EQ(report.Skipped[QStringLiteral("POLYLINE: the drawing reached the shape limit")], 1);
+    EXPECT_EQ(report.Skipped[QStringLiteral("LINE: the drawing reached the shape limit")], 1);
+    EXPECT_EQ(report.SkippedCount(), 2);
 }
 
 // Blocks that insert each other twice over and draw nothing make no shapes, so the shape

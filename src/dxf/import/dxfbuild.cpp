@@ -250,7 +250,8 @@ TBuilder::TShapes TBuilder::Entity(const TEntity &e, const QTransform &t, const 
     }
     std::erase(out, nullptr);
     if (out.empty()) {
-        Skip(e.Type, "invalid geometry (not finite or of zero size)");
+        if (!m_Full)
+            Skip(e.Type, "invalid geometry (not finite or of zero size)");
         return {};
     }
     ++m_Report.EntitiesRead;
@@ -428,6 +429,16 @@ TBuilder::TShapes TBuilder::Polyline(const TEntity &e, const QTransform &t)
             start = i;
     if (start == segments)
         return {Chain(e.Points, t, e.Closed)};
+    // Each arc is a shape, and so may be the run after it: a polyline of many arcs must
+    // keep within the shape limit too.
+    std::int64_t arcs = 0;
+    for (std::size_t i = 0; i < segments; ++i)
+        arcs += bulgeOf(i) != 0;
+    if (m_Cad.GetShapesCount() + 2 * arcs + 2 > m_Options.MaxShapes) {
+        m_Full = true;
+        Skip(e.Type, "the drawing reached the shape limit");
+        return {};
+    }
     start = e.Closed ? (start + 1) % n : 0;
     TShapes pieces;
     std::vector<QPointF> run{e.Points[start]};
