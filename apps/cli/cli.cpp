@@ -24,9 +24,12 @@ QString UsageText()
         "usage: tessal-cli COMMAND ARGUMENTS\n"
         "  info FILE                 version, page, size, unit, layers and shape counts\n"
         "  dump FILE                 the whole drawing as JSON\n"
-        "  convert FILE OUT          FILE (.tsd or .dxf) to OUT: .png, .svg or .pdf\n"
+        "  convert [--text-outlines] FILE OUT\n"
+        "                            FILE (.tsd or .dxf) to OUT: .png, .svg or .pdf\n"
         "                            (the page), .dxf or .tsd (the drawing); a DXF\n"
-        "                            input prints what was imported and skipped\n"
+        "                            input prints what was imported and skipped;\n"
+        "                            --text-outlines writes texts to DXF as the\n"
+        "                            outlines of their glyphs instead of TEXT\n"
         "  lib list LIBFILE          the entries of a shape library\n"
         "  lib dump LIBFILE NAME     one library entry as JSON\n"
         "  lib upgrade LIBFILE [OUT] rewrite a library in the current layout\n"
@@ -51,21 +54,27 @@ int Fail(TIo io, const QString &reason)
     return ExitFailure;
 }
 
-// Files above this size take long enough to read that a person at a terminal wants to see
-// that something happens.
-constexpr qint64 ProgressFileSize = 4 << 20;
-
-// Rewrites one line of standard error with the percentage read, only when it changes.
-TProgressEvent ProgressLine(const QString &name)
+bool ProgressShown()
 {
-    return [name, shown = -1](TMyCAD *, std::int64_t done, std::int64_t total, bool &) mutable {
-        const int percent = total > 0 ? int(done * 100 / total) : 100;
-        if (percent == shown)
-            return;
-        shown = percent;
-        std::fprintf(stderr, "\rreading %s: %3d%%", qPrintable(name), percent);
-        std::fflush(stderr);
-    };
+    return isatty(STDERR_FILENO);
+}
+
+void ShowProgress(const char *verb, const QString &name, std::int64_t done, std::int64_t total,
+                  int &shown)
+{
+    const int percent = total > 0 ? int(done * 100 / total) : 100;
+    if (percent == shown)
+        return;
+    shown = percent;
+    // Straight to the terminal, not through the error stream a caller may capture.
+    std::fprintf(stderr, "\r%s %s: %3d%%", verb, qPrintable(name), percent);
+    std::fflush(stderr);
+}
+
+void EndProgress()
+{
+    std::fputs("\r\033[K", stderr);
+    std::fflush(stderr);
 }
 
 std::unique_ptr<TMyCAD> LoadDrawing(const QString &fileName, QString &error)
@@ -80,12 +89,15 @@ std::unique_ptr<TMyCAD> LoadDrawing(const QString &fileName, QString &error)
     file.close();
     TMyCAD::SetNoLayerHandler([](TMyCAD *) {});
     auto cad = std::make_unique<TMyCAD>();
-    const bool progress = size > ProgressFileSize && isatty(STDERR_FILENO);
+    const bool progress = size > ProgressFileSize && ProgressShown();
     if (progress)
-        cad->SetOnProgress(ProgressLine(QFileInfo(fileName).fileName()));
+        cad->SetOnProgress([name = QFileInfo(fileName).fileName(), shown = -1](
+                               TMyCAD *, std::int64_t done, std::int64_t total, bool &) mutable {
+            ShowProgress("reading", name, done, total, shown);
+        });
     const bool loaded = cad->LoadFromFile(fileName);
     if (progress) {
-        std::fputs("\r\033[K", stderr); // the line goes away once the work is done
+        EndProgress();
         cad->SetOnProgress({});
     }
     if (!loaded) {
@@ -106,8 +118,20 @@ int Run(const QStringList &args, TIo io)
         return RunInfo(rest[0], io);
     if (command == QLatin1String("dump") && rest.size() == 1)
         return RunDump(rest[0], io);
-    if (command == QLatin1String("convert") && rest.size() == 2)
-        return RunConvert(rest[0], rest[1], io);
+    if (command == QLatin1String("convert")) {
+        TConvertOptions options;
+        QStringList files;
+        for (const QString &arg : rest) {
+            if (arg == QLatin1String("--text-outlines"))
+                options.TextOutlines = true;
+            else if (arg.startsWith(QLatin1String("--")))
+                return Usage(io);
+            else
+                files << arg;
+        }
+        if (files.size() == 2)
+            return RunConvert(files[0], files[1], io, options);
+    }
     if (command == QLatin1String("lib"))
         return RunLib(rest, io);
     return Usage(io);

@@ -6,6 +6,7 @@
 #include <QStringList>
 #include <QTextStream>
 
+#include <cstdint>
 #include <memory>
 
 namespace tessal {
@@ -41,5 +42,17 @@ int Fail(TIo io, const QString &reason);
 // never stops the tool: the surface's no-layer handler is replaced by one that lets the load
 // fail with a reason instead of ending the application.
 std::unique_ptr<TMyCAD> LoadDrawing(const QString &fileName, QString &error);
+
+// Files from this size on, or drawings of this many shapes, take long enough to read or
+// write that a person at a terminal wants to see that something happens.
+constexpr qint64 ProgressFileSize = 4 << 20;
+constexpr std::int32_t ProgressShapeCount = 20000;
+// Whether the error stream is a terminal, where a progress line may be shown.
+bool ProgressShown();
+// Rewrites one line of standard error with "verb name: percent", only when it changes.
+void ShowProgress(const char *verb, const QString &name, std::int64_t done, std::int64_t total,
+                  int &shown);
+// Removes the progress line once the work is done.
+void EndProgress();
 
 } // namespace tessal::Cli

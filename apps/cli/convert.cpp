@@ -88,15 +88,37 @@ bool WriteDrawing(TMyCAD &cad, const QString &out, QString &error)
     return false;
 }
 
-bool WriteDxf(TMyCAD &cad, const QString &out, QString &error)
+// SaveToDxf, or SaveToDxf1 for texts as glyph outlines, with a progress line for a large
+// drawing while the error stream is a terminal.
+bool WriteDxf(TMyCAD &cad, const QString &out, bool textOutlines, QString &error)
 {
-    if (cad.SaveToDxf(out))
-        return true;
-    error = cad.LastError();
-    return false;
+    const bool progress = cad.GetShapesCount() >= ProgressShapeCount && ProgressShown();
+    if (progress)
+        cad.SetOnProgress([name = QFileInfo(out).fileName(), shown = -1](
+                              TMyCAD *, std::int64_t done, std::int64_t total, bool &) mutable {
+            ShowProgress("writing", name, done, total, shown);
+        });
+    const bool ok = textOutlines ? cad.SaveToDxf1(out) : cad.SaveToDxf(out);
+    if (progress) {
+        EndProgress();
+        cad.SetOnProgress({});
+    }
+    if (!ok)
+        error = cad.LastError();
+    return ok;
 }
 
-int RunConvert(const QString &fileName, const QString &out, TIo io)
+bool WriteDxfText(TMyCAD &cad, const QString &out, QString &error)
+{
+    return WriteDxf(cad, out, false, error);
+}
+
+bool WriteDxfOutlines(TMyCAD &cad, const QString &out, QString &error)
+{
+    return WriteDxf(cad, out, true, error);
+}
+
+int RunConvert(const QString &fileName, const QString &out, TIo io, const TConvertOptions &options)
 {
     const QString suffix = QFileInfo(out).suffix().toLower();
     using TWriter = bool (*)(TMyCAD &, const QString &, QString &);
@@ -108,11 +130,16 @@ int RunConvert(const QString &fileName, const QString &out, TIo io)
     else if (suffix == QLatin1String("pdf"))
         writer = &WritePdf;
     else if (suffix == QLatin1String("dxf"))
-        writer = &WriteDxf;
+        writer = options.TextOutlines ? &WriteDxfOutlines : &WriteDxfText;
     else if (suffix == QLatin1String("tsd"))
         writer = &WriteDrawing;
     else {
         io.Err << "convert: unknown output format \"" << suffix << "\"\n";
+        return Usage(io);
+    }
+
+    if (options.TextOutlines && suffix != QLatin1String("dxf")) {
+        io.Err << "convert: --text-outlines applies to DXF output only\n";
         return Usage(io);
     }
 

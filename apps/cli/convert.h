@@ -17,6 +17,15 @@ bool WritePng(TMyCAD &cad, const QString &out, QString &error);
 bool WriteSvg(TMyCAD &cad, const QString &out, QString &error);
 bool WritePdf(TMyCAD &cad, const QString &out, QString &error);
 
-int RunConvert(const QString &fileName, const QString &out, TIo io);
+struct TConvertOptions
+{
+    // DXF output: texts as the outlines of their glyphs (SaveToDxf1) instead of TEXT.
+    bool TextOutlines = false;
+};
+
+// Converts FILE to OUT by their extensions. A large drawing written to DXF shows a progress
+// line while the error stream is a terminal.
+int RunConvert(const QString &fileName, const QString &out, TIo io,
+               const TConvertOptions &options = {});
 
 } // namespace tessal::Cli

@@ -7,40 +7,24 @@
 
 #include <QFileInfo>
 
-#include <cstdio>
-#include <unistd.h>
-
 namespace tessal::Cli {
-
-namespace {
-
-// Files from this size on show how far the reading got.
-constexpr std::int64_t ProgressFromBytes = 8 << 20;
-
-} // namespace
 
 std::unique_ptr<TMyCAD> LoadDxfDrawing(const QString &fileName, TIo io, QString &error)
 {
     TMyCAD::SetNoLayerHandler([](TMyCAD *) {});
     auto cad = std::make_unique<TMyCAD>();
     TDxfImportOptions options;
-    const bool showProgress =
-        isatty(STDERR_FILENO) && QFileInfo(fileName).size() >= ProgressFromBytes;
+    const bool showProgress = QFileInfo(fileName).size() > ProgressFileSize && ProgressShown();
     int shown = -1;
     if (showProgress)
-        options.Progress = [&](std::int64_t done, std::int64_t total) {
-            const int percent = total > 0 ? int(done * 100 / total) : 100;
-            if (percent == shown)
-                return;
-            shown = percent;
-            // Straight to the terminal, not through the error stream a caller may capture.
-            std::fprintf(stderr, "\rreading %s: %3d%%", qPrintable(fileName), percent);
-            std::fflush(stderr);
+        options.Progress = [&, name = QFileInfo(fileName).fileName()](std::int64_t done,
+                                                                      std::int64_t total) {
+            ShowProgress("reading", name, done, total, shown);
         };
     TDxfImportReport report;
     const bool ok = LoadFromDxf(*cad, fileName, report, options);
     if (showProgress)
-        std::fprintf(stderr, "\n");
+        EndProgress();
     if (ok || report.ShapesCreated > 0 || report.EntitiesRead > 0)
         for (const QString &line : report.Lines())
             if (!line.startsWith(QLatin1String("error:")))

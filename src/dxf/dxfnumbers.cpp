@@ -6,70 +6,86 @@
 
 #include <charconv>
 #include <cmath>
-#include <cstdlib>
-#include <string>
+#include <cstring>
 
 namespace tessal::Dxf {
 
 namespace {
 
-// The digits (without dot or trailing zeros) and the decimal exponent of |value| rounded to
-// 15 significant digits: value = 0.d1d2d3... x 10^(exponent + 1).
-struct TDigits
+char *Copy(char *out, const char *from, std::size_t n)
 {
-    std::string Digits;
-    int Exponent = 0;
-};
-
-TDigits Decompose(double magnitude)
-{
-    // to_chars never consults the locale.
-    char buffer[64];
-    const auto result =
-        std::to_chars(buffer, buffer + sizeof buffer, magnitude, std::chars_format::scientific, 14);
-    const std::string text(buffer, result.ptr);
-    const std::size_t e = text.find('e');
-    TDigits d;
-    d.Exponent = std::atoi(text.c_str() + e + 1);
-    for (std::size_t i = 0; i < e; ++i)
-        if (text[i] != '.')
-            d.Digits.push_back(text[i]);
-    while (d.Digits.size() > 1 && d.Digits.back() == '0')
-        d.Digits.pop_back();
-    return d;
+    std::memcpy(out, from, n);
+    return out + n;
 }
 
-std::string Fixed(const TDigits &d)
+char *Zeros(char *out, int n)
 {
-    const int n = int(d.Digits.size());
-    if (d.Exponent < 0)
-        return "0." + std::string(std::size_t(-d.Exponent - 1), '0') + d.Digits;
-    if (d.Exponent + 1 >= n)
-        return d.Digits + std::string(std::size_t(d.Exponent + 1 - n), '0');
-    return d.Digits.substr(0, std::size_t(d.Exponent + 1)) + "." +
-           d.Digits.substr(std::size_t(d.Exponent + 1));
-}
-
-std::string Scientific(const TDigits &d)
-{
-    std::string s = d.Digits.substr(0, 1);
-    if (d.Digits.size() > 1)
-        s += "." + d.Digits.substr(1);
-    return s + "E" + std::to_string(d.Exponent);
+    for (int i = 0; i < n; ++i)
+        *out++ = '0';
+    return out;
 }
 
 } // namespace
 
+std::size_t WriteNumber(char *out, double value)
+{
+    if (!std::isfinite(value)) {
+        const char *text = std::isnan(value) ? "NAN" : value > 0 ? "INF" : "-INF";
+        return std::size_t(Copy(out, text, std::strlen(text)) - out);
+    }
+    if (value == 0) {
+        *out = '0';
+        return 1;
+    }
+    char *o = out;
+    if (value < 0)
+        *o++ = '-';
+    // The digits rounded to 15 significant ones, and the decimal exponent: |value| is
+    // d.ddd... x 10^exponent. to_chars never consults the locale.
+    char buffer[40];
+    const char *end = std::to_chars(buffer, buffer + sizeof buffer, std::fabs(value),
+                                    std::chars_format::scientific, 14)
+                          .ptr;
+    char digits[16];
+    int n = 0;
+    const char *p = buffer;
+    for (; p < end && *p != 'e'; ++p)
+        if (*p != '.' && n < 16)
+            digits[n++] = *p;
+    int exponent = 0;
+    if (p + 1 < end)
+        std::from_chars(p + 1 + (p[1] == '+'), end, exponent);
+    while (n > 1 && digits[n - 1] == '0')
+        --n;
+    if (exponent < -5 || exponent >= 15) {
+        // Mantissa, "E" and the exponent without padding.
+        *o++ = digits[0];
+        if (n > 1) {
+            *o++ = '.';
+            o = Copy(o, digits + 1, std::size_t(n - 1));
+        }
+        *o++ = 'E';
+        return std::size_t(std::to_chars(o, o + 8, exponent).ptr - out);
+    }
+    if (exponent < 0) {
+        o = Copy(o, "0.", 2);
+        o = Zeros(o, -exponent - 1);
+        o = Copy(o, digits, std::size_t(n));
+    } else if (exponent + 1 >= n) {
+        o = Copy(o, digits, std::size_t(n));
+        o = Zeros(o, exponent + 1 - n);
+    } else {
+        o = Copy(o, digits, std::size_t(exponent + 1));
+        *o++ = '.';
+        o = Copy(o, digits + exponent + 1, std::size_t(n - exponent - 1));
+    }
+    return std::size_t(o - out);
+}
+
 QByteArray FormatNumber(double value)
 {
-    if (!std::isfinite(value))
-        return std::isnan(value) ? QByteArray("NAN") : QByteArray(value > 0 ? "INF" : "-INF");
-    if (value == 0)
-        return QByteArray("0");
-    const TDigits d = Decompose(std::fabs(value));
-    const bool plain = d.Exponent >= -5 && d.Exponent < 15;
-    const std::string body = plain ? Fixed(d) : Scientific(d);
-    return QByteArray::fromStdString(value < 0 ? "-" + body : body);
+    char text[MaxNumberLength];
+    return QByteArray(text, qsizetype(WriteNumber(text, value)));
 }
 
 QByteArray EscapeText(const QString &text)

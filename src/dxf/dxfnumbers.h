@@ -5,6 +5,8 @@
 
 #include <QByteArray>
 
+#include <cstddef>
+
 namespace tessal::Dxf {
 
 // Document pixels per millimetre at 96 pixels per inch. DXF files are in millimetres.
@@ -15,6 +17,9 @@ constexpr double PixelsPerMm = 3.779527559055118;
 // and the exponent without padding ("1.5E-7", "2E15"). The decimal separator is always ".",
 // whatever the locale: DXF readers reject any other. Negative zero is written "0".
 QByteArray FormatNumber(double value);
+// The same written to out, which holds at least MaxNumberLength bytes; answers the length.
+constexpr std::size_t MaxNumberLength = 32;
+std::size_t WriteNumber(char *out, double value);
 
 // A text value in ASCII: every other character as "\U+XXXX" (four hex digits, per UTF-16
 // code unit), which readers of every version decode, whatever code page they assume for a

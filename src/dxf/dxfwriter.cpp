@@ -7,6 +7,8 @@
 
 #include <QSaveFile>
 
+#include <charconv>
+
 #include <vector>
 
 namespace tessal {
@@ -28,25 +30,36 @@ QByteArray TDxfWriter::Finish()
 }
 
 // Group code and value, each on its own line. Lines end in CR LF, as DXF files have
-// traditionally been written; every reader also takes them.
-void TDxfWriter::Pair(int code, const QByteArray &value)
+// traditionally been written; every reader also takes them. A file holds millions of
+// values, so they are appended without making texts of their own.
+void TDxfWriter::Code(int code)
 {
-    m_Out += QByteArray::number(code);
-    m_Out += "\r\n";
-    m_Out += value;
-    m_Out += "\r\n";
+    char text[16];
+    m_Out.append(text, std::to_chars(text, text + sizeof text, code).ptr - text);
+    m_Out.append("\r\n", 2);
 }
 
-QByteArray TDxfWriter::NumberText(double value)
+void TDxfWriter::Pair(int code, QByteArrayView value)
 {
-    return Dxf::FormatNumber(value);
+    Code(code);
+    m_Out.append(value);
+    m_Out.append("\r\n", 2);
+}
+
+void TDxfWriter::Number(int code, double value)
+{
+    Code(code);
+    char text[Dxf::MaxNumberLength];
+    m_Out.append(text, qsizetype(Dxf::WriteNumber(text, value)));
+    m_Out.append("\r\n", 2);
 }
 
 // Entity type, handle and layer "0", the start of every record.
 void TDxfWriter::Head(const char *type)
 {
     Pair(0, type);
-    Pair(5, QByteArray::number(m_Handle++));
+    char handle[16];
+    Pair(5, QByteArrayView(handle, std::to_chars(handle, handle + sizeof handle, m_Handle++).ptr));
     Pair(8, "0");
 }
 
@@ -124,16 +137,55 @@ bool WriteDxfFile(const QString &fileName, const QByteArray &data, QString &erro
     return true;
 }
 
+// A report every this many shapes keeps the handler's cost out of sight.
+constexpr std::int32_t ProgressStep = 4096;
+
+// The text of DxfText, reporting progress per shape through OnProgress; empty, with
+// cancelled set, when the handler cancels.
+QByteArray DxfTextWithProgress(const TMyCAD &cad, bool glyphs, bool &cancelled)
+{
+    cancelled = false;
+    const std::int32_t count = cad.GetShapesCount();
+    auto report = [&](std::int32_t done) {
+        if (cad.OnProgress())
+            cad.OnProgress()(const_cast<TMyCAD *>(&cad), done, count, cancelled);
+        return !cancelled;
+    };
+    if (!report(0))
+        return {};
+    TDxfWriter writer(cad.height(), cad.Zoom(), glyphs);
+    for (std::int32_t i = 0; i < count; ++i) {
+        writer.WriteShape(*cad.GetShapeByNo(i));
+        if ((i + 1) % ProgressStep == 0 && !report(i + 1))
+            return {};
+    }
+    if (!report(count))
+        return {};
+    return writer.Finish();
+}
+
+// The whole text is made before the file is touched, so a cancel leaves the file as it was;
+// then it goes through a temporary file that replaces the old one only when complete.
+bool SaveDxf(TMyCAD &cad, bool glyphs, const QString &fileName)
+{
+    bool cancelled = false;
+    const QByteArray text = DxfTextWithProgress(cad, glyphs, cancelled);
+    QString error;
+    const bool ok = !cancelled && WriteDxfFile(fileName, text, error);
+    cad.SetLastDxfError(cancelled ? QStringLiteral("%1: cancelled").arg(fileName) : error);
+    return ok;
+}
+
 } // namespace
 
 bool TMyCAD::SaveToDxf(const QString &fileName)
 {
-    return WriteDxfFile(fileName, DxfText(false), m_LastError);
+    return SaveDxf(*this, false, fileName);
 }
 
 bool TMyCAD::SaveToDxf1(const QString &fileName)
 {
-    return WriteDxfFile(fileName, DxfText(true), m_LastError);
+    return SaveDxf(*this, true, fileName);
 }
 
 } // namespace tessal

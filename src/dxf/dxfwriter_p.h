@@ -5,6 +5,7 @@
 #include <tessal/geometry/mypoint.h>
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QPointF>
 #include <QString>
 
@@ -29,12 +30,12 @@ public:
     QByteArray Finish();
 
 private:
-    void Pair(int code, const QByteArray &value);
-    void Number(int code, double value) { Pair(code, NumberText(value)); }
+    void Code(int code);
+    void Pair(int code, QByteArrayView value);
+    void Number(int code, double value);
     void Head(const char *type);
     // A document point (pixels) as the codes code, code + 10 and code + 20.
     void Point(int code, QPointF p);
-    static QByteArray NumberText(double value);
 
     void Line(QPointF a, QPointF b);
     void Chain(std::span<const TMyPoint> points);

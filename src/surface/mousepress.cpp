@@ -247,16 +247,17 @@ TMyShape *TMouseMachine::ChooseNewShape()
     TMyShape *other = nullptr;
     for (auto it = near.rbegin(); it != near.rend(); ++it) {
         TMyShape *shape = m_Cad.GetShapeByNo(*it);
-        if (m_Cad.IsWorkingShape(shape))
+        const bool connectorBox = dynamic_cast<TMyLineLinkLine *>(shape) != nullptr;
+        // Below the topmost hit only a connector box can still win.
+        if ((other && !connectorBox) || m_Cad.IsWorkingShape(shape))
             continue;
         if (!m_Cad.m_OperateAllLayer && shape->LayerId() != m_Cad.m_CurrentLayerId)
             continue;
         if (!m_Cad.IsClickedMeforShape(scratch, shape, m_Start))
             continue;
-        if (dynamic_cast<TMyLineLinkLine *>(shape))
+        if (connectorBox)
             return shape;
-        if (!other)
-            other = shape;
+        other = shape;
     }
     return other;
 }

@@ -344,6 +344,25 @@ TEST(CliDxf, ConvertsBothWaysWithTheImportReport)
     const QByteArray bytes = written.readAll();
     EXPECT_EQ(bytes, cad->DxfText(false));
 
+    // Texts as glyph outlines on request; the switch means nothing for other outputs.
+    const QString outlines = dir.filePath(QStringLiteral("outlines.dxf"));
+    const TToolResult toOutlines =
+        RunTool({QStringLiteral("convert"), QStringLiteral("--text-outlines"), source, outlines});
+    ASSERT_EQ(toOutlines.Status, Cli::ExitOk) << toOutlines.Err.toStdString();
+    QFile outlined(outlines);
+    ASSERT_TRUE(outlined.open(QIODevice::ReadOnly));
+    const QByteArray glyphs = outlined.readAll();
+    EXPECT_EQ(glyphs, cad->DxfText(true));
+    EXPECT_NE(glyphs, bytes);
+    const TToolResult notDxf =
+        RunTool({QStringLiteral("convert"), QStringLiteral("--text-outlines"), source,
+                 dir.filePath(QStringLiteral("page.png"))});
+    EXPECT_EQ(notDxf.Status, Cli::ExitUsage);
+    EXPECT_TRUE(notDxf.Err.startsWith(QStringLiteral("convert: --text-outlines applies to DXF")));
+    EXPECT_EQ(
+        RunTool({QStringLiteral("convert"), QStringLiteral("--glyphs"), source, outlines}).Status,
+        Cli::ExitUsage);
+
     const QString back = dir.filePath(QStringLiteral("back.tsd"));
     const TToolResult fromDxf = RunTool({QStringLiteral("convert"), dxf, back});
     ASSERT_EQ(fromDxf.Status, Cli::ExitOk) << fromDxf.Err.toStdString();

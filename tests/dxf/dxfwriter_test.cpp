@@ -13,11 +13,15 @@
 #include <QFontMetricsF>
 #include <QJsonArray>
 #include <QLocale>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 
 #include <clocale>
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
 #include <numbers>
+#include <random>
 
 namespace tessal {
 namespace {
@@ -53,6 +57,26 @@ TEST(DxfNumbers, ShortestGeneralFormWithDotWhateverTheLocale)
         EXPECT_EQ(Dxf::FormatNumber(value), QByteArray(text)) << value;
     std::setlocale(LC_NUMERIC, "C");
     QLocale::setDefault(before);
+    // Random values of every magnitude: the text reads back as the value rounded to 15
+    // significant digits, plain from 1e-5 to below 1e15 and with an exponent otherwise,
+    // without trailing zeros.
+    std::mt19937_64 random(15);
+    std::uniform_real_distribution<double> mantissa(-10, 10);
+    std::uniform_int_distribution<int> magnitude(-40, 40);
+    const QRegularExpression plain(QStringLiteral("^-?(0|[1-9][0-9]*)(\\.[0-9]*[1-9])?$"));
+    const QRegularExpression exponent(QStringLiteral("^-?[1-9](\\.[0-9]*[1-9])?E-?[1-9][0-9]*$"));
+    for (int i = 0; i < 20000; ++i) {
+        const double value = mantissa(random) * std::pow(10.0, magnitude(random));
+        const QByteArray text = Dxf::FormatNumber(value);
+        char rounded[64];
+        std::snprintf(rounded, sizeof rounded, "%.14e", value);
+        ASSERT_EQ(std::strtod(text.constData(), nullptr), std::strtod(rounded, nullptr))
+            << text.constData();
+        const double size = std::fabs(std::strtod(rounded, nullptr));
+        const bool fixed = size >= 1e-5 && size < 1e15;
+        EXPECT_TRUE((fixed ? plain : exponent).match(QString::fromLatin1(text)).hasMatch())
+            << text.constData();
+    }
     // Texts go out in ASCII, everything else escaped.
     EXPECT_EQ(Dxf::EscapeText(QStringLiteral("Gr\u00f6\u00dfe \u2300\t1")),
               QByteArray("Gr\\U+00F6\\U+00DFe \\U+2300 1"));
@@ -259,6 +283,32 @@ TEST_F(DxfWriter, FailedSaveKeepsOldFileAndSaysWhy)
     ASSERT_TRUE(QDir().mkdir(blocked));
     EXPECT_FALSE(cad.SaveToDxf1(blocked));
     EXPECT_TRUE(QFileInfo(blocked).isDir());
+}
+
+// A save reports its progress per 4096 shapes, from 0 to all of them; a cancel leaves the
+// old file as it was and says so.
+TEST_F(DxfWriter, ProgressAndCancel)
+{
+    for (int i = 0; i < 10000; ++i)
+        Add(TDrawTool::SpLine, {{float(i % 600), 0}, {10, float(i % 400)}});
+    std::vector<std::int64_t> seen;
+    cad.SetOnProgress([&](TMyCAD *sender, std::int64_t done, std::int64_t total, bool &) {
+        EXPECT_EQ(sender, &cad);
+        EXPECT_EQ(total, 10000);
+        seen.push_back(done);
+    });
+    QTemporaryDir dir;
+    const QString name = dir.filePath(QStringLiteral("plan.dxf"));
+    ASSERT_TRUE(cad.SaveToDxf(name));
+    EXPECT_EQ(seen, (std::vector<std::int64_t>{0, 4096, 8192, 10000}));
+
+    cad.SetOnProgress(
+        [](TMyCAD *, std::int64_t done, std::int64_t, bool &cancel) { cancel = done >= 4096; });
+    EXPECT_FALSE(cad.SaveToDxf1(name));
+    EXPECT_EQ(cad.LastError(), name + QStringLiteral(": cancelled"));
+    QFile file(name);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), cad.DxfText(false));
 }
 
 // ezdxf reads what both variants write, in strict mode, and its audit finds no error; the

@@ -4,12 +4,15 @@
 #   ezdxf_peer.py audit FILE          -> JSON: audit errors, entity types, LINE points
 #   ezdxf_peer.py make VERSION FILE   -> writes a sample drawing; JSON: per modelspace
 #                                        entity the flattened paths after block transforms
+#   ezdxf_peer.py random SEED N FILE  -> writes N random entities with random styles
 import json
 import math
+import random
 import sys
 
 import ezdxf
 from ezdxf import colors, disassemble, path
+from ezdxf.enums import TextEntityAlignment
 
 
 def audit(name):
@@ -74,6 +77,28 @@ def sample(version, name):
         edges.add_arc((280, 75), 15, -90, 90)
         edges.add_line((280, 90), (250, 90))
         edges.add_line((250, 90), (250, 60))
+    # Bulged polylines: open with straight runs between arcs, a closed pair of half turns
+    # (a circle), and a closed one in a turned and scaled block.
+    mixed = [(350, 20, 0, 0, 0), (365, 20, 0, 0, 0), (380, 25, 0, 0, 0.4), (400, 25, 0, 0, 0),
+             (410, 40, 0, 0, -0.7), (430, 40, 0, 0, 2.5), (440, 50)]
+    ring = [(350, 60, 0, 0, 1), (370, 60, 0, 0, 1)]
+    slot = [(0, 0, 0, 0, 0), (20, 0, 0, 0, 1), (20, 8, 0, 0, 0), (0, 8, 0, 0, 1)]
+    round_block = doc.blocks.new("ROUND")
+    if version == "R12":
+        msp.add_polyline2d(mixed, format="xyseb")
+        msp.add_polyline2d(ring, format="xyseb", close=True)
+        round_block.add_polyline2d(slot, format="xyseb", close=True)
+    else:
+        msp.add_lwpolyline(mixed, format="xyseb")
+        msp.add_lwpolyline(ring, format="xyseb", close=True)
+        round_block.add_lwpolyline(slot, format="xyseb", close=True)
+        # Half an ellipse (an arc shape) and a quarter turn of one (Bezier pieces).
+        msp.add_ellipse((400, 90), major_axis=(12, 5), ratio=0.4, start_param=0.4,
+                        end_param=0.4 + math.pi)
+        msp.add_ellipse((430, 90), major_axis=(-4, 10), ratio=0.6, start_param=5.5,
+                        end_param=0.9)
+    msp.add_blockref("ROUND", (360, 100), dxfattribs={"rotation": 20, "xscale": 1.5,
+                                                       "yscale": 1.5})
     inner = doc.blocks.new("INNER", base_point=(1, 1))
     inner.add_line((1, 1), (6, 1), dxfattribs={"color": 0})
     inner.add_circle((4, 4), 2)
@@ -93,12 +118,86 @@ def sample(version, name):
     print(json.dumps(expect(ezdxf.readfile(name))))
 
 
+def random_drawing(seed, count, name):
+    """A drawing of the entities the reader decodes itself, mixed with others, with random
+    styles, in blocks too."""
+    rnd = random.Random(seed)
+    doc = ezdxf.new(rnd.choice(["R12", "R2000", "R2018"]))
+    for i in range(4):
+        doc.layers.add("L%d" % i, color=i + 1)
+    block = doc.blocks.new("B")
+    msp = doc.modelspace()
+    for i in range(count):
+        space = block if i % 10 == 9 else msp
+        x, y = rnd.uniform(-100, 500), rnd.uniform(-100, 500)
+        a = {"layer": "L%d" % rnd.randrange(4)}
+        if rnd.random() < 0.3:
+            a["color"] = rnd.randrange(0, 257)
+        if doc.dxfversion > "AC1009" and rnd.random() < 0.3:
+            a["true_color"] = rnd.randrange(0, 1 << 24)
+        if doc.dxfversion > "AC1009" and rnd.random() < 0.3:
+            a["lineweight"] = rnd.choice([-3, -2, -1, 0, 13, 50, 211])
+        k = rnd.randrange(9)
+        if k == 0:
+            space.add_line((x, y), (x + rnd.uniform(-50, 50), y + rnd.uniform(-50, 50)), dxfattribs=a)
+        elif k == 1:
+            space.add_point((x, y), dxfattribs=a)
+        elif k == 2:
+            space.add_circle((x, y), rnd.uniform(0.1, 40), dxfattribs=a)
+        elif k == 3:
+            space.add_arc((x, y), rnd.uniform(0.1, 40), rnd.uniform(-360, 360), rnd.uniform(-360, 360), dxfattribs=a)
+        elif k == 4:
+            pts = [(x + rnd.uniform(-20, 20), y + rnd.uniform(-20, 20), 0, 0, rnd.choice([0, 0, rnd.uniform(-3, 3)]))
+                   for _ in range(rnd.randrange(1, 7))]
+            if doc.dxfversion > "AC1009":
+                space.add_lwpolyline(pts, format="xyseb", close=rnd.random() < 0.5, dxfattribs=a)
+            else:
+                space.add_polyline2d(pts, format="xyseb", close=rnd.random() < 0.5, dxfattribs=a)
+        elif k == 5:
+            text = space.add_text(rnd.choice(["A", "%%d 1", "x y ", "\\U+00e9"]), dxfattribs=dict(
+                a, height=rnd.uniform(0.5, 9), rotation=rnd.uniform(-400, 400)))
+            text.set_placement((x, y), (x + 3, y + 1), rnd.choice(list(TextEntityAlignment)))
+        elif k == 6:
+            space.add_ellipse((x, y), major_axis=(rnd.uniform(1, 9), rnd.uniform(1, 9)), ratio=0.5,
+                              start_param=rnd.uniform(0, 6), end_param=rnd.uniform(0, 6), dxfattribs=a) \
+                if doc.dxfversion > "AC1009" else space.add_circle((x, y), 1, dxfattribs=a)
+        elif k == 7:
+            msp.add_blockref("B", (x, y), dxfattribs=dict(a, rotation=rnd.uniform(0, 90)))
+        else:
+            space.add_solid([(x, y), (x + 5, y), (x, y + 5)], dxfattribs=a)
+    doc.saveas(name)
+    print("{}")
+
+
 def flat(e):
+    # Circles, arcs and ellipses by their own exact evaluation (a path would hold them as
+    # Bezier approximations, a few ten-thousandths of the radius off).
+    if e.dxftype() in ("CIRCLE", "ARC", "ELLIPSE"):
+        return [[v.x, v.y] for v in e.flattening(0.0002)]
     try:
         p = path.make_path(e)
     except TypeError:
         return None
     return [[v.x, v.y] for v in p.flattening(0.0005, segments=16)]
+
+
+def pieces(polyline):
+    """The polyline's arcs and the straight runs between them, in order; a closed one's
+    last run continues into its first."""
+    out = []
+    for ve in polyline.virtual_entities():
+        if ve.dxftype() == "LINE":
+            end = [ve.dxf.end.x, ve.dxf.end.y]
+            if out and out[-1]["kind"] == "chain":
+                out[-1]["points"].append(end)
+            else:
+                out.append({"kind": "chain", "points": [[ve.dxf.start.x, ve.dxf.start.y], end]})
+        else:
+            out.append({"kind": "arc", "points": flat(ve), "radius": ve.dxf.radius,
+                        "centre": list(ve.ocs().to_wcs(ve.dxf.center))[:2]})
+    if polyline.is_closed and len(out) > 1 and out[0]["kind"] == out[-1]["kind"] == "chain":
+        out[0]["points"] = out.pop()["points"] + out[0]["points"][1:]
+    return out
 
 
 def expect(doc):
@@ -114,6 +213,7 @@ def expect(doc):
             if t in ("TEXT", "MTEXT"):
                 entry["insert"] = list(leaf.dxf.insert)[:2]
                 entry["text"] = leaf.plain_text() if t == "MTEXT" else leaf.dxf.text
+                entry["rotation"] = leaf.get_rotation() if t == "MTEXT" else leaf.dxf.rotation
             elif t == "POINT":
                 entry["points"] = [list(leaf.dxf.location)[:2]]
             elif t == "HATCH":
@@ -121,6 +221,14 @@ def expect(doc):
                                   for p in path.from_hatch(leaf)]
             else:
                 entry["points"] = flat(leaf)
+                if t == "ARC":
+                    entry["centre"] = list(leaf.ocs().to_wcs(leaf.dxf.center))[:2]
+                    entry["radius"] = leaf.dxf.radius
+                elif t == "ELLIPSE":
+                    entry["sweep"] = (leaf.dxf.end_param - leaf.dxf.start_param) % math.tau
+                elif t in ("LWPOLYLINE", "POLYLINE") and any(
+                        v.dxftype() == "ARC" for v in leaf.virtual_entities()):
+                    entry["pieces"] = pieces(leaf)
             if t != "HATCH":
                 entry["rgb"] = list(leaf.rgb) if leaf.rgb else None
             item["leaves"].append(entry)
@@ -131,5 +239,7 @@ def expect(doc):
 if __name__ == "__main__":
     if sys.argv[1] == "audit":
         audit(sys.argv[2])
+    elif sys.argv[1] == "random":
+        random_drawing(int(sys.argv[2]), int(sys.argv[3]), sys.argv[4])
     else:
         sample(sys.argv[2], sys.argv[3])

@@ -35,12 +35,36 @@ bool Finite(QPointF p)
     return std::isfinite(p.x()) && std::isfinite(p.y());
 }
 
-// Whether t keeps circles circles: its linear part is a scaled rotation or reflection.
-bool IsSimilarity(const QTransform &t)
+// A sweep below this many radians is drawn straight: its sagitta is under a 40,000th of its
+// chord, and the arc shape itself draws so flat an arc as its chord.
+constexpr double MinSweep = 1e-4;
+
+// The image of a direction under t (its linear part only).
+QPointF Linear(const QTransform &t, QPointF v)
 {
-    const double a = t.m11(), b = t.m12(), c = t.m21(), d = t.m22();
-    const double s = a * a + b * b;
-    return std::fabs(s - (c * c + d * d)) <= 1e-9 * s && std::fabs(a * c + b * d) <= 1e-9 * s;
+    return {t.m11() * v.x() + t.m21() * v.y(), t.m12() * v.x() + t.m22() * v.y()};
+}
+
+double Length(QPointF v)
+{
+    return std::hypot(v.x(), v.y());
+}
+
+// The curve u cos s + v sin s about its centre, by its axes: it equals
+// Major cos (s - Shift) + Minor sin (s - Shift), Major and Minor perpendicular.
+struct TAxes
+{
+    QPointF Major, Minor;
+    double Shift = 0;
+};
+
+TAxes AxesOf(QPointF u, QPointF v)
+{
+    const double uu = QPointF::dotProduct(u, u), vv = QPointF::dotProduct(v, v),
+                 uv = QPointF::dotProduct(u, v);
+    const double shift = 0.5 * std::atan2(2 * uv, uu - vv);
+    const double c = std::cos(shift), s = std::sin(shift);
+    return {u * c + v * s, -u * s + v * c, shift};
 }
 
 } // namespace
@@ -151,6 +175,13 @@ TBuilder::TShapes TBuilder::Entity(const TEntity &e, const QTransform &t, const 
         Skip(e.Type, "the drawing reached the shape limit");
         return {};
     }
+    // Blocks that insert each other many times over without drawing anything create no
+    // shapes but still cost time: the entities visited are limited as well.
+    if (++m_Visits > VisitLimit()) {
+        m_Full = true;
+        Skip(e.Type, "the blocks expand to more entities than the import visits");
+        return {};
+    }
     // Layers used but not in the table are made on first use; inside a block copy every
     // shape takes the INSERT's layer.
     m_Layer = layer >= 0 ? layer : LayerId(e.Style.Layer);
@@ -178,7 +209,7 @@ TBuilder::TShapes TBuilder::Entity(const TEntity &e, const QTransform &t, const 
             Skip(e.Type, "fewer than two vertices");
             return {};
         }
-        out.push_back(Chain(FlattenPolyline(e.Points, e.Bulges, e.Closed), t, e.Closed));
+        out = Polyline(e, t);
         break;
     case TKind::Spline: {
         std::vector<QPointF> bezier = SplineToBezier(e);
@@ -219,7 +250,8 @@ TBuilder::TShapes TBuilder::Entity(const TEntity &e, const QTransform &t, const 
     }
     std::erase(out, nullptr);
     if (out.empty()) {
-        Skip(e.Type, "invalid geometry (not finite or of zero size)");
+        if (!m_Full)
+            Skip(e.Type, "invalid geometry (not finite or of zero size)");
         return {};
     }
     ++m_Report.EntitiesRead;
@@ -231,6 +263,8 @@ TMyShape *TBuilder::Add(const char *className, TMyPointArray points, double angl
     for (TMyPoint p : points)
         if (!std::isfinite(p.X) || !std::isfinite(p.Y))
             return nullptr;
+    for (TMyPoint p : points)
+        m_Bounds.Add(p);
     std::unique_ptr<TMyShape> shape = m_Cad.CreateShapeByName(QLatin1String(className));
     // The angle first: set on a shape with points, it would turn them.
     shape->SetAngle(float(angle));
@@ -274,9 +308,8 @@ TMyShape *TBuilder::Chain(const std::vector<QPointF> &points, const QTransform &
     return Add("TMyPolyLine", std::move(pts));
 }
 
-// Circles, arcs and ellipses. Under a transform that keeps circles, arcs stay arcs through
-// three points; full curves become ellipse shapes with the axes of the transformed curve;
-// partial ellipses (and arcs distorted by unequal block scales) become polylines.
+// Circles, arcs and ellipses. Full curves become ellipse shapes with the axes of the
+// transformed curve; partial ones arcs (see EllipticArc).
 TBuilder::TShapes TBuilder::Conic(const TEntity &e, const QTransform &t)
 {
     const double d = Pi / 180;
@@ -288,40 +321,165 @@ TBuilder::TShapes TBuilder::Conic(const TEntity &e, const QTransform &t)
         t0 = 0;
         t1 = 2 * Pi;
     }
-    if (!(std::hypot(major.x(), major.y()) > 0) || !(ratio > 0) || !std::isfinite(t0 + t1))
+    if (!(Length(major) > 0) || !(ratio > 0) || !std::isfinite(t0 + t1) || std::fabs(t0) > 1e6 ||
+        std::fabs(t1) > 1e6)
         return {};
-    while (t1 <= t0)
-        t1 += 2 * Pi;
-    const bool full = e.Kind == TKind::Circle || t1 - t0 >= 2 * Pi - 1e-9;
-    // The transformed curve is centre + u cos s + v sin s.
+    // The way round from the start to the end; equal ends (within rounding) mean all of it.
+    double span = std::fmod(t1 - t0, 2 * Pi);
+    if (span < 0)
+        span += 2 * Pi;
+    const bool full = e.Kind == TKind::Circle || span <= 1e-9 || span >= 2 * Pi - 1e-9;
+    t1 = t0 + span;
+    // The transformed curve is c + u cos s + v sin s.
     const QPointF minor(-major.y() * ratio, major.x() * ratio);
     const QPointF c = t.map(e.Centre);
-    const QPointF u = t.map(e.Centre + major) - c, v = t.map(e.Centre + minor) - c;
-    if (!full) {
-        if (e.Kind == TKind::Arc && IsSimilarity(t)) {
-            const double tm = (t0 + t1) / 2;
-            auto at = [&](double s) { return ToMy(c + u * std::cos(s) + v * std::sin(s)); };
-            TMyShape *arc = Add("TMyElliArc", {at(t0), at(tm), at(t1)});
-            if (arc)
-                static_cast<TMyElliArc *>(arc)->SetArcMode(TArcMode::amCircle);
-            return {arc};
-        }
-        return {Chain(EllipsePoints(e.Centre, major, ratio, t0, t1), t, false)};
-    }
-    // The axes of the transformed ellipse: where |u cos s + v sin s| is greatest.
-    const double uu = QPointF::dotProduct(u, u), vv = QPointF::dotProduct(v, v),
-                 uv = QPointF::dotProduct(u, v);
-    const double s = 0.5 * std::atan2(2 * uv, uu - vv);
-    const QPointF a = u * std::cos(s) + v * std::sin(s);
-    const QPointF b = -u * std::sin(s) + v * std::cos(s);
-    const double ra = std::hypot(a.x(), a.y()), rb = std::hypot(b.x(), b.y());
-    if (!(ra > 0) || !(rb > 0) || !Finite(c))
+    const QPointF u = Linear(t, major), v = Linear(t, minor);
+    if (!Finite(c))
         return {};
-    const double angle = std::atan2(a.y(), a.x());
-    const QPointF ex = a / ra, ey(-ex.y(), ex.x());
+    if (!full) {
+        auto at = [&](double s) { return c + u * std::cos(s) + v * std::sin(s); };
+        return {EllipticArc(c, u, v, t0, t1, at(t0), at(t1))};
+    }
+    const TAxes axes = AxesOf(u, v);
+    const double ra = Length(axes.Major), rb = Length(axes.Minor);
+    if (!(ra > 0) || !(rb > 0))
+        return {};
+    const double angle = std::atan2(axes.Major.y(), axes.Major.x());
+    const QPointF ex = axes.Major / ra, ey(-ex.y(), ex.x());
     auto corner = [&](double x, double y) { return ToMy(c + ex * x + ey * y); };
     return {Add("TMyEllipse", {corner(-ra, -rb), corner(ra, -rb), corner(ra, rb), corner(-ra, rb)},
                 angle)};
+}
+
+// The elliptic arc c + u cos s + v sin s for s from s0 to s1 (either way round), in
+// document pixels, from first to last (the curve's ends, given so that pieces of a
+// polyline meet exactly). An arc of a circle and half an ellipse are arc shapes, exact;
+// any other part of an ellipse (a partial ELLIPSE, an arc under unequal block scales)
+// becomes cubic Bezier pieces of at most 22.5 degrees of the parameter, which keep within
+// 1e-7 of the larger radius of the true curve.
+TMyShape *TBuilder::EllipticArc(QPointF c, QPointF u, QPointF v, double s0, double s1,
+                                QPointF first, QPointF last)
+{
+    auto at = [&](double s) { return c + u * std::cos(s) + v * std::sin(s); };
+    const double sweep = s1 - s0;
+    const TAxes axes = AxesOf(u, v);
+    const double ra = Length(axes.Major), rb = Length(axes.Minor);
+    if (!(ra > 0) || !(rb > 0) || !Finite(first) || !Finite(last))
+        return nullptr;
+    if (std::fabs(ra - rb) <= 1e-9 * ra) {
+        TMyShape *arc = Add("TMyElliArc", {ToMy(first), ToMy(at(s0 + sweep / 2)), ToMy(last)});
+        if (arc)
+            static_cast<TMyElliArc *>(arc)->SetArcMode(TArcMode::amCircle);
+        return arc;
+    }
+    if (std::fabs(std::fabs(sweep) - Pi) <= 1e-9) {
+        // Half an ellipse: the arc shape's ellipse mode in the frame of the axes, which finds
+        // the ellipse from the start and the point between the ends. That point is taken
+        // where it pins the two radii best (the two points' coordinates on the axes differ
+        // the most in proportion).
+        double best = 0.5, score = -1;
+        for (int k = 1; k < 12; ++k) {
+            const double a0 = s0 - axes.Shift, a1 = a0 + sweep * k / 12;
+            const double q = std::fabs(std::sin(a1 - a0) * std::sin(a1 + a0));
+            if (q > score) {
+                score = q;
+                best = k / 12.0;
+            }
+        }
+        TMyShape *arc = Add("TMyElliArc", {ToMy(first), ToMy(at(s0 + sweep * best)), ToMy(last)},
+                            std::atan2(axes.Major.y(), axes.Major.x()));
+        if (arc)
+            static_cast<TMyElliArc *>(arc)->SetArcMode(TArcMode::amEllipse);
+        return arc;
+    }
+    // Each piece's inner control points lie along the tangents at its ends, 4/3 tan(w / 4)
+    // of the parameter step w away in the curve's derivative.
+    const std::int32_t pieces =
+        std::clamp(std::int32_t(std::ceil(std::fabs(sweep) / (Pi / 8))), 1, 16);
+    const double step = sweep / pieces, h = 4.0 / 3 * std::tan(step / 4);
+    auto tangent = [&](double s) { return -u * std::sin(s) + v * std::cos(s); };
+    TMyPointArray points{ToMy(first)};
+    for (std::int32_t i = 0; i < pieces; ++i) {
+        const double a = s0 + step * i, b = s0 + step * (i + 1);
+        const QPointF from = i == 0 ? first : at(a), to = i + 1 == pieces ? last : at(b);
+        points.push_back(ToMy(from + tangent(a) * h));
+        points.push_back(ToMy(to - tangent(b) * h));
+        points.push_back(ToMy(to));
+    }
+    return Add("TMyPolyBezier", std::move(points));
+}
+
+// A polyline without bulges is one shape: a line, an open polyline or, closed, a polygon.
+// Bulged segments are arcs: the polyline becomes a group of its arcs and of the straight
+// runs between them, in the order of the outline, each piece ending where the next begins.
+// A closed one starts after its first arc, so that no straight run is cut at vertex 0.
+TBuilder::TShapes TBuilder::Polyline(const TEntity &e, const QTransform &t)
+{
+    const std::size_t n = e.Points.size(), segments = e.Closed ? n : n - 1;
+    auto bulgeOf = [&](std::size_t i) {
+        const double b = i < e.Bulges.size() ? e.Bulges[i] : 0;
+        return std::isfinite(b) && std::fabs(4 * std::atan(b)) >= MinSweep &&
+                       e.Points[i] != e.Points[(i + 1) % n]
+                   ? b
+                   : 0.0;
+    };
+    std::size_t start = segments;
+    for (std::size_t i = 0; i < segments && start == segments; ++i)
+        if (bulgeOf(i) != 0)
+            start = i;
+    if (start == segments)
+        return {Chain(e.Points, t, e.Closed)};
+    // Each arc is a shape, and so may be the run after it: a polyline of many arcs must
+    // keep within the shape limit too.
+    std::int64_t arcs = 0;
+    for (std::size_t i = 0; i < segments; ++i)
+        arcs += bulgeOf(i) != 0;
+    if (m_Cad.GetShapesCount() + 2 * arcs + 2 > m_Options.MaxShapes) {
+        m_Full = true;
+        Skip(e.Type, "the drawing reached the shape limit");
+        return {};
+    }
+    start = e.Closed ? (start + 1) % n : 0;
+    TShapes pieces;
+    std::vector<QPointF> run{e.Points[start]};
+    auto endRun = [&] {
+        if (run.size() >= 2)
+            pieces.push_back(Chain(run, t, false));
+    };
+    for (std::size_t k = 0; k < segments; ++k) {
+        const std::size_t i = (start + k) % n;
+        const QPointF b = e.Points[(i + 1) % n];
+        const double bulge = bulgeOf(i);
+        if (bulge == 0) {
+            run.push_back(b);
+            continue;
+        }
+        endRun();
+        run = {b};
+        pieces.push_back(BulgeArc(e.Points[i], b, bulge, t));
+    }
+    endRun();
+    std::erase(pieces, nullptr);
+    if (pieces.size() <= 1)
+        return pieces;
+    return {Group(pieces, m_Layer)};
+}
+
+// The arc of a bulged segment from a to b: the bulge is the tangent of a quarter of the
+// included angle, positive anticlockwise (in the file's frame, Y up).
+TMyShape *TBuilder::BulgeArc(QPointF a, QPointF b, double bulge, const QTransform &t)
+{
+    const double sweep = 4 * std::atan(bulge);
+    const double chord = Length(b - a);
+    const double radius = chord / (2 * std::sin(std::fabs(sweep) / 2));
+    // The centre lies on the chord's perpendicular bisector, on the left for a positive
+    // bulge when the sweep is below a half turn.
+    const QPointF mid = (a + b) / 2, dir = (b - a) / chord;
+    const double offset = radius * std::cos(sweep / 2) * (sweep > 0 ? 1 : -1);
+    const QPointF centre(mid.x() - dir.y() * offset, mid.y() + dir.x() * offset);
+    const double s0 = std::atan2(a.y() - centre.y(), a.x() - centre.x());
+    return EllipticArc(t.map(centre), Linear(t, {radius, 0}), Linear(t, {0, radius}), s0,
+                       s0 + sweep, t.map(a), t.map(b));
 }
 
 // A text shape whose first line starts where the file's text does: the box is sized for
@@ -398,7 +556,8 @@ TBuilder::TShapes TBuilder::Insert(const TEntity &e, const QTransform &t, const 
     const double a = e.Angle * Pi / 180;
     const QPointF ip = e.Points[0];
     TShapes cells;
-    for (std::int32_t row = 0; row < e.Rows && !m_Full; ++row)
+    bool empty = false;
+    for (std::int32_t row = 0; row < e.Rows && !m_Full && !empty; ++row)
         for (std::int32_t col = 0; col < e.Cols && !m_Full; ++col) {
             // Array cells are spaced along the insert's turned axes, unscaled.
             const QPointF off(col * e.Spacing.x(), row * e.Spacing.y());
@@ -415,8 +574,10 @@ TBuilder::TShapes TBuilder::Insert(const TEntity &e, const QTransform &t, const 
                 const TShapes made = Entity(inner, full, style, layer, depth + 1);
                 members.insert(members.end(), made.begin(), made.end());
             }
-            if (members.empty())
-                break; // an empty block stays empty in every cell
+            if (members.empty()) {
+                empty = true; // an empty block stays empty in every cell
+                break;
+            }
             m_Layer = layer;
             cells.push_back(Group(members, layer));
         }
@@ -456,16 +617,8 @@ void TBuilder::FitControl()
     const std::int32_t count = m_Cad.GetShapesCount();
     if (count == 0)
         return;
-    float left = 0, top = 0, right = 0, bottom = 0;
-    bool first = true;
-    for (std::int32_t i = 0; i < count; ++i)
-        for (TMyPoint p : m_Cad.GetShapeByNo(i)->Points()) {
-            left = first ? p.X : std::min(left, p.X);
-            top = first ? p.Y : std::min(top, p.Y);
-            right = first ? p.X : std::max(right, p.X);
-            bottom = first ? p.Y : std::max(bottom, p.Y);
-            first = false;
-        }
+    const float left = m_Bounds.Left, top = m_Bounds.Top, right = m_Bounds.Right,
+                bottom = m_Bounds.Bottom;
     const float dx = left < 0 ? -left + 10 : 0, dy = top < 0 ? -top + 10 : 0;
     if (dx != 0 || dy != 0) {
         for (std::int32_t i = 0; i < count; ++i) {

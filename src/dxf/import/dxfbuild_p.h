@@ -9,6 +9,7 @@
 #include <QFontMetricsF>
 #include <QTransform>
 
+#include <algorithm>
 #include <map>
 #include <vector>
 
@@ -44,12 +45,19 @@ private:
     TShapes Insert(const TEntity &e, const QTransform &t, const TResolved &style,
                    std::int32_t layer, std::int32_t depth);
     TShapes Conic(const TEntity &e, const QTransform &t);
+    TMyShape *EllipticArc(QPointF c, QPointF u, QPointF v, double s0, double s1, QPointF first,
+                          QPointF last);
+    TShapes Polyline(const TEntity &e, const QTransform &t);
+    TMyShape *BulgeArc(QPointF a, QPointF b, double bulge, const QTransform &t);
     TShapes Text(const TEntity &e, const QTransform &t);
     TMyShape *Add(const char *className, TMyPointArray points, double angle = 0);
     TMyShape *Chain(const std::vector<QPointF> &points, const QTransform &t, bool closed);
     TMyShape *Group(const TShapes &members, std::int32_t layer);
     void Skip(const std::string &type, const char *reason);
     void FitControl();
+    // Entities visited before the import stops: every visit of a drawable entity makes a
+    // shape, so twice the shape limit leaves room for the ones that are skipped.
+    std::int64_t VisitLimit() const { return 2 * m_Options.MaxShapes + 10000; }
     // Metrics of the font at a pixel size, made once per size: a drawing has many texts
     // but few sizes.
     const QFontMetricsF &Metrics(const QString &family, std::int32_t pixelSize);
@@ -64,6 +72,21 @@ private:
     TResolved m_Style;
     std::int32_t m_Layer = -1;
     bool m_Full = false;
+    std::int64_t m_Visits = 0;
+    // Where the points of the shapes made lie (groups lie within their members).
+    struct TBounds
+    {
+        float Left = 0, Top = 0, Right = 0, Bottom = 0;
+        bool Empty = true;
+        void Add(TMyPoint p)
+        {
+            Left = Empty ? p.X : std::min(Left, p.X);
+            Top = Empty ? p.Y : std::min(Top, p.Y);
+            Right = Empty ? p.X : std::max(Right, p.X);
+            Bottom = Empty ? p.Y : std::max(Bottom, p.Y);
+            Empty = false;
+        }
+    } m_Bounds;
     std::map<std::pair<QString, std::int32_t>, QFontMetricsF> m_Metrics;
 };
 

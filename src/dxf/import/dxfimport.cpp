@@ -7,6 +7,8 @@
 
 #include <QFile>
 
+#include <limits>
+
 namespace tessal {
 
 std::int64_t TDxfImportReport::SkippedCount() const
@@ -75,6 +77,18 @@ bool LoadFromDxf(TMyCAD &cad, const QString &fileName, TDxfImportReport &report,
         report.Error = QStringLiteral("%1: %2").arg(fileName, file.errorString());
         cad.SetLastDxfError(report.Error);
         return false;
+    }
+    // Read in one piece into a buffer of the file's size: a drawing's file may be large,
+    // and a buffer that grows as it is read copies it over and over.
+    const qint64 size = file.size();
+    if (size > 0 && size < std::numeric_limits<qsizetype>::max()) {
+        QByteArray data(qsizetype(size), Qt::Uninitialized);
+        const qint64 read = file.read(data.data(), size);
+        if (read >= 0) {
+            data.truncate(qsizetype(read));
+            data += file.readAll(); // whatever was appended meanwhile
+            return LoadFromDxfData(cad, data, report, options);
+        }
     }
     return LoadFromDxfData(cad, file.readAll(), report, options);
 }

@@ -7,6 +7,7 @@
 #include <QString>
 
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <map>
 #include <string>
@@ -65,6 +66,9 @@ struct TEntity
     QPointF Spacing;
 };
 
+// A deque: entities are large, and a growing deque never moves the ones it holds.
+using TEntities = std::deque<TEntity>;
+
 struct TLayerInfo
 {
     std::string Name;
@@ -77,14 +81,14 @@ struct TLayerInfo
 struct TBlock
 {
     QPointF Base;
-    std::vector<TEntity> Entities;
+    TEntities Entities;
 };
 
 struct TModel
 {
     std::vector<TLayerInfo> Layers;
     std::map<std::string, TBlock> Blocks;
-    std::vector<TEntity> Entities;
+    TEntities Entities;
     std::int32_t InsUnits = -1;
     std::int32_t Measurement = -1;
     std::map<std::string, std::int64_t> Skipped; // "TYPE: reason" -> count
@@ -96,7 +100,9 @@ using TParseProgress = std::function<bool(std::int64_t done, std::int64_t total)
 
 // The file's bytes parsed into model; false with error when the data is no ASCII DXF, the
 // parser gave up (the model then holds what came before) or progress stopped it (Cancelled).
-bool ParseDxf(const QByteArray &data, TModel &model, QString &error,
-              const TParseProgress &progress);
+// decodeDirectly false leaves every entity to the parser library, which must give the same
+// model.
+bool ParseDxf(const QByteArray &data, TModel &model, QString &error, const TParseProgress &progress,
+              bool decodeDirectly = true);
 
 } // namespace tessal::DxfImport

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // The DXF file parsed by dxflib into the import model.
 #include <tessal/dxf/import/dxfcurves_p.h>
+#include <tessal/dxf/import/dxfdirect_p.h>
 #include <tessal/dxf/import/dxfmodel_p.h>
 #include <tessal/dxf/import/dxfprescan_p.h>
 #include <tessal/dxf/import/dxfvalues_p.h>
@@ -20,41 +21,15 @@ namespace tessal::DxfImport {
 
 namespace {
 
-// Hands the bytes to the parser a slice at a time, reporting how far it got before each
-// slice. When the report says stop, the parser sees the end of the data: it then finishes
-// at once, with no exception thrown through it.
-class TProgressBuffer : public std::streambuf
+// Shows dxflib one group at a time: the lines of the group, straight from the file.
+class TGroupBuffer : public std::streambuf
 {
 public:
-    TProgressBuffer(const QByteArray &data, const TParseProgress &progress)
-        : m_Data(data)
-        , m_Progress(progress)
-    {}
-
-    bool Stopped() const { return m_Stopped; }
-
-protected:
-    int_type underflow() override
+    void Show(const char *begin, const char *end)
     {
-        if (m_Stopped || m_Offset >= m_Data.size())
-            return traits_type::eof();
-        if (m_Progress && !m_Progress(m_Offset, m_Data.size())) {
-            m_Stopped = true;
-            return traits_type::eof();
-        }
-        const qsizetype n = std::min<qsizetype>(Slice, m_Data.size() - m_Offset);
-        char *begin = const_cast<char *>(m_Data.constData()) + m_Offset;
-        setg(begin, begin, begin + n);
-        m_Offset += n;
-        return traits_type::to_int_type(*begin);
+        char *b = const_cast<char *>(begin);
+        setg(b, b, const_cast<char *>(end));
     }
-
-private:
-    static constexpr qsizetype Slice = 1 << 18;
-    const QByteArray &m_Data;
-    const TParseProgress &m_Progress;
-    qsizetype m_Offset = 0;
-    bool m_Stopped = false;
 };
 
 // Receives dxflib's callbacks. Entities made of several callbacks (polylines and their
@@ -68,6 +43,18 @@ public:
     {}
 
     void Finish() { Flush(); }
+
+    // Group 50 of the entity that dxflib hands on next (0 when it has none).
+    void SetFileAngle(double degrees) { m_FileAngle = degrees; }
+
+    // An entity decoded without the parser, in its place in the file.
+    void AddDecoded(TEntity &&e)
+    {
+        Flush();
+        if (e.Style.Layer.empty())
+            e.Style.Layer = "0";
+        m_Target->push_back(std::move(e));
+    }
 
     void setVariableInt(const std::string &key, int value, int) override
     {
@@ -198,25 +185,20 @@ public:
     void add3dFace(const DL_3dFaceData &d) override { Face("3DFACE", d, false); }
     void addText(const DL_TextData &d) override
     {
-        // Aligned (3), middle (4) and fit (5) texts are placed by their second point like
-        // centred ones.
-        const bool justified = d.hJustification != 0 || d.vJustification != 0;
-        TEntity &e =
-            Add(TKind::Text, "TEXT", {justified ? QPointF(d.apx, d.apy) : QPointF(d.ipx, d.ipy)});
-        e.Height = d.height;
-        e.Angle = d.angle;
-        e.Text = DecodeText(d.text, true);
-        e.HAlign = d.hJustification == 2 ? 2 : (d.hJustification == 0 ? 0 : 1);
-        e.VAlign = d.hJustification == 4 ? 2 : std::clamp(d.vJustification, 0, 3);
+        // dxflib gives a TEXT's angle in radians.
+        SetText(Add(TKind::Text, "TEXT", {}), {d.ipx, d.ipy}, {d.apx, d.apy}, d.height,
+                d.angle * 180 / M_PI, d.hJustification, d.vJustification, d.text);
     }
     void addMTextChunk(const std::string &text) override { m_MTextChunks += text; }
     void addMText(const DL_MTextData &d) override
     {
         TEntity &e = Add(TKind::Text, "MTEXT", {{d.ipx, d.ipy}});
         e.Height = d.height;
-        // The direction vector wins over the angle when it is given.
-        e.Angle = (d.dirx != 0 || d.diry != 0) ? std::atan2(d.diry, d.dirx) * 180 / M_PI
-                                               : d.angle * 180 / M_PI;
+        // The direction vector wins over the angle when it is given. The angle (group 50)
+        // is taken in degrees, as files are written; dxflib takes it for radians in some
+        // files and converts it in others, so its value as read from the file is used.
+        e.Angle =
+            (d.dirx != 0 || d.diry != 0) ? std::atan2(d.diry, d.dirx) * 180 / M_PI : m_FileAngle;
         e.Text = PlainMText(DecodeText(m_MTextChunks + d.text, false));
         m_MTextChunks.clear();
         // Attachment 1..9: top/middle/bottom rows of left/centre/right.
@@ -333,11 +315,12 @@ private:
     void Dim() { Skip("DIMENSION", "dimensions are not imported"); }
 
     TModel &m_Model;
-    std::vector<TEntity> *m_Target = &m_Model.Entities;
+    TEntities *m_Target = &m_Model.Entities;
     std::vector<QPointF> m_FitPoints;
     std::string m_MTextChunks;
     bool m_Pending = false;
     bool m_SkipVertices = false;
+    double m_FileAngle = 0;
 };
 
 // Whether the text starts like an ASCII DXF file: a group code on the first line.
@@ -364,9 +347,79 @@ bool EndsWithEof(const QByteArray &data)
            tail[tail.size() - 2].trimmed() == "0";
 }
 
+// Hands the file's groups to dxflib one by one, except for the entities that are decoded
+// directly: for each of those dxflib reads only the start of an entity it does not know,
+// so that it hands on the entity it holds (keeping the file's order) and ignores what
+// follows, which is decoded here instead.
+// False when progress stopped it: the entities read so far are then left unfinished.
+bool Parse(const QByteArray &data, TCollector &collector, const TParseProgress &progress,
+           bool decodeDirectly)
+{
+    static const char Elsewhere[] = "0\nDECODED-ELSEWHERE\n";
+    constexpr qsizetype ProgressBytes = 1 << 18;
+    if (progress && !progress(0, data.size()))
+        return false;
+    DL_Dxf dxf;
+    TGroupBuffer buffer;
+    std::istream stream(&buffer);
+    // Reading an empty stream sets the parser's state up as for a new file.
+    dxf.in(stream, &collector);
+    auto show = [&](const char *begin, const char *end) {
+        buffer.Show(begin, end);
+        stream.clear();
+        dxf.readDxfGroups(stream, &collector);
+    };
+    TGroupReader groups(data);
+    TDirectEntity direct;
+    bool inDirect = false, entitySection = false, sectionStart = false;
+    qsizetype reported = 0;
+    double angle = 0; // group 50 of the entity dxflib reads
+    while (groups.Next()) {
+        const int code = groups.Code();
+        const std::string_view text = groups.Value();
+        // dxflib hands an entity on when the next one starts.
+        if (code == 0) {
+            collector.SetFileAngle(angle);
+            angle = 0;
+        } else if (code == 50 && !inDirect) {
+            angle = ToReal(text);
+        }
+        if (code == 0 && inDirect) {
+            collector.AddDecoded(direct.Finish());
+            inDirect = false;
+        }
+        if (inDirect) {
+            direct.Add(code, text);
+            continue;
+        }
+        if (code == 0 && decodeDirectly && entitySection && IsDirectEntity(text)) {
+            show(Elsewhere, Elsewhere + sizeof Elsewhere - 1);
+            direct.Start(text);
+            inDirect = true;
+            continue;
+        }
+        if (code == 2 && sectionStart)
+            entitySection = text == "ENTITIES" || text == "BLOCKS";
+        if (code == 0)
+            sectionStart = text == "SECTION";
+        show(groups.GroupBegin(), groups.GroupEnd());
+        if (progress && groups.Offset() - reported >= ProgressBytes) {
+            reported = groups.Offset();
+            if (!progress(reported, data.size()))
+                return false;
+        }
+    }
+    if (inDirect)
+        collector.AddDecoded(direct.Finish());
+    collector.Finish();
+    // The end of the data is the last report, so that a cancel there still counts.
+    return !progress || progress(data.size(), data.size());
+}
+
 } // namespace
 
-bool ParseDxf(const QByteArray &data, TModel &model, QString &error, const TParseProgress &progress)
+bool ParseDxf(const QByteArray &data, TModel &model, QString &error, const TParseProgress &progress,
+              bool decodeDirectly)
 {
     if (data.startsWith("AutoCAD Binary DXF")) {
         error = QStringLiteral("binary DXF is not supported; save the drawing as ASCII DXF");
@@ -387,12 +440,9 @@ bool ParseDxf(const QByteArray &data, TModel &model, QString &error, const TPars
     for (const auto &[type, count] : unknown)
         model.Skipped[type + ": entity type not supported"] += count;
     TCollector collector(model);
-    TProgressBuffer buffer(safe, progress);
-    std::istream stream(&buffer);
+    bool finished = true;
     try {
-        DL_Dxf dxf;
-        dxf.in(stream, &collector);
-        collector.Finish();
+        finished = Parse(safe, collector, progress, decodeDirectly);
     } catch (const std::bad_alloc &) {
         error = QStringLiteral("the file asks for more memory than is available");
         return false;
@@ -400,8 +450,7 @@ bool ParseDxf(const QByteArray &data, TModel &model, QString &error, const TPars
         error = QStringLiteral("the DXF parser stopped: %1").arg(QString::fromLocal8Bit(e.what()));
         return false;
     }
-    // The end of the data is the last report, so that a cancel there still counts.
-    if (buffer.Stopped() || (progress && !progress(safe.size(), safe.size()))) {
+    if (!finished) {
         model.Cancelled = true;
         error = QStringLiteral("the import was cancelled");
         return false;

@@ -108,6 +108,20 @@ QString PlainMText(const QString &text)
     return out;
 }
 
+void SetText(TEntity &e, QPointF insert, QPointF align, double height, double degrees,
+             std::int32_t h, std::int32_t v, const std::string &bytes)
+{
+    // Aligned (3), middle (4) and fit (5) texts are placed by their second point like
+    // centred ones.
+    const bool justified = h != 0 || v != 0;
+    e.Points = {justified ? align : insert};
+    e.Height = height;
+    e.Angle = degrees;
+    e.Text = DecodeText(bytes, true);
+    e.HAlign = h == 2 ? 2 : (h == 0 ? 0 : 1);
+    e.VAlign = h == 4 ? 2 : std::clamp(v, 0, 3);
+}
+
 std::uint32_t AciToRgb(std::int32_t aci)
 {
     static const std::uint32_t fixed[10] = {0x000000, 0xFF0000, 0xFFFF00, 0x00FF00, 0x00FFFF,

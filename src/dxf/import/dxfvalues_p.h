@@ -2,6 +2,9 @@
 // Text and colour values of DXF files as the drawing needs them.
 #pragma once
 
+#include <tessal/dxf/import/dxfmodel_p.h>
+
+#include <QPointF>
 #include <QString>
 
 #include <cstdint>
@@ -16,6 +19,11 @@ QString PlainMText(const QString &text);
 // TEXT, the "%%" codes (%%d degree, %%p plus-minus, %%c diameter, %%% percent; the underline and
 // overline switches %%u and %%o dropped).
 QString DecodeText(const std::string &bytes, bool textCodes);
+// Fills a TEXT entity from its values: the insertion point, the alignment point (which
+// places a justified text), height, angle in degrees, justification codes 72 and 73 and the
+// text's bytes.
+void SetText(TEntity &e, QPointF insert, QPointF align, double height, double degrees,
+             std::int32_t h, std::int32_t v, const std::string &bytes);
 // The RGB value (0x00RRGGBB) of an AutoCAD colour index 1..255.
 std::uint32_t AciToRgb(std::int32_t aci);
 
