@@ -118,15 +118,13 @@ bool MainWindow::ImportDxf(const QString &path)
     scratch.SetPageOrientation(m_Cad->PageOrientation());
     scratch.SetPageWidth(m_Cad->PageWidth());
     scratch.SetPageHeight(m_Cad->PageHeight());
-    TDxfImportOptions options;
-    // The reader cannot stop halfway; a Cancel takes effect once it is done.
-    options.Progress = [&progress](std::int64_t done, std::int64_t total) {
-        progress.Report(done, total);
-    };
+    // A Cancel stops the parse at its next report.
+    progress.Attach(&scratch);
     TDxfImportReport report;
     QApplication::setOverrideCursor(Qt::WaitCursor);
-    const bool read = LoadFromDxf(scratch, path, report, options);
+    const bool read = LoadFromDxf(scratch, path, report);
     QApplication::restoreOverrideCursor();
+    progress.Attach(nullptr); // scratch ends before the scope does
     m_ImportReport = report.Lines();
     if (progress.Cancelled()) {
         progress.Finish();

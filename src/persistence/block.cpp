@@ -3,6 +3,7 @@
 // a shape library entry placed at a point.
 #include <tessal/persistence/block.h>
 #include <tessal/persistence/drawingfile.h>
+#include <tessal/persistence/drawingfile_p.h>
 #include <tessal/persistence/library.h>
 #include <tessal/surface/cad.h>
 
@@ -16,6 +17,7 @@
 
 #include <algorithm>
 #include <new>
+#include <optional>
 
 namespace tessal {
 
@@ -59,6 +61,8 @@ bool TMyCAD::AddBlockfromZEDAFile(const QString &fileName, TBlockLayerMode mode)
     return read;
 }
 
+// The whole block is read before the drawing changes, so that a damaged or cancelled block
+// leaves it exactly as it was.
 bool TMyCAD::LoadFromStreamforBlock(QIODevice *stream, TBlockLayerMode mode)
 {
     m_LastError.clear();
@@ -66,7 +70,49 @@ bool TMyCAD::LoadFromStreamforBlock(QIODevice *stream, TBlockLayerMode mode)
         m_LastError = QStringLiteral("the stream is not open for reading");
         return false;
     }
+    m_MemoryShapes.clear();
+    const QString formerVersion = m_DiskFileVersion;
+    const bool formerLoading = IsLoading();
     SetLoading(true);
+    std::optional<TDrawingSettings> settings;
+    std::vector<TLayer> blockLayers;
+    std::vector<std::unique_ptr<TMyShape>> shapes;
+    try {
+        if (!stream->seek(0))
+            throw TStreamError("the stream cannot be read from its start");
+        // Read from memory: a block can be as big as any drawing.
+        const QByteArray bytes = stream->readAll();
+        BinaryStream s(bytes.constData(), bytes.size());
+        settings = ReadDrawingSettingsOnly(s);
+        // The block's shape records are read in the block's own layout.
+        m_DiskFileVersion = settings->Version;
+        blockLayers = ReadBlockLayers(s);
+        std::int32_t largest = 0;
+        ReadShapeList(s, shapes, largest);
+    } catch (const TStreamError &e) {
+        m_LastError = QString::fromStdString(e.what());
+    } catch (const TLoadCancelled &) {
+        m_LastError = QStringLiteral("inserting the block was cancelled");
+    } catch (const std::bad_alloc &) {
+        m_LastError = QStringLiteral("out of memory");
+    }
+    if (!m_LastError.isEmpty()) {
+        shapes.clear(); // while the loading flag still says so
+        m_DiskFileVersion = formerVersion;
+        SetLoading(formerLoading);
+        return false;
+    }
+    TakeOverBlock(*settings, blockLayers, std::move(shapes), mode);
+    SetLoading(false);
+    Invalidate();
+    return true;
+}
+
+// Names read from the block cannot collide with the drawing's: its named shapes are renamed
+// "A" and their identity, and the step that pastes the block can give the names back.
+void TMyCAD::TakeOverBlock(const TDrawingSettings &settings, const std::vector<TLayer> &layers,
+                           std::vector<std::unique_ptr<TMyShape>> shapes, TBlockLayerMode mode)
+{
     m_BlockFormerNames.clear();
     for (const auto &shape : m_Shapes) {
         if (shape->Name().isEmpty())
@@ -74,29 +120,10 @@ bool TMyCAD::LoadFromStreamforBlock(QIODevice *stream, TBlockLayerMode mode)
         m_BlockFormerNames.emplace_back(shape->ShapeId(), shape->Name());
         shape->SetName(QStringLiteral("A") + QString::number(shape->ShapeId()));
     }
-    m_MemoryShapes.clear();
     SetZoom(1.0);
-    try {
-        if (!stream->seek(0))
-            throw TStreamError("the stream cannot be read from its start");
-        // Read from memory: a block can be as big as any drawing.
-        const QByteArray bytes = stream->readAll();
-        BinaryStream s(bytes.constData(), bytes.size());
-        ReadDrawingSettings(s, true); // a block never makes the drawing smaller
-        const std::vector<TLayer> blockLayers = ReadBlockLayers(s);
-        ReadBlockShapes(s);
-        AssignBlockLayers(blockLayers, mode);
-    } catch (const TStreamError &e) {
-        m_LastError = QString::fromStdString(e.what());
-    } catch (const std::bad_alloc &) {
-        m_LastError = QStringLiteral("out of memory");
-    }
-    SetLoading(false);
-    Invalidate();
-    if (m_LastError.isEmpty())
-        return true;
-    m_MemoryShapes.clear();
-    return false;
+    ApplyDrawingSettings(settings, true); // a block never makes the drawing smaller
+    m_MemoryShapes = std::move(shapes);
+    AssignBlockLayers(layers, mode);
 }
 
 // The block's layer table, only 1 reading as visible; its current layer is not used.
@@ -114,22 +141,6 @@ std::vector<TLayer> TMyCAD::ReadBlockLayers(BinaryStream &stream)
     }
     stream.ReadInt32();
     return layers;
-}
-
-void TMyCAD::ReadBlockShapes(BinaryStream &stream)
-{
-    const std::int32_t count = ReadCount(stream, DrawingFile::ClassNameWidth);
-    m_MemoryShapes.reserve(std::size_t(count));
-    for (std::int32_t i = 0; i < count; ++i) {
-        const QString className = ReadFixedText(stream, DrawingFile::ClassNameWidth).trimmed();
-        std::unique_ptr<TMyShape> shape = CreateShapeByName(className);
-        if (!shape)
-            throw TStreamError("unknown shape class \"" + className.toStdString() +
-                               "\" at offset " + std::to_string(stream.Pos() - 16));
-        shape->LoadFromStream(stream);
-        shape->SetCenterPoint(shape->GetCenterPoint());
-        m_MemoryShapes.push_back(std::move(shape));
-    }
 }
 
 void TMyCAD::AssignBlockLayers(const std::vector<TLayer> &blockLayers, TBlockLayerMode mode)

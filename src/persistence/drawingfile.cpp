@@ -164,16 +164,16 @@ bool TMyCAD::SaveToStream(QIODevice *stream) const
         return false;
     }
     QByteArray chunk;
-    chunk.reserve(WriteChunk + WriteChunk / 4);
-    const auto pass = [&chunk, stream](qsizetype least) {
-        if (chunk.size() < least)
-            return;
-        if (stream->write(chunk) != chunk.size())
-            throw TStreamError("write failed at offset " + std::to_string(stream->pos()));
-        chunk.resize(0);
-    };
     try {
         BinaryStream s(&chunk);
+        const auto pass = [&chunk, &s, stream](qsizetype least) {
+            if (s.Pos() < least)
+                return;
+            s.Trim();
+            if (stream->write(chunk) != chunk.size())
+                throw TStreamError("write failed at offset " + std::to_string(stream->pos()));
+            s.Rewind();
+        };
         WriteDrawing(s, [&pass] { pass(WriteChunk); });
         pass(1);
         return true;

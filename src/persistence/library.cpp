@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Shape libraries: the tag tests, the entry framing, normalised entries and in-place edits.
+#include <tessal/persistence/drawingfile_p.h>
 #include <tessal/persistence/library.h>
 
 #include <tessal/platform/binarystream.h>
@@ -29,6 +30,9 @@ constexpr std::int32_t ClassNameWidth = 16;
 constexpr char NewestTag[] = "ZEDALIBX.j";
 // Width and height, the least an entry can hold after its size field.
 constexpr std::int32_t MinEntrySize = 8;
+
+// An entry of many shapes reports every this many, and at its start and end.
+constexpr std::int32_t ProgressStep = 4096;
 
 // The first 10 bytes of the file; empty when it cannot be read or is shorter.
 QByteArray FileTag(const QString &fileName)
@@ -383,6 +387,27 @@ bool TLibManager::GetExistShape(const QString &name, std::int64_t &position, std
 
 // ---- Reading entries ----
 
+void TLibManager::SetOnProgress(const TProgressEvent &handler)
+{
+    m_Drawing->SetOnProgress(handler);
+}
+
+const TProgressEvent &TLibManager::OnProgress() const
+{
+    return m_Drawing->OnProgress();
+}
+
+void TLibManager::Report(std::int64_t done, std::int64_t total)
+{
+    const TProgressEvent &handler = m_Drawing->OnProgress();
+    if (!handler)
+        return;
+    bool cancel = false;
+    handler(m_Drawing.get(), done, total, cancel);
+    if (cancel)
+        throw TLoadCancelled();
+}
+
 bool TLibManager::ReadEntry(const Entry &entry, const QString &version, bool userDataBlock,
                             bool linkPointsOnly, Contents &out)
 {
@@ -417,7 +442,10 @@ bool TLibManager::ReadEntry(const Entry &entry, const QString &version, bool use
         s.RequireBytes(count, ClassNameWidth);
         read.Shapes.reserve(std::size_t(count));
         const double w = read.Width, h = read.Height;
+        Report(0, count);
         for (std::int32_t i = 0; i < count; ++i) {
+            if (i > 0 && i % ProgressStep == 0)
+                Report(i, count);
             const QString className = ReadFixedText(s, ClassNameWidth).trimmed();
             std::unique_ptr<TMyShape> shape = m_Drawing->CreateShapeByName(className);
             if (!shape)
@@ -438,6 +466,11 @@ bool TLibManager::ReadEntry(const Entry &entry, const QString &version, bool use
         }
         if (s.BytesLeft() != 0)
             throw TStreamError(std::to_string(s.BytesLeft()) + " bytes follow the last shape");
+        Report(count, count);
+    } catch (const TLoadCancelled &) {
+        m_LastError = QStringLiteral("entry \"%1\": reading was cancelled").arg(entry.Name);
+        m_Drawing->SetDiskFileVersion(tagVersion);
+        return false;
     } catch (const TStreamError &e) {
         m_LastError =
             QStringLiteral("entry \"%1\": %2").arg(entry.Name, QString::fromStdString(e.what()));

@@ -7,6 +7,7 @@
 #include <tessal/platform/color.h>
 #include <tessal/shapes/shape.h>
 #include <tessal/shapes/userdata.h>
+#include <tessal/surface/cadevents.h>
 
 #include <QByteArray>
 #include <QImage>
@@ -157,6 +158,12 @@ public:
     bool Upgradefromxhtoxi();
     bool Upgradefromxitoxj();
 
+    // Reading an entry (GetCmbShape and the older readers, placing an entry, each step of an
+    // upgrade) reports its shapes read so far; the sender is the hidden drawing. A cancel
+    // makes the read fail with nothing handed out and the library unchanged.
+    void SetOnProgress(const TProgressEvent &handler);
+    const TProgressEvent &OnProgress() const;
+
     const QString &FileName() const { return m_FileName; }
     const QByteArray &Buffer() const { return m_Buffer; }
     const QString &LastError() const { return m_LastError; }
@@ -183,6 +190,8 @@ private:
     // entries before it kept.
     bool Walk(std::vector<Entry> &entries);
     bool Find(const QString &name, Entry &entry);
+    // Calls the progress handler; throws TLoadCancelled when it cancels.
+    void Report(std::int64_t done, std::int64_t total);
     bool ReadEntry(const Entry &entry, const QString &version, bool userDataBlock,
                    bool linkPointsOnly, Contents &out);
     bool ReadNamed(const QString &name, const QString &version, bool userDataBlock,

@@ -11,11 +11,46 @@
 
 namespace tessal {
 
+BinaryStream::~BinaryStream()
+{
+    Trim();
+}
+
+void BinaryStream::Trim()
+{
+    if (!m_Out || m_Out->size() == m_Offset)
+        return;
+    m_Out->resize(qsizetype(m_Offset));
+    m_OutData = m_Out->data();
+    m_OutEnd = m_Offset;
+}
+
+// The owner may have kept a copy of the bytes, which shares the array's memory: asking for
+// it anew gives the stream memory of its own again.
+void BinaryStream::Rewind()
+{
+    if (!m_Out)
+        return;
+    m_Offset = 0;
+    m_OutData = m_Out->data();
+    m_OutEnd = m_Out->size();
+}
+
+void BinaryStream::Reserve(std::int64_t count)
+{
+    if (m_Offset + count <= m_OutEnd)
+        return;
+    const std::int64_t least = m_Offset + count;
+    m_Out->resize(qsizetype(std::max({least, 2 * m_OutEnd, std::int64_t(4096)})));
+    m_OutData = m_Out->data();
+    m_OutEnd = m_Out->size();
+}
+
 std::int64_t BinaryStream::Pos() const
 {
     if (m_Device)
         return m_Device->pos();
-    return m_Out ? std::int64_t(m_Out->size()) : m_Offset;
+    return m_Offset;
 }
 
 std::int64_t BinaryStream::BytesLeft() const
@@ -89,6 +124,13 @@ std::uint64_t BinaryStream::ReadLittle(int size)
 
 void BinaryStream::WriteLittle(std::uint64_t v, int size)
 {
+    if constexpr (std::endian::native == std::endian::little) {
+        if (m_Out && m_Offset + size <= m_OutEnd) {
+            std::memcpy(m_OutData + m_Offset, &v, std::size_t(size));
+            m_Offset += size;
+            return;
+        }
+    }
     std::uint8_t bytes[8];
     for (int i = 0; i < size; ++i, v >>= 8)
         bytes[i] = std::uint8_t(v);
@@ -100,10 +142,9 @@ void BinaryStream::WriteRaw(const void *data, std::int64_t count)
     if (count <= 0)
         return;
     if (m_Out) {
-        // Growing in place and copying is several times faster than a general append.
-        const qsizetype at = m_Out->size();
-        m_Out->resize(at + qsizetype(count));
-        std::memcpy(m_Out->data() + at, data, std::size_t(count));
+        Reserve(count);
+        std::memcpy(m_OutData + m_Offset, data, std::size_t(count));
+        m_Offset += count;
         return;
     }
     if (!m_Device || m_Device->write(static_cast<const char *>(data), count) != count)

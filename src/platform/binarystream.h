@@ -33,11 +33,23 @@ public:
         : m_Data(data)
         , m_Size(size)
     {}
-    // Appends everything written to out; Pos() is out's size. The owner may take the bytes
-    // away between writes (to pass them on to a device in pieces); Pos() then restarts.
+    // Appends everything written to out. The array is grown ahead of the writes, so that a
+    // value costs one bounds check and a copy; Trim() (or the end of the stream) cuts it to
+    // what was written. Pos() counts from out's start. While the stream lives, the owner
+    // touches the array only between Trim() and Rewind().
     explicit BinaryStream(QByteArray *out)
-        : m_Out(out)
+        : m_Offset(out->size())
+        , m_Out(out)
     {}
+    ~BinaryStream();
+    BinaryStream(const BinaryStream &) = delete;
+    BinaryStream &operator=(const BinaryStream &) = delete;
+
+    // Memory writes: cuts the array to the bytes written so far.
+    void Trim();
+    // Memory writes: the owner has taken the bytes away (to pass them on to a device in
+    // pieces); writing starts again at the array's start, in the memory it already has.
+    void Rewind();
 
     // Null for a memory stream.
     QIODevice *Device() const { return m_Device; }
@@ -85,12 +97,16 @@ public:
 private:
     std::uint64_t ReadLittle(int size);
     void WriteLittle(std::uint64_t v, int size);
+    // Grows the array geometrically to hold count more bytes.
+    void Reserve(std::int64_t count);
 
     QIODevice *m_Device = nullptr;
     const char *m_Data = nullptr;
     std::int64_t m_Size = 0;
-    std::int64_t m_Offset = 0;
+    std::int64_t m_Offset = 0; // the read position, or the write position in m_Out
     QByteArray *m_Out = nullptr;
+    char *m_OutData = nullptr; // m_Out's bytes, valid up to m_OutEnd
+    std::int64_t m_OutEnd = 0;
 };
 
 // The x87 extended encoding on its own, for callers that hold the bytes already.

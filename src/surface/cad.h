@@ -729,8 +729,9 @@ public:
     // "Block1", "Block2", ... (skipping names in use, visible) until the drawing has as many
     // layers as the block, then gives each shape the layer at the place that its layer has
     // in the block's table, comparing the low 8 bits of layer IDs, the last match winning;
-    // a shape whose layer is not in the table gets layer ID -1. False, with LastError() and
-    // an empty memory list, on a damaged stream.
+    // a shape whose layer is not in the table gets layer ID -1. The shapes are reported to
+    // OnProgress as they are read. False, with LastError(), an empty memory list and the
+    // drawing as it was, on a damaged stream or when OnProgress cancels.
     bool LoadFromStreamforBlock(QIODevice *stream, TBlockLayerMode mode);
     // Adds the memory shapes to the drawing where they are, as PlaceShapes does, keeping
     // the layers LoadFromStreamforBlock gave them. False only without any layer. Taking the
@@ -1330,7 +1331,8 @@ private:
 
     // Blocks (persistence layer) and clipboard.
     std::vector<TLayer> ReadBlockLayers(BinaryStream &stream);
-    void ReadBlockShapes(BinaryStream &stream);
+    void TakeOverBlock(const TDrawingSettings &settings, const std::vector<TLayer> &layers,
+                       std::vector<std::unique_ptr<TMyShape>> shapes, TBlockLayerMode mode);
     void AssignBlockLayers(const std::vector<TLayer> &blockLayers, TBlockLayerMode mode);
     std::vector<std::unique_ptr<TMyShape>> m_MemoryShapes;
     // The names that reading the last block replaced, for the step that pastes it.

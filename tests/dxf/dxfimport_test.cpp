@@ -14,6 +14,7 @@
 #include <tessal/shapes/text.h>
 #include <tessal/surface/cad.h>
 
+#include <QBuffer>
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
@@ -652,6 +653,75 @@ TEST(DxfUnits, InsUnitsAndMeasurement)
         ASSERT_TRUE(LoadFromDxfData(cad, data, report));
         EXPECT_DOUBLE_EQ(report.UnitToMm, mm);
         EXPECT_NEAR(cad.GetShapeByNo(0)->Points()[1].X, 0.1 * mm * F, 1e-3);
+    }
+}
+
+QByteArray SavedDrawing(const TMyCAD &cad)
+{
+    QByteArray data;
+    QBuffer buffer(&data);
+    buffer.open(QIODevice::WriteOnly);
+    EXPECT_TRUE(cad.SaveToStream(&buffer)) << cad.LastError().toStdString();
+    return data;
+}
+
+// The parse reports the bytes read to the drawing's OnProgress, from 0 to the whole file;
+// a cancel at the first, a middle or the last report stops the import with the drawing,
+// its layers and its undo steps as they were.
+TEST(DxfImport, ProgressCancelsTheParseAndLeavesTheDrawing)
+{
+    QByteArray data = "0\nSECTION\n2\nENTITIES\n";
+    for (int i = 0; i < 20000; ++i)
+        data += QStringLiteral("0\nLINE\n8\nparts\n10\n%1\n20\n%2\n11\n%3\n21\n%2\n")
+                    .arg(i % 100)
+                    .arg(i / 100)
+                    .arg(i % 100 + 0.5)
+                    .toLatin1();
+    data += "0\nENDSEC\n0\nEOF\n";
+
+    std::vector<std::pair<std::int64_t, std::int64_t>> all;
+    std::size_t cancelAt = 0;
+    const auto handler = [&](TMyCAD *, std::int64_t done, std::int64_t total, bool &cancel) {
+        all.emplace_back(done, total);
+        cancel = all.size() == cancelAt;
+    };
+    {
+        TMyCAD probe;
+        probe.SetOnProgress(handler);
+        TDxfImportReport report;
+        std::int64_t observed = 0;
+        TDxfImportOptions options;
+        options.Progress = [&](std::int64_t done, std::int64_t) { observed = done; };
+        ASSERT_TRUE(LoadFromDxfData(probe, data, report, options)) << report.Error.toStdString();
+        EXPECT_EQ(probe.GetShapesCount(), 20000);
+        EXPECT_FALSE(report.Cancelled);
+        EXPECT_EQ(observed, data.size());
+    }
+    ASSERT_GE(all.size(), 3u);
+    EXPECT_EQ(all.front(), std::make_pair(std::int64_t(0), std::int64_t(data.size())));
+    EXPECT_EQ(all.back(), std::make_pair(std::int64_t(data.size()), std::int64_t(data.size())));
+    for (std::size_t i = 1; i < all.size(); ++i)
+        EXPECT_GT(all[i].first, all[i - 1].first);
+
+    TMyCAD cad;
+    cad.resize(400, 300);
+    cad.NewLayer(QStringLiteral("mine"), true);
+    const TMyPoint box[] = {{10, 10}, {50, 30}};
+    cad.AddShapeByCode(TDrawTool::SpRectangle, QStringLiteral("Kept"), box, 0, {});
+    const QByteArray before = SavedDrawing(cad);
+    const std::size_t undoSteps = cad.UndoRedoShapeList().size();
+    cad.SetOnProgress(handler);
+    for (const std::size_t at : {std::size_t(1), all.size() / 2, all.size()}) {
+        all.clear();
+        cancelAt = at;
+        TDxfImportReport report;
+        EXPECT_FALSE(LoadFromDxfData(cad, data, report)) << at;
+        EXPECT_TRUE(report.Cancelled);
+        EXPECT_EQ(report.ShapesCreated, 0);
+        EXPECT_FALSE(cad.LastError().isEmpty());
+        EXPECT_EQ(all.size(), at);
+        EXPECT_EQ(cad.UndoRedoShapeList().size(), undoSteps);
+        EXPECT_EQ(SavedDrawing(cad), before);
     }
 }
 

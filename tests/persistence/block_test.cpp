@@ -5,6 +5,7 @@
 
 #include <tessal/persistence/block.h>
 #include <tessal/persistence/library.h>
+#include <tessal/shapes/rectangle.h>
 #include <tessal/surface/cad.h>
 
 #include <gtest/gtest.h>
@@ -48,6 +49,39 @@ bool LoadBlock(TMyCAD &cad, QByteArray bytes, TBlockLayerMode mode)
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::ReadOnly);
     return cad.LoadFromStreamforBlock(&buffer, mode);
+}
+
+QByteArray Saved(const TMyCAD &cad)
+{
+    QByteArray data;
+    QBuffer buffer(&data);
+    buffer.open(QIODevice::WriteOnly);
+    EXPECT_TRUE(cad.SaveToStream(&buffer)) << cad.LastError().toStdString();
+    return data;
+}
+
+// Records every report; the call numbered cancelAt (from 1) cancels, 0 never does.
+TProgressEvent CancellingAt(std::vector<std::int64_t> &done, std::size_t cancelAt,
+                            const TMyCAD *sender)
+{
+    return [&done, cancelAt, sender](TMyCAD *from, std::int64_t at, std::int64_t, bool &cancel) {
+        EXPECT_EQ(from, sender);
+        done.push_back(at);
+        cancel = done.size() == cancelAt;
+    };
+}
+
+// Enough plain rectangles that progress reports between the first and the last.
+constexpr int ManyShapes = 9000;
+
+void AddRectangles(TMyCAD &cad, int count)
+{
+    for (int i = 0; i < count; ++i) {
+        auto *shape = new TMyRectangle(&cad);
+        const float x = float(i % 90) * 4, y = float(i / 90) * 3;
+        shape->Points() = {{x, y}, {x + 3, y}, {x + 3, y + 2}, {x, y + 2}};
+        ASSERT_TRUE(cad.AddShape(shape, false, false));
+    }
 }
 
 std::vector<std::int32_t> LayerIds(const TMyCAD &cad, std::int32_t from)
@@ -206,6 +240,115 @@ TEST(Block, LibraryEntryIsPlacedAsOneCombine)
     EXPECT_EQ(cad.GetShapeByNo(2)->ClassName(), QStringLiteral("TMyCombine"));
     EXPECT_FALSE(AddUserDefineShapefromLib(lib, QStringLiteral("missing"), 0, 0, cad));
     EXPECT_EQ(cad.GetShapesCount(), 3);
+}
+
+// A block cancelled at its first, a middle or its last report, or a damaged one, leaves the
+// drawing as it was: same bytes (names, size, settings, layers), same undo steps.
+TEST(Block, CancelledOrDamagedBlocksLeaveTheDrawingAsItWas)
+{
+    TMyCAD source;
+    source.resize(900, 700);
+    source.SetColorOfBackGround(0x123456);
+    source.SetTag(77);
+    source.NewLayer(QStringLiteral("second"), true);
+    AddRectangles(source, ManyShapes);
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("block.drawing"));
+    ASSERT_TRUE(source.SaveToFile(path));
+
+    TMyCAD cad;
+    const TMyPoint box[] = {{10, 10}, {50, 30}};
+    cad.AddShapeByCode(TDrawTool::SpRectangle, QStringLiteral("Kept"), box, 0, {});
+    cad.SetZoom(2.0);
+    const QByteArray before = Saved(cad);
+    const std::size_t undoSteps = cad.UndoRedoShapeList().size();
+    const QSize size = cad.size();
+
+    std::vector<std::int64_t> all;
+    {
+        TMyCAD probe;
+        probe.SetOnProgress(CancellingAt(all, 0, &probe));
+        ASSERT_TRUE(probe.AddBlockfromZEDAFile(path, TBlockLayerMode::Import));
+        EXPECT_EQ(probe.GetShapesCount(), ManyShapes);
+    }
+    ASSERT_GE(all.size(), 3u);
+    EXPECT_EQ(all.front(), 0);
+    EXPECT_EQ(all.back(), ManyShapes);
+    for (const std::size_t at : {std::size_t(1), all.size() / 2, all.size()}) {
+        std::vector<std::int64_t> done;
+        cad.SetOnProgress(CancellingAt(done, at, &cad));
+        EXPECT_FALSE(cad.AddBlockfromZEDAFile(path, TBlockLayerMode::Import)) << at;
+        EXPECT_EQ(done.size(), at);
+        EXPECT_TRUE(cad.LastError().contains(QStringLiteral("cancel")));
+        EXPECT_FALSE(cad.IsLoading());
+        EXPECT_TRUE(cad.MemoryShapes().empty());
+        EXPECT_EQ(cad.size(), size);
+        EXPECT_EQ(cad.Zoom(), 2.0);
+        EXPECT_EQ(cad.UndoRedoShapeList().size(), undoSteps);
+        EXPECT_EQ(Saved(cad), before);
+    }
+    cad.SetOnProgress({});
+
+    // Cut short past the settings: nothing of the block is taken over either.
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray bytes = file.readAll();
+    EXPECT_FALSE(LoadBlock(cad, bytes.left(bytes.size() - 5), TBlockLayerMode::Import));
+    EXPECT_EQ(cad.GetShapeByNo(0)->Name(), QStringLiteral("Shape0")); // not renamed "A0"
+    EXPECT_EQ(Saved(cad), before);
+
+    ASSERT_TRUE(cad.AddBlockfromZEDAFile(path, TBlockLayerMode::Import));
+    EXPECT_EQ(cad.GetShapesCount(), ManyShapes + 1);
+    EXPECT_EQ(cad.ColorOfBackGround(), 0x123456u);
+    EXPECT_EQ(cad.Tag(), 77);
+}
+
+// Reading a library entry reports its shapes to the library's handler; a cancel at any
+// report hands nothing out and places nothing.
+TEST(Block, CancelledLibraryEntriesPlaceNothing)
+{
+    TMyCAD source;
+    AddRectangles(source, ManyShapes);
+    std::vector<TMyShape *> shapes;
+    for (std::int32_t no = 0; no < source.GetShapesCount(); ++no)
+        shapes.push_back(source.GetShapeByNo(no));
+    TLibManager lib;
+    ASSERT_TRUE(lib.AppendNewShape(QStringLiteral("many"), shapes, {}));
+    const QByteArray library = lib.Buffer();
+
+    std::vector<std::int64_t> all;
+    lib.SetOnProgress(CancellingAt(all, 0, &lib.Drawing()));
+    TMyPointArray links;
+    TUserData data;
+    TLibManager::TShapeList read;
+    std::int32_t width = 0, height = 0;
+    ASSERT_TRUE(lib.GetCmbShape(QStringLiteral("many"), true, links, data, read, width, height));
+    EXPECT_EQ(read.size(), std::size_t(ManyShapes));
+    ASSERT_GE(all.size(), 3u);
+    EXPECT_EQ(all.front(), 0);
+    EXPECT_EQ(all.back(), ManyShapes);
+
+    TMyCAD cad;
+    const TMyPoint box[] = {{10, 10}, {50, 30}};
+    cad.AddShapeByCode(TDrawTool::SpRectangle, QStringLiteral("Kept"), box, 0, {});
+    const QByteArray before = Saved(cad);
+    for (const std::size_t at : {std::size_t(1), all.size() / 2, all.size()}) {
+        std::vector<std::int64_t> done;
+        lib.SetOnProgress(CancellingAt(done, at, &lib.Drawing()));
+        EXPECT_FALSE(
+            lib.GetCmbShape(QStringLiteral("many"), true, links, data, read, width, height));
+        EXPECT_TRUE(read.empty());
+        EXPECT_TRUE(lib.LastError().contains(QStringLiteral("cancel")));
+        done.clear();
+        EXPECT_FALSE(AddUserDefineShapefromLib(lib, QStringLiteral("many"), 5, 5, cad)) << at;
+        EXPECT_EQ(done.size(), at);
+        EXPECT_EQ(cad.UndoRedoShapeList().size(), 1u);
+        EXPECT_EQ(Saved(cad), before);
+        EXPECT_EQ(lib.Buffer(), library);
+    }
+    lib.SetOnProgress({});
+    ASSERT_TRUE(AddUserDefineShapefromLib(lib, QStringLiteral("many"), 5, 5, cad));
+    EXPECT_EQ(cad.GetShapesCount(), ManyShapes + 2);
 }
 
 } // namespace

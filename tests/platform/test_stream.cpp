@@ -250,6 +250,42 @@ TEST(Bitmap, PixelsAndScanLinesAgree)
     EXPECT_TRUE(bmp.IsEmpty());
 }
 
+// Writing to memory grows the array many times over, keeps what it held before, and may be
+// taken away in pieces (Trim, take, Rewind) without a byte lost, doubled or left over.
+TEST(BinaryStream, MemoryWritesGrowAndPassOnInPieces)
+{
+    QRandomGenerator random(99);
+    Stream device(QIODevice::WriteOnly);
+    device.S.WriteBytes("head");
+    QByteArray memory = "head";
+    QByteArray taken;
+    {
+        BinaryStream m(&memory);
+        EXPECT_EQ(m.Pos(), 4);
+        for (int i = 0; i < 60000; ++i) {
+            const std::uint64_t v = random.generate64();
+            for (BinaryStream *s : {&device.S, &m}) {
+                if (v % 7 == 0)
+                    s->WriteBytes(QByteArray(int(v % 3000), char(v >> 8)));
+                else if (v % 2)
+                    s->WriteInt64(std::int64_t(v));
+                else
+                    s->WriteUInt16(std::uint16_t(v));
+            }
+            if (v % 5000 == 1) {
+                m.Trim();
+                ASSERT_EQ(memory.size(), m.Pos());
+                taken += memory;
+                m.Rewind();
+                ASSERT_EQ(m.Pos(), 0);
+            }
+        }
+    }
+    ASSERT_GT(device.Data.size(), 1 << 22);
+    taken += memory; // the stream's end cut the array to the last piece
+    EXPECT_EQ(taken, device.Data);
+}
+
 // Memory streams must be indistinguishable from device streams: the same bytes for the same
 // writes, the same values and the same failures for the same reads.
 TEST(BinaryStream, MemoryStreamsMatchDeviceStreams)
@@ -288,6 +324,7 @@ TEST(BinaryStream, MemoryStreamsMatchDeviceStreams)
             }
             ASSERT_EQ(m.Pos(), device.S.Pos());
         }
+        m.Trim();
         ASSERT_EQ(memory, device.Data);
 
         // Read both back, cut short at a random place, and compare value by value.

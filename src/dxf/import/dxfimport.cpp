@@ -40,11 +40,24 @@ bool LoadFromDxfData(TMyCAD &cad, const QByteArray &data, TDxfImportReport &repo
     report = {};
     DxfImport::TModel model;
     QString error;
-    const bool parsed = DxfImport::ParseDxf(data, model, error, options.Progress);
+    // The drawing's own handler may cancel; the parse is the only stage that reports, so
+    // that a cancel always comes before the drawing changes.
+    const TProgressEvent &handler = cad.OnProgress();
+    const auto progress = [&](std::int64_t done, std::int64_t total) {
+        if (options.Progress)
+            options.Progress(done, total);
+        bool cancel = false;
+        if (handler)
+            handler(&cad, done, total, cancel);
+        return !cancel;
+    };
+    const bool parsed = DxfImport::ParseDxf(data, model, error, progress);
     for (const auto &[reason, count] : model.Skipped)
         report.Skipped[QString::fromStdString(reason)] += count;
-    // Nothing recognisable: the drawing stays as it was.
-    if (!parsed && model.Entities.empty() && model.Layers.empty() && model.Blocks.empty()) {
+    report.Cancelled = model.Cancelled;
+    // Cancelled, or nothing recognisable: the drawing stays as it was.
+    if (model.Cancelled ||
+        (!parsed && model.Entities.empty() && model.Layers.empty() && model.Blocks.empty())) {
         report.Error = error;
         cad.SetLastDxfError(error);
         return false;

@@ -26,14 +26,16 @@ struct TDxfImportReport
     QStringList Notes;
     // Set when the file could not be read at all or only in part.
     QString Error;
-    double UnitToMm = 1; // the scale of the file's drawing unit ($INSUNITS, $MEASUREMENT)
+    bool Cancelled = false; // the drawing's OnProgress stopped the import
+    double UnitToMm = 1;    // the scale of the file's drawing unit ($INSUNITS, $MEASUREMENT)
 
     std::int64_t SkippedCount() const;
     // The report as lines of text for people: counts, skipped entities, notes, error.
     QStringList Lines() const;
 };
 
-// Called now and then with the bytes of the file read so far and its size.
+// Called now and then with the bytes of the file read so far and its size. The drawing's
+// OnProgress gets the same reports and may cancel.
 using TDxfProgress = std::function<void(std::int64_t done, std::int64_t total)>;
 
 struct TDxfImportOptions
@@ -52,7 +54,9 @@ struct TDxfImportOptions
 // written and read back keeps its geometry; the control grows to hold the drawing. False
 // when nothing could be read (binary DXF, not a DXF file, unreadable file), with
 // report.Error and cad.LastError() saying why; a damaged file imports what was read before
-// the damage, answers false and says so in the report.
+// the damage, answers false and says so in the report. While the file is parsed, the
+// drawing's OnProgress is told the bytes parsed of the total; a cancel stops the parse and
+// leaves the drawing untouched (false, report.Cancelled).
 bool LoadFromDxf(TMyCAD &cad, const QString &fileName, TDxfImportReport &report,
                  const TDxfImportOptions &options = {});
 // The same from the file's bytes.

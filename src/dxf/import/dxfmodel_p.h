@@ -92,13 +92,17 @@ struct TModel
     std::int32_t InsUnits = -1;
     std::int32_t Measurement = -1;
     std::map<std::string, std::int64_t> Skipped; // "TYPE: reason" -> count
+    bool Cancelled = false;                      // the progress handler stopped the parse
 };
 
-// The file's bytes parsed into model; false with error when the data is no ASCII DXF or
-// the parser gave up (the model then holds what came before). decodeDirectly false leaves
-// every entity to the parser library, which must give the same model.
-bool ParseDxf(const QByteArray &data, TModel &model, QString &error,
-              const std::function<void(std::int64_t, std::int64_t)> &progress,
+// Told the bytes parsed so far and their total; answers false to stop the parse.
+using TParseProgress = std::function<bool(std::int64_t done, std::int64_t total)>;
+
+// The file's bytes parsed into model; false with error when the data is no ASCII DXF, the
+// parser gave up (the model then holds what came before) or progress stopped it (Cancelled).
+// decodeDirectly false leaves every entity to the parser library, which must give the same
+// model.
+bool ParseDxf(const QByteArray &data, TModel &model, QString &error, const TParseProgress &progress,
               bool decodeDirectly = true);
 
 } // namespace tessal::DxfImport

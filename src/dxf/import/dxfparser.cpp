@@ -351,11 +351,14 @@ bool EndsWithEof(const QByteArray &data)
 // directly: for each of those dxflib reads only the start of an entity it does not know,
 // so that it hands on the entity it holds (keeping the file's order) and ignores what
 // follows, which is decoded here instead.
-void Parse(const QByteArray &data, TCollector &collector,
-           const std::function<void(std::int64_t, std::int64_t)> &progress, bool decodeDirectly)
+// False when progress stopped it: the entities read so far are then left unfinished.
+bool Parse(const QByteArray &data, TCollector &collector, const TParseProgress &progress,
+           bool decodeDirectly)
 {
     static const char Elsewhere[] = "0\nDECODED-ELSEWHERE\n";
-    constexpr qsizetype ProgressBytes = 1 << 20;
+    constexpr qsizetype ProgressBytes = 1 << 18;
+    if (progress && !progress(0, data.size()))
+        return false;
     DL_Dxf dxf;
     TGroupBuffer buffer;
     std::istream stream(&buffer);
@@ -402,20 +405,21 @@ void Parse(const QByteArray &data, TCollector &collector,
         show(groups.GroupBegin(), groups.GroupEnd());
         if (progress && groups.Offset() - reported >= ProgressBytes) {
             reported = groups.Offset();
-            progress(reported, data.size());
+            if (!progress(reported, data.size()))
+                return false;
         }
     }
     if (inDirect)
         collector.AddDecoded(direct.Finish());
     collector.Finish();
-    if (progress)
-        progress(data.size(), data.size());
+    // The end of the data is the last report, so that a cancel there still counts.
+    return !progress || progress(data.size(), data.size());
 }
 
 } // namespace
 
-bool ParseDxf(const QByteArray &data, TModel &model, QString &error,
-              const std::function<void(std::int64_t, std::int64_t)> &progress, bool decodeDirectly)
+bool ParseDxf(const QByteArray &data, TModel &model, QString &error, const TParseProgress &progress,
+              bool decodeDirectly)
 {
     if (data.startsWith("AutoCAD Binary DXF")) {
         error = QStringLiteral("binary DXF is not supported; save the drawing as ASCII DXF");
@@ -436,13 +440,19 @@ bool ParseDxf(const QByteArray &data, TModel &model, QString &error,
     for (const auto &[type, count] : unknown)
         model.Skipped[type + ": entity type not supported"] += count;
     TCollector collector(model);
+    bool finished = true;
     try {
-        Parse(safe, collector, progress, decodeDirectly);
+        finished = Parse(safe, collector, progress, decodeDirectly);
     } catch (const std::bad_alloc &) {
         error = QStringLiteral("the file asks for more memory than is available");
         return false;
     } catch (const std::exception &e) {
         error = QStringLiteral("the DXF parser stopped: %1").arg(QString::fromLocal8Bit(e.what()));
+        return false;
+    }
+    if (!finished) {
+        model.Cancelled = true;
+        error = QStringLiteral("the import was cancelled");
         return false;
     }
     if (!complete) {
