@@ -36,6 +36,24 @@ EmfFrame RectAt(const QByteArray &b, qsizetype at)
             qint32(LeU32(b, at + 12))};
 }
 
+// The header's description (UTF-16 characters at an offset) must lie within the header:
+// the converter reads it for as many characters as the count claims.
+bool DescriptionInside(const QByteArray &b, std::uint32_t headerSize)
+{
+    const std::uint64_t count = LeU32(b, 60);
+    const std::uint64_t offset = LeU32(b, 64);
+    return count == 0 ||
+           (offset >= std::uint64_t(HeaderMinSize) && offset + 2 * count <= headerSize);
+}
+
+// With no characters counted, the converter would still read a description at a non-zero
+// offset, up to a terminator that may lie past the data; the copy it gets has none.
+void DropEmptyDescription(QByteArray &data)
+{
+    if (LeU32(data, 60) == 0)
+        qToLittleEndian<quint32>(0, data.data() + 64);
+}
+
 // The length of the metafile up to and including its end record, or 0 when the header or
 // the chain of records is broken. The converter walks records by their sizes, so this is
 // what keeps a truncated or garbled file from sending it past the end of the data.
@@ -44,7 +62,8 @@ qsizetype CheckedLength(const QByteArray &b)
     if (b.size() < HeaderMinSize || LeU32(b, 0) != EmrHeader || LeU32(b, 40) != EmfSignature)
         return 0;
     const std::uint32_t headerSize = LeU32(b, 4);
-    if (headerSize < HeaderMinSize || headerSize > std::uint32_t(b.size()))
+    if (headerSize < HeaderMinSize || headerSize > std::uint32_t(b.size()) ||
+        !DescriptionInside(b, headerSize))
         return 0;
     qsizetype at = 0;
     while (b.size() - at >= 8) {
@@ -89,6 +108,7 @@ TBitmap ReadEmfPicture(const QByteArray &bytes, QString &reason)
         return {};
     }
     QByteArray data = bytes.left(length); // the converter takes a non-const buffer
+    DropEmptyDescription(data);
     // No namespace prefix: plain SVG elements, and the converter then has no prefix string
     // to allocate (and leak) per call.
     generatorOptions options{};
