@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Making shapes: by class name, by drawing tool, and drawn by code from points or a box.
 #include <tessal/surface/cad.h>
+#include <tessal/surface/pointrule_p.h>
 
 #include <tessal/geometry/bitmapops.h>
 #include <tessal/shapes/image.h>
@@ -13,11 +14,6 @@
 #include <optional>
 
 namespace tessal {
-
-namespace {
-
-// How a tool's shape takes the points it is given by code.
-enum class TPointRule : std::uint8_t { Box, Chain, Bezier, Polygon, Arc };
 
 std::optional<TPointRule> PointRuleOf(TDrawTool tool)
 {
@@ -46,6 +42,8 @@ std::optional<TPointRule> PointRuleOf(TDrawTool tool)
         return std::nullopt;
     }
 }
+
+namespace {
 
 // The rectangle classes keep their corners in drawing order: the first corner, the one
 // level with it, the opposite one, the one below the first.

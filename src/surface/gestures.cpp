@@ -3,6 +3,7 @@
 // turns of shapes with their group members, and the points that gesture events report.
 #include <tessal/surface/cad.h>
 #include <tessal/surface/mouse_p.h>
+#include <tessal/surface/pointrule_p.h>
 
 #include <tessal/geometry/canvasmodes.h>
 #include <tessal/geometry/geometry.h>
@@ -49,21 +50,6 @@ void MakeHV(TPoint anchor, TPoint &point)
     }
 }
 
-bool IsBoxTool(TDrawTool tool)
-{
-    switch (tool) {
-    case TDrawTool::SpRectangle:
-    case TDrawTool::SpEllipse:
-    case TDrawTool::SpText:
-    case TDrawTool::SpImage:
-    case TDrawTool::SpLinkPoint:
-    case TDrawTool::SpLineLinkLine:
-        return true;
-    default:
-        return false;
-    }
-}
-
 double UnitsPerInch(TUnits unit, double pixelsPerInch)
 {
     switch (unit) {
@@ -91,7 +77,7 @@ void TMyCAD::DrawMakeSquareorHV(TPoint anchor, TPoint &point, TShiftState shift)
 {
     if (!(shift & ssShift))
         return;
-    if (IsBoxTool(m_ShapeTool))
+    if (PointRuleOf(m_ShapeTool) == TPointRule::Box)
         MakeSquare(anchor, point);
     else
         MakeHV(anchor, point);

@@ -18,14 +18,6 @@ using namespace tessal::test;
 
 namespace {
 
-QByteArray Saved(const TMyCAD &cad)
-{
-    QBuffer buffer;
-    buffer.open(QIODevice::WriteOnly);
-    EXPECT_TRUE(cad.SaveToStream(&buffer));
-    return buffer.data();
-}
-
 // Equal bytes, or where they first differ.
 ::testing::AssertionResult SameBytes(const QByteArray &actual, const QByteArray &expected)
 {

@@ -53,15 +53,6 @@ public:
     TMyCAD cad;
 };
 
-inline QByteArray Saved(const TMyCAD &cad)
-{
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    EXPECT_TRUE(cad.SaveToStream(&buffer));
-    return bytes;
-}
-
 // The control pixels that a screen image taken earlier (with its origin) and the surface's
 // present one both hold are equal. (The shown part of the control may change size when
 // the window settles, so the images are compared where they overlap.)

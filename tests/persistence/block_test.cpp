@@ -2,6 +2,7 @@
 // Drawings inserted as blocks (size rule, settings, layer modes, older layouts, damaged
 // input) and library entries placed into a drawing.
 #include "recordfixture.h"
+#include "surface/documenthelpers.h"
 
 #include <tessal/persistence/block.h>
 #include <tessal/persistence/library.h>
@@ -16,6 +17,8 @@
 
 namespace tessal {
 namespace {
+
+using test::Saved;
 
 using test::Bytes;
 
@@ -49,15 +52,6 @@ bool LoadBlock(TMyCAD &cad, QByteArray bytes, TBlockLayerMode mode)
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::ReadOnly);
     return cad.LoadFromStreamforBlock(&buffer, mode);
-}
-
-QByteArray Saved(const TMyCAD &cad)
-{
-    QByteArray data;
-    QBuffer buffer(&data);
-    buffer.open(QIODevice::WriteOnly);
-    EXPECT_TRUE(cad.SaveToStream(&buffer)) << cad.LastError().toStdString();
-    return data;
 }
 
 // Records every report; the call numbered cancelAt (from 1) cancels, 0 never does.

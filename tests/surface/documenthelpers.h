@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QBuffer>
+
 #include <algorithm>
 #include <array>
 #include <map>
@@ -156,6 +158,16 @@ inline std::int32_t StepCount(const TMyCAD &cad)
 {
     const auto &list = cad.UndoRedoShapeList();
     return list.empty() ? 0 : list.back().Step + 1;
+}
+
+// The drawing as the drawing file holds it, for byte-for-byte comparisons.
+inline QByteArray Saved(const TMyCAD &cad)
+{
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    EXPECT_TRUE(cad.SaveToStream(&buffer)) << cad.LastError().toStdString();
+    return bytes;
 }
 
 } // namespace tessal::test

@@ -18,14 +18,6 @@
 namespace tessal::test {
 namespace {
 
-QByteArray Saved(const TMyCAD &cad)
-{
-    QBuffer buffer;
-    buffer.open(QIODevice::WriteOnly);
-    EXPECT_TRUE(cad.SaveToStream(&buffer));
-    return buffer.data();
-}
-
 // The saved drawing with the shapes in identity order. Taking back a deletion puts the
 // shapes back after the present ones, so only the list order may differ from before; every
 // relation number is renumbered with it, by the surface's own exchange of list places.
