@@ -8,17 +8,30 @@ namespace tessal {
 TMyShape::TMyShape(TShapeHost *host)
     : m_Host(host)
     , m_Brush(host->Brush())
-    , m_DragEnable(host->DragEnable())
     , m_Font(host->Font())
-    , m_HotShow(host->HotShow())
     , m_Pen(host->Pen())
     , m_PenStyleJoinType(host->PenStyleJoinType())
     , m_PenStyleEndCapType(host->PenStyleEndCapType())
+    , m_DragEnable(host->DragEnable())
+    , m_HotShow(host->HotShow())
     , m_ResizeEnable(host->ResizeEnable())
     , m_RotateEnable(host->RotateEnable())
 {}
 
 TMyShape::~TMyShape() = default;
+
+TShapeExtras &TMyShape::MutableExtras()
+{
+    if (!m_Extras)
+        m_Extras = std::make_unique<TShapeExtras>();
+    return *m_Extras;
+}
+
+const TShapeExtras &TMyShape::DefaultExtras()
+{
+    static const TShapeExtras defaults;
+    return defaults;
+}
 
 // ---- Base behaviour of the virtual operations ----
 
@@ -97,9 +110,9 @@ void TMyShape::SetLocked(bool locked)
 
 void TMyShape::SetColorBegin(TColor color)
 {
-    if (color == m_ColorBegin)
+    if (color == ColorBegin())
         return;
-    m_ColorBegin = color;
+    MutableExtras().ColorBegin = color;
     DrawGradient();
     PassAppearanceToChildren();
     Repaint();
@@ -107,9 +120,9 @@ void TMyShape::SetColorBegin(TColor color)
 
 void TMyShape::SetColorEnd(TColor color)
 {
-    if (color == m_ColorEnd)
+    if (color == ColorEnd())
         return;
-    m_ColorEnd = color;
+    MutableExtras().ColorEnd = color;
     DrawGradient();
     PassAppearanceToChildren();
     Repaint();
@@ -117,14 +130,14 @@ void TMyShape::SetColorEnd(TColor color)
 
 void TMyShape::SetGradientStyle(TGradientStyle style)
 {
-    if (style == m_GradientStyle)
+    if (style == GradientStyle())
         return;
-    m_GradientStyle = style;
+    MutableExtras().GradientStyle = style;
     PassAppearanceToChildren();
     DrawGradient();
     // Only a style change puts the template into the shape's mirrored state; a colour change
     // rebuilds it unmirrored, as it always has.
-    FlipBitmap(m_GradientBitmap, m_IsFlipHorz, m_IsFlipVert);
+    FlipBitmap(MutableExtras().GradientBitmap, m_IsFlipHorz, m_IsFlipVert);
     Repaint();
 }
 
@@ -188,15 +201,15 @@ void TMyShape::PassAppearanceToChildren()
         child->SetPen(m_Pen);
         child->SetBrush(m_Brush);
         child->SetFont(m_Font);
-        child->SetColorBegin(m_ColorBegin);
-        child->SetColorEnd(m_ColorEnd);
-        child->SetGradientStyle(m_GradientStyle);
+        child->SetColorBegin(ColorBegin());
+        child->SetColorEnd(ColorEnd());
+        child->SetGradientStyle(GradientStyle());
     }
 }
 
 void TMyShape::SetCaption(const QString &caption)
 {
-    StoreAndRepaint(m_Caption, caption);
+    StoreExtraAndRepaint(&TShapeExtras::Caption, caption);
 }
 
 void TMyShape::SetCaptionShow(bool show)
@@ -216,32 +229,38 @@ void TMyShape::SetHotShow(bool show)
 
 void TMyShape::SetInfo(const QString &info)
 {
-    StoreAndRepaint(m_Info, info);
+    StoreExtraAndRepaint(&TShapeExtras::Info, info);
 }
 
 void TMyShape::SetLogHeight(std::int32_t height)
 {
-    StoreAndRepaint(m_LogHeight, height);
+    StoreExtraAndRepaint(&TShapeExtras::LogHeight, height);
 }
 
 void TMyShape::SetLogUse(bool use)
 {
-    StoreAndRepaint(m_LogUse, use);
+    StoreExtraAndRepaint(&TShapeExtras::LogUse, use);
 }
 
 void TMyShape::SetLogWidth(std::int32_t width)
 {
-    StoreAndRepaint(m_LogWidth, width);
+    StoreExtraAndRepaint(&TShapeExtras::LogWidth, width);
 }
 
 void TMyShape::SetMultiInfo(const QStringList &lines)
 {
-    StoreAndRepaint(m_MultiInfo, lines);
+    StoreExtraAndRepaint(&TShapeExtras::MultiInfo, lines);
 }
 
 void TMyShape::SetMultiInfoAlignment(TAlignment alignment)
 {
-    StoreAndRepaint(m_MultiInfoAlignment, alignment);
+    StoreExtraAndRepaint(&TShapeExtras::MultiInfoAlignment, alignment);
+}
+
+void TMyShape::SetOnClick(const TShapeNotifyEvent &handler)
+{
+    if (handler || m_Extras)
+        MutableExtras().OnClick = handler;
 }
 
 void TMyShape::SetPenStyleJoinType(TPenStyleJoinType type)
@@ -283,19 +302,20 @@ void TMyShape::CopyAppearanceAndGeometry(const TMyShape &source)
     m_Pen = source.m_Pen;
     m_Brush = source.m_Brush;
     m_Font = source.m_Font;
-    m_ColorBegin = source.m_ColorBegin;
-    m_ColorEnd = source.m_ColorEnd;
-    m_GradientStyle = source.m_GradientStyle;
-    m_GradientBitmap = source.m_GradientBitmap;
+    const TShapeExtras &from = source.Extras();
+    AssignExtra(&TShapeExtras::ColorBegin, from.ColorBegin);
+    AssignExtra(&TShapeExtras::ColorEnd, from.ColorEnd);
+    AssignExtra(&TShapeExtras::GradientStyle, from.GradientStyle);
+    AssignExtra(&TShapeExtras::GradientBitmap, from.GradientBitmap);
     m_IsFlipHorz = source.m_IsFlipHorz;
     m_IsFlipVert = source.m_IsFlipVert;
     m_Locked = source.m_Locked;
     m_Angle = source.m_Angle;
-    m_Caption = source.m_Caption;
-    m_Info = source.m_Info;
-    m_MultiInfoAlignment = source.m_MultiInfoAlignment;
+    AssignExtra(&TShapeExtras::Caption, from.Caption);
+    AssignExtra(&TShapeExtras::Info, from.Info);
+    AssignExtra(&TShapeExtras::MultiInfoAlignment, from.MultiInfoAlignment);
     m_Tag = source.m_Tag;
-    m_UserData = source.m_UserData;
+    AssignExtra(&TShapeExtras::UserData, from.UserData);
     m_LayerId = source.m_LayerId;
     m_CenterPoint = source.m_CenterPoint;
 }
@@ -305,7 +325,7 @@ void TMyShape::Assign(const TMyShape &source)
     if (&source == this)
         return;
     CopyAppearanceAndGeometry(source);
-    m_MultiInfo = source.m_MultiInfo;
+    AssignExtra(&TShapeExtras::MultiInfo, source.MultiInfo());
     m_ChildShapes = source.m_ChildShapes;
     m_LinkShapes = source.m_LinkShapes;
     m_ParentNo = source.m_ParentNo;

@@ -18,6 +18,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <span>
 #include <vector>
 
@@ -28,6 +29,26 @@ class TMyShape;
 
 // Fired by the surface when the shape is clicked; the argument is the shape.
 using TShapeNotifyEvent = std::function<void(TMyShape *)>;
+
+// The properties that most shapes leave at their defaults: texts, user data, the click
+// handler, the gradient and the log text settings. A shape keeps them apart and allocates
+// them on the first change, so that a plain shape stays small (drawings hold a million).
+struct TShapeExtras
+{
+    QString Caption;
+    QString Info;
+    QStringList MultiInfo;
+    TShapeNotifyEvent OnClick;
+    TUserData UserData;
+    TBitmap GradientBitmap;
+    TColor ColorBegin = clWhite;
+    TColor ColorEnd = clBlack;
+    std::int32_t LogHeight = 10;
+    std::int32_t LogWidth = 10;
+    TGradientStyle GradientStyle = TGradientStyle::gsNone;
+    TAlignment MultiInfoAlignment = TAlignment::taLeftJustify;
+    bool LogUse = false;
+};
 
 // Geometry is stored in document units (pixels at zoom 1). Operations whose names end in
 // "InZoom", AddPoint / AddLinkPoint, the Point...Add... operations and the drag operations
@@ -127,7 +148,7 @@ public:
     virtual void FlipVert();
     virtual TMyPoint GetCenterPoint() const;
     virtual TMyPoint GetCenterPointInZoom() const;
-    virtual QString GetInfo() const { return m_Info; }
+    virtual QString GetInfo() const { return Info(); }
     virtual TMyPoint GetPoint(std::int32_t index) const;
     // Handle number under the screen point, or -1; the base has no handles.
     virtual std::int32_t InWhichHot(TPoint point);
@@ -229,23 +250,23 @@ public:
     void SetAngle(float angle);
     const TBrush &Brush() const { return m_Brush; }
     void SetBrush(const TBrush &brush);
-    const QString &Caption() const { return m_Caption; }
+    const QString &Caption() const { return Extras().Caption; }
     void SetCaption(const QString &caption);
     bool CaptionShow() const { return m_CaptionShow; }
     void SetCaptionShow(bool show);
-    TColor ColorBegin() const { return m_ColorBegin; }
+    TColor ColorBegin() const { return Extras().ColorBegin; }
     void SetColorBegin(TColor color);
-    TColor ColorEnd() const { return m_ColorEnd; }
+    TColor ColorEnd() const { return Extras().ColorEnd; }
     void SetColorEnd(TColor color);
     bool DragEnable() const { return m_DragEnable; }
     void SetDragEnable(bool enable);
     const TFont &Font() const { return m_Font; }
     void SetFont(const TFont &font);
-    TGradientStyle GradientStyle() const { return m_GradientStyle; }
+    TGradientStyle GradientStyle() const { return Extras().GradientStyle; }
     void SetGradientStyle(TGradientStyle style);
     bool HotShow() const { return m_HotShow; }
     void SetHotShow(bool show);
-    const QString &Info() const { return m_Info; }
+    const QString &Info() const { return Extras().Info; }
     void SetInfo(const QString &info);
     bool IsFlipHorz() const { return m_IsFlipHorz; }
     void SetIsFlipHorz(bool flip);
@@ -253,19 +274,19 @@ public:
     void SetIsFlipVert(bool flip);
     bool Locked() const { return m_Locked; }
     void SetLocked(bool locked);
-    std::int32_t LogHeight() const { return m_LogHeight; }
+    std::int32_t LogHeight() const { return Extras().LogHeight; }
     void SetLogHeight(std::int32_t height);
-    bool LogUse() const { return m_LogUse; }
+    bool LogUse() const { return Extras().LogUse; }
     void SetLogUse(bool use);
-    std::int32_t LogWidth() const { return m_LogWidth; }
+    std::int32_t LogWidth() const { return Extras().LogWidth; }
     void SetLogWidth(std::int32_t width);
-    const QStringList &MultiInfo() const { return m_MultiInfo; }
+    const QStringList &MultiInfo() const { return Extras().MultiInfo; }
     void SetMultiInfo(const QStringList &lines);
     // Starts left-justified although the published default marker says centre.
-    TAlignment MultiInfoAlignment() const { return m_MultiInfoAlignment; }
+    TAlignment MultiInfoAlignment() const { return Extras().MultiInfoAlignment; }
     void SetMultiInfoAlignment(TAlignment alignment);
-    const TShapeNotifyEvent &OnClick() const { return m_OnClick; }
-    void SetOnClick(const TShapeNotifyEvent &handler) { m_OnClick = handler; }
+    const TShapeNotifyEvent &OnClick() const { return Extras().OnClick; }
+    void SetOnClick(const TShapeNotifyEvent &handler);
     const TPen &Pen() const { return m_Pen; }
     void SetPen(const TPen &pen);
     TPenStyleJoinType PenStyleJoinType() const { return m_PenStyleJoinType; }
@@ -278,9 +299,9 @@ public:
     void SetRotateEnable(bool enable);
     std::int32_t Tag() const { return m_Tag; }
     void SetTag(std::int32_t tag);
-    const TUserData &UserData() const { return m_UserData; }
-    TUserData &UserData() { return m_UserData; }
-    void SetUserData(const TUserData &data) { m_UserData = data; }
+    const TUserData &UserData() const { return Extras().UserData; }
+    TUserData &UserData() { return MutableExtras().UserData; }
+    void SetUserData(const TUserData &data) { AssignExtra(&TShapeExtras::UserData, data); }
     bool Visible() const { return m_Visible; }
     void SetVisible(bool visible);
 
@@ -316,7 +337,7 @@ public:
     TMyPointArray &LinkPoints() { return m_LinkPoints; }
     const TMyPointArray &LinkPoints() const { return m_LinkPoints; }
     // The gradient template (empty for gsNone), before stretching and turning.
-    const TBitmap &GradientBitmap() const { return m_GradientBitmap; }
+    const TBitmap &GradientBitmap() const { return Extras().GradientBitmap; }
 
 protected:
     double Zoom() const { return m_Host->Zoom(); }
@@ -332,6 +353,25 @@ protected:
         if (visible)
             Repaint();
     }
+    // The same for a member kept among the extras; a default value allocates nothing.
+    template <typename T>
+    void StoreExtraAndRepaint(T TShapeExtras::*field, const T &value, bool visible = true)
+    {
+        if (Extras().*field == value)
+            return;
+        MutableExtras().*field = value;
+        if (visible)
+            Repaint();
+    }
+    template <typename T>
+    void AssignExtra(T TShapeExtras::*field, const T &value)
+    {
+        if (!(Extras().*field == value))
+            MutableExtras().*field = value;
+    }
+    const TShapeExtras &Extras() const { return m_Extras ? *m_Extras : DefaultExtras(); }
+    TShapeExtras &MutableExtras();
+    static const TShapeExtras &DefaultExtras();
     // Where PowerDrawShape puts the turned gradient copy (document); polygons override it.
     virtual TMyPoint GradientLeftTop() const { return GetLeftTop(); }
     // The centre that flips mirror about: the root group's when grouped.
@@ -345,46 +385,33 @@ protected:
 private:
     TShapeHost *m_Host;
     QString m_Name;
-
-    float m_Angle = 0;
+    std::unique_ptr<TShapeExtras> m_Extras;
     TBrush m_Brush;
-    QString m_Caption;
-    bool m_CaptionShow = true;
-    TColor m_ColorBegin = clWhite;
-    TColor m_ColorEnd = clBlack;
-    bool m_DragEnable = true;
     TFont m_Font;
-    TGradientStyle m_GradientStyle = TGradientStyle::gsNone;
-    bool m_HotShow = true;
-    QString m_Info;
-    bool m_IsFlipHorz = false;
-    bool m_IsFlipVert = false;
-    bool m_Locked = false;
-    std::int32_t m_LogHeight = 10;
-    bool m_LogUse = false;
-    std::int32_t m_LogWidth = 10;
-    QStringList m_MultiInfo;
-    TAlignment m_MultiInfoAlignment = TAlignment::taLeftJustify;
-    TShapeNotifyEvent m_OnClick;
     TPen m_Pen;
-    TPenStyleJoinType m_PenStyleJoinType = TPenStyleJoinType::psjtROUND;
-    TPenStyleEndCapType m_PenStyleEndCapType = TPenStyleEndCapType::psectROUND;
-    bool m_ResizeEnable = true;
-    bool m_RotateEnable = true;
+    float m_Angle = 0;
     std::int32_t m_Tag = 0;
-    TUserData m_UserData;
-    bool m_Visible = true;
-    TBitmap m_GradientBitmap;
-    TMyPoint m_CenterPoint;
-    std::vector<std::int32_t> m_ChildShapes;
     std::int32_t m_LayerId = 0;
     std::int32_t m_ParentNo = -1;
     std::int32_t m_CurrentHot = -1;
     std::int32_t m_ShapeId = 0;
     std::int32_t m_ShapeNo = 0;
+    TPenStyleJoinType m_PenStyleJoinType = TPenStyleJoinType::psjtROUND;
+    TPenStyleEndCapType m_PenStyleEndCapType = TPenStyleEndCapType::psectROUND;
+    bool m_CaptionShow = true;
+    bool m_DragEnable = true;
+    bool m_HotShow = true;
+    bool m_IsFlipHorz = false;
+    bool m_IsFlipVert = false;
+    bool m_Locked = false;
+    bool m_ResizeEnable = true;
+    bool m_RotateEnable = true;
+    bool m_Visible = true;
+    TMyPoint m_CenterPoint;
     TMyPoint m_TextPoint;
     TMyPointArray m_Points;
     TMyPointArray m_LinkPoints;
+    std::vector<std::int32_t> m_ChildShapes;
     std::vector<std::int32_t> m_LinkShapes;
 };
 

@@ -154,17 +154,22 @@ void PaintArrowStyle(TBitmap &bm, const TRamp &d, TGradientStyle style)
 
 void TMyShape::DrawGradient()
 {
-    m_GradientBitmap.Clear();
-    const auto style = m_GradientStyle;
-    if (style == TGradientStyle::gsNone)
+    const auto style = GradientStyle();
+    if (style == TGradientStyle::gsNone) {
+        // Most shapes have no gradient; they must not get extras for an empty template.
+        if (m_Extras)
+            m_Extras->GradientBitmap.Clear();
         return;
-    const TRamp ramp = MakeRamp(m_ColorBegin, m_ColorEnd);
+    }
+    TBitmap &bitmap = MutableExtras().GradientBitmap;
+    bitmap.Clear();
+    const TRamp ramp = MakeRamp(ColorBegin(), ColorEnd());
     if (style <= TGradientStyle::gsRadialBR)
-        PaintRadialStyle(m_GradientBitmap, ramp, style);
+        PaintRadialStyle(bitmap, ramp, style);
     else if (style <= TGradientStyle::gsDiagonalRB)
-        PaintLinearStyle(m_GradientBitmap, ramp, style);
+        PaintLinearStyle(bitmap, ramp, style);
     else
-        PaintArrowStyle(m_GradientBitmap, ramp, style);
+        PaintArrowStyle(bitmap, ramp, style);
 }
 
 } // namespace tessal

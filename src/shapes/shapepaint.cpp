@@ -62,13 +62,13 @@ void TMyShape::PowerDrawShape(TCanvas &canvas, std::span<const TPoint> pts, bool
         return;
     if (filled) {
         const bool gradient =
-            m_GradientStyle != TGradientStyle::gsNone && !m_GradientBitmap.IsEmpty();
+            GradientStyle() != TGradientStyle::gsNone && !GradientBitmap().IsEmpty();
         if (gradient) {
             const TRegion region(pts, TFillMode::fmWinding);
             const std::int32_t w = RoundEven(Zoom() * GetMyWidth());
             const std::int32_t h = RoundEven(Zoom() * GetMyHeight());
             if (w > 0 && h > 0) {
-                const TBitmap turned = RotateBitmap(m_GradientBitmap, -m_Angle, w, h);
+                const TBitmap turned = RotateBitmap(GradientBitmap(), -m_Angle, w, h);
                 canvas.SelectClipRgn(&region);
                 const TMyPoint lt = ZoomedValuePt(GradientLeftTop());
                 canvas.Draw(RoundEven(lt.X), RoundEven(lt.Y), turned.Image());
@@ -107,20 +107,20 @@ TFont LogicalFont(const TFont &font, bool logUse, std::int32_t logHeight)
 void TMyShape::MyLogTextOut(TCanvas &canvas, std::int32_t x, std::int32_t y, const QString &text,
                             const TFont &font, double scale, double angle) const
 {
-    tessal::MyLogTextOut(canvas, x, y, text, LogicalFont(font, m_LogUse, m_LogHeight), scale,
+    tessal::MyLogTextOut(canvas, x, y, text, LogicalFont(font, LogUse(), LogHeight()), scale,
                          angle);
 }
 
 TPoint TMyShape::GetTextWidthHeight(TCanvas &canvas, const QString &text, const TFont &font,
                                     double scale, double angle) const
 {
-    return tessal::GetTextWidthHeight(canvas, text, LogicalFont(font, m_LogUse, m_LogHeight), scale,
+    return tessal::GetTextWidthHeight(canvas, text, LogicalFont(font, LogUse(), LogHeight()), scale,
                                       angle);
 }
 
 std::int32_t TMyShape::GetTextLineHeight(TCanvas &canvas, const TFont &font, double scale) const
 {
-    return tessal::GetTextLineHeight(canvas, LogicalFont(font, m_LogUse, m_LogHeight), scale);
+    return tessal::GetTextLineHeight(canvas, LogicalFont(font, LogUse(), LogHeight()), scale);
 }
 
 // The info texts are upright (angle 0) whatever the shape's angle: they are centred on the
@@ -132,18 +132,18 @@ void TMyShape::DrawInfo(TCanvas &canvas)
     const double z = Zoom();
     const double ax = RoundEven(m_TextPoint.X * z);
     const double ay = RoundEven(m_TextPoint.Y * z);
-    if (!m_Info.isEmpty()) {
-        const TPoint size = GetTextWidthHeight(canvas, m_Info, m_Font, z, 0);
-        MyLogTextOut(canvas, RoundEven(ax - size.X / 2.0), RoundEven(ay - size.Y / 2.0), m_Info,
+    if (!Info().isEmpty()) {
+        const TPoint size = GetTextWidthHeight(canvas, Info(), m_Font, z, 0);
+        MyLogTextOut(canvas, RoundEven(ax - size.X / 2.0), RoundEven(ay - size.Y / 2.0), Info(),
                      m_Font, z, 0);
         return;
     }
-    if (m_MultiInfo.isEmpty())
+    if (MultiInfo().isEmpty())
         return;
     std::int32_t blockWidth = 0;
     std::int32_t blockHeight = 0;
     std::int32_t lineHeight = 0;
-    for (const QString &line : m_MultiInfo) {
+    for (const QString &line : MultiInfo()) {
         const TPoint size = GetTextWidthHeight(canvas, line, m_Font, z, 0);
         blockWidth = std::max(blockWidth, size.X);
         blockHeight += size.Y;
@@ -153,12 +153,12 @@ void TMyShape::DrawInfo(TCanvas &canvas)
     std::int32_t y = RoundEven(ay - blockHeight / 2.0);
     // Every line advances by the height of the last line measured above: the lines of one
     // font are equally high, and this is how the block has always been laid out.
-    for (const QString &line : m_MultiInfo) {
+    for (const QString &line : MultiInfo()) {
         const std::int32_t w = GetTextWidthHeight(canvas, line, m_Font, z, 0).X;
         std::int32_t x = left;
-        if (m_MultiInfoAlignment == TAlignment::taRightJustify)
+        if (MultiInfoAlignment() == TAlignment::taRightJustify)
             x = left + blockWidth - w;
-        else if (m_MultiInfoAlignment == TAlignment::taCenter)
+        else if (MultiInfoAlignment() == TAlignment::taCenter)
             x = left + RoundEven((blockWidth - w) / 2.0);
         MyLogTextOut(canvas, x, y, line, m_Font, z, 0);
         y += lineHeight;

@@ -7,6 +7,7 @@
 
 #include <array>
 #include <numbers>
+#include <utility>
 
 namespace tessal {
 
@@ -180,12 +181,14 @@ void ReadTail(TMyShape &shape, BinaryStream &stream, V version)
 {
     if (!HasSince(version, V::XP8))
         return;
-    std::vector<TUserDataRecord> records = shape.UserData().Records();
+    std::vector<TUserDataRecord> records = std::as_const(shape).UserData().Records();
     for (std::int32_t i = ReadCount(stream, 8); i > 0; --i) {
         QString key = ReadCountedText(stream);
         records.push_back({key, ReadCountedText(stream)});
     }
-    shape.UserData().SetUserDataRecord(records);
+    TUserData data;
+    data.SetUserDataRecord(records);
+    shape.SetUserData(data);
     if (!HasSince(version, V::XP9))
         return;
     const bool flipHorz = stream.ReadBool();
@@ -235,29 +238,29 @@ void TMyShape::SaveToStream(BinaryStream &stream) const
         throw TStreamError("writing the brush bitmap failed");
     stream.WriteUInt32(m_Brush.Color);
     stream.WriteUInt8(std::uint8_t(m_Brush.Style));
-    WriteCountedText(stream, m_Caption);
-    stream.WriteUInt32(m_ColorBegin);
-    stream.WriteUInt32(m_ColorEnd);
+    WriteCountedText(stream, Caption());
+    stream.WriteUInt32(ColorBegin());
+    stream.WriteUInt32(ColorEnd());
     WriteFont(stream, m_Font);
     stream.WriteInt32(0); // two reserved words
     stream.WriteInt32(0);
-    stream.WriteUInt8(std::uint8_t(m_GradientStyle));
-    WriteCountedText(stream, m_Info);
+    stream.WriteUInt8(std::uint8_t(GradientStyle()));
+    WriteCountedText(stream, Info());
     stream.WriteUInt32(m_Pen.Color);
     stream.WriteUInt8(std::uint8_t(m_Pen.Mode));
     stream.WriteUInt8(std::uint8_t(m_Pen.Style));
     stream.WriteInt32(m_Pen.Width);
-    WriteUserData(stream, m_UserData);
+    WriteUserData(stream, UserData());
     stream.WriteBool(m_IsFlipHorz);
     stream.WriteBool(m_IsFlipVert);
     stream.WriteBool(m_Visible);
-    stream.WriteInt32(std::int32_t(m_MultiInfo.size()));
-    for (const QString &line : m_MultiInfo)
+    stream.WriteInt32(std::int32_t(MultiInfo().size()));
+    for (const QString &line : MultiInfo())
         WriteCountedText(stream, line);
-    stream.WriteUInt8(std::uint8_t(m_MultiInfoAlignment));
-    stream.WriteInt32(m_LogHeight);
-    stream.WriteBool(m_LogUse);
-    stream.WriteInt32(m_LogWidth);
+    stream.WriteUInt8(std::uint8_t(MultiInfoAlignment()));
+    stream.WriteInt32(LogHeight());
+    stream.WriteBool(LogUse());
+    stream.WriteInt32(LogWidth());
     stream.WriteBool(m_Locked);
     stream.WriteUInt8(std::uint8_t(m_PenStyleEndCapType));
     stream.WriteUInt8(std::uint8_t(m_PenStyleJoinType));
