@@ -27,11 +27,7 @@ TShapeExtras &TMyShape::MutableExtras()
     return *m_Extras;
 }
 
-const TShapeExtras &TMyShape::DefaultExtras()
-{
-    static const TShapeExtras defaults;
-    return defaults;
-}
+const TShapeExtras TMyShape::s_DefaultExtras;
 
 // ---- Base behaviour of the virtual operations ----
 

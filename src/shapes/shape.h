@@ -369,9 +369,8 @@ protected:
         if (!(Extras().*field == value))
             MutableExtras().*field = value;
     }
-    const TShapeExtras &Extras() const { return m_Extras ? *m_Extras : DefaultExtras(); }
+    const TShapeExtras &Extras() const { return m_Extras ? *m_Extras : s_DefaultExtras; }
     TShapeExtras &MutableExtras();
-    static const TShapeExtras &DefaultExtras();
     // Where PowerDrawShape puts the turned gradient copy (document); polygons override it.
     virtual TMyPoint GradientLeftTop() const { return GetLeftTop(); }
     // The centre that flips mirror about: the root group's when grouped.
@@ -383,6 +382,8 @@ protected:
     void CopyAppearanceAndGeometry(const TMyShape &source);
 
 private:
+    static const TShapeExtras s_DefaultExtras;
+
     TShapeHost *m_Host;
     QString m_Name;
     std::unique_ptr<TShapeExtras> m_Extras;
