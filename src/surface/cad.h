@@ -38,6 +38,7 @@ class BinaryStream;
 class TMyShape;
 class TMyLinkLine;
 class TShapeIndex;       // spatial index of the shapes (private to the surface)
+struct TIndexCandidate;  // what the index knows of a shape (private to the surface)
 class TMouseMachine;     // the gesture state machine (private to the surface)
 struct TDrawingSettings; // a drawing file's settings, read before they are applied
 struct TLoadedDrawing;   // a whole drawing file, read before it replaces the drawing
@@ -1377,6 +1378,11 @@ private:
     bool ExportRaster(const QString &fileName, TExportArea area, const char *format, int quality);
     void DrawGridLines(TCanvas &canvas, QSize size, double sx, double sy, const TRect &rect);
     void EnsureIndex();
+    // The shapes that may reach rect, from the top of the drawing down, as the index knows
+    // them: not yet filtered by layer or by the exact extent.
+    void CandidatesFromTop(const TRect &rect, std::vector<TIndexCandidate> &candidates);
+    // Not a group member, and on a visible layer: what a repaint or a press can meet.
+    bool IsShownTopLevel(const TMyShape *shape) const;
     bool m_GridDrawing = false;
     std::vector<std::int32_t> m_DrawList;
     std::unique_ptr<TShapeIndex> m_Index;

@@ -6,6 +6,7 @@
 #include <tessal/platform/canvas.h>
 #include <tessal/platform/types.h>
 #include <tessal/shapes/shapeenums.h>
+#include <tessal/surface/spatialindex_p.h>
 #include <tessal/surface/surfaceenums.h>
 
 #include <tessal/geometry/mypoint.h>
@@ -194,6 +195,8 @@ private:
     bool m_LiveLinksCollected = false;
     QImage m_ScratchImage;
     std::unique_ptr<TCanvas> m_Scratch;
+    // The candidates of the last press, kept to reuse their storage.
+    std::vector<TIndexCandidate> m_Candidates;
 };
 
 } // namespace tessal

@@ -243,19 +243,21 @@ TMyShape *TMouseMachine::ChooseNewShape()
 {
     TCanvas &scratch = Scratch();
     const TRect probe = TRect(m_Start.X, m_Start.Y, m_Start.X + 1, m_Start.Y + 1).Inflated(10, 10);
-    const std::vector<std::int32_t> near = m_Cad.ShapesInRect(probe);
+    m_Cad.CandidatesFromTop(probe, m_Candidates);
     TMyShape *other = nullptr;
-    for (auto it = near.rbegin(); it != near.rend(); ++it) {
-        TMyShape *shape = m_Cad.GetShapeByNo(*it);
-        const bool connectorBox = dynamic_cast<TMyLineLinkLine *>(shape) != nullptr;
-        // Below the topmost hit only a connector box can still win.
-        if ((other && !connectorBox) || m_Cad.IsWorkingShape(shape))
+    for (const TIndexCandidate &candidate : m_Candidates) {
+        // Below the topmost hit only a connector box can still win. The index knows which
+        // candidates are connectors, so on a dense drawing the others are not even read.
+        if (other && !candidate.Connector)
+            continue;
+        TMyShape *shape = m_Cad.GetShapeByNo(candidate.No);
+        if (!m_Cad.IsShownTopLevel(shape) || m_Cad.IsWorkingShape(shape))
             continue;
         if (!m_Cad.m_OperateAllLayer && shape->LayerId() != m_Cad.m_CurrentLayerId)
             continue;
         if (!m_Cad.IsClickedMeforShape(scratch, shape, m_Start))
             continue;
-        if (connectorBox)
+        if (candidate.Connector)
             return shape;
         other = shape;
     }

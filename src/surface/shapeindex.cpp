@@ -4,6 +4,7 @@
 #include <tessal/surface/spatialindex_p.h>
 
 #include <tessal/shapes/line.h>
+#include <tessal/shapes/link.h>
 #include <tessal/shapes/shape.h>
 #include <tessal/shapes/text.h>
 
@@ -170,6 +171,11 @@ bool Contains(const std::vector<std::int32_t> &sorted, std::int32_t id)
     return std::binary_search(sorted.begin(), sorted.end(), id);
 }
 
+bool IsConnector(const TMyShape *shape)
+{
+    return dynamic_cast<const TMyLineLinkLine *>(shape) != nullptr;
+}
+
 } // namespace
 
 // The rule of a repaint: a shape is drawn when it is not a group member, its layer is
@@ -201,11 +207,8 @@ std::vector<std::int32_t> TMyCAD::ShapesInRect(const TRect &rect)
     if (rect.IsEmpty())
         return numbers;
     EnsureIndex();
-    // One pixel more on every side than rect: the tree's boxes are not rounded.
     const double z = m_Zoom;
-    const TMyRect query{float((rect.Left - 1) / z), float((rect.Top - 1) / z),
-                        float((rect.Right + 1) / z), float((rect.Bottom + 1) / z)};
-    m_Index->Query(query, numbers);
+    m_Index->Query(m_Index->QueryBox(rect), numbers);
     const std::vector<std::int32_t> layers = VisibleLayerIds(m_Layers);
     std::erase_if(numbers, [&](std::int32_t no) {
         const TShapeIndex::TEntry &entry = m_Index->Entry(no);
@@ -215,6 +218,20 @@ std::vector<std::int32_t> TMyCAD::ShapesInRect(const TRect &rect)
     });
     std::sort(numbers.begin(), numbers.end());
     return numbers;
+}
+
+void TMyCAD::CandidatesFromTop(const TRect &rect, std::vector<TIndexCandidate> &candidates)
+{
+    candidates.clear();
+    if (rect.IsEmpty())
+        return;
+    EnsureIndex();
+    m_Index->QueryFromTop(m_Index->QueryBox(rect), candidates);
+}
+
+bool TMyCAD::IsShownTopLevel(const TMyShape *shape) const
+{
+    return shape->ParentNo() == -1 && IsVisibleLayerByID(shape->LayerId());
 }
 
 TRect TMyCAD::ShapeScreenRect(TMyShape *shape) const
@@ -249,7 +266,7 @@ void TMyCAD::EnsureIndex()
             TMyShape *shape = m_Shapes[std::size_t(no)].get();
             TShapeExtent extent = builder.Of(shape);
             extent.Indexed = extent.Indexed && shape->ParentNo() == -1;
-            m_Index->Append({shape, extent});
+            m_Index->Append({shape, extent, IsConnector(shape)});
         }
         return;
     }
@@ -257,8 +274,10 @@ void TMyCAD::EnsureIndex()
     for (std::int32_t no = 0; no < count; ++no) {
         TMyShape *shape = m_Shapes[std::size_t(no)].get();
         entries[std::size_t(no)].Shape = shape;
-        if (shape->ParentNo() == -1)
+        if (shape->ParentNo() == -1) {
             entries[std::size_t(no)].Extent = builder.Of(shape);
+            entries[std::size_t(no)].Connector = IsConnector(shape);
+        }
     }
     m_Index->Rebuild(std::move(entries), m_Zoom);
 }

@@ -8,6 +8,7 @@
 #include <boost/geometry/index/rtree.hpp>
 #include <boost/iterator/function_output_iterator.hpp>
 
+#include <algorithm>
 #include <cmath>
 
 namespace tessal {
@@ -19,7 +20,7 @@ struct TShapeIndex::TTree
 {
     using TPoint2 = bg::model::point<float, 2, bg::cs::cartesian>;
     using TBox2 = bg::model::box<TPoint2>;
-    using TValue = std::pair<TBox2, std::int32_t>;
+    using TValue = std::pair<TBox2, TIndexCandidate>;
 
     static TBox2 Box(const TMyRect &r) { return {{r.Left, r.Top}, {r.Right, r.Bottom}}; }
 
@@ -63,7 +64,8 @@ void TShapeIndex::Rebuild(std::vector<TEntry> entries, double zoom)
         if (!m_Entries[i].Extent.Indexed)
             continue;
         m_Tree->Boxes[i] = PaddedBox(m_Entries[i].Extent);
-        values.emplace_back(TTree::Box(m_Tree->Boxes[i]), std::int32_t(i));
+        values.emplace_back(TTree::Box(m_Tree->Boxes[i]),
+                            TIndexCandidate{std::int32_t(i), m_Entries[i].Connector});
     }
     // The packing constructor builds a better tree than repeated insertion, and faster.
     m_Tree->Tree = decltype(m_Tree->Tree)(values.begin(), values.end());
@@ -73,19 +75,20 @@ void TShapeIndex::Rebuild(std::vector<TEntry> entries, double zoom)
 void TShapeIndex::Replace(std::int32_t no, const TShapeExtent &extent)
 {
     const auto i = std::size_t(no);
+    const TIndexCandidate item{no, m_Entries[i].Connector};
     if (m_Entries[i].Extent.Indexed)
-        m_Tree->Tree.remove(TTree::TValue(TTree::Box(m_Tree->Boxes[i]), no));
+        m_Tree->Tree.remove(TTree::TValue(TTree::Box(m_Tree->Boxes[i]), item));
     m_Entries[i].Extent = extent;
     if (extent.Indexed) {
         m_Tree->Boxes[i] = PaddedBox(extent);
-        m_Tree->Tree.insert(TTree::TValue(TTree::Box(m_Tree->Boxes[i]), no));
+        m_Tree->Tree.insert(TTree::TValue(TTree::Box(m_Tree->Boxes[i]), item));
     }
 }
 
 void TShapeIndex::Append(const TEntry &entry)
 {
     const auto no = std::int32_t(m_Entries.size());
-    m_Entries.push_back({entry.Shape, TShapeExtent{}});
+    m_Entries.push_back({entry.Shape, TShapeExtent{}, entry.Connector});
     m_Tree->Boxes.emplace_back();
     m_Numbers.insert_or_assign(entry.Shape, no);
     Replace(no, entry.Extent);
@@ -97,11 +100,29 @@ std::int32_t TShapeIndex::NumberOf(const TMyShape *shape) const
     return it == m_Numbers.end() ? -1 : it->second;
 }
 
+TMyRect TShapeIndex::QueryBox(const TRect &rect) const
+{
+    const double z = m_Zoom;
+    return {float((rect.Left - 1) / z), float((rect.Top - 1) / z), float((rect.Right + 1) / z),
+            float((rect.Bottom + 1) / z)};
+}
+
 void TShapeIndex::Query(const TMyRect &box, std::vector<std::int32_t> &numbers) const
 {
     m_Tree->Tree.query(bgi::intersects(TTree::Box(box)),
                        boost::make_function_output_iterator(
-                           [&numbers](const TTree::TValue &v) { numbers.push_back(v.second); }));
+                           [&numbers](const TTree::TValue &v) { numbers.push_back(v.second.No); }));
+}
+
+void TShapeIndex::QueryFromTop(const TMyRect &box, std::vector<TIndexCandidate> &candidates) const
+{
+    candidates.clear();
+    m_Tree->Tree.query(bgi::intersects(TTree::Box(box)),
+                       boost::make_function_output_iterator([&candidates](const TTree::TValue &v) {
+                           candidates.push_back(v.second);
+                       }));
+    std::sort(candidates.begin(), candidates.end(),
+              [](const TIndexCandidate &a, const TIndexCandidate &b) { return a.No > b.No; });
 }
 
 } // namespace tessal

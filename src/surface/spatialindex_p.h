@@ -29,6 +29,15 @@ struct TShapeExtent
     TRect ScreenRect(double zoom) const;
 };
 
+// What the index itself knows of a shape, so that a press can pass over candidates without
+// touching the shapes (on a big drawing every touch is a cache miss).
+struct TIndexCandidate
+{
+    std::int32_t No = 0;
+    bool Connector = false;
+    friend bool operator==(const TIndexCandidate &, const TIndexCandidate &) = default;
+};
+
 // The index only narrows the candidates of a query: it answers every shape whose extent
 // might meet the query box, and the caller applies the exact test. Entries are kept per
 // shape number, so a change of numbering needs a rebuild.
@@ -44,6 +53,8 @@ public:
     {
         const TMyShape *Shape = nullptr;
         TShapeExtent Extent;
+        // Kept in the tree too: a press looks for connectors below its topmost hit.
+        bool Connector = false;
     };
 
     // Replaces everything: entries[i] belongs to shape number i. Pads are turned into
@@ -59,9 +70,15 @@ public:
     const TEntry &Entry(std::int32_t no) const { return m_Entries[std::size_t(no)]; }
     // The number of an entry's shape, -1 when the shape is not in the index.
     std::int32_t NumberOf(const TMyShape *shape) const;
+    // The query box of a control rectangle: one pixel more on every side, since the tree's
+    // boxes are not rounded.
+    TMyRect QueryBox(const TRect &rect) const;
     // Shape numbers whose padded box meets box (document units, edges included), in no
     // particular order.
     void Query(const TMyRect &box, std::vector<std::int32_t> &numbers) const;
+    // The same shapes from the top of the drawing down (descending numbers), as the tree
+    // holds them.
+    void QueryFromTop(const TMyRect &box, std::vector<TIndexCandidate> &candidates) const;
 
 private:
     // The tree and the box each indexed entry was inserted with (so that it can be removed

@@ -67,6 +67,29 @@ TEST(MouseSelecting, ClicksShiftClicksBandsAndClickThroughInOrder)
     EXPECT_TRUE(s.cad.UndoRedoShapeList().empty());
 }
 
+// A press takes the topmost shape it hits, except that a connector box below it wins; shapes
+// of hidden layers are passed over even when every layer can be operated.
+TEST(MouseSelecting, ConnectorBoxesWinFromBelowAndHiddenLayersAreSkipped)
+{
+    TMouseSurface s;
+    const TMyPoint boxCorners[] = {{100, 100}, {160, 160}};
+    s.cad.AddShapeByCode(TDrawTool::SpLineLinkLine, {}, boxCorners, 0, {});
+    TMyShape *box = s.cad.GetShapeByNo(0);
+    TMyShape *cover = AddRectangle(s.cad, 50, 50, 300, 300);
+    s.cad.SetOperateAllLayer(true);
+    const std::int32_t shown = s.cad.CurrentLayerId();
+    ASSERT_TRUE(s.cad.SetCurrentLayerId(s.cad.NewLayer(QStringLiteral("hidden"), false)));
+    AddRectangle(s.cad, 40, 40, 320, 320);
+    ASSERT_TRUE(s.cad.SetCurrentLayerId(shown));
+    s.cad.ClearWorkingShapes();
+
+    s.Click({130, 130});
+    EXPECT_EQ(s.cad.WorkingShapes(), std::vector<TMyShape *>{box});
+    s.Click({600, 600});
+    s.Click({250, 250});
+    EXPECT_EQ(s.cad.WorkingShapes(), std::vector<TMyShape *>{cover});
+}
+
 // A drag moves every working shape by the mouse's move as one step; undo restores the
 // drawing byte for byte; a drag that ends where it began records nothing.
 TEST(MouseGestures, DragMovesAllWorkingShapesAsOneStep)
