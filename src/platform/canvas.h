@@ -237,6 +237,7 @@ private:
     bool StrokeAsSpans(const QPainterPath &outline, const QColor &colour);
     bool StrokeChainAsSpans(std::span<const TPoint> chain, bool closed);
     bool StrokeChainThin(std::span<const TPoint> chain, bool closed);
+    bool StrokeChainThinDirectly(std::span<const TPoint> chain, bool closed, QRgb colour);
     void PaintSpans(bool direct, const QColor &colour);
     void WriteSpans(const std::vector<canvasdetail::TSpan> &spans, QRgb colour, TPenMode mode);
     void PaintSpansOnLayer(const QPainterPath &outline, const QRect &box, QImage &layer,

@@ -6,6 +6,7 @@
 
 #include "polygonfill_p.h"
 #include "roundstroke_p.h"
+#include "thinstroke_p.h"
 
 #include <QFont>
 #include <QPainter>
@@ -27,6 +28,8 @@ struct TCanvas::Impl
     canvasdetail::TRoundStroke Stroke;
     // The pixels of the polygon being filled, likewise.
     canvasdetail::TPolygonFill Fill;
+    // One-pixel outlines painted directly.
+    canvasdetail::TThinStroke Thin;
     // The path being recorded or last recorded, in logical coordinates.
     QPainterPath Path;
     // The font last turned into the log font, to notice edits made through Font().

@@ -25,6 +25,9 @@ std::optional<QPoint> WholeShift(const QTransform &t)
     return QPoint(int(t.dx()), int(t.dy()));
 }
 
+// The largest image side whose pixel coordinates the thin stroke's fixed point holds.
+constexpr int MaxThinSide = 32767;
+
 bool IsWholeNumber(qreal v)
 {
     return v == std::floor(v) && std::abs(v) < 1e9;
@@ -243,7 +246,8 @@ bool TCanvas::FillPolygonAsSpans(std::span<const TPoint> polygon, TFillMode mode
 }
 
 // One-pixel solid chains (plain or geometric pens) go to the rasteriser's line drawing as a
-// point array: the pixels of the same figure as a path, without building one.
+// point array: the pixels of the same figure as a path, without building one. In copy mode
+// on an image they are mostly painted directly, with the rasteriser's own pixels.
 bool TCanvas::StrokeChainThin(std::span<const TPoint> chain, bool closed)
 {
     if (IsVector() || m_Recording || m_Pen.Width > 1 || m_Pen.Style != TPenStyle::psSolid)
@@ -254,6 +258,8 @@ bool TCanvas::StrokeChainThin(std::span<const TPoint> chain, bool closed)
     QPen pen = MakeQPen(m_Pen, m_Geometric, m_Join, m_Cap);
     if (mode.ForcedColor)
         pen.setColor(*mode.ForcedColor);
+    if (StrokeChainThinDirectly(chain, closed, pen.color().rgb()))
+        return true;
     QVarLengthArray<QPoint, 128> points;
     points.reserve(qsizetype(chain.size()));
     for (const TPoint &pt : chain)
@@ -272,6 +278,42 @@ bool TCanvas::StrokeChainThin(std::span<const TPoint> chain, bool closed)
     if (m_Geometric)
         p.setWorldTransform(DeviceTransform());
     p.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    return true;
+}
+
+// The thin stroke paints what the rasteriser would when only a whole-pixel shift lies between
+// the points and the image, and the chain stays on the image: the rasteriser cuts segments
+// that leave it a pixel or more behind, which moves their steps. A geometric pen is centred on
+// the pixel centres, as in Render.
+bool TCanvas::StrokeChainThinDirectly(std::span<const TPoint> chain, bool closed, QRgb colour)
+{
+    if (chain.size() < 2 || !CopiesPen(m_Pen.Mode) || m_Target->devicePixelRatio() != 1 ||
+        m_Target->width() > MaxThinSide || m_Target->height() > MaxThinSide ||
+        !WritesSpansDirectly(true))
+        return false;
+    const std::optional<QPoint> shift = WholeShift(DeviceTransform());
+    if (!shift)
+        return false;
+    const std::int64_t centre = m_Geometric ? 32 : 0;
+    const std::int64_t right = 64 * std::int64_t(m_Target->width());
+    const std::int64_t bottom = 64 * std::int64_t(m_Target->height());
+    QVarLengthArray<QPoint, 128> points;
+    points.reserve(qsizetype(chain.size()));
+    for (const TPoint &pt : chain) {
+        const std::int64_t x = 64 * (std::int64_t(pt.X) + shift->x()) + centre;
+        const std::int64_t y = 64 * (std::int64_t(pt.Y) + shift->y()) + centre;
+        if (x < 0 || x > right || y < 0 || y > bottom)
+            return false;
+        points.append(QPoint(int(x), int(y)));
+    }
+    QRect clip = m_Target->rect();
+    if (d->ClipRect)
+        clip &= d->ClipRect->translated(-m_Origin.X, -m_Origin.Y);
+    d->Thin.Begin(const_cast<uchar *>(m_Target->constBits()), m_Target->bytesPerLine(), clip,
+                  0xFF000000u | colour);
+    const bool capped =
+        m_Geometric && (m_Cap == TPenEndCap::pecRound || m_Cap == TPenEndCap::pecSquare);
+    d->Thin.Chain(points, closed, capped);
     return true;
 }
 
