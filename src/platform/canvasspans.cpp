@@ -255,11 +255,11 @@ bool TCanvas::StrokeChainThin(std::span<const TPoint> chain, bool closed)
     const ModeSetup mode = SetupForMode(m_Pen.Mode);
     if (!mode.Draw)
         return true;
-    QPen pen = MakeQPen(m_Pen, m_Geometric, m_Join, m_Cap);
-    if (mode.ForcedColor)
-        pen.setColor(*mode.ForcedColor);
-    if (StrokeChainThinDirectly(chain, closed, pen.color().rgb()))
+    const QColor colour = mode.ForcedColor ? *mode.ForcedColor : ToQColor(m_Pen.Color);
+    if (StrokeChainThinDirectly(chain, closed, colour.rgb()))
         return true;
+    QPen pen = MakeQPen(m_Pen, m_Geometric, m_Join, m_Cap);
+    pen.setColor(colour);
     QVarLengthArray<QPoint, 128> points;
     points.reserve(qsizetype(chain.size()));
     for (const TPoint &pt : chain)

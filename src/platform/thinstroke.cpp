@@ -207,7 +207,8 @@ void TThinStroke::Chain(std::span<const QPoint> points, bool closed, bool capped
     for (std::size_t i = 1; i < n; ++i) {
         if (!shut && capped && i == n - 1)
             ends |= FinalEnd;
-        if (Segment(at, points[i], ends))
+        // A repeated point adds nothing; the outlines of small figures repeat points often.
+        if (points[i] != at && Segment(at, points[i], ends))
             at = points[i];
         ends = NoEnds;
     }
