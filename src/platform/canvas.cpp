@@ -315,7 +315,14 @@ void TCanvas::RestoreDeviceState()
 void TCanvas::SetOrigin(TPoint origin)
 {
     m_Origin = origin;
+    DeviceChanged();
     RestoreDeviceState();
+}
+
+void TCanvas::DeviceChanged()
+{
+    d->Device = d->World * OriginShift();
+    d->DeviceShift = WholeShift(d->Device);
 }
 
 QTransform TCanvas::OriginShift() const
@@ -325,7 +332,7 @@ QTransform TCanvas::OriginShift() const
 
 QTransform TCanvas::DeviceTransform() const
 {
-    return d->World * OriginShift();
+    return d->Device;
 }
 
 QTransform TCanvas::OutlineTransform(OutlinePlacement placement) const

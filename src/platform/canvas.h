@@ -252,6 +252,8 @@ private:
     // The world transform followed by the shift of the origin: what the painter applies.
     QTransform DeviceTransform() const;
     QTransform OriginShift() const;
+    // Works out the device transform again after a change of the world or the origin.
+    void DeviceChanged();
     void RestoreDeviceState();
     void SyncFont();
 

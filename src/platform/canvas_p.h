@@ -20,6 +20,10 @@ struct TCanvas::Impl
 {
     QPainter Painter;
     QTransform World;
+    // The world transform followed by the shift of the origin, and its whole-pixel shift when
+    // it does nothing else: worked out when either changes, as every drawing asks for them.
+    QTransform Device;
+    std::optional<QPoint> DeviceShift = QPoint(0, 0);
     // Clipping in device pixels (clip regions are not subject to the world transform).
     std::optional<QPainterPath> Clip;
     // The same clipping when it is a plain rectangle, which wide strokes honour directly.
@@ -61,6 +65,8 @@ std::uint32_t ApplyMode(TPenMode mode, std::uint32_t pen, std::uint32_t dest);
 // Qt pen for a canvas pen: cosmetic for width 0 and 1 unless geometric.
 QPen MakeQPen(const TPen &pen, bool geometric, TPenJoin join, TPenEndCap cap);
 QBrush MakeQBrush(const TBrush &brush);
+// The whole-pixel shift of a transform that does nothing else.
+std::optional<QPoint> WholeShift(const QTransform &t);
 
 } // namespace canvasdetail
 

@@ -14,16 +14,15 @@ namespace tessal {
 
 using namespace canvasdetail;
 
-namespace {
-
-// The whole-pixel shift of a transform that does nothing else.
-std::optional<QPoint> WholeShift(const QTransform &t)
+std::optional<QPoint> canvasdetail::WholeShift(const QTransform &t)
 {
     if (t.type() > QTransform::TxTranslate || t.dx() != std::floor(t.dx()) ||
         t.dy() != std::floor(t.dy()) || std::abs(t.dx()) > 1e9 || std::abs(t.dy()) > 1e9)
         return std::nullopt;
     return QPoint(int(t.dx()), int(t.dy()));
 }
+
+namespace {
 
 // The largest image side whose pixel coordinates the thin stroke's fixed point holds.
 constexpr int MaxThinSide = 32767;
@@ -51,7 +50,7 @@ bool TCanvas::RoundStrokeApplies() const
 // outline has curves or points between pixels, which the general stroker handles.
 bool TCanvas::CollectRoundStroke(const QPainterPath &outline)
 {
-    const std::optional<QPoint> shift = WholeShift(DeviceTransform());
+    const std::optional<QPoint> &shift = d->DeviceShift;
     if (!shift)
         return false;
     for (int i = 0; i < outline.elementCount(); ++i) {
@@ -150,7 +149,7 @@ bool TCanvas::StrokeChainAsSpans(std::span<const TPoint> chain, bool closed)
 {
     if (!RoundStrokeApplies())
         return false;
-    const std::optional<QPoint> shift = WholeShift(DeviceTransform());
+    const std::optional<QPoint> &shift = d->DeviceShift;
     if (!shift)
         return false;
     const ModeSetup mode = SetupForMode(m_Pen.Mode);
@@ -235,7 +234,7 @@ bool TCanvas::FillPolygonAsSpans(std::span<const TPoint> polygon, TFillMode mode
     if (IsVector() || m_Target->devicePixelRatio() != 1 || brush.HasBitmap() ||
         brush.Style != TBrushStyle::bsSolid || !WritesSpansDirectly(true))
         return false;
-    const std::optional<QPoint> shift = WholeShift(DeviceTransform());
+    const std::optional<QPoint> &shift = d->DeviceShift;
     QRect bounds = m_Target->rect();
     if (d->ClipRect)
         bounds &= d->ClipRect->translated(-m_Origin.X, -m_Origin.Y);
@@ -291,7 +290,7 @@ bool TCanvas::StrokeChainThinDirectly(std::span<const TPoint> chain, bool closed
         m_Target->width() > MaxThinSide || m_Target->height() > MaxThinSide ||
         !WritesSpansDirectly(true))
         return false;
-    const std::optional<QPoint> shift = WholeShift(DeviceTransform());
+    const std::optional<QPoint> &shift = d->DeviceShift;
     if (!shift)
         return false;
     const std::int64_t centre = m_Geometric ? 32 : 0;
