@@ -13,12 +13,23 @@
 #include <utility>
 #include <vector>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace tessal {
 
 // Rounds to the nearest integer, halves to the even neighbour, as every screen rounding of
 // the component does (never halves away from zero).
 inline std::int32_t RoundEven(double v)
 {
+#if defined(__SSE2__)
+    // Within the result's range the processor's conversion rounds by the same rule (the
+    // current rounding mode, as nearbyint) without the library call, which saves and restores
+    // the floating-point environment every time.
+    if (v > -2147483648.0 && v < 2147483647.0)
+        return _mm_cvtsd_si32(_mm_set_sd(v));
+#endif
     return static_cast<std::int32_t>(std::nearbyint(v));
 }
 

@@ -290,24 +290,39 @@ void TCanvas::Flush()
     RestoreDeviceState();
 }
 
+// Shapes end their fills by removing a clipping that is mostly not there: the painter is only
+// told what differs, as every change of its transform costs it real work.
 void TCanvas::RestoreDeviceState()
 {
     QPainter &p = d->Painter;
-    // Clip regions are device pixels: only the origin applies to them.
-    p.setWorldTransform(OriginShift());
-    if (d->Clip)
-        p.setClipPath(*d->Clip);
-    else
-        p.setClipping(false);
-    p.setWorldTransform(DeviceTransform());
-    p.setCompositionMode(QPainter::CompositionMode_SourceOver);
-    p.setBackgroundMode(Qt::TransparentMode);
+    if (d->Clip || p.hasClipping()) {
+        // Clip regions are device pixels: only the origin applies to them.
+        p.setWorldTransform(OriginShift());
+        if (d->Clip)
+            p.setClipPath(*d->Clip);
+        else
+            p.setClipping(false);
+    }
+    const QTransform device = DeviceTransform();
+    if (p.worldTransform() != device)
+        p.setWorldTransform(device);
+    if (p.compositionMode() != QPainter::CompositionMode_SourceOver)
+        p.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    if (p.backgroundMode() != Qt::TransparentMode)
+        p.setBackgroundMode(Qt::TransparentMode);
 }
 
 void TCanvas::SetOrigin(TPoint origin)
 {
     m_Origin = origin;
+    DeviceChanged();
     RestoreDeviceState();
+}
+
+void TCanvas::DeviceChanged()
+{
+    d->Device = d->World * OriginShift();
+    d->DeviceShift = WholeShift(d->Device);
 }
 
 QTransform TCanvas::OriginShift() const
@@ -317,7 +332,7 @@ QTransform TCanvas::OriginShift() const
 
 QTransform TCanvas::DeviceTransform() const
 {
-    return d->World * OriginShift();
+    return d->Device;
 }
 
 QTransform TCanvas::OutlineTransform(OutlinePlacement placement) const

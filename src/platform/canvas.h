@@ -237,6 +237,7 @@ private:
     bool StrokeAsSpans(const QPainterPath &outline, const QColor &colour);
     bool StrokeChainAsSpans(std::span<const TPoint> chain, bool closed);
     bool StrokeChainThin(std::span<const TPoint> chain, bool closed);
+    bool StrokeChainThinDirectly(std::span<const TPoint> chain, bool closed, QRgb colour);
     void PaintSpans(bool direct, const QColor &colour);
     void WriteSpans(const std::vector<canvasdetail::TSpan> &spans, QRgb colour, TPenMode mode);
     void PaintSpansOnLayer(const QPainterPath &outline, const QRect &box, QImage &layer,
@@ -251,6 +252,8 @@ private:
     // The world transform followed by the shift of the origin: what the painter applies.
     QTransform DeviceTransform() const;
     QTransform OriginShift() const;
+    // Works out the device transform again after a change of the world or the origin.
+    void DeviceChanged();
     void RestoreDeviceState();
     void SyncFont();
 

@@ -6,6 +6,7 @@
 
 #include "polygonfill_p.h"
 #include "roundstroke_p.h"
+#include "thinstroke_p.h"
 
 #include <QFont>
 #include <QPainter>
@@ -19,6 +20,10 @@ struct TCanvas::Impl
 {
     QPainter Painter;
     QTransform World;
+    // The world transform followed by the shift of the origin, and its whole-pixel shift when
+    // it does nothing else: worked out when either changes, as every drawing asks for them.
+    QTransform Device;
+    std::optional<QPoint> DeviceShift = QPoint(0, 0);
     // Clipping in device pixels (clip regions are not subject to the world transform).
     std::optional<QPainterPath> Clip;
     // The same clipping when it is a plain rectangle, which wide strokes honour directly.
@@ -27,6 +32,8 @@ struct TCanvas::Impl
     canvasdetail::TRoundStroke Stroke;
     // The pixels of the polygon being filled, likewise.
     canvasdetail::TPolygonFill Fill;
+    // One-pixel outlines painted directly.
+    canvasdetail::TThinStroke Thin;
     // The path being recorded or last recorded, in logical coordinates.
     QPainterPath Path;
     // The font last turned into the log font, to notice edits made through Font().
@@ -58,6 +65,8 @@ std::uint32_t ApplyMode(TPenMode mode, std::uint32_t pen, std::uint32_t dest);
 // Qt pen for a canvas pen: cosmetic for width 0 and 1 unless geometric.
 QPen MakeQPen(const TPen &pen, bool geometric, TPenJoin join, TPenEndCap cap);
 QBrush MakeQBrush(const TBrush &brush);
+// The whole-pixel shift of a transform that does nothing else.
+std::optional<QPoint> WholeShift(const QTransform &t);
 
 } // namespace canvasdetail
 

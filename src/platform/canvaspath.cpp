@@ -204,6 +204,7 @@ void TCanvas::SelectClipRect(const TRect *rect)
 void TCanvas::SetWorldTransform(const QTransform &t)
 {
     d->World = t;
+    DeviceChanged();
     d->Painter.setWorldTransform(DeviceTransform());
 }
 

@@ -14,16 +14,18 @@ namespace tessal {
 
 using namespace canvasdetail;
 
-namespace {
-
-// The whole-pixel shift of a transform that does nothing else.
-std::optional<QPoint> WholeShift(const QTransform &t)
+std::optional<QPoint> canvasdetail::WholeShift(const QTransform &t)
 {
     if (t.type() > QTransform::TxTranslate || t.dx() != std::floor(t.dx()) ||
         t.dy() != std::floor(t.dy()) || std::abs(t.dx()) > 1e9 || std::abs(t.dy()) > 1e9)
         return std::nullopt;
     return QPoint(int(t.dx()), int(t.dy()));
 }
+
+namespace {
+
+// The largest image side whose pixel coordinates the thin stroke's fixed point holds.
+constexpr int MaxThinSide = 32767;
 
 bool IsWholeNumber(qreal v)
 {
@@ -48,7 +50,7 @@ bool TCanvas::RoundStrokeApplies() const
 // outline has curves or points between pixels, which the general stroker handles.
 bool TCanvas::CollectRoundStroke(const QPainterPath &outline)
 {
-    const std::optional<QPoint> shift = WholeShift(DeviceTransform());
+    const std::optional<QPoint> &shift = d->DeviceShift;
     if (!shift)
         return false;
     for (int i = 0; i < outline.elementCount(); ++i) {
@@ -147,7 +149,7 @@ bool TCanvas::StrokeChainAsSpans(std::span<const TPoint> chain, bool closed)
 {
     if (!RoundStrokeApplies())
         return false;
-    const std::optional<QPoint> shift = WholeShift(DeviceTransform());
+    const std::optional<QPoint> &shift = d->DeviceShift;
     if (!shift)
         return false;
     const ModeSetup mode = SetupForMode(m_Pen.Mode);
@@ -232,7 +234,7 @@ bool TCanvas::FillPolygonAsSpans(std::span<const TPoint> polygon, TFillMode mode
     if (IsVector() || m_Target->devicePixelRatio() != 1 || brush.HasBitmap() ||
         brush.Style != TBrushStyle::bsSolid || !WritesSpansDirectly(true))
         return false;
-    const std::optional<QPoint> shift = WholeShift(DeviceTransform());
+    const std::optional<QPoint> &shift = d->DeviceShift;
     QRect bounds = m_Target->rect();
     if (d->ClipRect)
         bounds &= d->ClipRect->translated(-m_Origin.X, -m_Origin.Y);
@@ -243,7 +245,8 @@ bool TCanvas::FillPolygonAsSpans(std::span<const TPoint> polygon, TFillMode mode
 }
 
 // One-pixel solid chains (plain or geometric pens) go to the rasteriser's line drawing as a
-// point array: the pixels of the same figure as a path, without building one.
+// point array: the pixels of the same figure as a path, without building one. In copy mode
+// on an image they are mostly painted directly, with the rasteriser's own pixels.
 bool TCanvas::StrokeChainThin(std::span<const TPoint> chain, bool closed)
 {
     if (IsVector() || m_Recording || m_Pen.Width > 1 || m_Pen.Style != TPenStyle::psSolid)
@@ -251,9 +254,11 @@ bool TCanvas::StrokeChainThin(std::span<const TPoint> chain, bool closed)
     const ModeSetup mode = SetupForMode(m_Pen.Mode);
     if (!mode.Draw)
         return true;
+    const QColor colour = mode.ForcedColor ? *mode.ForcedColor : ToQColor(m_Pen.Color);
+    if (StrokeChainThinDirectly(chain, closed, colour.rgb()))
+        return true;
     QPen pen = MakeQPen(m_Pen, m_Geometric, m_Join, m_Cap);
-    if (mode.ForcedColor)
-        pen.setColor(*mode.ForcedColor);
+    pen.setColor(colour);
     QVarLengthArray<QPoint, 128> points;
     points.reserve(qsizetype(chain.size()));
     for (const TPoint &pt : chain)
@@ -272,6 +277,42 @@ bool TCanvas::StrokeChainThin(std::span<const TPoint> chain, bool closed)
     if (m_Geometric)
         p.setWorldTransform(DeviceTransform());
     p.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    return true;
+}
+
+// The thin stroke paints what the rasteriser would when only a whole-pixel shift lies between
+// the points and the image, and the chain stays on the image: the rasteriser cuts segments
+// that leave it a pixel or more behind, which moves their steps. A geometric pen is centred on
+// the pixel centres, as in Render.
+bool TCanvas::StrokeChainThinDirectly(std::span<const TPoint> chain, bool closed, QRgb colour)
+{
+    if (chain.size() < 2 || !CopiesPen(m_Pen.Mode) || m_Target->devicePixelRatio() != 1 ||
+        m_Target->width() > MaxThinSide || m_Target->height() > MaxThinSide ||
+        !WritesSpansDirectly(true))
+        return false;
+    const std::optional<QPoint> &shift = d->DeviceShift;
+    if (!shift)
+        return false;
+    const std::int64_t centre = m_Geometric ? 32 : 0;
+    const std::int64_t right = 64 * std::int64_t(m_Target->width());
+    const std::int64_t bottom = 64 * std::int64_t(m_Target->height());
+    QVarLengthArray<QPoint, 128> points;
+    points.reserve(qsizetype(chain.size()));
+    for (const TPoint &pt : chain) {
+        const std::int64_t x = 64 * (std::int64_t(pt.X) + shift->x()) + centre;
+        const std::int64_t y = 64 * (std::int64_t(pt.Y) + shift->y()) + centre;
+        if (x < 0 || x > right || y < 0 || y > bottom)
+            return false;
+        points.append(QPoint(int(x), int(y)));
+    }
+    QRect clip = m_Target->rect();
+    if (d->ClipRect)
+        clip &= d->ClipRect->translated(-m_Origin.X, -m_Origin.Y);
+    d->Thin.Begin(const_cast<uchar *>(m_Target->constBits()), m_Target->bytesPerLine(), clip,
+                  0xFF000000u | colour);
+    const bool capped =
+        m_Geometric && (m_Cap == TPenEndCap::pecRound || m_Cap == TPenEndCap::pecSquare);
+    d->Thin.Chain(points, closed, capped);
     return true;
 }
 

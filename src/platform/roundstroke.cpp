@@ -155,6 +155,10 @@ void TRoundStroke::AddSegment(QPoint from, QPoint to, bool withStart)
         std::max<std::int64_t>(std::min(c.Ay, c.By) - m_Width / 2, m_Bounds.top());
     const std::int64_t bottom =
         std::min<std::int64_t>(std::max(c.Ay, c.By) + (m_Width - 1) / 2, m_Bounds.bottom());
+    if (c.Dx != 0 && c.Dy != 0 && !c.Huge) {
+        AddSlantedRows(c, top, bottom);
+        return;
+    }
     if (c.Dx == 0) {
         // Straight down or up: every row from end to end is covered alike, by the band (the
         // discs at the ends reach no further across than the band does).
@@ -304,6 +308,97 @@ bool TRoundStroke::CoveredRow(const Capsule &c, std::int32_t y, std::int64_t &le
         right = std::abs(hi - double(nr)) < Near ? nr - (covered(nr) ? 0 : 1) : FloorOf(hi);
     }
     return left <= right;
+}
+
+namespace {
+
+// floor(n / d) for d > 0.
+std::int64_t FloorDiv(std::int64_t n, std::int64_t d)
+{
+    const std::int64_t q = n / d;
+    return q - (n % d < 0 ? 1 : 0);
+}
+
+// The whole parts of (n + k * step) / d, d > 0, for k = 0, 1, 2 ... in turn, without a
+// division for each.
+class TQuotientSteps
+{
+public:
+    TQuotientSteps(std::int64_t n, std::int64_t step, std::int64_t d)
+        : m_Divisor(d)
+        , m_Quotient(FloorDiv(n, d))
+        , m_Remainder(n - m_Quotient * d)
+        , m_StepQuotient(FloorDiv(step, d))
+        , m_StepRemainder(step - m_StepQuotient * d)
+    {}
+
+    std::int64_t Floor() const { return m_Quotient; }
+    std::int64_t Ceil() const { return m_Quotient + (m_Remainder != 0 ? 1 : 0); }
+    void Next()
+    {
+        m_Quotient += m_StepQuotient;
+        m_Remainder += m_StepRemainder;
+        if (m_Remainder >= m_Divisor) {
+            m_Remainder -= m_Divisor;
+            ++m_Quotient;
+        }
+    }
+
+private:
+    std::int64_t m_Divisor, m_Quotient, m_Remainder, m_StepQuotient, m_StepRemainder;
+};
+
+// The band of a segment holds the centres whose cross product with it lies within
+// Low .. High: those closer than half the width, and those exactly at half the width on the
+// covered side (the nearest point of the segment to the right, for a segment that is not
+// level: the side where the cross product has the sign of the segment's Dy).
+struct TBandLimits
+{
+    std::int64_t Low, High;
+};
+
+TBandLimits BandLimits(Wide reach2, std::int64_t dy)
+{
+    // The largest inside value c has 4 c^2 < reach2, that is c^2 <= (reach2 - 1) / 4.
+    const Wide limit = (reach2 - 1) / 4;
+    auto c = std::int64_t(std::sqrt(double(limit)));
+    while (Wide(c) * c > limit)
+        --c;
+    while (Wide(c + 1) * (c + 1) <= limit)
+        ++c;
+    const bool rimOnCentres = 4 * Wide(c + 1) * (c + 1) == reach2;
+    return {-c - (rimOnCentres && dy < 0 ? 1 : 0), c + (rimOnCentres && dy > 0 ? 1 : 0)};
+}
+
+} // namespace
+
+// A slanted segment's rows away from its ends are covered by the band alone, wherever the
+// band's stretch of the row lies between the ends: the discs reach no row further than half
+// the width from their middles. Those rows are found by stepping the band's edges from row to
+// row; the rest go to CoveredRow.
+void TRoundStroke::AddSlantedRows(const Capsule &c, std::int64_t top, std::int64_t bottom)
+{
+    const TBandLimits band = BandLimits(c.Reach2, c.Dy);
+    // The cross product Dx qy - Dy qx within Low .. High puts qx = x - Ax between
+    // ceil(P / |Dy|) and floor(Q / |Dy|), P and Q moving by sign(Dy) Dx a row.
+    const std::int64_t sign = c.Dy > 0 ? 1 : -1, divisor = std::abs(c.Dy);
+    const std::int64_t step = sign * c.Dx, at = step * (top - c.Ay);
+    TQuotientSteps left(at - (sign > 0 ? band.High : -band.Low), step, divisor);
+    TQuotientSteps right(at - (sign > 0 ? band.Low : -band.High), step, divisor);
+    // Whether the centre (x, y) lies strictly between the ends, along the segment.
+    const auto between = [&c](std::int64_t x, std::int64_t y) {
+        const Wide along = Wide(x - c.Ax) * c.Dx + Wide(y - c.Ay) * c.Dy;
+        return along > 0 && along < c.Length2;
+    };
+    const std::int64_t nearEnd = m_Width / 2 + 1;
+    for (std::int64_t y = top; y <= bottom; ++y, left.Next(), right.Next()) {
+        const std::int64_t l = c.Ax + left.Ceil(), r = c.Ax + right.Floor();
+        if (std::abs(y - c.Ay) <= nearEnd || std::abs(y - c.By) <= nearEnd || l > r ||
+            !between(l, y) || !between(r, y))
+            AddRow(c, std::int32_t(y));
+        else
+            Emit(y, l, r);
+    }
 }
 
 void TRoundStroke::AddRow(const Capsule &c, std::int32_t y)

@@ -54,6 +54,7 @@ private:
     bool CoveredRow(const Capsule &c, std::int32_t y, std::int64_t &left,
                     std::int64_t &right) const;
     void AddRow(const Capsule &c, std::int32_t y);
+    void AddSlantedRows(const Capsule &c, std::int64_t top, std::int64_t bottom);
     // Adds pixels left .. right of row y, clipped to the bounds.
     void Emit(std::int64_t y, std::int64_t left, std::int64_t right);
     // A short segment's pixels, stamped from the set worked out for its direction.

@@ -32,6 +32,15 @@ const TUnitCircle &UnitCircle()
     return circle;
 }
 
+// Halves to even, as nearbyint does in the default rounding mode; a value beyond the result's
+// range keeps the low 32 bits of its 64-bit rounding, as it always has.
+std::int32_t RoundOutline(double v)
+{
+    if (v > -2147483648.0 && v < 2147483647.0)
+        return RoundEven(v);
+    return std::int32_t(std::lrint(v));
+}
+
 } // namespace
 
 std::array<TPoint, 73> TMyEllipse::OutlinePoints() const
@@ -48,9 +57,7 @@ std::array<TPoint, 73> TMyEllipse::OutlinePoints() const
     for (std::size_t i = 0; i < pts.size(); ++i) {
         const double u = a * unit.Sin[i];
         const double v = b * unit.Cos[i];
-        // Halves to even, as nearbyint does in the default rounding mode, without its cost.
-        pts[i] = {std::int32_t(std::lrint(u * c - v * s + centre.X)),
-                  std::int32_t(std::lrint(u * s + v * c + centre.Y))};
+        pts[i] = {RoundOutline(u * c - v * s + centre.X), RoundOutline(u * s + v * c + centre.Y)};
     }
     return pts;
 }

@@ -171,10 +171,32 @@ void TMyCAD::DrawAllShape(TCanvas &canvas, const TRect &rect)
     DrawListedShapes(canvas, m_DrawList);
 }
 
+namespace {
+
+// Shapes lie apart in memory, and a big repaint draws tens of thousands of them: waiting for
+// every one to arrive from memory costs more than drawing most of them. The drawing loop asks
+// for the shapes a few places ahead: the object first, its points once the object is there.
+constexpr std::size_t ShapesAhead = 8;
+constexpr std::size_t ShapePointsAhead = 4;
+
+void PrefetchShape(const TMyShape *shape)
+{
+    const auto *bytes = reinterpret_cast<const char *>(shape);
+    for (std::size_t at = 0; at < sizeof(TMyShape); at += 64)
+        __builtin_prefetch(bytes + at);
+}
+
+} // namespace
+
 void TMyCAD::DrawListedShapes(TCanvas &canvas, const std::vector<std::int32_t> &list)
 {
-    for (const std::int32_t no : list) {
-        TMyShape *shape = m_Shapes[std::size_t(no)].get();
+    const auto shapeAt = [&](std::size_t i) { return m_Shapes[std::size_t(list[i])].get(); };
+    for (std::size_t i = 0; i < list.size(); ++i) {
+        if (i + ShapesAhead < list.size())
+            PrefetchShape(shapeAt(i + ShapesAhead));
+        if (i + ShapePointsAhead < list.size())
+            __builtin_prefetch(shapeAt(i + ShapePointsAhead)->Points().data());
+        TMyShape *shape = shapeAt(i);
         if (shape->Visible())
             DrawShapeTree(canvas, shape, 0);
     }

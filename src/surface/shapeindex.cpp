@@ -209,6 +209,10 @@ std::vector<std::int32_t> TMyCAD::ShapesInRect(const TRect &rect)
     EnsureIndex();
     const double z = m_Zoom;
     m_Index->Query(m_Index->QueryBox(rect), numbers);
+    // Sorted first: the tests then visit the entries in the order they are stored, and the
+    // shapes mostly in the order they were made, which matters when the answer holds tens of
+    // thousands of them.
+    std::sort(numbers.begin(), numbers.end());
     const std::vector<std::int32_t> layers = VisibleLayerIds(m_Layers);
     std::erase_if(numbers, [&](std::int32_t no) {
         const TShapeIndex::TEntry &entry = m_Index->Entry(no);
@@ -216,7 +220,6 @@ std::vector<std::int32_t> TMyCAD::ShapesInRect(const TRect &rect)
         return shape->ParentNo() != -1 || !Contains(layers, shape->LayerId()) ||
                !entry.Extent.ScreenRect(z).Intersects(rect);
     });
-    std::sort(numbers.begin(), numbers.end());
     return numbers;
 }
 

@@ -6,8 +6,11 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cfenv>
 #include <cmath>
 #include <numbers>
+#include <random>
+#include <vector>
 
 namespace tessal {
 namespace {
@@ -42,6 +45,30 @@ TEST(Geometry, ConversionsRoundHalvesToEven)
     EXPECT_EQ(GetPointsLTRB({MyPoint(3, -1), MyPoint(-2, 5), MyPoint(4, 2)}),
               (TMyRect{-2, -1, 4, 5}));
     EXPECT_EQ(GetPointsLTRB({MyPoint(7, 8)}), (TMyRect{7, 8, 7, 8}));
+}
+
+// The rounding is done without the library; it must agree with it on halves, on values next
+// to the ends of the range, and under another rounding mode.
+TEST(Geometry, RoundEvenAgreesWithTheLibraryRounding)
+{
+    std::mt19937 rng(99);
+    std::uniform_int_distribution<int> magnitude(0, 31);
+    std::uniform_real_distribution<double> unit(-1, 1);
+    std::vector<double> values{0.5,           -0.5,         1.5,           -2.5, 2147483646.5,
+                               -2147483647.5, 2147483646.9, -2147483647.9, -0.0};
+    for (int i = 0; i < 20000; ++i) {
+        const double v = unit(rng) * std::ldexp(1.0, magnitude(rng));
+        values.push_back(i % 2 ? v : std::floor(v) + 0.5);
+    }
+    for (const int mode : {FE_TONEAREST, FE_UPWARD}) {
+        std::fesetround(mode);
+        for (const double v : values) {
+            if (std::abs(std::nearbyint(v)) >= 2147483648.0)
+                continue;
+            ASSERT_EQ(RoundEven(v), std::int32_t(std::nearbyint(v))) << v << " mode " << mode;
+        }
+    }
+    std::fesetround(FE_TONEAREST);
 }
 
 TEST(Geometry, AngleNormalisation)
