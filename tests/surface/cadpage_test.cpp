@@ -34,11 +34,15 @@ const TStyleSize PortraitSizes[] = {
 
 } // namespace
 
+// Each style in each orientation: its sizes, the control's size at two zooms, and the style
+// that the sizes name, which only the current orientation's sizes do.
 TEST(CadPage, StylesSizeTheControlInBothOrientations)
 {
     TMyCAD cad;
     const int dpi = cad.logicalDpiX();
     EXPECT_EQ(cad.size(), QSize(Pixels(210, 1, dpi), Pixels(297, 1, dpi)));
+    EXPECT_EQ(cad.GetPageStyleByWH(0, 0), TPageStyle::CustomerPage);
+    EXPECT_EQ(cad.GetPageStyleByWH(210, 296), TPageStyle::CustomerPage);
     for (const double zoom : {1.0, 2.0}) {
         cad.SetZoom(zoom);
         for (const TStyleSize &s : PortraitSizes)
@@ -53,6 +57,8 @@ TEST(CadPage, StylesSizeTheControlInBothOrientations)
                 EXPECT_EQ(cad.PageHeight(), h);
                 EXPECT_EQ(cad.size(), QSize(Pixels(w, zoom, dpi), Pixels(h, zoom, dpi)));
                 EXPECT_EQ(cad.PageStyle(), s.Style);
+                EXPECT_EQ(cad.GetPageStyleByWH(w, h), s.Style);
+                EXPECT_EQ(cad.GetPageStyleByWH(h, w), TPageStyle::CustomerPage);
             }
     }
     // Turning the page swaps the sizes of the current style.
@@ -63,39 +69,16 @@ TEST(CadPage, StylesSizeTheControlInBothOrientations)
     EXPECT_EQ(cad.PageHeight(), 210u);
     EXPECT_EQ(cad.width(), Pixels(297, 2, dpi));
     EXPECT_FALSE(cad.IsBusy());
-}
-
-TEST(CadPage, CustomerPageKeepsSizeAndControl)
-{
-    TMyCAD cad;
+    // A customer page keeps its sizes and the control's size.
     cad.SetPageWidth(100);
     cad.SetPageHeight(50);
-    const int dpi = cad.logicalDpiX();
-    EXPECT_EQ(cad.size(), QSize(Pixels(100, 1, dpi), Pixels(50, 1, dpi)));
+    EXPECT_EQ(cad.size(), QSize(Pixels(100, 2, dpi), Pixels(50, 2, dpi)));
     cad.resize(40, 30);
     cad.SetPageStyle(TPageStyle::CustomerPage);
     EXPECT_EQ(cad.PageStyle(), TPageStyle::CustomerPage);
     EXPECT_EQ(cad.PageWidth(), 100u);
     EXPECT_EQ(cad.PageHeight(), 50u);
     EXPECT_EQ(cad.size(), QSize(40, 30));
-}
-
-TEST(CadPage, StyleByWidthAndHeight)
-{
-    TMyCAD cad;
-    EXPECT_EQ(cad.GetPageStyleByWH(0, 0), TPageStyle::CustomerPage);
-    EXPECT_EQ(cad.GetPageStyleByWH(210, 296), TPageStyle::CustomerPage);
-    // Only the current orientation's sizes name a style.
-    for (const bool landscape : {false, true}) {
-        cad.SetPageOrientation(landscape ? TPrinterOrientation::poLandscape
-                                         : TPrinterOrientation::poPortrait);
-        for (const TStyleSize &s : PortraitSizes) {
-            const std::uint32_t w = landscape ? s.Height : s.Width;
-            const std::uint32_t h = landscape ? s.Width : s.Height;
-            EXPECT_EQ(cad.GetPageStyleByWH(w, h), s.Style) << w << " x " << h;
-            EXPECT_EQ(cad.GetPageStyleByWH(h, w), TPageStyle::CustomerPage) << h << " x " << w;
-        }
-    }
 }
 
 TEST(CadPage, ZoomResizesAndRemembersThePreviousZoom)
