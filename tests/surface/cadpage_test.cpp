@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
-// Page styles, orientation, zoom and the control size they give; reported coordinates.
+// Page styles, orientation, zoom and the control size they give; reported coordinates and
+// the labels that show them.
 #include <tessal/surface/cad.h>
 
 #include <gtest/gtest.h>
 
 #include <QEvent>
+#include <QLabel>
 #include <QWidget>
 
 #include <cmath>
@@ -158,6 +160,16 @@ TEST(CadPage, ReportedPointsFollowXYMode)
         cad.SetXYMode(r.Mode);
         EXPECT_EQ(cad.ReportPoint(30, 10), r.Expected) << int(r.Mode);
     }
+    // Labels, when attached, show a reported position and a readout as given.
+    cad.UpdateLabelXY(3, 4);
+    QLabel xy;
+    QLabel value;
+    cad.SetLabelXY(&xy);
+    cad.SetLabelValue(&value);
+    cad.UpdateLabelXY(-12, 340);
+    cad.UpdateLabelValue(QStringLiteral("    12.70 mm"));
+    EXPECT_EQ(xy.text(), QStringLiteral("-12, 340"));
+    EXPECT_EQ(value.text(), QStringLiteral("    12.70 mm"));
     // The host view that shapes mirror with.
     TShapeHost &host = cad;
     EXPECT_EQ(host.ControlWidth(), 200);

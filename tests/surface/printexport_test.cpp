@@ -210,9 +210,12 @@ TEST(PrintExport, SelectionPicturesAndFailuresThatKeepTheOldFile)
     const QImage expected = cad.SelectionImage().convertToFormat(QImage::Format_RGB32);
     EXPECT_EQ(QImage(png).convertToFormat(QImage::Format_RGB32), expected);
     EXPECT_EQ(expected.pixelColor(expected.width() / 2, expected.height() / 2), QColor(Qt::blue));
+    // As SVG: figures, not a picture, over the same size.
     const QString svg = dir.filePath(QStringLiteral("sel.svg"));
     ASSERT_TRUE(cad.SaveToSvg(svg, TExportArea::Selection));
     EXPECT_EQ(QSvgRenderer(svg).viewBox().size(), expected.size());
+    EXPECT_FALSE(Head(svg, 1 << 20).contains("<image"));
+    EXPECT_TRUE(Head(svg, 1 << 20).contains("<path"));
     const QString pdf = dir.filePath(QStringLiteral("sel.pdf"));
     ASSERT_TRUE(cad.SaveToPdf(pdf, TExportArea::Selection));
     EXPECT_EQ(PdfPageCount(pdf), 1);
