@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Drawings inserted as blocks (size rule, settings, layer modes, older layouts, damaged
 // input) and library entries placed into a drawing.
+#include "common/files.h"
 #include "recordfixture.h"
 #include "surface/documenthelpers.h"
 
@@ -184,11 +185,9 @@ TEST(Block, OlderLayoutsAreReadAsSuchAndDamagedBlocksInsertNothing)
     }
     EXPECT_FALSE(LoadBlock(cad, Start("XP.j", -1, 5).Data(), TBlockLayerMode::Merge));
     QTemporaryDir dir;
-    QFile foreign(dir.filePath(QStringLiteral("foreign")));
-    ASSERT_TRUE(foreign.open(QIODevice::WriteOnly));
-    foreign.write(QByteArray(300, 'x'));
-    foreign.close();
-    EXPECT_FALSE(cad.AddBlockfromZEDAFile(foreign.fileName(), TBlockLayerMode::Merge));
+    const QString foreign = dir.filePath(QStringLiteral("foreign"));
+    ASSERT_TRUE(test::WriteFile(foreign, QByteArray(300, 'x')));
+    EXPECT_FALSE(cad.AddBlockfromZEDAFile(foreign, TBlockLayerMode::Merge));
     EXPECT_EQ(cad.GetShapesCount(), 1);
     EXPECT_EQ(cad.UndoRedoShapeList().size(), 1u);
     EXPECT_FALSE(cad.IsLoading());
@@ -284,9 +283,7 @@ TEST(Block, CancelledOrDamagedBlocksLeaveTheDrawingAsItWas)
     cad.SetOnProgress({});
 
     // Cut short past the settings: nothing of the block is taken over either.
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    const QByteArray bytes = file.readAll();
+    const QByteArray bytes = test::ReadFile(path);
     EXPECT_FALSE(LoadBlock(cad, bytes.left(bytes.size() - 5), TBlockLayerMode::Import));
     EXPECT_EQ(cad.GetShapeByNo(0)->Name(), QStringLiteral("Shape0")); // not renamed "A0"
     EXPECT_EQ(Saved(cad), before);

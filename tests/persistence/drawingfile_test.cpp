@@ -2,6 +2,7 @@
 // Drawing files: exact bytes of the header and body, what a load restores, the failure
 // rules, damaged input, and a picture that survives a save and a load.
 #include "../common/imagecompare.h"
+#include "common/files.h"
 #include "recordfixture.h"
 
 #include <tessal/shapes/image.h>
@@ -198,9 +199,7 @@ TEST(DrawingFile, FilesAreCheckedBeforeLoadingAndReplacedOnlyWhenComplete)
     ASSERT_TRUE(cad.SaveToFile(path));
     EXPECT_FALSE(cad.Modified());
     EXPECT_TRUE(TMyCAD::IsZEDAFile(path));
-    QFile written(path);
-    ASSERT_TRUE(written.open(QIODevice::ReadOnly));
-    EXPECT_EQ(written.readAll(), SavedDrawing(cad));
+    EXPECT_EQ(test::ReadFile(path), SavedDrawing(cad));
 
     cad.SetModified(true);
     EXPECT_FALSE(cad.SaveToFile(dir.filePath(QStringLiteral("missing/b.drawing"))));
@@ -208,10 +207,7 @@ TEST(DrawingFile, FilesAreCheckedBeforeLoadingAndReplacedOnlyWhenComplete)
     EXPECT_FALSE(cad.LastError().isEmpty());
 
     const QString other = dir.filePath(QStringLiteral("other.bin"));
-    QFile bad(other);
-    ASSERT_TRUE(bad.open(QIODevice::WriteOnly));
-    bad.write(Bytes().Fixed("Tessal Componen", 64).Data());
-    bad.close();
+    ASSERT_TRUE(test::WriteFile(other, Bytes().Fixed("Tessal Componen", 64)));
     EXPECT_FALSE(TMyCAD::IsZEDAFile(other));
     EXPECT_FALSE(cad.LoadFromFile(other));
     EXPECT_EQ(cad.GetShapesCount(), 1);
@@ -233,9 +229,7 @@ TEST(DrawingFile, SampleFilesLoad)
         TMyCAD cad;
         ASSERT_TRUE(cad.LoadFromFile(dir.filePath(name))) << cad.LastError().toStdString();
         if (cad.DiskFileVersion() == QLatin1String("XP.j")) {
-            QFile file(dir.filePath(name));
-            ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-            EXPECT_EQ(SavedDrawing(cad), file.readAll());
+            EXPECT_EQ(SavedDrawing(cad), test::ReadFile(dir.filePath(name)));
         }
     }
 }
@@ -330,10 +324,7 @@ TEST(DrawingFile, ProgressIsReportedAndCancellingChangesNothing)
     EXPECT_EQ(cancelSave.Calls.size(), 2u);
     EXPECT_TRUE(other.Modified());
     EXPECT_FALSE(other.LastError().isEmpty());
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(file.readAll(), bigBytes);
-    file.close();
+    EXPECT_EQ(test::ReadFile(path), bigBytes);
 
     // A load cancelled at any report leaves the drawing, its selection and its undo steps.
     TMyCAD cad;

@@ -2,6 +2,7 @@
 // Shape libraries: entry bytes built from the layout table, normalisation to the box, the
 // tag table, upgrades of hand-built old libraries, edits that leave other entries alone,
 // damaged input and the preview picture.
+#include "common/files.h"
 #include "recordfixture.h"
 
 #include <tessal/persistence/library.h>
@@ -131,9 +132,7 @@ TEST(Library, OneEntryByteForByteAndBackAtNominalSize)
     QTemporaryDir dir;
     const QString path = dir.filePath("lib.lib");
     ASSERT_TRUE(TLibManager().SaveToFile(path));
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(file.readAll(), QByteArray("ZEDALIBX.j"));
+    EXPECT_EQ(test::ReadFile(path), QByteArray("ZEDALIBX.j"));
 }
 
 TEST(Library, BoxLeavesOutLinkPointsAndRoundsHalfToEven)
@@ -195,10 +194,7 @@ TEST(Library, TagTestsAndRecordVersions)
         IsZEDALibFileXA, IsZEDALibFileXE, IsZEDALibFileXH,  IsZEDALibFileXI, IsOLDZEDALibFile};
     for (std::size_t t = 0; t < std::size(tags); ++t) {
         const QString path = dir.filePath(QString::number(t));
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(tags[t]);
-        file.close();
+        ASSERT_TRUE(test::WriteFile(path, tags[t]));
         for (std::size_t f = 0; f < std::size(tests); ++f)
             EXPECT_EQ(tests[f](path), expected[t][f] != '.') << tags[t] << " test " << f;
     }

@@ -2,6 +2,8 @@
 // Saves that the system refuses (a full device, a folder without write permission) answer
 // false with the system's reason and leave the old file as it was. As root the second runs in
 // a child process that has become an unprivileged user.
+#include "common/files.h"
+
 #include <tessal/persistence/library.h>
 #include <tessal/surface/cad.h>
 
@@ -46,19 +48,6 @@ std::vector<Document> Documents()
                  reason = lib.LastError();
                  return ok;
              }}};
-}
-
-QByteArray Contents(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(unreadable)");
-}
-
-void Put(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    ASSERT_EQ(file.write(bytes), bytes.size());
 }
 
 // What a save in a child process answered: whether it succeeded and its reason. Empty
@@ -108,7 +97,7 @@ protected:
     {
         ASSERT_TRUE(m_Dir.isValid());
         m_Old = m_Dir.filePath(QStringLiteral("old.file"));
-        ASSERT_NO_FATAL_FAILURE(Put(m_Old, m_OldBytes));
+        ASSERT_TRUE(test::WriteFile(m_Old, m_OldBytes));
     }
 
     // The save failed for the given reason and the old file is untouched, with no
@@ -118,7 +107,7 @@ protected:
         EXPECT_FALSE(saved);
         EXPECT_TRUE(reason.contains(QLatin1String(why), Qt::CaseInsensitive))
             << reason.toStdString();
-        EXPECT_EQ(Contents(m_Old), m_OldBytes);
+        EXPECT_EQ(test::ReadFile(m_Old), m_OldBytes);
         EXPECT_EQ(QDir(m_Dir.path()).entryList(QDir::Files),
                   QStringList{QStringLiteral("old.file")});
     }

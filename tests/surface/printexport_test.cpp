@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Picture files and printing: every format decodes to the page as drawn at zoom 1, whatever
 // the zoom on screen; failures keep the old file; printing fills the expected sheets.
+#include "common/files.h"
 #include "documenthelpers.h"
 
 #include <tessal/geometry/metafile_p.h>
@@ -54,8 +55,7 @@ int PdfPageCount(const QString &path)
 
 QByteArray Head(const QString &path, int n)
 {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.read(n) : QByteArray();
+    return tessal::test::ReadFile(path).left(n);
 }
 
 std::uint32_t U16(const QByteArray &b, qsizetype at)
@@ -172,10 +172,10 @@ TEST(PrintExport, PicturesShowThePageAtZoomOneWhateverTheScreenZoom)
 #if defined(TESSAL_HAVE_UEMF) && defined(TESSAL_HAVE_WMF)
     // With the writer's library in the process, the reader's still calls its own functions:
     // a metafile with text makes it map a font through a function both libraries name alike.
-    QFile text(QStringLiteral(TESSAL_TEST_DATA_DIR "/pictures/text_with_font.wmf"));
-    ASSERT_TRUE(text.open(QIODevice::ReadOnly));
     QString reason;
-    detail::DecodePicture(text.readAll(), QStringLiteral("WMF"), reason);
+    detail::DecodePicture(
+        tessal::test::ReadFile(QStringLiteral(TESSAL_TEST_DATA_DIR "/pictures/text_with_font.wmf")),
+        QStringLiteral("WMF"), reason);
 #endif
 }
 
@@ -185,10 +185,7 @@ TEST(PrintExport, SelectionPicturesAndFailuresThatKeepTheOldFile)
     BuildDrawing(cad);
     QTemporaryDir dir;
     const QString png = dir.filePath(QStringLiteral("sel.png"));
-    QFile old(png);
-    ASSERT_TRUE(old.open(QIODevice::WriteOnly));
-    old.write("old contents");
-    old.close();
+    ASSERT_TRUE(tessal::test::WriteFile(png, "old contents"));
 
     cad.ClearWorkingShapes();
     for (const QString suffix : {"png", "svg", "pdf", "bmp"}) {
