@@ -10,11 +10,13 @@
 
 #include <gtest/gtest.h>
 
+#include <QBuffer>
 #include <QDir>
 #include <QFile>
 #include <QPainter>
 #include <QPrinter>
 #include <QRegularExpression>
+#include <QSvgGenerator>
 #include <QSvgRenderer>
 #include <QTemporaryDir>
 
@@ -177,6 +179,41 @@ TEST(PrintExport, PicturesShowThePageAtZoomOneWhateverTheScreenZoom)
         tessal::test::ReadFile(QStringLiteral(TESSAL_TEST_DATA_DIR "/pictures/text_with_font.wmf")),
         QStringLiteral("WMF"), reason);
 #endif
+}
+
+// Any paint device takes the page as figures; without the grid unless asked for.
+TEST(PrintExport, RenderToAVectorDeviceLeavesTheGridOutUnlessAsked)
+{
+    TMyCAD cad;
+    cad.resize(120, 90);
+    TBrush brush;
+    brush.Color = clBlue;
+    cad.SetBrush(brush);
+    AddRectangle(cad, 20, 20, 80, 60);
+    cad.ClearWorkingShapes();
+    for (const bool grid : {false, true}) {
+        QByteArray svg;
+        {
+            QBuffer buffer(&svg);
+            buffer.open(QIODevice::WriteOnly);
+            QSvgGenerator generator;
+            generator.setOutputDevice(&buffer);
+            generator.setSize(QSize(120, 90));
+            generator.setViewBox(QRect(0, 0, 120, 90));
+            ASSERT_TRUE(grid ? cad.RenderTo(&generator, TRect(0, 0, 120, 90), true)
+                             : cad.RenderTo(&generator, TRect(0, 0, 120, 90)));
+        }
+        EXPECT_FALSE(svg.contains("<image"));
+        QImage page(120, 90, QImage::Format_RGB32);
+        page.fill(Qt::magenta);
+        QPainter painter(&page);
+        QSvgRenderer(svg).render(&painter, QRectF(0, 0, 120, 90));
+        EXPECT_EQ(page.pixelColor(50, 40), QColor(Qt::blue)) << "the fill";
+        EXPECT_EQ(page.pixelColor(20, 40), QColor(Qt::black)) << "the outline";
+        EXPECT_EQ(page.pixelColor(110, 5), QColor(Qt::white)) << "the background";
+        // Grid lines every 20 pixels: x = 100 is one.
+        EXPECT_EQ(page.pixelColor(100, 70) != QColor(Qt::white), grid);
+    }
 }
 
 TEST(PrintExport, SelectionPicturesAndFailuresThatKeepTheOldFile)

@@ -8,7 +8,9 @@
 using namespace tessal;
 using namespace tessal::test;
 
-TEST(Undo, EvictionKeepsStepsNumberedFromZero)
+// Steps are numbered from zero whatever was evicted; a smaller limit waits until the history
+// shrinks to it, a limit of 0 records nothing.
+TEST(Undo, EvictionNumberingAndSizeLimits)
 {
     TMyCAD cad;
     ASSERT_EQ(cad.UndoRedoSize(), 10);
@@ -16,9 +18,8 @@ TEST(Undo, EvictionKeepsStepsNumberedFromZero)
         AddRectangle(cad, float(i), 0, float(i) + 5, 5);
     const auto &list = cad.UndoRedoShapeList();
     ASSERT_EQ(list.size(), 10u);
-    for (int i = 0; i < 10; ++i) {
+    for (int i = 0; i < 10; ++i) { // the first shape's step was evicted
         EXPECT_EQ(list[std::size_t(i)].Step, i);
-        // The first shape's step was evicted.
         EXPECT_EQ(list[std::size_t(i)].Copy->ShapeId(), i + 1);
         EXPECT_EQ(list[std::size_t(i)].ShapeName, QStringLiteral("Shape%1").arg(i + 1));
     }
@@ -28,33 +29,24 @@ TEST(Undo, EvictionKeepsStepsNumberedFromZero)
     ASSERT_EQ(cad.GetShapesCount(), 1);
     EXPECT_EQ(cad.GetShapeByNo(0)->ShapeId(), 0);
     EXPECT_EQ(cad.PopFromUndoRedoShapeList(), -1);
-    EXPECT_EQ(cad.GetShapesCount(), 1);
-}
 
-TEST(Undo, SizeLimitsAndSwitchingOff)
-{
-    TMyCAD cad;
     for (int i = 0; i < 10; ++i)
         AddRectangle(cad, 0, 0, 5, 5);
-    // A smaller limit does not trim a longer history: eviction waits for equality.
     cad.SetUndoRedoSize(4);
     AddRectangle(cad, 0, 0, 5, 5);
     EXPECT_EQ(StepCount(cad), 11);
-    EXPECT_EQ(cad.UndoRedoShapeList().front().Copy->ShapeId(), 0);
-
+    EXPECT_EQ(list.front().Copy->ShapeId(), 11);
     cad.SetUndoRedoSize(0);
-    EXPECT_TRUE(cad.UndoRedoShapeList().empty());
+    EXPECT_TRUE(list.empty());
     AddRectangle(cad, 0, 0, 5, 5);
-    EXPECT_TRUE(cad.UndoRedoShapeList().empty());
+    EXPECT_TRUE(list.empty());
     EXPECT_EQ(cad.PopFromUndoRedoShapeList(), -1);
-    EXPECT_EQ(cad.GetShapesCount(), 12);
-
-    // Limit 3: the fourth step evicts the first.
-    cad.SetUndoRedoSize(3);
+    EXPECT_EQ(cad.GetShapesCount(), 13);
+    cad.SetUndoRedoSize(3); // the fourth step evicts the first
     for (int i = 0; i < 4; ++i)
         AddRectangle(cad, 0, 0, 5, 5);
     ASSERT_EQ(StepCount(cad), 3);
-    EXPECT_EQ(cad.UndoRedoShapeList().front().Copy->ShapeId(), 13);
+    EXPECT_EQ(list.front().Copy->ShapeId(), 24);
 }
 
 // A group with two members joined by a connector, deleted in one step: one take-back
