@@ -45,19 +45,6 @@ std::string Describe(const std::vector<TRulerTick> &ticks, std::size_t count)
 
 } // namespace
 
-TEST(RulerScale, UnitsConvertAtTheScreenResolution)
-{
-    EXPECT_DOUBLE_EQ(PixelsPerUnit(TUnits::pixel, 96), 1);
-    EXPECT_DOUBLE_EQ(PixelsPerUnit(TUnits::mm, 96), 96 / 25.4);
-    EXPECT_DOUBLE_EQ(PixelsPerUnit(TUnits::cm, 96), 96 / 2.54);
-    EXPECT_DOUBLE_EQ(PixelsPerUnit(TUnits::dm, 96), 96 / 0.254);
-    EXPECT_DOUBLE_EQ(PixelsPerUnit(TUnits::m, 96), 96 / 0.0254);
-    EXPECT_DOUBLE_EQ(PixelsPerUnit(TUnits::inch, 120), 120);
-    EXPECT_EQ(NextUnit(TUnits::pixel), TUnits::mm);
-    EXPECT_EQ(NextUnit(TUnits::inch), TUnits::pixel);
-    EXPECT_EQ(UnitSymbol(TUnits::inch), QStringLiteral("in"));
-}
-
 TEST(RulerScale, StepsAreTheSmallestOneTwoFiveThatFitTheLabels)
 {
     struct TCase
