@@ -221,22 +221,3 @@ TEST(CadProperties, ColorOfHotLeavesProcessColourUntilSet)
     }
     SetHotColor(before);
 }
-
-TEST(CadProperties, EnabledAndVisibleForwardToTheWidget)
-{
-    TMyCAD cad;
-    cad.SetEnabled(false);
-    EXPECT_FALSE(cad.isEnabled());
-    EXPECT_FALSE(cad.Enabled());
-    cad.setEnabled(true);
-    EXPECT_TRUE(cad.Enabled());
-
-    cad.show();
-    EXPECT_TRUE(cad.Visible());
-    cad.SetVisible(false);
-    EXPECT_TRUE(cad.isHidden());
-    EXPECT_FALSE(cad.Visible());
-    cad.setVisible(true);
-    EXPECT_TRUE(cad.Visible());
-    EXPECT_TRUE(cad.isVisible());
-}
