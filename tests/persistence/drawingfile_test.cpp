@@ -30,12 +30,9 @@ using test::TProgressLog;
 
 Bytes Header(const QByteArray &version = "XP.j")
 {
-    return Bytes()
-        .Fixed("Tessal Component", 64)
-        .Fixed("Tessal drawing component for C++ and Qt applications", 64)
-        .Fixed(version, 16)
-        .Fixed("20091209", 10)
-        .Fixed("", 64);
+    Bytes b = Bytes().Fixed("Tessal Component", 64);
+    b.Fixed("Tessal drawing component for C++ and Qt applications", 64).Fixed(version, 16);
+    return b.Fixed("20091209", 10).Fixed("", 64);
 }
 
 // Colour, size, unit, no background picture, its mode and the ratio.

@@ -95,15 +95,8 @@ TEST(Library, OneEntryByteForByteAndBackAtNominalSize)
     TMyShape *list[] = {rect.get()};
     ASSERT_TRUE(lib.AppendNewShape("Door", list, data));
 
-    const Bytes body = Bytes()
-                           .I32(100)
-                           .I32(50)
-                           .I32(1)
-                           .Text("owner")
-                           .Text("me")
-                           .I32(1)
-                           .Fixed("TMyRectangle", 16)
-                           .Append(Record(Unit, {}, {0.5f, 0.5f}));
+    Bytes body = Bytes().I32(100).I32(50).I32(1).Text("owner").Text("me").I32(1);
+    body.Fixed("TMyRectangle", 16).Append(Record(Unit, {}, {0.5f, 0.5f}));
     EXPECT_EQ(lib.Buffer(), Bytes().Raw("ZEDALIBX.j").Append(Entry("Door", body)).Data());
     // The caller's shape is left as it was.
     EXPECT_EQ(rect->Name(), QStringLiteral("Shape7"));
@@ -144,14 +137,9 @@ TEST(Library, BoxLeavesOutLinkPointsAndRoundsHalfToEven)
                        {{130, 55}}, {0, 0});
     TMyShape *only[] = {mark.get()};
     ASSERT_TRUE(lib.AppendNewShape("Pin", only, {}));
-    const Bytes pinBody = Bytes()
-                              .I32(1)
-                              .I32(1)
-                              .I32(0)
-                              .I32(1)
-                              .Fixed("TMyLinkPoint", 16)
-                              .Append(Record(mark->Points(), {{130, 55}}, {0, 0}))
-                              .U8(static_cast<TMyLinkPoint &>(*mark).Size());
+    Bytes pinBody = Bytes().I32(1).I32(1).I32(0).I32(1).Fixed("TMyLinkPoint", 16);
+    pinBody.Append(Record(mark->Points(), {{130, 55}}, {0, 0}));
+    pinBody.U8(static_cast<TMyLinkPoint &>(*mark).Size());
     EXPECT_EQ(EntryBytes(lib, "Pin"), Entry("Pin", pinBody).Data());
 
     // With a rectangle the box is the rectangle's; the link point lies beyond it.
