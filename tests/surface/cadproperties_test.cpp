@@ -143,6 +143,9 @@ TEST(CadProperties, PublishedOrderConstructionValuesAndHandlers)
     EXPECT_EQ(cad.GetShapesCount(), 0);
     EXPECT_EQ(cad.ShapeIdCounter(), 0);
     EXPECT_FALSE(cad.IsBusy());
+    // Enabled is the widget's own flag.
+    cad.setEnabled(false);
+    EXPECT_FALSE(cad.Enabled());
 }
 
 TEST(CadProperties, GridObjectDefaultsAndAssign)
