@@ -2,6 +2,7 @@
 // tessal-cli lib: listing and dumping entries of a library written by TLibManager, and the
 // upgrade chain on a library built byte by byte in an older layout.
 #include "clitool.h"
+#include "common/files.h"
 
 #include <tessal/persistence/library.h>
 #include <tessal/shapes/shape.h>
@@ -24,18 +25,6 @@ QByteArray Int32(std::int32_t value)
     QByteArray bytes(4, '\0');
     qToLittleEndian(value, bytes.data());
     return bytes;
-}
-
-bool WriteFile(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
-
-QByteArray ReadFile(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The editor dialogs, on their own and opened from the grid's "..." button.
+#include "common/files.h"
 #include "inspectorhelpers.h"
 
 #include <tessal/inspector/listdialogs.h>
@@ -35,7 +36,7 @@ public:
 namespace {
 
 // Presses the "..." button of a cell's dialog editor.
-void PressDots(TInspectorGrid *grid, const QStringList &path)
+void PressDots(TInspectorGrid *grid, const QString &path)
 {
     auto *cell = qobject_cast<TDialogCellEditor *>(OpenEditor(grid, path));
     ASSERT_TRUE(cell);
@@ -56,7 +57,7 @@ TEST(InspectorDialogs, PenStringsSetsAndUserDataFromTheGrid)
         d->StyleBox()->setCurrentIndex(d->StyleBox()->findText(QStringLiteral("psDash")));
         d->accept();
     });
-    PressDots(grid, {QStringLiteral("Pen")});
+    PressDots(grid, QStringLiteral("Pen"));
     EXPECT_EQ(doc.A()->Pen().Width, 3);
     EXPECT_EQ(doc.A()->Pen().Style, TPenStyle::psDash);
     EXPECT_EQ(doc.UndoSteps(), 1u);
@@ -66,7 +67,7 @@ TEST(InspectorDialogs, PenStringsSetsAndUserDataFromTheGrid)
         d->StyleBox()->setCurrentIndex(1);
         d->reject();
     });
-    PressDots(grid, {QStringLiteral("Brush")});
+    PressDots(grid, QStringLiteral("Brush"));
     EXPECT_EQ(doc.A()->Brush().Style, TBrushStyle::bsSolid);
     EXPECT_EQ(doc.UndoSteps(), 1u);
 
@@ -74,7 +75,7 @@ TEST(InspectorDialogs, PenStringsSetsAndUserDataFromTheGrid)
         d->Editor()->setPlainText(QStringLiteral("first\nsecond"));
         d->accept();
     });
-    PressDots(grid, {QStringLiteral("MultiInfo")});
+    PressDots(grid, QStringLiteral("MultiInfo"));
     EXPECT_EQ(doc.A()->MultiInfo(),
               (QStringList{QStringLiteral("first"), QStringLiteral("second")}));
 
@@ -83,16 +84,15 @@ TEST(InspectorDialogs, PenStringsSetsAndUserDataFromTheGrid)
         d->Box(2)->setChecked(true); // fsUnderline
         d->accept();
     });
-    PressDots(grid, {QStringLiteral("Font"), QStringLiteral("Style")});
+    PressDots(grid, QStringLiteral("Font/Style"));
     EXPECT_EQ(doc.A()->Font().Style, fsBold | fsUnderline);
-    EXPECT_EQ(Shown(grid, {QStringLiteral("Font"), QStringLiteral("Style")}),
-              QStringLiteral("[fsBold, fsUnderline]"));
+    EXPECT_EQ(Shown(grid, QStringLiteral("Font/Style")), QStringLiteral("[fsBold, fsUnderline]"));
 
     WhenModal<TUserKeyFrm>([](TUserKeyFrm *d) {
         d->AppendRow(QStringLiteral("owner"), QStringLiteral("tessal"));
         d->accept();
     });
-    PressDots(grid, {QStringLiteral("UserData")});
+    PressDots(grid, QStringLiteral("UserData"));
     EXPECT_EQ(doc.A()->UserData().GetValueByKey(QStringLiteral("owner")), QStringLiteral("tessal"));
     EXPECT_EQ(doc.UndoSteps(), 4u);
 
@@ -112,10 +112,7 @@ TEST(InspectorDialogs, PictureLoadsPreviewsAndRefusesBadFiles)
     image.fill(Qt::blue);
     ASSERT_TRUE(image.save(good));
     const QString bad = dir.filePath(QStringLiteral("bad.png"));
-    QFile f(bad);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-    f.write("not a picture");
-    f.close();
+    ASSERT_TRUE(WriteFile(bad, "not a picture"));
 
     TPictureDialog dialog{TBitmap()};
     EXPECT_EQ(dialog.Preview()->text(), QStringLiteral("(none)"));
@@ -135,9 +132,9 @@ TEST(InspectorDialogs, PictureLoadsPreviewsAndRefusesBadFiles)
         d->LoadFile(good);
         d->accept();
     });
-    PressDots(doc.Grid(), {QStringLiteral("BkBitmap")});
+    PressDots(doc.Grid(), QStringLiteral("BkBitmap"));
     EXPECT_EQ(doc.Cad->BkBitmap().Image().size(), QSize(40, 20));
-    EXPECT_EQ(Shown(doc.Grid(), {QStringLiteral("BkBitmap")}), QStringLiteral("40 × 20"));
+    EXPECT_EQ(Shown(doc.Grid(), QStringLiteral("BkBitmap")), QStringLiteral("40 × 20"));
 }
 
 TEST(InspectorDialogs, CollectionAddsRemovesAndReorders)
@@ -225,12 +222,12 @@ TEST(InspectorDialogs, MenusAreEditedInPlaceFromTheGrid)
     grid.resize(300, 400);
     grid.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&grid));
-    EXPECT_EQ(Shown(&grid, {QStringLiteral("Popup")}), QStringLiteral("(1 item(s))"));
+    EXPECT_EQ(Shown(&grid, QStringLiteral("Popup")), QStringLiteral("(1 item(s))"));
     WhenModal<TMenuEditorDialog>([](TMenuEditorDialog *d) {
         d->AddItem(QStringLiteral("Paste"));
         d->accept();
     });
-    PressDots(&grid, {QStringLiteral("Popup")});
+    PressDots(&grid, QStringLiteral("Popup"));
     ASSERT_EQ(owner.Popup()->actions().size(), 2);
     EXPECT_EQ(owner.Popup()->actions()[1]->text(), QStringLiteral("Paste"));
 }

@@ -18,18 +18,17 @@ TEST(Inspector, KeyAndMouseEditsAreOneUndoStepEach)
     ASSERT_EQ(doc.Cad->WorkingShapes(), std::vector<TMyShape *>{doc.A()});
     EXPECT_TRUE(doc.Grid()->Title()->text().startsWith(doc.A()->Name()));
 
-    TypeInto(doc.Grid(), {QStringLiteral("Tag")}, QStringLiteral("42"));
+    TypeInto(doc.Grid(), QStringLiteral("Tag"), QStringLiteral("42"));
     EXPECT_EQ(doc.A()->Tag(), 42);
     EXPECT_EQ(doc.B()->Tag(), 0);
     ASSERT_EQ(doc.UndoSteps(), 1u) << doc.Grid()->MessageLabel()->text().toStdString();
     EXPECT_EQ(doc.Cad->UndoRedoShapeList().back().Action, ACT_CHANGE);
-    EXPECT_EQ(Shown(doc.Grid(), {QStringLiteral("Tag")}), QStringLiteral("42"));
+    EXPECT_EQ(Shown(doc.Grid(), QStringLiteral("Tag")), QStringLiteral("42"));
 
     // A nested member through the mouse (a click selects, a second click on the selected
     // value edits it): the pen's width alone changes.
     const TColor colour = doc.A()->Pen().Color;
-    const QModelIndex width =
-        doc.Grid()->ViewIndex({QStringLiteral("Pen"), QStringLiteral("Width")});
+    const QModelIndex width = Row(doc.Grid(), QStringLiteral("Pen/Width"));
     QTreeView *view = doc.Grid()->View();
     view->scrollTo(width);
     QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->visualRect(width).center());
@@ -45,11 +44,11 @@ TEST(Inspector, KeyAndMouseEditsAreOneUndoStepEach)
     EXPECT_EQ(doc.A()->Pen().Width, 5);
     EXPECT_EQ(doc.A()->Pen().Color, colour);
     EXPECT_EQ(doc.UndoSteps(), 2u);
-    EXPECT_EQ(Shown(doc.Grid(), {QStringLiteral("Pen")}).contains(QLatin1String(", 5,")), true);
+    EXPECT_EQ(Shown(doc.Grid(), QStringLiteral("Pen")).contains(QLatin1String(", 5,")), true);
 
     // An enumeration by name: Down in the combo picks the next value.
     auto *combo =
-        qobject_cast<QComboBox *>(OpenEditor(doc.Grid(), {QStringLiteral("MultiInfoAlignment")}));
+        qobject_cast<QComboBox *>(OpenEditor(doc.Grid(), QStringLiteral("MultiInfoAlignment")));
     ASSERT_TRUE(combo);
     EXPECT_EQ(combo->currentText(), QStringLiteral("taLeftJustify"));
     QTest::keyClick(combo, Qt::Key_Down);
@@ -59,7 +58,7 @@ TEST(Inspector, KeyAndMouseEditsAreOneUndoStepEach)
     EXPECT_EQ(doc.UndoSteps(), 3u);
 
     // Writing the value a shape already has records nothing.
-    TypeInto(doc.Grid(), {QStringLiteral("Tag")}, QStringLiteral("42"));
+    TypeInto(doc.Grid(), QStringLiteral("Tag"), QStringLiteral("42"));
     EXPECT_EQ(doc.UndoSteps(), 3u);
 
     // Each step back restores one edit, in reverse order.
@@ -82,27 +81,26 @@ TEST(Inspector, SeveralShapesShowSharedValuesAndTakeEditsTogether)
     doc.ClickShape(doc.B(), Qt::ControlModifier);
     ASSERT_EQ(doc.Cad->WorkingShapes(), (std::vector<TMyShape *>{doc.A(), doc.B()}));
     TInspectorGrid *grid = doc.Grid();
-    const QModelIndex tag = grid->ViewIndex({QStringLiteral("Tag")});
+    const QModelIndex tag = Row(grid, QStringLiteral("Tag"));
     EXPECT_EQ(tag.data().toString(), QString());
     EXPECT_TRUE(tag.data(TPropertyModel::MixedRole).toBool());
-    EXPECT_EQ(Shown(grid, {QStringLiteral("Caption")}), QString()); // "A" and "B"
-    EXPECT_EQ(Shown(grid, {QStringLiteral("Pen"), QStringLiteral("Width")}), QStringLiteral("1"));
-    EXPECT_FALSE(
-        grid->ViewIndex({QStringLiteral("Locked")}).data(TPropertyModel::MixedRole).toBool());
+    EXPECT_EQ(Shown(grid, QStringLiteral("Caption")), QString()); // "A" and "B"
+    EXPECT_EQ(Shown(grid, QStringLiteral("Pen/Width")), QStringLiteral("1"));
+    EXPECT_FALSE(Row(grid, QStringLiteral("Locked")).data(TPropertyModel::MixedRole).toBool());
     // The rectangles' own properties are shared too.
     EXPECT_TRUE(grid->ViewIndex({QStringLiteral("ShowSideHot")}).isValid());
 
     // Leaving a blank mixed cell blank changes nothing.
-    TypeInto(grid, {QStringLiteral("Tag")}, QString());
+    TypeInto(grid, QStringLiteral("Tag"), QString());
     EXPECT_EQ(doc.A()->Tag(), 1);
     EXPECT_EQ(doc.B()->Tag(), 2);
     EXPECT_EQ(doc.UndoSteps(), 0u);
 
-    TypeInto(grid, {QStringLiteral("Tag")}, QStringLiteral("7"));
+    TypeInto(grid, QStringLiteral("Tag"), QStringLiteral("7"));
     EXPECT_EQ(doc.A()->Tag(), 7);
     EXPECT_EQ(doc.B()->Tag(), 7);
     EXPECT_EQ(doc.UndoSteps(), 1u);
-    EXPECT_EQ(Shown(grid, {QStringLiteral("Tag")}), QStringLiteral("7"));
+    EXPECT_EQ(Shown(grid, QStringLiteral("Tag")), QStringLiteral("7"));
     doc.Cad->PopFromUndoRedoShapeList();
     EXPECT_EQ(doc.A()->Tag(), 1);
     EXPECT_EQ(doc.B()->Tag(), 2);
@@ -136,7 +134,7 @@ TEST(Inspector, BadValuesAreRefusedWithAVisibleMessage)
     };
     for (const TBad &b : bad) {
         SCOPED_TRACE(b.Input);
-        TypeInto(grid, {QLatin1String(b.Property)}, QLatin1String(b.Input));
+        TypeInto(grid, QLatin1String(b.Property), QLatin1String(b.Input));
         EXPECT_TRUE(message->isVisible());
         EXPECT_TRUE(message->text().contains(QLatin1String(b.Says)))
             << message->text().toStdString();
@@ -144,15 +142,15 @@ TEST(Inspector, BadValuesAreRefusedWithAVisibleMessage)
     }
     EXPECT_EQ(doc.L()->Tag(), before);
     EXPECT_EQ(doc.L()->Angle(), angle);
-    EXPECT_EQ(Shown(grid, {QStringLiteral("ArrowLength")}), QStringLiteral("30"));
+    EXPECT_EQ(Shown(grid, QStringLiteral("ArrowLength")), QStringLiteral("30"));
     // A good edit clears the message.
-    TypeInto(grid, {QStringLiteral("ArrowLength")}, QStringLiteral("255"));
+    TypeInto(grid, QStringLiteral("ArrowLength"), QStringLiteral("255"));
     EXPECT_FALSE(message->isVisible());
-    EXPECT_EQ(Shown(grid, {QStringLiteral("ArrowLength")}), QStringLiteral("255"));
+    EXPECT_EQ(Shown(grid, QStringLiteral("ArrowLength")), QStringLiteral("255"));
 
     // Limits of the surface's own properties: a zoom of 0 would make the page vanish.
     doc.Inspector->Tree()->clearSelection();
-    TypeInto(grid, {QStringLiteral("Zoom")}, QStringLiteral("0"));
+    TypeInto(grid, QStringLiteral("Zoom"), QStringLiteral("0"));
     EXPECT_TRUE(message->isVisible());
     EXPECT_EQ(doc.Cad->Zoom(), 1.0);
 }
@@ -162,12 +160,11 @@ TEST(Inspector, SurfacePropertiesAndNestedObjects)
     TDoc doc;
     TInspectorGrid *grid = doc.Grid();
     EXPECT_TRUE(grid->Title()->text().contains(QLatin1String("TMyCAD")));
-    TypeInto(grid, {QStringLiteral("GridOperation"), QStringLiteral("GridWidth")},
-             QStringLiteral("30"));
+    TypeInto(grid, QStringLiteral("GridOperation/GridWidth"), QStringLiteral("30"));
     EXPECT_EQ(doc.Cad->GridOperation()->GridWidth(), 30.0);
-    TypeInto(grid, {QStringLiteral("Zoom")}, QStringLiteral("2"));
+    TypeInto(grid, QStringLiteral("Zoom"), QStringLiteral("2"));
     EXPECT_EQ(doc.Cad->Zoom(), 2.0);
-    TypeInto(grid, {QStringLiteral("PageHead")}, QStringLiteral("Title text"));
+    TypeInto(grid, QStringLiteral("PageHead"), QStringLiteral("Title text"));
     EXPECT_EQ(doc.Cad->PageHead(), QStringLiteral("Title text"));
     // Surface edits are not shape edits: no undo record.
     EXPECT_EQ(doc.UndoSteps(), 0u);
@@ -175,7 +172,7 @@ TEST(Inspector, SurfacePropertiesAndNestedObjects)
     TPropertyModel *model = grid->Model();
     EXPECT_FALSE(model->flags(model->IndexOf({QStringLiteral("Version")})) & Qt::ItemIsEditable);
     EXPECT_FALSE(model->flags(model->IndexOf({QStringLiteral("OnClick")})) & Qt::ItemIsEditable);
-    EXPECT_EQ(Shown(grid, {QStringLiteral("Version")}), QStringLiteral("2013"));
+    EXPECT_EQ(Shown(grid, QStringLiteral("Version")), QStringLiteral("2013"));
 }
 
 TEST(Inspector, LabelsAreLinkedByNameFromTheOpenWindows)
@@ -185,8 +182,8 @@ TEST(Inspector, LabelsAreLinkedByNameFromTheOpenWindows)
     status->setObjectName(QStringLiteral("statusXY"));
     new QLabel(&doc.Window); // unnamed: not offered
     TInspectorGrid *grid = doc.Grid();
-    EXPECT_EQ(Shown(grid, {QStringLiteral("LabelXY")}), QStringLiteral("(none)"));
-    auto *combo = qobject_cast<QComboBox *>(OpenEditor(grid, {QStringLiteral("LabelXY")}));
+    EXPECT_EQ(Shown(grid, QStringLiteral("LabelXY")), QStringLiteral("(none)"));
+    auto *combo = qobject_cast<QComboBox *>(OpenEditor(grid, QStringLiteral("LabelXY")));
     ASSERT_TRUE(combo);
     EXPECT_EQ(combo->findText(QStringLiteral("statusXY")), 1);
     EXPECT_EQ(combo->findText(QString()), -1);
@@ -194,7 +191,7 @@ TEST(Inspector, LabelsAreLinkedByNameFromTheOpenWindows)
     QTest::keyClick(combo, Qt::Key_Return);
     QApplication::processEvents();
     EXPECT_EQ(doc.Cad->LabelXY(), status);
-    EXPECT_EQ(Shown(grid, {QStringLiteral("LabelXY")}), QStringLiteral("statusXY"));
+    EXPECT_EQ(Shown(grid, QStringLiteral("LabelXY")), QStringLiteral("statusXY"));
     doc.Cad->SetLabelXY(nullptr);
 }
 
@@ -233,7 +230,7 @@ TEST(Inspector, TreeFollowsTheSurfaceAndGroupMembersEditAlone)
         [&] { return doc.Inspector->ItemOf(g) && doc.Inspector->ItemOf(g)->childCount() == 2; }));
     doc.ClickShape(doc.A());
     EXPECT_EQ(doc.Cad->WorkingShapes(), std::vector<TMyShape *>{g});
-    TypeInto(doc.Grid(), {QStringLiteral("Tag")}, QStringLiteral("9"));
+    TypeInto(doc.Grid(), QStringLiteral("Tag"), QStringLiteral("9"));
     EXPECT_EQ(doc.A()->Tag(), 9);
     EXPECT_EQ(g->Tag(), 0);
     doc.Cad->PopFromUndoRedoShapeList();

@@ -85,12 +85,19 @@ struct TDoc
     }
 };
 
+// The grid index of a row given as its names joined by '/', as "Pen/Width".
+inline QModelIndex Row(TInspectorGrid *grid, const QString &path)
+{
+    const QModelIndex index = grid->ViewIndex(path.split(QLatin1Char('/')));
+    EXPECT_TRUE(index.isValid()) << path.toStdString();
+    return index;
+}
+
 // Opens the editor of a value cell with F2 and answers it.
-inline QWidget *OpenEditor(TInspectorGrid *grid, const QStringList &path)
+inline QWidget *OpenEditor(TInspectorGrid *grid, const QString &path)
 {
     QTreeView *view = grid->View();
-    const QModelIndex index = grid->ViewIndex(path);
-    EXPECT_TRUE(index.isValid()) << path.join(QLatin1Char('/')).toStdString();
+    const QModelIndex index = Row(grid, path);
     view->scrollTo(index);
     view->setCurrentIndex(index);
     QTest::keyClick(view, Qt::Key_F2);
@@ -100,19 +107,19 @@ inline QWidget *OpenEditor(TInspectorGrid *grid, const QStringList &path)
 }
 
 // Types text over a cell's line edit and presses Enter.
-inline void TypeInto(TInspectorGrid *grid, const QStringList &path, const QString &text)
+inline void TypeInto(TInspectorGrid *grid, const QString &path, const QString &text)
 {
     auto *line = qobject_cast<QLineEdit *>(OpenEditor(grid, path));
-    ASSERT_TRUE(line) << path.join(QLatin1Char('/')).toStdString();
+    ASSERT_TRUE(line) << path.toStdString();
     QTest::keyClick(line, Qt::Key_A, Qt::ControlModifier);
     QTest::keyClicks(line, text);
     QTest::keyClick(line, Qt::Key_Return);
     QApplication::processEvents();
 }
 
-inline QString Shown(TInspectorGrid *grid, const QStringList &path)
+inline QString Shown(TInspectorGrid *grid, const QString &path)
 {
-    return grid->ViewIndex(path).data().toString();
+    return Row(grid, path).data().toString();
 }
 
 // Runs act on the modal dialog of type D once it is shown.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Drawings inserted as blocks (size rule, settings, layer modes, older layouts, damaged
 // input) and library entries placed into a drawing.
+#include "common/files.h"
 #include "recordfixture.h"
 #include "surface/documenthelpers.h"
 
@@ -21,6 +22,7 @@ namespace {
 using test::Saved;
 
 using test::Bytes;
+using test::TProgressLog;
 
 // Header, background colour, size, unit cm, no picture, mode Stretch, ratio 2.
 Bytes Start(const QByteArray &version, std::int32_t width, std::int32_t height)
@@ -54,29 +56,8 @@ bool LoadBlock(TMyCAD &cad, QByteArray bytes, TBlockLayerMode mode)
     return cad.LoadFromStreamforBlock(&buffer, mode);
 }
 
-// Records every report; the call numbered cancelAt (from 1) cancels, 0 never does.
-TProgressEvent CancellingAt(std::vector<std::int64_t> &done, std::size_t cancelAt,
-                            const TMyCAD *sender)
-{
-    return [&done, cancelAt, sender](TMyCAD *from, std::int64_t at, std::int64_t, bool &cancel) {
-        EXPECT_EQ(from, sender);
-        done.push_back(at);
-        cancel = done.size() == cancelAt;
-    };
-}
-
 // Enough plain rectangles that progress reports between the first and the last.
 constexpr int ManyShapes = 9000;
-
-void AddRectangles(TMyCAD &cad, int count)
-{
-    for (int i = 0; i < count; ++i) {
-        auto *shape = new TMyRectangle(&cad);
-        const float x = float(i % 90) * 4, y = float(i / 90) * 3;
-        shape->Points() = {{x, y}, {x + 3, y}, {x + 3, y + 2}, {x, y + 2}};
-        ASSERT_TRUE(cad.AddShape(shape, false, false));
-    }
-}
 
 std::vector<std::int32_t> LayerIds(const TMyCAD &cad, std::int32_t from)
 {
@@ -184,11 +165,9 @@ TEST(Block, OlderLayoutsAreReadAsSuchAndDamagedBlocksInsertNothing)
     }
     EXPECT_FALSE(LoadBlock(cad, Start("XP.j", -1, 5).Data(), TBlockLayerMode::Merge));
     QTemporaryDir dir;
-    QFile foreign(dir.filePath(QStringLiteral("foreign")));
-    ASSERT_TRUE(foreign.open(QIODevice::WriteOnly));
-    foreign.write(QByteArray(300, 'x'));
-    foreign.close();
-    EXPECT_FALSE(cad.AddBlockfromZEDAFile(foreign.fileName(), TBlockLayerMode::Merge));
+    const QString foreign = dir.filePath(QStringLiteral("foreign"));
+    ASSERT_TRUE(test::WriteFile(foreign, QByteArray(300, 'x')));
+    EXPECT_FALSE(cad.AddBlockfromZEDAFile(foreign, TBlockLayerMode::Merge));
     EXPECT_EQ(cad.GetShapesCount(), 1);
     EXPECT_EQ(cad.UndoRedoShapeList().size(), 1u);
     EXPECT_FALSE(cad.IsLoading());
@@ -245,7 +224,7 @@ TEST(Block, CancelledOrDamagedBlocksLeaveTheDrawingAsItWas)
     source.SetColorOfBackGround(0x123456);
     source.SetTag(77);
     source.NewLayer(QStringLiteral("second"), true);
-    AddRectangles(source, ManyShapes);
+    test::AddRectangles(source, ManyShapes);
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("block.drawing"));
     ASSERT_TRUE(source.SaveToFile(path));
@@ -258,21 +237,22 @@ TEST(Block, CancelledOrDamagedBlocksLeaveTheDrawingAsItWas)
     const std::size_t undoSteps = cad.UndoRedoShapeList().size();
     const QSize size = cad.size();
 
-    std::vector<std::int64_t> all;
+    std::size_t reports = 0;
     {
         TMyCAD probe;
-        probe.SetOnProgress(CancellingAt(all, 0, &probe));
+        TProgressLog all;
+        probe.SetOnProgress(all.Handler(&probe));
         ASSERT_TRUE(probe.AddBlockfromZEDAFile(path, TBlockLayerMode::Import));
         EXPECT_EQ(probe.GetShapesCount(), ManyShapes);
+        test::ExpectSteadyProgress(all, ManyShapes);
+        reports = all.Calls.size();
     }
-    ASSERT_GE(all.size(), 3u);
-    EXPECT_EQ(all.front(), 0);
-    EXPECT_EQ(all.back(), ManyShapes);
-    for (const std::size_t at : {std::size_t(1), all.size() / 2, all.size()}) {
-        std::vector<std::int64_t> done;
-        cad.SetOnProgress(CancellingAt(done, at, &cad));
+    for (const std::size_t at : {std::size_t(1), reports / 2, reports}) {
+        TProgressLog log;
+        log.CancelAt = at;
+        cad.SetOnProgress(log.Handler(&cad));
         EXPECT_FALSE(cad.AddBlockfromZEDAFile(path, TBlockLayerMode::Import)) << at;
-        EXPECT_EQ(done.size(), at);
+        EXPECT_EQ(log.Calls.size(), at);
         EXPECT_TRUE(cad.LastError().contains(QStringLiteral("cancel")));
         EXPECT_FALSE(cad.IsLoading());
         EXPECT_TRUE(cad.MemoryShapes().empty());
@@ -284,9 +264,7 @@ TEST(Block, CancelledOrDamagedBlocksLeaveTheDrawingAsItWas)
     cad.SetOnProgress({});
 
     // Cut short past the settings: nothing of the block is taken over either.
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    const QByteArray bytes = file.readAll();
+    const QByteArray bytes = test::ReadFile(path);
     EXPECT_FALSE(LoadBlock(cad, bytes.left(bytes.size() - 5), TBlockLayerMode::Import));
     EXPECT_EQ(cad.GetShapeByNo(0)->Name(), QStringLiteral("Shape0")); // not renamed "A0"
     EXPECT_EQ(Saved(cad), before);
@@ -302,7 +280,7 @@ TEST(Block, CancelledOrDamagedBlocksLeaveTheDrawingAsItWas)
 TEST(Block, CancelledLibraryEntriesPlaceNothing)
 {
     TMyCAD source;
-    AddRectangles(source, ManyShapes);
+    test::AddRectangles(source, ManyShapes);
     std::vector<TMyShape *> shapes;
     for (std::int32_t no = 0; no < source.GetShapesCount(); ++no)
         shapes.push_back(source.GetShapeByNo(no));
@@ -310,32 +288,31 @@ TEST(Block, CancelledLibraryEntriesPlaceNothing)
     ASSERT_TRUE(lib.AppendNewShape(QStringLiteral("many"), shapes, {}));
     const QByteArray library = lib.Buffer();
 
-    std::vector<std::int64_t> all;
-    lib.SetOnProgress(CancellingAt(all, 0, &lib.Drawing()));
+    TProgressLog all;
+    lib.SetOnProgress(all.Handler(&lib.Drawing()));
     TMyPointArray links;
     TUserData data;
     TLibManager::TShapeList read;
     std::int32_t width = 0, height = 0;
     ASSERT_TRUE(lib.GetCmbShape(QStringLiteral("many"), true, links, data, read, width, height));
     EXPECT_EQ(read.size(), std::size_t(ManyShapes));
-    ASSERT_GE(all.size(), 3u);
-    EXPECT_EQ(all.front(), 0);
-    EXPECT_EQ(all.back(), ManyShapes);
+    test::ExpectSteadyProgress(all, ManyShapes);
 
     TMyCAD cad;
     const TMyPoint box[] = {{10, 10}, {50, 30}};
     cad.AddShapeByCode(TDrawTool::SpRectangle, QStringLiteral("Kept"), box, 0, {});
     const QByteArray before = Saved(cad);
-    for (const std::size_t at : {std::size_t(1), all.size() / 2, all.size()}) {
-        std::vector<std::int64_t> done;
-        lib.SetOnProgress(CancellingAt(done, at, &lib.Drawing()));
+    for (const std::size_t at : {std::size_t(1), all.Calls.size() / 2, all.Calls.size()}) {
+        TProgressLog log;
+        log.CancelAt = at;
+        lib.SetOnProgress(log.Handler(&lib.Drawing()));
         EXPECT_FALSE(
             lib.GetCmbShape(QStringLiteral("many"), true, links, data, read, width, height));
         EXPECT_TRUE(read.empty());
         EXPECT_TRUE(lib.LastError().contains(QStringLiteral("cancel")));
-        done.clear();
+        log.Calls.clear();
         EXPECT_FALSE(AddUserDefineShapefromLib(lib, QStringLiteral("many"), 5, 5, cad)) << at;
-        EXPECT_EQ(done.size(), at);
+        EXPECT_EQ(log.Calls.size(), at);
         EXPECT_EQ(cad.UndoRedoShapeList().size(), 1u);
         EXPECT_EQ(Saved(cad), before);
         EXPECT_EQ(lib.Buffer(), library);

@@ -2,7 +2,9 @@
 // Drawing files: exact bytes of the header and body, what a load restores, the failure
 // rules, damaged input, and a picture that survives a save and a load.
 #include "../common/imagecompare.h"
+#include "common/files.h"
 #include "recordfixture.h"
+#include "surface/documenthelpers.h"
 
 #include <tessal/shapes/image.h>
 #include <tessal/shapes/link.h>
@@ -24,15 +26,13 @@ namespace {
 using test::BaseRecord;
 using test::Bytes;
 using test::Layout;
+using test::TProgressLog;
 
 Bytes Header(const QByteArray &version = "XP.j")
 {
-    return Bytes()
-        .Fixed("Tessal Component", 64)
-        .Fixed("Tessal drawing component for C++ and Qt applications", 64)
-        .Fixed(version, 16)
-        .Fixed("20091209", 10)
-        .Fixed("", 64);
+    Bytes b = Bytes().Fixed("Tessal Component", 64);
+    b.Fixed("Tessal drawing component for C++ and Qt applications", 64).Fixed(version, 16);
+    return b.Fixed("20091209", 10).Fixed("", 64);
 }
 
 // Colour, size, unit, no background picture, its mode and the ratio.
@@ -45,15 +45,6 @@ Bytes Settings(std::int32_t width, std::int32_t height)
 Bytes Arrows(Bytes b)
 {
     return b.I32(10).U8(30).U8(0).U8(0);
-}
-
-QByteArray SavedDrawing(const TMyCAD &cad)
-{
-    QByteArray data;
-    QBuffer buffer(&data);
-    buffer.open(QIODevice::WriteOnly);
-    EXPECT_TRUE(cad.SaveToStream(&buffer));
-    return data;
 }
 
 bool Load(TMyCAD &cad, const QByteArray &bytes)
@@ -69,7 +60,7 @@ TEST(DrawingFile, EmptyAndSmallDrawingsByteForByte)
     TMyCAD cad;
     cad.resize(300, 200);
     const Bytes layers = Bytes().I32(1).Text("Layer0").I32(0).I32(1).I32(0);
-    const QByteArray empty = SavedDrawing(cad);
+    const QByteArray empty = test::Saved(cad);
     EXPECT_EQ(empty.size(), 289);
     EXPECT_EQ(empty,
               Header().Append(Settings(300, 200)).I32(0).I32(0).Append(layers).I32(0).Data());
@@ -91,7 +82,7 @@ TEST(DrawingFile, EmptyAndSmallDrawingsByteForByte)
     expected.Fixed("TMyRectangle", 16).Append(BaseRecord(Layout::XPj));
     expected.Fixed("TMyLinkLine", 16).Append(Arrows(BaseRecord(Layout::XPj)));
     expected.I32(-1).I32(-1).I32(-1).I32(-1).U8(1);
-    EXPECT_EQ(SavedDrawing(cad), expected.Data());
+    EXPECT_EQ(test::Saved(cad), expected.Data());
 }
 
 TEST(DrawingFile, SizeIsStoredUnzoomedAndLoadsAtZoomOne)
@@ -99,12 +90,12 @@ TEST(DrawingFile, SizeIsStoredUnzoomedAndLoadsAtZoomOne)
     TMyCAD cad;
     cad.SetZoom(2.0);
     cad.resize(1000, 800);
-    const QByteArray bytes = SavedDrawing(cad);
+    const QByteArray bytes = test::Saved(cad);
     EXPECT_EQ(bytes.mid(218 + 4, 8), Bytes().I32(500).I32(400).Data());
 
     // Halves go to the even neighbour: 1001 / 2 = 500.5 and 1003 / 2 = 501.5.
     cad.resize(1001, 1003);
-    EXPECT_EQ(SavedDrawing(cad).mid(218 + 4, 8), Bytes().I32(500).I32(502).Data());
+    EXPECT_EQ(test::Saved(cad).mid(218 + 4, 8), Bytes().I32(500).I32(502).Data());
 
     TMyCAD other;
     other.SetZoom(1.5);
@@ -198,9 +189,7 @@ TEST(DrawingFile, FilesAreCheckedBeforeLoadingAndReplacedOnlyWhenComplete)
     ASSERT_TRUE(cad.SaveToFile(path));
     EXPECT_FALSE(cad.Modified());
     EXPECT_TRUE(TMyCAD::IsZEDAFile(path));
-    QFile written(path);
-    ASSERT_TRUE(written.open(QIODevice::ReadOnly));
-    EXPECT_EQ(written.readAll(), SavedDrawing(cad));
+    EXPECT_EQ(test::ReadFile(path), test::Saved(cad));
 
     cad.SetModified(true);
     EXPECT_FALSE(cad.SaveToFile(dir.filePath(QStringLiteral("missing/b.drawing"))));
@@ -208,10 +197,7 @@ TEST(DrawingFile, FilesAreCheckedBeforeLoadingAndReplacedOnlyWhenComplete)
     EXPECT_FALSE(cad.LastError().isEmpty());
 
     const QString other = dir.filePath(QStringLiteral("other.bin"));
-    QFile bad(other);
-    ASSERT_TRUE(bad.open(QIODevice::WriteOnly));
-    bad.write(Bytes().Fixed("Tessal Componen", 64).Data());
-    bad.close();
+    ASSERT_TRUE(test::WriteFile(other, Bytes().Fixed("Tessal Componen", 64)));
     EXPECT_FALSE(TMyCAD::IsZEDAFile(other));
     EXPECT_FALSE(cad.LoadFromFile(other));
     EXPECT_EQ(cad.GetShapesCount(), 1);
@@ -219,7 +205,7 @@ TEST(DrawingFile, FilesAreCheckedBeforeLoadingAndReplacedOnlyWhenComplete)
 
     TMyCAD loaded;
     ASSERT_TRUE(loaded.LoadFromFile(path)) << loaded.LastError().toStdString();
-    EXPECT_EQ(SavedDrawing(loaded), SavedDrawing(cad));
+    EXPECT_EQ(test::Saved(loaded), test::Saved(cad));
 }
 
 // The stored sample drawings (also the fuzzer's seeds) load, and save as they were read.
@@ -233,9 +219,7 @@ TEST(DrawingFile, SampleFilesLoad)
         TMyCAD cad;
         ASSERT_TRUE(cad.LoadFromFile(dir.filePath(name))) << cad.LastError().toStdString();
         if (cad.DiskFileVersion() == QLatin1String("XP.j")) {
-            QFile file(dir.filePath(name));
-            ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-            EXPECT_EQ(SavedDrawing(cad), file.readAll());
+            EXPECT_EQ(test::Saved(cad), test::ReadFile(dir.filePath(name)));
         }
     }
 }
@@ -265,46 +249,6 @@ void DrawSample(TMyCAD &cad)
     cad.ClearWorkingShapes();
 }
 
-// Many plain rectangles, added without undo steps, so that progress has steps to report.
-void FillWithRectangles(TMyCAD &cad, int count)
-{
-    for (int i = 0; i < count; ++i) {
-        auto *shape = new TMyRectangle(&cad);
-        const float x = float(i % 100) * 3, y = float(i / 100) * 2;
-        shape->Points() = {{x, y}, {x + 2, y}, {x + 2, y + 1}, {x, y + 1}};
-        ASSERT_TRUE(cad.AddShape(shape, false, false));
-    }
-}
-
-struct TProgressLog
-{
-    std::vector<std::pair<std::int64_t, std::int64_t>> Calls;
-    // The call (counted from 1) that cancels; 0 never cancels.
-    std::size_t CancelAt = 0;
-
-    TProgressEvent Handler(TMyCAD *expected)
-    {
-        return
-            [this, expected](TMyCAD *sender, std::int64_t done, std::int64_t total, bool &cancel) {
-                EXPECT_EQ(sender, expected);
-                Calls.emplace_back(done, total);
-                cancel = Calls.size() == CancelAt;
-            };
-    }
-};
-
-// Reports start at 0, end at the total, never go back, and come often enough to show.
-void ExpectSteadyProgress(const TProgressLog &log, std::int64_t total)
-{
-    ASSERT_GE(log.Calls.size(), 3u);
-    EXPECT_EQ(log.Calls.front(), std::make_pair(std::int64_t(0), total));
-    EXPECT_EQ(log.Calls.back(), std::make_pair(total, total));
-    for (std::size_t i = 1; i < log.Calls.size(); ++i) {
-        EXPECT_GE(log.Calls[i].first, log.Calls[i - 1].first);
-        EXPECT_EQ(log.Calls[i].second, total);
-    }
-}
-
 TEST(DrawingFile, ProgressIsReportedAndCancellingChangesNothing)
 {
     constexpr int Count = 10000;
@@ -312,16 +256,16 @@ TEST(DrawingFile, ProgressIsReportedAndCancellingChangesNothing)
     ASSERT_TRUE(dir.isValid());
     const QString path = dir.filePath(QStringLiteral("big.drawing"));
     TMyCAD big;
-    FillWithRectangles(big, Count);
+    test::AddRectangles(big, Count);
     TProgressLog saving;
     big.SetOnProgress(saving.Handler(&big));
     ASSERT_TRUE(big.SaveToFile(path)) << big.LastError().toStdString();
-    ExpectSteadyProgress(saving, Count);
-    const QByteArray bigBytes = SavedDrawing(big);
+    test::ExpectSteadyProgress(saving, Count);
+    const QByteArray bigBytes = test::Saved(big);
 
     // A save cancelled half-way keeps the old file and the modified flag.
     TMyCAD other;
-    FillWithRectangles(other, Count / 2);
+    test::AddRectangles(other, Count / 2);
     other.SetModified(true);
     TProgressLog cancelSave;
     cancelSave.CancelAt = 2;
@@ -330,10 +274,7 @@ TEST(DrawingFile, ProgressIsReportedAndCancellingChangesNothing)
     EXPECT_EQ(cancelSave.Calls.size(), 2u);
     EXPECT_TRUE(other.Modified());
     EXPECT_FALSE(other.LastError().isEmpty());
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(file.readAll(), bigBytes);
-    file.close();
+    EXPECT_EQ(test::ReadFile(path), bigBytes);
 
     // A load cancelled at any report leaves the drawing, its selection and its undo steps.
     TMyCAD cad;
@@ -341,7 +282,7 @@ TEST(DrawingFile, ProgressIsReportedAndCancellingChangesNothing)
     cad.SetDiskFileVersion(QStringLiteral("XP.i"));
     const std::vector<TMyPoint> corners = {{1, 1}, {5, 5}};
     cad.AddShapeByCode(TDrawTool::SpRectangle, QString(), corners, 0, {});
-    const QByteArray before = SavedDrawing(cad);
+    const QByteArray before = test::Saved(cad);
     const std::size_t undoSteps = cad.UndoRedoShapeList().size();
     const TMyShape *first = cad.GetShapeByNo(0);
     const QSize size = cad.size();
@@ -357,15 +298,15 @@ TEST(DrawingFile, ProgressIsReportedAndCancellingChangesNothing)
         EXPECT_EQ(cad.GetShapeByNo(0), first);
         EXPECT_EQ(cad.size(), size);
         EXPECT_EQ(cad.UndoRedoShapeList().size(), undoSteps);
-        EXPECT_EQ(SavedDrawing(cad), before);
+        EXPECT_EQ(test::Saved(cad), before);
     }
 
     TProgressLog loading;
     cad.SetOnProgress(loading.Handler(&cad));
     ASSERT_TRUE(cad.LoadFromFile(path)) << cad.LastError().toStdString();
-    ExpectSteadyProgress(loading, Count);
+    test::ExpectSteadyProgress(loading, Count);
     cad.SetOnProgress({});
-    EXPECT_EQ(SavedDrawing(cad), bigBytes);
+    EXPECT_EQ(test::Saved(cad), bigBytes);
 }
 
 TEST(DrawingFile, SavedAndLoadedDrawingRendersTheSame)
@@ -376,7 +317,7 @@ TEST(DrawingFile, SavedAndLoadedDrawingRendersTheSame)
     ASSERT_LT(test::CountPixels(before, before.rect(), 0xFFFFFF),
               before.width() * before.height() - 2000);
     TMyCAD loaded;
-    ASSERT_TRUE(Load(loaded, SavedDrawing(cad))) << loaded.LastError().toStdString();
+    ASSERT_TRUE(Load(loaded, test::Saved(cad))) << loaded.LastError().toStdString();
     EXPECT_EQ(loaded.GetShapesCount(), 7);
     EXPECT_TRUE(test::ImagesEqual(loaded.grab().toImage(), before));
 }
@@ -386,7 +327,7 @@ TEST(DrawingFile, TruncatedAndCorruptedFilesAreAnsweredFalse)
 {
     TMyCAD source;
     DrawSample(source);
-    const QByteArray bytes = SavedDrawing(source);
+    const QByteArray bytes = test::Saved(source);
     TMyCAD cad;
     for (qsizetype length = 0; length < bytes.size(); ++length) {
         EXPECT_FALSE(Load(cad, bytes.left(length))) << length;

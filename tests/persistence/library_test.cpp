@@ -2,6 +2,7 @@
 // Shape libraries: entry bytes built from the layout table, normalisation to the box, the
 // tag table, upgrades of hand-built old libraries, edits that leave other entries alone,
 // damaged input and the preview picture.
+#include "common/files.h"
 #include "recordfixture.h"
 
 #include <tessal/persistence/library.h>
@@ -94,15 +95,8 @@ TEST(Library, OneEntryByteForByteAndBackAtNominalSize)
     TMyShape *list[] = {rect.get()};
     ASSERT_TRUE(lib.AppendNewShape("Door", list, data));
 
-    const Bytes body = Bytes()
-                           .I32(100)
-                           .I32(50)
-                           .I32(1)
-                           .Text("owner")
-                           .Text("me")
-                           .I32(1)
-                           .Fixed("TMyRectangle", 16)
-                           .Append(Record(Unit, {}, {0.5f, 0.5f}));
+    Bytes body = Bytes().I32(100).I32(50).I32(1).Text("owner").Text("me").I32(1);
+    body.Fixed("TMyRectangle", 16).Append(Record(Unit, {}, {0.5f, 0.5f}));
     EXPECT_EQ(lib.Buffer(), Bytes().Raw("ZEDALIBX.j").Append(Entry("Door", body)).Data());
     // The caller's shape is left as it was.
     EXPECT_EQ(rect->Name(), QStringLiteral("Shape7"));
@@ -131,9 +125,7 @@ TEST(Library, OneEntryByteForByteAndBackAtNominalSize)
     QTemporaryDir dir;
     const QString path = dir.filePath("lib.lib");
     ASSERT_TRUE(TLibManager().SaveToFile(path));
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(file.readAll(), QByteArray("ZEDALIBX.j"));
+    EXPECT_EQ(test::ReadFile(path), QByteArray("ZEDALIBX.j"));
 }
 
 TEST(Library, BoxLeavesOutLinkPointsAndRoundsHalfToEven)
@@ -145,14 +137,9 @@ TEST(Library, BoxLeavesOutLinkPointsAndRoundsHalfToEven)
                        {{130, 55}}, {0, 0});
     TMyShape *only[] = {mark.get()};
     ASSERT_TRUE(lib.AppendNewShape("Pin", only, {}));
-    const Bytes pinBody = Bytes()
-                              .I32(1)
-                              .I32(1)
-                              .I32(0)
-                              .I32(1)
-                              .Fixed("TMyLinkPoint", 16)
-                              .Append(Record(mark->Points(), {{130, 55}}, {0, 0}))
-                              .U8(static_cast<TMyLinkPoint &>(*mark).Size());
+    Bytes pinBody = Bytes().I32(1).I32(1).I32(0).I32(1).Fixed("TMyLinkPoint", 16);
+    pinBody.Append(Record(mark->Points(), {{130, 55}}, {0, 0}));
+    pinBody.U8(static_cast<TMyLinkPoint &>(*mark).Size());
     EXPECT_EQ(EntryBytes(lib, "Pin"), Entry("Pin", pinBody).Data());
 
     // With a rectangle the box is the rectangle's; the link point lies beyond it.
@@ -195,10 +182,7 @@ TEST(Library, TagTestsAndRecordVersions)
         IsZEDALibFileXA, IsZEDALibFileXE, IsZEDALibFileXH,  IsZEDALibFileXI, IsOLDZEDALibFile};
     for (std::size_t t = 0; t < std::size(tags); ++t) {
         const QString path = dir.filePath(QString::number(t));
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(tags[t]);
-        file.close();
+        ASSERT_TRUE(test::WriteFile(path, tags[t]));
         for (std::size_t f = 0; f < std::size(tests); ++f)
             EXPECT_EQ(tests[f](path), expected[t][f] != '.') << tags[t] << " test " << f;
     }

@@ -1,15 +1,22 @@
 // SPDX-License-Identifier: MIT
-// Shapes with a known value in every stored base field, and those fields' expected bytes.
+// Shapes with a known value in every stored base field, and those fields' expected bytes;
+// drawings large enough to report progress, and a log of the reports.
 #pragma once
 
 #include "bytes.h"
 
 #include <tessal/platform/binarystream.h>
+#include <tessal/shapes/rectangle.h>
 #include <tessal/shapes/shape.h>
+#include <tessal/surface/cad.h>
+
+#include <gtest/gtest.h>
 
 #include <QBuffer>
 
 #include <numbers>
+#include <utility>
+#include <vector>
 
 namespace tessal::test {
 
@@ -143,6 +150,47 @@ inline bool LoadAll(TMyShape &shape, const QByteArray &bytes)
     BinaryStream stream(&buffer);
     shape.LoadFromStream(stream);
     return buffer.atEnd();
+}
+
+// Plain rectangles added without undo steps, many enough that progress has steps to report.
+inline void AddRectangles(TMyCAD &cad, int count)
+{
+    for (int i = 0; i < count; ++i) {
+        auto *shape = new TMyRectangle(&cad);
+        const float x = float(i % 100) * 3, y = float(i / 100) * 2;
+        shape->Points() = {{x, y}, {x + 2, y}, {x + 2, y + 1}, {x, y + 1}};
+        ASSERT_TRUE(cad.AddShape(shape, false, false));
+    }
+}
+
+// Every progress report as (done, total); the report numbered CancelAt (from 1) cancels, 0
+// never does.
+struct TProgressLog
+{
+    std::vector<std::pair<std::int64_t, std::int64_t>> Calls;
+    std::size_t CancelAt = 0;
+
+    TProgressEvent Handler(const TMyCAD *expected)
+    {
+        return
+            [this, expected](TMyCAD *sender, std::int64_t done, std::int64_t total, bool &cancel) {
+                EXPECT_EQ(sender, expected);
+                Calls.emplace_back(done, total);
+                cancel = Calls.size() == CancelAt;
+            };
+    }
+};
+
+// Reports start at 0, end at the total, never go back, and come often enough to show.
+inline void ExpectSteadyProgress(const TProgressLog &log, std::int64_t total)
+{
+    ASSERT_GE(log.Calls.size(), 3u);
+    EXPECT_EQ(log.Calls.front(), std::make_pair(std::int64_t(0), total));
+    EXPECT_EQ(log.Calls.back(), std::make_pair(total, total));
+    for (std::size_t i = 1; i < log.Calls.size(); ++i) {
+        EXPECT_GE(log.Calls[i].first, log.Calls[i - 1].first);
+        EXPECT_EQ(log.Calls[i].second, total);
+    }
 }
 
 } // namespace tessal::test

@@ -36,61 +36,54 @@ struct CodePageScope
     QByteArray m_Old = AnsiCodePage();
 };
 
-TEST(StreamPrimitives, CountedTextKeepsItsLengthButOnlyLengthMod256Bytes)
+// A counted text keeps its length but only length mod 256 of its characters, each as its low
+// byte; an ANSI text counts the code page's bytes; a fixed-width field is padded with spaces
+// or cut. Reading goes through the code page, and a bad length or a short stream throws.
+TEST(StreamPrimitives, TextFieldsByteForByte)
 {
+    const auto written = [](auto write) {
+        Buffer out;
+        write(out.Stream);
+        return out.Data;
+    };
+    const auto read = [](const QByteArray &bytes) {
+        Buffer in(bytes);
+        const QString text = ReadCountedText(in.Stream);
+        EXPECT_TRUE(in.Device.atEnd());
+        return text;
+    };
     QString caption;
     for (int i = 0; i < 300; ++i)
         caption.append(QChar('A' + i % 26));
-    Buffer out;
-    WriteCountedText(out.Stream, caption);
-    EXPECT_EQ(out.Data, Bytes().I32(300).Raw(caption.left(44).toLatin1()).Data());
-
-    Buffer in(out.Data);
-    EXPECT_EQ(ReadCountedText(in.Stream), caption.left(44));
-    EXPECT_TRUE(in.Device.atEnd());
-
-    // 256 characters keep nothing but their length.
-    Buffer exact;
-    WriteCountedText(exact.Stream, QString(256, QChar('x')));
-    EXPECT_EQ(exact.Data, Bytes().I32(256).Data());
-}
-
-TEST(StreamPrimitives, CharactersKeepTheirLowByteAndReadThroughTheCodePage)
-{
-    CodePageScope scope("WINDOWS-1252");
-    Buffer out;
-    WriteCountedText(out.Stream, QString(QChar(0x20AC)) + QStringLiteral("\u00e9z"));
-    EXPECT_EQ(out.Data, Bytes().I32(3).U8(0xAC).U8(0xE9).U8('z').Data());
-
-    // The euro sign is 0x80 in Windows-1252; 0xAC there is the not sign.
-    Buffer in(Bytes().I32(2).U8(0x80).U8(0xAC));
-    EXPECT_EQ(ReadCountedText(in.Stream), QStringLiteral("\u20ac\u00ac"));
-}
-
-TEST(StreamPrimitives, AnsiTextCountsBytesOfTheCodePage)
-{
-    CodePageScope scope("GBK");
-    const QString line = QStringLiteral("\u4e2d\u6587ab"); // two double-byte characters
-    Buffer out;
-    WriteCountedAnsiText(out.Stream, line);
-    EXPECT_EQ(out.Data, Bytes().I32(6).U8(0xD6).U8(0xD0).U8(0xCE).U8(0xC4).U8('a').U8('b').Data());
-    Buffer in(out.Data);
-    EXPECT_EQ(ReadCountedText(in.Stream), line);
-}
-
-TEST(StreamPrimitives, FixedWidthFieldsArePaddedOrCut)
-{
-    Buffer out;
-    WriteFixedText(out.Stream, QStringLiteral("TMyLinkLine"), 16);
-    WriteFixedText(out.Stream, QStringLiteral("ExactlySixteen16"), 16);
-    WriteFixedText(out.Stream, QStringLiteral("SeventeenLetters!"), 16);
-    EXPECT_EQ(out.Data, QByteArray("TMyLinkLine     ExactlySixteen16SeventeenLetters"));
-    Buffer in(out.Data);
-    EXPECT_EQ(ReadFixedText(in.Stream, 16), QStringLiteral("TMyLinkLine     "));
-}
-
-TEST(StreamPrimitives, BadLengthsAndShortStreamsThrow)
-{
+    const QByteArray long300 = written([&](BinaryStream &s) { WriteCountedText(s, caption); });
+    EXPECT_EQ(long300, Bytes().I32(300).Raw(caption.left(44).toLatin1()).Data());
+    EXPECT_EQ(read(long300), caption.left(44));
+    EXPECT_EQ(written([](BinaryStream &s) { WriteCountedText(s, QString(256, QChar('x'))); }),
+              Bytes().I32(256).Data());
+    EXPECT_EQ(written([](BinaryStream &s) {
+                  WriteFixedText(s, QStringLiteral("TMyLinkLine"), 16);
+                  WriteFixedText(s, QStringLiteral("ExactlySixteen16"), 16);
+                  WriteFixedText(s, QStringLiteral("SeventeenLetters!"), 16);
+              }),
+              QByteArray("TMyLinkLine     ExactlySixteen16SeventeenLetters"));
+    Buffer fixed(QByteArray("TMyLinkLine     "));
+    EXPECT_EQ(ReadFixedText(fixed.Stream, 16), QStringLiteral("TMyLinkLine     "));
+    {
+        CodePageScope scope("WINDOWS-1252");
+        EXPECT_EQ(written([](BinaryStream &s) {
+                      WriteCountedText(s, QString(QChar(0x20AC)) + QStringLiteral("\u00e9z"));
+                  }),
+                  Bytes().I32(3).U8(0xAC).U8(0xE9).U8('z').Data());
+        // The euro sign is 0x80 in Windows-1252; 0xAC there is the not sign.
+        EXPECT_EQ(read(Bytes().I32(2).U8(0x80).U8(0xAC)), QStringLiteral("\u20ac\u00ac"));
+    }
+    {
+        CodePageScope scope("GBK");
+        const QString line = QStringLiteral("\u4e2d\u6587ab"); // two double-byte characters
+        const QByteArray ansi = written([&](BinaryStream &s) { WriteCountedAnsiText(s, line); });
+        EXPECT_EQ(ansi, Bytes().I32(6).U8(0xD6).U8(0xD0).U8(0xCE).U8(0xC4).U8('a').U8('b').Data());
+        EXPECT_EQ(read(ansi), line);
+    }
     Buffer negative(Bytes().I32(-1));
     EXPECT_THROW(ReadCountedText(negative.Stream), TStreamError);
     Buffer shortText(Bytes().I32(5).Raw("abc"));
@@ -99,41 +92,24 @@ TEST(StreamPrimitives, BadLengthsAndShortStreamsThrow)
     EXPECT_THROW(ReadFixedText(shortFixed.Stream, 16), TStreamError);
 }
 
-// A two-pixel BMP as the format's tables lay it out: file header, 40-byte info header,
-// one bottom-up row of blue-green-red pixels padded to four bytes.
-QByteArray TwoPixelBmp()
-{
-    return Bytes()
-        .Raw("BM")
-        .U32(62)
-        .U32(0)
-        .U32(54)
-        .U32(40)
-        .I32(2)
-        .I32(1)
-        .U16(1)
-        .U16(24)
-        .U32(0)
-        .U32(8)
-        .Zeros(16)
-        .Raw(QByteArray::fromHex("0000ffff00000000"))
-        .Data();
-}
-
 TEST(StreamPrimitives, BitmapBlocksHoldACountAndABmpImage)
 {
     Buffer none;
     EXPECT_TRUE(WriteBitmapBuffer(none.Stream, TBitmap()));
     EXPECT_EQ(none.Data, QByteArray(8, '\0'));
 
+    // The block is the BMP form's length and the BMP form (whose bytes the bitmap's own
+    // test checks): 54 bytes of headers and a row of two pixels padded to 8 bytes.
     TBitmap bitmap(2, 1);
     bitmap.SetPixel(0, 0, clRed);
     bitmap.SetPixel(1, 0, clBlue);
+    const QByteArray bmp = bitmap.SaveToBmp();
+    ASSERT_EQ(bmp.size(), 62);
     Buffer out;
     EXPECT_TRUE(WriteBitmapBuffer(out.Stream, bitmap));
-    EXPECT_EQ(out.Data, Bytes().I64(62).Raw(TwoPixelBmp()).Data());
+    EXPECT_EQ(out.Data, Bytes().I64(62).Raw(bmp).Data());
 
-    Buffer in(Bytes().I64(62).Raw(TwoPixelBmp()).I32(7));
+    Buffer in(Bytes().I64(62).Raw(bmp).I32(7));
     TBitmap read;
     EXPECT_TRUE(ReadBitmapBuffer(in.Stream, read));
     EXPECT_EQ(read, bitmap);
@@ -155,7 +131,7 @@ TEST(StreamPrimitives, BadBitmapBlocksAnswerFalseWithoutThrowing)
     EXPECT_EQ(garbage.Stream.ReadInt32(), 7);
 
     // A count beyond the stream: nothing is allocated, and the stream is at its end.
-    Buffer huge(Bytes().I64(std::int64_t(1) << 60).Raw(TwoPixelBmp()));
+    Buffer huge(Bytes().I64(std::int64_t(1) << 60).Raw(TBitmap(2, 1).SaveToBmp()));
     EXPECT_FALSE(ReadBitmapBuffer(huge.Stream, target));
     EXPECT_THROW(huge.Stream.ReadUInt8(), TStreamError);
 

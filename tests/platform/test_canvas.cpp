@@ -108,25 +108,52 @@ TEST(CanvasPenMode, FilledFiguresTouchEachPixelOnce)
     }
 }
 
-TEST(CanvasLines, EndPixelIsExcludedAndPolylinesJoinOnce)
+// Whichever way a line runs, it covers its start pixel and not its end pixel, and drawing
+// it back the other way in xor mode leaves exactly the two end pixels. A polyline draws
+// each joint once.
+TEST(CanvasLines, StartPixelInEndPixelOutAndJointsOnce)
 {
+    const TPoint ends[][2] = {{{5, 10}, {15, 10}}, {{15, 10}, {5, 10}}, {{10, 5}, {10, 15}},
+                              {{10, 15}, {10, 5}}, {{5, 5}, {15, 15}},  {{15, 15}, {5, 5}},
+                              {{15, 5}, {5, 15}},  {{5, 15}, {15, 5}},  {{5, 8}, {15, 12}},
+                              {{15, 12}, {5, 8}}};
+    for (const auto &[from, to] : ends) {
+        SCOPED_TRACE(testing::Message()
+                     << from.X << "," << from.Y << " -> " << to.X << "," << to.Y);
+        const auto draw = [&, from = from, to = to](TCanvas &canvas) {
+            canvas.MoveTo(from.X, from.Y);
+            canvas.LineTo(to.X, to.Y);
+        };
+        const QImage image = Painted(20, 20, draw);
+        EXPECT_EQ(Rgb(image, from.X, from.Y), 0u);
+        EXPECT_EQ(Rgb(image, to.X, to.Y), 0xFFFFFFu);
+        EXPECT_EQ(20 * 20 - CountPixels(image, image.rect(), 0xFFFFFF), 10);
+        const QImage there = Painted(
+            20, 20,
+            [&, from = from](TCanvas &canvas) {
+                canvas.Pen().Color = clWhite;
+                canvas.Pen().Mode = TPenMode::pmXor;
+                draw(canvas);
+                canvas.LineTo(from.X, from.Y);
+            },
+            0);
+        const bool fromFirst = std::tie(from.Y, from.X) < std::tie(to.Y, to.X);
+        const std::vector<TPoint> endsOnly =
+            fromFirst ? std::vector<TPoint>{from, to} : std::vector<TPoint>{to, from};
+        EXPECT_EQ(Ink(there, 0), endsOnly);
+    }
     const QImage image = Painted(20, 20, [](TCanvas &canvas) {
         canvas.MoveTo(2, 2);
-        canvas.LineTo(2, 9); // vertical
+        canvas.LineTo(2, 9);
         canvas.LineTo(12, 9);
-        canvas.MoveTo(5, 12);
-        canvas.LineTo(9, 16); // diagonal
-        EXPECT_EQ(canvas.PenPos(), TPoint(9, 16));
+        EXPECT_EQ(canvas.PenPos(), TPoint(12, 9));
     });
     std::vector<TPoint> expected;
     for (int i = 0; i < 7; ++i)
         expected.push_back({2, 2 + i});
     for (int i = 0; i < 10; ++i)
         expected.push_back({2 + i, 9});
-    for (int i = 0; i < 4; ++i)
-        expected.push_back({5 + i, 12 + i});
     EXPECT_EQ(Ink(image, 0xFFFFFF), expected);
-
     // A closed polyline in xor mode: every corner is drawn exactly once.
     const QImage square = Painted(
         10, 10,
@@ -141,49 +168,15 @@ TEST(CanvasLines, EndPixelIsExcludedAndPolylinesJoinOnce)
     EXPECT_EQ(InkBounds(square, 0), TRect(1, 1, 7, 7));
 }
 
-// Whichever way a line runs, it covers its start pixel and not its end pixel, and drawing
-// it back the other way in xor mode leaves exactly the two end pixels.
-TEST(CanvasLines, EveryDirectionKeepsTheStartAndLeavesOutTheEnd)
-{
-    const TPoint ends[][2] = {{{5, 10}, {15, 10}}, {{15, 10}, {5, 10}}, {{10, 5}, {10, 15}},
-                              {{10, 15}, {10, 5}}, {{5, 5}, {15, 15}},  {{15, 15}, {5, 5}},
-                              {{15, 5}, {5, 15}},  {{5, 15}, {15, 5}},  {{5, 8}, {15, 12}},
-                              {{15, 12}, {5, 8}}};
-    for (const auto &fromTo : ends) {
-        const TPoint from = fromTo[0], to = fromTo[1];
-        SCOPED_TRACE(testing::Message()
-                     << from.X << "," << from.Y << " -> " << to.X << "," << to.Y);
-        const QImage image = Painted(20, 20, [&](TCanvas &canvas) {
-            canvas.MoveTo(from.X, from.Y);
-            canvas.LineTo(to.X, to.Y);
-        });
-        EXPECT_EQ(Rgb(image, from.X, from.Y), 0u);
-        EXPECT_EQ(Rgb(image, to.X, to.Y), 0xFFFFFFu);
-        EXPECT_EQ(20 * 20 - CountPixels(image, image.rect(), 0xFFFFFF), 10);
-        const QImage there = Painted(
-            20, 20,
-            [&](TCanvas &canvas) {
-                canvas.Pen().Color = clWhite;
-                canvas.Pen().Mode = TPenMode::pmXor;
-                canvas.MoveTo(from.X, from.Y);
-                canvas.LineTo(to.X, to.Y);
-                canvas.LineTo(from.X, from.Y);
-            },
-            0);
-        const bool fromFirst = std::tie(from.Y, from.X) < std::tie(to.Y, to.X);
-        const std::vector<TPoint> endsOnly =
-            fromFirst ? std::vector<TPoint>{from, to} : std::vector<TPoint>{to, from};
-        EXPECT_EQ(Ink(there, 0), endsOnly);
-    }
-}
-
+// Rectangles end before their right and bottom edges (without a pen one pixel earlier
+// still); an ellipse is inscribed in the same box and symmetric.
 TEST(CanvasFigures, RightAndBottomEdgesAreExclusive)
 {
     const QImage image = Painted(30, 12, [](TCanvas &canvas) {
         canvas.Brush().Color = clRed;
         canvas.Rectangle({2, 2, 7, 6});
         canvas.Pen().Style = TPenStyle::psClear;
-        canvas.Rectangle({9, 2, 14, 6}); // without a pen: one pixel narrower and shorter
+        canvas.Rectangle({9, 2, 14, 6});
         canvas.FillRect({16, 2, 21, 6});
         canvas.Brush().Color = clBlue;
         canvas.FrameRect({23, 2, 28, 6});
@@ -196,21 +189,18 @@ TEST(CanvasFigures, RightAndBottomEdgesAreExclusive)
     EXPECT_EQ(InkBounds(image.copy(15, 0, 7, 12), 0xFFFFFF), TRect(1, 2, 6, 6));
     EXPECT_EQ(CountPixels(image, QRect(22, 0, 8, 12), 0x0000FF), 14);
     EXPECT_EQ(InkBounds(image.copy(22, 0, 8, 12), 0xFFFFFF), TRect(1, 2, 6, 6));
-}
 
-TEST(CanvasFigures, EllipseIsInscribedAndSymmetric)
-{
-    const QImage image = Painted(24, 16, [](TCanvas &canvas) {
+    const QImage ellipse = Painted(24, 16, [](TCanvas &canvas) {
         canvas.Brush().Style = TBrushStyle::bsClear;
         canvas.Ellipse({2, 1, 21, 14});
     });
-    EXPECT_EQ(InkBounds(image, 0xFFFFFF), TRect(2, 1, 21, 14));
+    EXPECT_EQ(InkBounds(ellipse, 0xFFFFFF), TRect(2, 1, 21, 14));
     // Mirror symmetry about the centre of pixels 2..20 and 1..13.
-    for (TPoint p : Ink(image, 0xFFFFFF)) {
-        EXPECT_EQ(Rgb(image, 22 - p.X, p.Y), 0u) << p.X << "," << p.Y;
-        EXPECT_EQ(Rgb(image, p.X, 14 - p.Y), 0u) << p.X << "," << p.Y;
+    for (TPoint p : Ink(ellipse, 0xFFFFFF)) {
+        EXPECT_EQ(Rgb(ellipse, 22 - p.X, p.Y), 0u) << p.X << "," << p.Y;
+        EXPECT_EQ(Rgb(ellipse, p.X, 14 - p.Y), 0u) << p.X << "," << p.Y;
     }
-    EXPECT_EQ(Rgb(image, 11, 7), 0xFFFFFFu);
+    EXPECT_EQ(Rgb(ellipse, 11, 7), 0xFFFFFFu);
 }
 
 TEST(CanvasPens, StylesAndWidths)

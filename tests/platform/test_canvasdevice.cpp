@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The canvas over vector devices: figures arrive as vector elements that cover the pixels an
-// image canvas paints, pen modes reduce to copy, and a PDF page holds no picture.
+// The canvas over a vector device: figures arrive as vector elements that cover the pixels an
+// image canvas paints, and pen modes reduce to copy. (A PDF page of figures holding no picture
+// is the command-line conversion test's.)
 #include "canvas_helpers.h"
 
 #include <tessal/platform/canvas.h>
@@ -8,11 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <QBuffer>
-#include <QPageLayout>
-#include <QPageSize>
 #include <QPainter>
-#include <QPdfWriter>
-#include <QRegularExpression>
 #include <QSvgGenerator>
 #include <QSvgRenderer>
 
@@ -102,34 +99,4 @@ TEST(CanvasDevice, SvgHoldsFiguresCoveringTheImagePixels)
             EXPECT_EQ(Rgb(reference, p.X, p.Y), p.Rgb) << "image " << p.X << ", " << p.Y;
         }
     }
-}
-
-// A page of 200 x 100 units at 96 per inch is 150 x 75 points; the figures are drawn as
-// vectors, so the file holds no image object however large the filled area.
-TEST(CanvasDevice, PdfPageOfFigures)
-{
-    QByteArray pdf;
-    {
-        QBuffer buffer(&pdf);
-        buffer.open(QIODevice::WriteOnly);
-        QPdfWriter writer(&buffer);
-        writer.setResolution(96);
-        writer.setPageLayout(QPageLayout(
-            QPageSize(QSizeF(150, 75), QPageSize::Point, QString(), QPageSize::ExactMatch),
-            QPageLayout::Portrait, QMarginsF()));
-        TCanvas canvas(static_cast<QPaintDevice *>(&writer));
-        EXPECT_EQ(writer.width(), 200);
-        canvas.Brush() = TBrush{0x0000FF, TBrushStyle::bsSolid, {}};
-        canvas.Rectangle(TRect(0, 0, 200, 100));
-        EXPECT_EQ(canvas.GetPixel(5, 5), clNone);
-    }
-    EXPECT_TRUE(pdf.startsWith("%PDF-"));
-    const QRegularExpressionMatch box =
-        QRegularExpression(QStringLiteral(R"(/MediaBox \[0 0 ([\d.]+) ([\d.]+)\])"))
-            .match(QString::fromLatin1(pdf));
-    ASSERT_TRUE(box.hasMatch());
-    EXPECT_EQ(box.captured(1).toDouble(), 150.0);
-    EXPECT_EQ(box.captured(2).toDouble(), 75.0);
-    EXPECT_FALSE(pdf.contains("/Subtype /Image"));
-    EXPECT_LT(pdf.size(), 4000);
 }

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <random>
+#include <string>
 
 using namespace tessal;
 using namespace tessal::test;
@@ -47,6 +48,19 @@ QImage DrawPolyline(const std::vector<TPoint> &points, int width, int size, bool
     });
 }
 
+// Pixels where the image's inking disagrees with the rule for the stroke of points; the first
+// one is reported with what.
+int Mismatches(const QImage &image, const std::vector<TPoint> &points, int width,
+               const std::string &what)
+{
+    int mismatches = 0;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            if ((Rgb(image, x, y) == Pen) != Reference(points, width, x, y) && mismatches++ == 0)
+                ADD_FAILURE() << what << ", width " << width << ": pixel " << x << ", " << y;
+    return mismatches;
+}
+
 std::vector<TPoint> RandomPolyline(std::mt19937 &rng, int size)
 {
     std::uniform_int_distribution<int> coord(-8, size + 8), count(2, 6);
@@ -63,21 +77,12 @@ TEST(RoundStroke, WideLinesCoverWidthRowsAndRoundEnds)
     // Width 2 from (2, 5) to (8, 5): the upper row from end to end, the line's own row one
     // pixel further left (the start disc's left rim), nothing below.
     const QImage two = DrawPolyline({{2, 5}, {8, 5}}, 2, 16);
-    EXPECT_EQ(Ink(two, Paper), (std::vector<TPoint>{{2, 4},
-                                                    {3, 4},
-                                                    {4, 4},
-                                                    {5, 4},
-                                                    {6, 4},
-                                                    {7, 4},
-                                                    {8, 4},
-                                                    {1, 5},
-                                                    {2, 5},
-                                                    {3, 5},
-                                                    {4, 5},
-                                                    {5, 5},
-                                                    {6, 5},
-                                                    {7, 5},
-                                                    {8, 5}}));
+    std::vector<TPoint> expected;
+    for (int x = 2; x <= 8; ++x)
+        expected.push_back({x, 4});
+    for (int x = 1; x <= 8; ++x)
+        expected.push_back({x, 5});
+    EXPECT_EQ(Ink(two, Paper), expected);
     // Width 4 straight down: four columns (the left ones), the ends rounded; the top disc's
     // highest point is a rim centre straight above its middle, the bottom one's is not.
     const QImage four = DrawPolyline({{5, 2}, {5, 6}}, 4, 16);
@@ -88,38 +93,26 @@ TEST(RoundStroke, WideLinesCoverWidthRowsAndRoundEnds)
     EXPECT_EQ(Rgb(four, 5, 8), Paper);
 }
 
-TEST(RoundStroke, RandomPolylinesFollowThePixelRule)
+// Random polylines, partly off the image, follow the rule. So do the chains that outlines of
+// ellipses and curves are (steps of a few pixels) and rectangles' long straight sides, which
+// take shortcuts of their own: walks of short steps, now and then a long straight one down or
+// across or a repeated point, under pens up to past the widest the shortcuts serve.
+TEST(RoundStroke, PolylinesAndShortStepsAndStraightRunsFollowThePixelRule)
 {
     std::mt19937 rng(2026);
-    constexpr int Size = 48;
     int mismatches = 0;
     for (int round = 0; round < 300; ++round) {
-        std::vector<TPoint> points = RandomPolyline(rng, Size);
+        std::vector<TPoint> points = RandomPolyline(rng, 48);
         const int width = 2 + round % 6;
         const bool closed = round % 3 == 0;
-        const QImage image = DrawPolyline(points, width, Size, closed);
+        const QImage image = DrawPolyline(points, width, 48, closed);
         if (closed)
             points.push_back(points.front());
-        for (int y = 0; y < Size; ++y)
-            for (int x = 0; x < Size; ++x)
-                if ((Rgb(image, x, y) == Pen) != Reference(points, width, x, y) &&
-                    mismatches++ == 0)
-                    ADD_FAILURE() << "round " << round << ", width " << width << ": pixel " << x
-                                  << ", " << y;
+        mismatches += Mismatches(image, points, width, "polyline " + std::to_string(round));
     }
-    EXPECT_EQ(mismatches, 0);
-}
-
-// Outlines of ellipses and curves are chains of steps of a few pixels, and rectangles have
-// long straight sides; both take shortcuts of their own. Walks of short steps, now and then a
-// long straight one down or across or a repeated point, under pens up to past the widest the
-// shortcuts serve.
-TEST(RoundStroke, ShortStepsAndStraightRunsFollowThePixelRule)
-{
-    std::mt19937 rng(31);
+    rng.seed(31);
     constexpr int Size = 64;
     std::uniform_int_distribution<int> step(-14, 14), coin(0, 6), run(14, 40), start(8, Size - 8);
-    int mismatches = 0;
     for (int round = 0; round < 200; ++round) {
         std::vector<TPoint> points{{start(rng), start(rng)}};
         for (int i = 0; i < 12; ++i) {
@@ -139,21 +132,13 @@ TEST(RoundStroke, ShortStepsAndStraightRunsFollowThePixelRule)
         const QImage image = DrawPolyline(points, width, Size, closed);
         if (closed)
             points.push_back(points.front());
-        for (int y = 0; y < Size; ++y)
-            for (int x = 0; x < Size; ++x)
-                if ((Rgb(image, x, y) == Pen) != Reference(points, width, x, y) &&
-                    mismatches++ == 0)
-                    ADD_FAILURE() << "round " << round << ", width " << width << ": pixel " << x
-                                  << ", " << y;
+        mismatches += Mismatches(image, points, width, "round " + std::to_string(round));
     }
     // A chain that stays on one point is a disc, closed or not.
     for (int width = 2; width <= 5; ++width)
         for (const bool closed : {false, true}) {
             const std::vector<TPoint> dot{{20, 21}, {20, 21}, {20, 21}};
-            const QImage image = DrawPolyline(dot, width, Size, closed);
-            for (int y = 0; y < Size; ++y)
-                for (int x = 0; x < Size; ++x)
-                    mismatches += (Rgb(image, x, y) == Pen) != Reference(dot, width, x, y);
+            mismatches += Mismatches(DrawPolyline(dot, width, Size, closed), dot, width, "dot");
         }
     EXPECT_EQ(mismatches, 0);
 }

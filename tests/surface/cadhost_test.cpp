@@ -10,6 +10,7 @@
 
 #include <cmath>
 #include <numbers>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -80,11 +81,8 @@ TEST(CadHost, AddShapeJoinsLayerAndCountsIdentities)
 TEST(CadHost, ShapesCopyTheSurfaceDefaults)
 {
     TMyCAD cad;
-    TPen pen;
-    pen.Color = clRed;
-    pen.Width = 4;
-    TBrush brush;
-    brush.Color = clLime;
+    const TPen pen{clRed, TPenMode::pmCopy, TPenStyle::psDot, 4};
+    const TBrush brush{clLime, TBrushStyle::bsCross, {}};
     TFont font;
     font.Name = QStringLiteral("Serif");
     cad.SetPen(pen);
@@ -95,17 +93,13 @@ TEST(CadHost, ShapesCopyTheSurfaceDefaults)
     cad.SetDragEnable(false);
     cad.SetRotateEnable(false);
     TMyShape shape(&cad);
-    EXPECT_EQ(shape.Pen(), pen);
-    EXPECT_EQ(shape.Brush(), brush);
-    EXPECT_EQ(shape.Font(), font);
+    EXPECT_EQ(std::tuple(shape.Pen(), shape.Brush(), shape.Font()), std::tuple(pen, brush, font));
     EXPECT_EQ(shape.PenStyleJoinType(), TPenStyleJoinType::psjtBEVEL);
     EXPECT_EQ(shape.PenStyleEndCapType(), TPenStyleEndCapType::psectSQUARE);
-    EXPECT_FALSE(shape.DragEnable());
-    EXPECT_FALSE(shape.RotateEnable());
-    EXPECT_TRUE(shape.ResizeEnable());
+    EXPECT_TRUE(!shape.DragEnable() && !shape.RotateEnable() && shape.ResizeEnable());
 }
 
-TEST(CadHost, RootParents)
+TEST(CadHost, RootParentsAndLocking)
 {
     TGroups g;
     for (auto [shape, root] : {std::pair{g.C, g.R}, {g.A, g.R}, {g.R, g.R}, {g.D, g.D}})
@@ -114,6 +108,19 @@ TEST(CadHost, RootParents)
     // A parent number beyond the list ends the walk at the last shape found.
     g.D->SetParentNo(99);
     EXPECT_EQ(g.Cad.GetRootParentShape(g.D), g.D);
+    // Locking a shape locks its members, not its group.
+    const auto locked = [&g] {
+        std::vector<bool> flags;
+        for (TMyShape *s : {g.R, g.A, g.B, g.C, g.D})
+            flags.push_back(s->Locked());
+        return flags;
+    };
+    g.B->SetLocked(true);
+    EXPECT_EQ(locked(), (std::vector<bool>{false, false, true, true, false}));
+    g.Cad.LockShape(g.R, true);
+    EXPECT_EQ(locked(), (std::vector<bool>{true, true, true, true, false}));
+    g.R->SetLocked(false);
+    EXPECT_EQ(locked(), (std::vector<bool>{false, false, false, false, false}));
     // A corrupt cycle ends instead of hanging.
     g.A->SetParentNo(2);
     g.B->SetParentNo(1);
@@ -146,23 +153,6 @@ TEST(CadHost, RotateShapeToTurnsTheWholeGroup)
     ExpectPoint(g.R->GetPoint(0), 25, 75);
     ExpectPoint(g.C->GetPoint(0), 45, 5);
     EXPECT_NEAR(g.B->Angle(), 3 * quarter, 1e-5);
-}
-
-TEST(CadHost, LockShapeLocksTheShapeAndItsMembers)
-{
-    TGroups g;
-    const auto locked = [&g] {
-        std::vector<bool> flags;
-        for (TMyShape *s : {g.R, g.A, g.B, g.C, g.D})
-            flags.push_back(s->Locked());
-        return flags;
-    };
-    g.B->SetLocked(true);
-    EXPECT_EQ(locked(), (std::vector<bool>{false, false, true, true, false}));
-    g.Cad.LockShape(g.R, true);
-    EXPECT_EQ(locked(), (std::vector<bool>{true, true, true, true, false}));
-    g.R->SetLocked(false);
-    EXPECT_EQ(locked(), (std::vector<bool>{false, false, false, false, false}));
 }
 
 // What is drawn on the screen canvas stays on screen through plain exposes; only an

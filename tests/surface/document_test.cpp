@@ -10,6 +10,7 @@
 
 #include <cmath>
 #include <numbers>
+#include <tuple>
 
 using namespace tessal;
 using namespace tessal::test;
@@ -266,6 +267,46 @@ TEST(Document, RelationsAndSelectionDeletes)
     EXPECT_EQ(cad.ShapeIdCounter(), 6);
 }
 
+// The first layer, look-ups by identity, place and name, and NewLayer's event, which fires
+// once the layer is in the table and current, and never for a refusal.
+TEST(Document, LayerTableLookUpsAndNewLayerEvent)
+{
+    TMyCAD cad;
+    EXPECT_EQ(cad.Layers(), (std::vector<TLayer>{{QStringLiteral("Layer0"), 0, true}}));
+    EXPECT_EQ(cad.CurrentLayerId(), 0);
+    EXPECT_EQ(cad.GetMaxLayerId(), 0);
+    EXPECT_EQ(cad.GetLayerIdByName(QStringLiteral("Layer0")), 0);
+    std::vector<std::tuple<TMyCAD *, std::int32_t, QString, bool, std::int32_t, std::int32_t>>
+        calls;
+    cad.SetOnNewLayer([&calls](TMyCAD *s, std::int32_t id, const QString &name, bool visible) {
+        calls.emplace_back(s, id, name, visible, s->CurrentLayerId(), s->GetLayersCount());
+    });
+    EXPECT_EQ(cad.NewLayer(QStringLiteral("A"), true), 1);
+    EXPECT_EQ(cad.NewLayer(QStringLiteral("B"), false), 2);
+    // A taken name (case-sensitive) changes nothing and fires nothing.
+    EXPECT_EQ(cad.NewLayer(QStringLiteral("B"), true), -1);
+    EXPECT_EQ(cad.NewLayer(QStringLiteral("Layer0"), true), -1);
+    ASSERT_EQ(calls.size(), 2u);
+    EXPECT_EQ(calls[1], std::make_tuple(&cad, 2, QStringLiteral("B"), false, 2, 3));
+    EXPECT_EQ(cad.CurrentLayerId(), 2);
+    EXPECT_EQ(cad.GetMaxLayerId(), 2);
+    EXPECT_EQ(cad.GetLayerIdByNo(2), 2);
+    EXPECT_EQ(cad.GetLayerNoById(1), 1);
+    EXPECT_EQ(cad.GetLayerNoByName(QStringLiteral("B")), 2);
+    EXPECT_EQ(cad.GetLayerNameByID(1), QStringLiteral("A"));
+    EXPECT_TRUE(cad.IsVisibleLayerByID(1));
+    EXPECT_FALSE(cad.IsVisibleLayerByID(2));
+    // Unknown identities, places and names.
+    EXPECT_EQ(cad.GetLayerIdByNo(3), -1);
+    EXPECT_EQ(cad.GetLayerIdByNo(-1), -1);
+    EXPECT_EQ(cad.GetLayerNoById(7), -1);
+    EXPECT_EQ(cad.GetLayerNoByName(QStringLiteral("b")), -1);
+    EXPECT_EQ(cad.GetLayerIdByName(QStringLiteral("C")), -1);
+    EXPECT_TRUE(cad.GetLayerNameByID(-1).isEmpty());
+    EXPECT_FALSE(cad.IsVisibleLayerByID(3));
+    EXPECT_EQ(cad.NewLayer(QStringLiteral("b"), true), 3);
+}
+
 TEST(Document, LayerEditsAndShapesOnLayers)
 {
     TMyCAD cad;
@@ -329,10 +370,17 @@ TEST(Document, LayerEditsAndShapesOnLayers)
     EXPECT_EQ(cad.GetShapesCount(), 3);
     (void)b;
 
-    // Layer identities are not reused; the 255 bound counts layers, not identities.
+    // Layer identities are not reused; the 255 bound counts layers, not identities, and a
+    // refusal changes nothing and fires nothing.
+    int fired = 0;
+    cad.SetOnNewLayer([&fired](TMyCAD *, std::int32_t, const QString &, bool) { ++fired; });
     for (int i = 1; i < TMyCAD::MaxLayers; ++i)
         ASSERT_GE(cad.NewLayer(QStringLiteral("L%1").arg(i), true), 0);
+    EXPECT_EQ(fired, 254);
     EXPECT_EQ(cad.NewLayer(QStringLiteral("more"), true), -1);
+    EXPECT_EQ(fired, 254);
+    EXPECT_EQ(cad.GetLayersCount(), 255);
+    EXPECT_EQ(cad.CurrentLayerId(), 256);
     ASSERT_TRUE(cad.DeleteLayerByID(3));
     EXPECT_EQ(cad.NewLayer(QStringLiteral("more"), true), 257);
 

@@ -87,11 +87,13 @@ private:
 
 } // namespace
 
-TEST(ShapeIndex, AnswersWhatTheScanAnswersOnRandomDrawings)
+// On random drawings with groups, at zooms other than 1, the index answers what the scan
+// answers; moves reported one by one update single entries, appended shapes join without a
+// rebuild, full invalidations rebuild. Each step is checked against the scan.
+TEST(ShapeIndex, AnswersWhatTheScanAnswersThroughReportedChanges)
 {
-    for (const std::uint32_t seed : {1u, 77u, 4242u}) {
+    for (const std::uint32_t seed : {1u, 4242u}) {
         TRandomDrawing drawing(seed);
-        TMyCAD &cad = drawing.Cad();
         for (int i = 0; i < 1500; ++i) {
             drawing.AddRandomShape();
             if (i % 50 == 49)
@@ -99,15 +101,9 @@ TEST(ShapeIndex, AnswersWhatTheScanAnswersOnRandomDrawings)
         }
         // The queries must hit something, or agreement would prove nothing.
         EXPECT_GT(drawing.ExpectAgreement(60), 200);
-        cad.SetZoom(seed % 2 ? 0.63 : 2.5);
+        drawing.Cad().SetZoom(seed % 2 ? 0.63 : 2.5);
         EXPECT_GT(drawing.ExpectAgreement(60), 60);
     }
-}
-
-// Moves reported one by one update single entries; appended shapes join without a rebuild;
-// full invalidations rebuild. Each step is checked against the scan.
-TEST(ShapeIndex, StaysCurrentThroughReportedChanges)
-{
     TRandomDrawing drawing(99);
     TMyCAD &cad = drawing.Cad();
     for (int i = 0; i < 800; ++i)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Picture files and printing: every format decodes to the page as drawn at zoom 1, whatever
 // the zoom on screen; failures keep the old file; printing fills the expected sheets.
+#include "common/files.h"
 #include "documenthelpers.h"
 
 #include <tessal/geometry/metafile_p.h>
@@ -9,11 +10,13 @@
 
 #include <gtest/gtest.h>
 
+#include <QBuffer>
 #include <QDir>
 #include <QFile>
 #include <QPainter>
 #include <QPrinter>
 #include <QRegularExpression>
+#include <QSvgGenerator>
 #include <QSvgRenderer>
 #include <QTemporaryDir>
 
@@ -54,8 +57,7 @@ int PdfPageCount(const QString &path)
 
 QByteArray Head(const QString &path, int n)
 {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.read(n) : QByteArray();
+    return tessal::test::ReadFile(path).left(n);
 }
 
 std::uint32_t U16(const QByteArray &b, qsizetype at)
@@ -172,11 +174,46 @@ TEST(PrintExport, PicturesShowThePageAtZoomOneWhateverTheScreenZoom)
 #if defined(TESSAL_HAVE_UEMF) && defined(TESSAL_HAVE_WMF)
     // With the writer's library in the process, the reader's still calls its own functions:
     // a metafile with text makes it map a font through a function both libraries name alike.
-    QFile text(QStringLiteral(TESSAL_TEST_DATA_DIR "/pictures/text_with_font.wmf"));
-    ASSERT_TRUE(text.open(QIODevice::ReadOnly));
     QString reason;
-    detail::DecodePicture(text.readAll(), QStringLiteral("WMF"), reason);
+    detail::DecodePicture(
+        tessal::test::ReadFile(QStringLiteral(TESSAL_TEST_DATA_DIR "/pictures/text_with_font.wmf")),
+        QStringLiteral("WMF"), reason);
 #endif
+}
+
+// Any paint device takes the page as figures; without the grid unless asked for.
+TEST(PrintExport, RenderToAVectorDeviceLeavesTheGridOutUnlessAsked)
+{
+    TMyCAD cad;
+    cad.resize(120, 90);
+    TBrush brush;
+    brush.Color = clBlue;
+    cad.SetBrush(brush);
+    AddRectangle(cad, 20, 20, 80, 60);
+    cad.ClearWorkingShapes();
+    for (const bool grid : {false, true}) {
+        QByteArray svg;
+        {
+            QBuffer buffer(&svg);
+            buffer.open(QIODevice::WriteOnly);
+            QSvgGenerator generator;
+            generator.setOutputDevice(&buffer);
+            generator.setSize(QSize(120, 90));
+            generator.setViewBox(QRect(0, 0, 120, 90));
+            ASSERT_TRUE(grid ? cad.RenderTo(&generator, TRect(0, 0, 120, 90), true)
+                             : cad.RenderTo(&generator, TRect(0, 0, 120, 90)));
+        }
+        EXPECT_FALSE(svg.contains("<image"));
+        QImage page(120, 90, QImage::Format_RGB32);
+        page.fill(Qt::magenta);
+        QPainter painter(&page);
+        QSvgRenderer(svg).render(&painter, QRectF(0, 0, 120, 90));
+        EXPECT_EQ(page.pixelColor(50, 40), QColor(Qt::blue)) << "the fill";
+        EXPECT_EQ(page.pixelColor(20, 40), QColor(Qt::black)) << "the outline";
+        EXPECT_EQ(page.pixelColor(110, 5), QColor(Qt::white)) << "the background";
+        // Grid lines every 20 pixels: x = 100 is one.
+        EXPECT_EQ(page.pixelColor(100, 70) != QColor(Qt::white), grid);
+    }
 }
 
 TEST(PrintExport, SelectionPicturesAndFailuresThatKeepTheOldFile)
@@ -185,10 +222,7 @@ TEST(PrintExport, SelectionPicturesAndFailuresThatKeepTheOldFile)
     BuildDrawing(cad);
     QTemporaryDir dir;
     const QString png = dir.filePath(QStringLiteral("sel.png"));
-    QFile old(png);
-    ASSERT_TRUE(old.open(QIODevice::WriteOnly));
-    old.write("old contents");
-    old.close();
+    ASSERT_TRUE(tessal::test::WriteFile(png, "old contents"));
 
     cad.ClearWorkingShapes();
     for (const QString suffix : {"png", "svg", "pdf", "bmp"}) {
@@ -210,9 +244,12 @@ TEST(PrintExport, SelectionPicturesAndFailuresThatKeepTheOldFile)
     const QImage expected = cad.SelectionImage().convertToFormat(QImage::Format_RGB32);
     EXPECT_EQ(QImage(png).convertToFormat(QImage::Format_RGB32), expected);
     EXPECT_EQ(expected.pixelColor(expected.width() / 2, expected.height() / 2), QColor(Qt::blue));
+    // As SVG: figures, not a picture, over the same size.
     const QString svg = dir.filePath(QStringLiteral("sel.svg"));
     ASSERT_TRUE(cad.SaveToSvg(svg, TExportArea::Selection));
     EXPECT_EQ(QSvgRenderer(svg).viewBox().size(), expected.size());
+    EXPECT_FALSE(Head(svg, 1 << 20).contains("<image"));
+    EXPECT_TRUE(Head(svg, 1 << 20).contains("<path"));
     const QString pdf = dir.filePath(QStringLiteral("sel.pdf"));
     ASSERT_TRUE(cad.SaveToPdf(pdf, TExportArea::Selection));
     EXPECT_EQ(PdfPageCount(pdf), 1);

@@ -58,18 +58,13 @@ public:
         const std::int32_t n = m_Cad.GetShapesCount();
         return n ? m_Cad.GetShapeByNo(Pick(n)) : nullptr;
     }
-    int Connectors() const
+    // The number of shapes that meet test.
+    template <typename Test>
+    int Count(Test test) const
     {
         int n = 0;
         for (std::int32_t no = 0; no < m_Cad.GetShapesCount(); ++no)
-            n += dynamic_cast<const TMyLinkLine *>(m_Cad.GetShapeByNo(no)) ? 1 : 0;
-        return n;
-    }
-    int Groups() const
-    {
-        int n = 0;
-        for (std::int32_t no = 0; no < m_Cad.GetShapesCount(); ++no)
-            n += m_Cad.GetShapeByNo(no)->HasChildShapes() ? 1 : 0;
+            n += test(*m_Cad.GetShapeByNo(no)) ? 1 : 0;
         return n;
     }
     // A shape that no connector is bound to, nor any member of its root group, and that is
@@ -146,7 +141,10 @@ const std::vector<Operation> &Operations()
              // A few connectors are enough; routing each one again is the slowest part.
              TMyShape *a = u.AnyShape();
              TMyShape *b = u.AnyShape();
-             if (u.Connectors() < 4 && a && b && a != b && !dynamic_cast<TMyLinkLine *>(a) &&
+             const auto connector = [](const TMyShape &s) {
+                 return dynamic_cast<const TMyLinkLine *>(&s) != nullptr;
+             };
+             if (u.Count(connector) < 4 && a && b && a != b && !dynamic_cast<TMyLinkLine *>(a) &&
                  !dynamic_cast<TMyLinkLine *>(b)) {
                  // Routed as binding by mouse leaves it, so that its path follows its ends.
                  u.m_Cad.ChangeLinkShapes(AddConnector(u.m_Cad, a, b));
@@ -181,28 +179,17 @@ const std::vector<Operation> &Operations()
          }},
         {"restack", 3, false,
          [](RandomUse &u) {
-             TMyShape *shape = u.AnyShape();
-             if (!shape)
-                 return;
-             switch (u.Pick(4)) {
-             case 0:
-                 u.m_Cad.BringToFront(shape, true);
-                 break;
-             case 1:
-                 u.m_Cad.SendToBack(shape, true);
-                 break;
-             case 2:
-                 u.m_Cad.BringToFrontByStep(shape, true);
-                 break;
-             default:
-                 u.m_Cad.SendToBackByStep(shape, true);
-                 break;
-             }
+             using Restack = void (TMyCAD::*)(TMyShape *, bool);
+             static const Restack restacks[] = {&TMyCAD::BringToFront, &TMyCAD::SendToBack,
+                                                &TMyCAD::BringToFrontByStep,
+                                                &TMyCAD::SendToBackByStep};
+             if (TMyShape *shape = u.AnyShape())
+                 (u.m_Cad.*restacks[u.Pick(4)])(shape, true);
          }},
         {"group", 2, false,
          [](RandomUse &u) {
              // Without ungrouping, groups would nest ever deeper; a few levels are enough.
-             if (u.Groups() >= 5)
+             if (u.Count([](const TMyShape &s) { return s.HasChildShapes(); }) >= 5)
                  return;
              std::vector<TMyShape *> members;
              for (int i = 0; i < 2 + u.Pick(2); ++i)
