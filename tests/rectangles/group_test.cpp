@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Groups and combined shapes: nothing of their own on the canvas but the info text, and hit
 // inside their box or on any member.
-#include "common/imagecompare.h"
-#include "recthelpers.h"
+#include "shapes/testhost.h"
+
+#include <tessal/shapes/rectangle.h>
 
 #include <gtest/gtest.h>
 

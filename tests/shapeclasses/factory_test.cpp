@@ -231,20 +231,6 @@ TEST(ShapeProperties, BindingsAreRelationsAndStayBehindWithoutThem)
     EXPECT_TRUE(loose.StartSpNo() == -1 && loose.EndSpPtId() == -1);
     EXPECT_EQ(loose.GetPointsCount(), 4);
 
-    // Going free keeps the ends only; going back routes again at once, orthogonally
-    // between the same two ends.
-    full.SetNeedsReroute(false);
-    full.SetLinkLineDrawStyle(TLinkLineDrawStyle::lldsFree);
-    EXPECT_EQ(full.Points(), (TMyPointArray{{0, 0}, {20, 10}}));
-    full.SetLinkLineDrawStyle(TLinkLineDrawStyle::lldsHV);
-    EXPECT_FALSE(full.NeedsReroute());
-    const TMyPointArray &route = full.Points();
-    ASSERT_GE(route.size(), 3u);
-    EXPECT_EQ(route.front(), (TMyPoint{0, 0}));
-    EXPECT_EQ(route.back(), (TMyPoint{20, 10}));
-    for (std::size_t i = 1; i < route.size(); ++i)
-        EXPECT_TRUE(route[i].X == route[i - 1].X || route[i].Y == route[i - 1].Y) << i;
-
     // Setters of the classes repaint only on a change; the arrow setters only store.
     TMyImage image(&host);
     host.Repaints = 0;
