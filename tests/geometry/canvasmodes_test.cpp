@@ -146,7 +146,7 @@ TEST(CanvasModes, PenAndBrushSetUps)
 
     const TPen pen{clRed, TPenMode::pmXor, TPenStyle::psDash, 3};
     TFont font;
-    font.Name = QStringLiteral("Serif");
+    font.Name = "Serif";
     font.SetSize(20);
     SetDrawTriangleMode(pen, font, canvas);
     EXPECT_EQ(canvas.Pen(), (TPen{clRed, TPenMode::pmCopy, TPenStyle::psDash, 3}));
