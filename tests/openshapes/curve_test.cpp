@@ -125,7 +125,7 @@ TEST(CurveHitTest, WithinEightPixelsOfTheCurveAtEveryZoom)
 
 // With the ends tripled the curve starts on the first point and ends on the last, while
 // inner points only pull. The join of the second and third pieces is (P0 + 4 P1 + P2) / 6.
-TEST(BLinePaint, ClampedEndsAndInnerPointsOffTheCurve)
+TEST(BLinePaint, ClampedEndsInnerPointsOffTheCurveAndTwoPointsStraight)
 {
     const TMyPointArray pts = {{20, 100}, {60, 20}, {100, 180}, {140, 20}, {180, 100}};
     const std::vector<TMyPoint> flat = FlattenBSpline(pts);
@@ -148,16 +148,12 @@ TEST(BLinePaint, ClampedEndsAndInnerPointsOffTheCurve)
                                  {100, 180, false}})
             EXPECT_EQ(InkNear(image, x * z, y * z, ink ? 1 : 3), ink) << z << ": " << x << "," << y;
     }
-}
-
-TEST(BLinePaint, TwoPointsGiveTheStraightSegment)
-{
+    // Two points give the straight segment.
     TClassHost host;
     TMyBLine spline(&host);
     spline.Points() = {{20, 50}, {120, 50}};
     const QRect ink = InkBounds(Painted(spline, 200, 100));
-    EXPECT_TRUE(ink.top() == 50 && ink.bottom() == 50);
-    EXPECT_TRUE(ink.left() <= 21 && ink.right() >= 118);
+    EXPECT_TRUE(ink.top() == 50 && ink.bottom() == 50 && ink.left() <= 21 && ink.right() >= 118);
 }
 
 TEST(BLineEdit, DrawnLikeAPolylineAndThePreviewShowsTheDrop)

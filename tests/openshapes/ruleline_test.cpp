@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Measuring lines: tick marks by style, spacing and zoom, the label, copying and hits.
+// Measuring lines: tick marks by style, spacing and zoom, and the label.
 #include "shapes/testhost.h"
 
 #include <tessal/shapes/ruleline.h>
@@ -114,22 +114,6 @@ TEST(RuleLineLabel, LengthOrUserInfoBesideTheMiddleOnTheTopSide)
     const QRect user = InkBounds(image.copy(0, 0, 400, 99));
     EXPECT_LT(user.width(), above.width());
     EXPECT_NEAR(user.center().x(), 70, 3);
-}
-
-TEST(RuleLineCopyAndHit, AssignCopiesItsFieldsAndTheLineBandHits)
-{
-    TClassHost host;
-    auto source = Ruler(host, {20, 100}, {120, 100}, TTickStyle::tsBottom);
-    source->SetShowUserInfo(true);
-    source->SetUserInfo("span");
-    source->SetArrowStyle(TArrowStyle::ADouble);
-    TMyRuleLine copy(&host);
-    copy.Assign(*source);
-    EXPECT_EQ(copy.LabelText(), "span");
-    QImage scratch = WhiteImage(10, 10);
-    TCanvas canvas(&scratch);
-    EXPECT_TRUE(copy.IsClickedMe(canvas, {70, 107}));
-    EXPECT_FALSE(copy.IsClickedMe(canvas, {70, 108}));
 }
 
 } // namespace

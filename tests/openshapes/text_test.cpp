@@ -18,8 +18,6 @@
 namespace tessal::test {
 namespace {
 
-constexpr unsigned kRed = 0xFF0000;
-
 std::unique_ptr<TMyText> TextBox(TClassHost &host, float l, float t, float r, float b,
                                  const QStringList &lines)
 {
@@ -75,18 +73,6 @@ TEST(TextLayout, AlignmentsPlaceTheInkByTheBoxAtTwoZooms)
                   int(std::nearbyint((boxH - lineHeight) / 2.0)) - margin);
         EXPECT_EQ(centre.size(), leftTop.size());
     }
-}
-
-TEST(TextLayout, FontGrowsWithTheZoom)
-{
-    TClassHost host;
-    auto text = TextBox(host, 10, 10, 190, 60, {"Zoomed text"});
-    const QRect one = InkBounds(Painted(*text, 400, 400));
-    host.ZoomValue = 2;
-    const QRect two = InkBounds(Painted(*text, 400, 400));
-    // Glyph hinting differs between sizes by a few pixels per word.
-    EXPECT_NEAR(two.width(), 2 * one.width(), 0.08 * 2 * one.width());
-    EXPECT_NEAR(two.height(), 2 * one.height(), 0.15 * 2 * one.height());
 }
 
 // Turned a quarter about its centre the wide box stands upright, and the lines with it.
@@ -176,36 +162,26 @@ TEST(TextPaint, BorderAndSolidBackgroundFollowTheirFlags)
     EXPECT_TRUE(InkBounds(Painted(*text, 200, 200)).isNull());
 }
 
-TEST(TextHit, TheBoxIsHitInside)
+// The dialog is modal; a timer answers it the way a user would: it shows the lines, takes
+// the new text and is accepted or cancelled.
+void AnswerTextDialog(const QString &shown, const QString &typed, bool accept)
 {
-    TClassHost host;
-    auto text = TextBox(host, 20, 20, 120, 80, {"a", "b"});
-    QImage image = WhiteImage(200, 200);
-    TCanvas canvas(&image);
-    EXPECT_TRUE(text->IsClickedMe(canvas, {60, 50}));
-    EXPECT_FALSE(text->IsClickedMe(canvas, {130, 50}));
+    QTimer::singleShot(0, [=] {
+        auto *dialog = qobject_cast<TTextEditDialog *>(QApplication::activeModalWidget());
+        ASSERT_NE(dialog, nullptr);
+        EXPECT_EQ(dialog->Editor()->toPlainText(), shown);
+        dialog->Editor()->setPlainText(typed);
+        accept ? dialog->accept() : dialog->reject();
+    });
 }
 
-// The dialog is modal; a timer answers it the way a user would.
 TEST(TextEditDialog, OkTakesTheEditedLinesCancelKeepsThem)
 {
     QStringList lines{"old"};
-    QTimer::singleShot(0, [] {
-        auto *dialog = qobject_cast<TTextEditDialog *>(QApplication::activeModalWidget());
-        ASSERT_NE(dialog, nullptr);
-        EXPECT_EQ(dialog->Editor()->toPlainText(), "old");
-        dialog->Editor()->setPlainText("one\ntwo");
-        dialog->accept();
-    });
+    AnswerTextDialog("old", "one\ntwo", true);
     EXPECT_TRUE(EditTextLines(nullptr, lines));
     EXPECT_EQ(lines, (QStringList{"one", "two"}));
-
-    QTimer::singleShot(0, [] {
-        auto *dialog = qobject_cast<TTextEditDialog *>(QApplication::activeModalWidget());
-        ASSERT_NE(dialog, nullptr);
-        dialog->Editor()->setPlainText("changed");
-        dialog->reject();
-    });
+    AnswerTextDialog("one\ntwo", "changed", false);
     EXPECT_FALSE(EditTextLines(nullptr, lines));
     EXPECT_EQ(lines, (QStringList{"one", "two"}));
 }

@@ -157,49 +157,37 @@ TEST(PowerDrawShape, GradientShowsThroughAHollowBrushAndStaysInside)
     EXPECT_LT(std::abs(qRed(PixelAt(turned, 23, 50)) - qRed(PixelAt(turned, 77, 50))), 20);
 }
 
-// A shape with a 12 point info font and its text point at (100, 100).
-struct TInfoScene
+// The info text of a shape with a 12 point font: one line centred on the text point, at
+// zoom 2 twice the size about the zoomed point; several lines as a block centred there,
+// aligned within it; a non-empty Info hides the lines, and a hidden caption shows nothing.
+TEST(DrawInfo, LinesAreCentredOnTheTextPointAndAligned)
 {
-    TTestHost Host;
-    TMyShape Shape{&Host};
-    TInfoScene()
-    {
-        TFont f;
-        f.Name = "DejaVu Sans";
-        f.Color = clBlack;
-        f.SetSize(12);
-        Shape.SetFont(f);
-        Shape.SetTextPoint({100, 100});
-    }
-};
-
-TEST(DrawInfo, SingleLineIsCentredOnTheTextPoint)
-{
-    TInfoScene scene;
-    scene.Shape.SetInfo("Hello");
-    const QRect ink = InkBounds(Painted(scene.Shape));
+    TTestHost host;
+    TMyShape shape(&host);
+    TFont f;
+    f.Name = "DejaVu Sans";
+    f.Color = clBlack;
+    f.SetSize(12);
+    shape.SetFont(f);
+    shape.SetTextPoint({100, 100});
+    shape.SetInfo("Hello");
+    const QRect ink = InkBounds(Painted(shape));
     EXPECT_NEAR(ink.center().x(), 100, 3);
     EXPECT_NEAR(ink.center().y(), 100, 6);
-    // Zoom 2 doubles the text around the zoomed anchor (200, 200) of a larger
-    // picture.
-    scene.Shape.SetTextPoint({50, 50});
-    scene.Host.ZoomValue = 2;
-    const QRect big = InkBounds(Painted(scene.Shape));
+    shape.SetTextPoint({50, 50});
+    host.ZoomValue = 2;
+    const QRect big = InkBounds(Painted(shape));
     EXPECT_NEAR(big.center().x(), 100, 3);
     EXPECT_NEAR(double(big.width()) / ink.width(), 2.0, 0.25);
 
-    scene.Shape.SetCaptionShow(false);
-    EXPECT_TRUE(AllWhite(Painted(scene.Shape)));
-}
-
-TEST(DrawInfo, MultiInfoAlignmentsAndInfoWins)
-{
-    TInfoScene scene;
-    scene.Shape.SetMultiInfo({"WW", "WWWWWWWW"});
+    host.ZoomValue = 1;
+    shape.SetTextPoint({100, 100});
+    shape.SetInfo("");
+    shape.SetMultiInfo({"WW", "WWWWWWWW"});
     // The ink of the upper and of the lower line.
     auto lineBoxes = [&](TAlignment alignment) {
-        scene.Shape.SetMultiInfoAlignment(alignment);
-        const QImage img = Painted(scene.Shape);
+        shape.SetMultiInfoAlignment(alignment);
+        const QImage img = Painted(shape);
         const QRect all = InkBounds(img);
         const int split = all.top() + all.height() / 2;
         return std::pair{InkBounds(img, kWhite, QRect(0, 0, 200, split)),
@@ -207,8 +195,7 @@ TEST(DrawInfo, MultiInfoAlignmentsAndInfoWins)
     };
     auto [shortL, longL] = lineBoxes(TAlignment::taLeftJustify);
     EXPECT_NEAR(shortL.left(), longL.left(), 1);
-    EXPECT_NEAR((longL.left() + longL.right()) / 2.0, 100,
-                3); // the block is centred
+    EXPECT_NEAR((longL.left() + longL.right()) / 2.0, 100, 3);
     EXPECT_NEAR((shortL.top() + longL.bottom()) / 2.0, 100, 6);
     auto [shortR, longR] = lineBoxes(TAlignment::taRightJustify);
     EXPECT_NEAR(shortR.right(), longR.right(), 1);
@@ -218,11 +205,12 @@ TEST(DrawInfo, MultiInfoAlignmentsAndInfoWins)
     EXPECT_GT(shortC.left(), shortL.left() + 10);
     EXPECT_LT(shortC.right(), shortR.right() - 10);
 
-    // A non-empty Info hides the lines completely.
-    scene.Shape.SetInfo("X");
-    const QImage both = Painted(scene.Shape);
-    scene.Shape.SetMultiInfo({});
-    EXPECT_TRUE(ImagesEqual(both, Painted(scene.Shape)));
+    shape.SetInfo("X");
+    const QImage both = Painted(shape);
+    shape.SetMultiInfo({});
+    EXPECT_TRUE(ImagesEqual(both, Painted(shape)));
+    shape.SetCaptionShow(false);
+    EXPECT_TRUE(AllWhite(Painted(shape)));
 }
 
 TEST(ShapeTools, DiamondOnlyForShapesWithInfoText)
