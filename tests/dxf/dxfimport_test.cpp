@@ -604,29 +604,6 @@ TEST(DxfDamaged, RandomMutationsOfAGoodFile)
     }
 }
 
-// What is imported is drawn: a red horizontal line of colour 1 shows in red on the page where
-// the file puts it, and a line on a layer that is off does not show.
-TEST(DxfRendering, ImportedShapesAreDrawnWhereTheFilePutsThem)
-{
-    TMyCAD cad;
-    cad.resize(400, 300);
-    const QByteArray data = "0\nSECTION\n2\nTABLES\n0\nTABLE\n2\nLAYER\n"
-                            "0\nLAYER\n2\nOFF\n70\n0\n62\n-3\n0\nENDTAB\n0\nENDSEC\n"
-                            "0\nSECTION\n2\nENTITIES\n"
-                            "0\nLINE\n8\n0\n62\n1\n10\n10\n20\n20\n11\n60\n21\n20\n"
-                            "0\nLINE\n8\nOFF\n10\n10\n20\n40\n11\n60\n21\n40\n"
-                            "0\nENDSEC\n0\nEOF\n";
-    TDxfImportReport report;
-    ASSERT_TRUE(LoadFromDxfData(cad, data, report)) << report.Error.toStdString();
-    ASSERT_EQ(cad.GetShapesCount(), 2);
-    cad.DrawAll(TRect(0, 0, cad.width(), cad.height()));
-    const QImage page = cad.OffscreenImage();
-    const int x = int(35 * F);
-    EXPECT_EQ(page.pixelColor(x, int(std::lround(300 - 20 * F))), QColor(Qt::red));
-    EXPECT_NE(page.pixelColor(x, int(std::lround(300 - 40 * F))), QColor(Qt::green)); // colour 3
-    EXPECT_FALSE(cad.IsVisibleLayerByID(cad.GetLayerIdByName("OFF")));
-}
-
 // Units: $INSUNITS scales the file to millimetres; without it $MEASUREMENT 0 means inches.
 TEST(DxfUnits, InsUnitsAndMeasurement)
 {

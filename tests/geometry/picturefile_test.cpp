@@ -149,10 +149,8 @@ TEST_F(PictureFile, RasterFormatsByTheirLastThreeLetters)
     // The name decides, not the contents: JPEG bytes named .bmp are no bitmap.
     EXPECT_TRUE(LoadGraphicsFile(Write("e.bmp", jpeg), &reason).IsEmpty());
     EXPECT_TRUE(reason.contains("BMP")) << reason.toStdString();
-}
 
-TEST_F(PictureFile, IconTransparencyBecomesWhite)
-{
+    // An icon's transparency becomes white.
     QImage icon(16, 16, QImage::Format_ARGB32);
     icon.fill(Qt::transparent);
     for (int y = 4; y < 12; ++y)

@@ -62,7 +62,7 @@ TEST(ScaledText, LogFontConstruction)
     EXPECT_EQ(MakeScaledLogFont(canvas, PointFont(8), 0.5, 1).Escapement, -573);
 }
 
-TEST(ScaledText, DrawsAndMeasuresWithTheSameFont)
+TEST(ScaledText, DrawsAndMeasuresWithTheSameFontAndTurns)
 {
     // "HH" at scale k; the canvas keeps the scaled font, in the text colour, on a
     // transparent background, and measuring selects the same font.
@@ -86,10 +86,7 @@ TEST(ScaledText, DrawsAndMeasuresWithTheSameFont)
     EXPECT_GT(extent[1].X, 0);
     EXPECT_NEAR(extent[2].X, 2 * extent[1].X, 2);
     EXPECT_NEAR(extent[2].Y, 2 * extent[1].Y, 2);
-}
 
-TEST(ScaledText, QuarterTurnRunsUpwards)
-{
     // An angle of -pi/2 is an escapement of +900: the text runs up the screen from (20, 100).
     const QImage image = test::Painted(80, 120, [](TCanvas &canvas) {
         MyLogTextOut(canvas, 20, 100, "HHHH", PointFont(12), 1, -Pi / 2);
