@@ -10,105 +10,100 @@
 namespace tessal::test {
 namespace {
 
-struct TTwoBoxes
+// Two boxes with link points at the middles of their facing sides and one on top of each,
+// and a free connector of five points.
+class ConnectorBinding : public ::testing::Test
 {
+protected:
     TClassHost Host{300, 200};
-    TMyRectangle *A = nullptr;
-    TMyRectangle *B = nullptr;
-    TMyLinkLine *Link = nullptr;
-
-    TTwoBoxes()
-    {
-        // Link points at the middles of the facing sides, and one on top of each.
-        A = PlaceBox(Host, 20, 40, 80, 100, {{80, 70}, {50, 40}});
-        B = PlaceBox(Host, 180, 60, 240, 120, {{180, 90}, {210, 60}});
-        Link = PlaceConnector(Host, {{10, 10}, {30, 10}, {30, 30}, {50, 30}, {290, 190}});
-    }
+    TMyRectangle *A = PlaceBox(Host, 20, 40, 80, 100, {{80, 70}, {50, 40}});
+    TMyRectangle *B = PlaceBox(Host, 180, 60, 240, 120, {{180, 90}, {210, 60}});
+    TMyLinkLine *Link = PlaceConnector(Host, {{10, 10}, {30, 10}, {30, 30}, {50, 30}, {290, 190}});
 };
 
-TEST(ConnectorBinding, RefusedIndexOrShapeChangesNothing)
+TEST_F(ConnectorBinding, RefusedIndexOrShapeChangesNothing)
 {
-    TTwoBoxes f;
-    const TMyPointArray before = f.Link->Points();
-    const int repaints = f.Host.Repaints;
+    const TMyPointArray before = Link->Points();
+    const int repaints = Host.Repaints;
     // Two link points: 2 is one past the last; -1 and an unknown identity are refused too.
-    EXPECT_FALSE(f.Link->CreateSrcLink(f.A->ShapeId(), 2));
-    EXPECT_FALSE(f.Link->CreateSrcLink(f.A->ShapeId(), -1));
-    EXPECT_FALSE(f.Link->CreateDestLink(f.B->ShapeId(), 2));
-    EXPECT_FALSE(f.Link->CreateDestLink(999, 0));
-    EXPECT_TRUE(f.Link->StartSpNo() == -1 && f.Link->StartSpPtId() == -1);
-    EXPECT_TRUE(f.Link->EndSpNo() == -1 && f.Link->EndSpPtId() == -1);
-    EXPECT_TRUE(f.A->LinkShapes().empty() && f.B->LinkShapes().empty());
-    EXPECT_EQ(f.Link->Points(), before);
-    EXPECT_EQ(f.Host.Repaints, repaints);
+    EXPECT_FALSE(Link->CreateSrcLink(A->ShapeId(), 2));
+    EXPECT_FALSE(Link->CreateSrcLink(A->ShapeId(), -1));
+    EXPECT_FALSE(Link->CreateDestLink(B->ShapeId(), 2));
+    EXPECT_FALSE(Link->CreateDestLink(999, 0));
+    EXPECT_TRUE(Link->StartSpNo() == -1 && Link->StartSpPtId() == -1);
+    EXPECT_TRUE(Link->EndSpNo() == -1 && Link->EndSpPtId() == -1);
+    EXPECT_TRUE(A->LinkShapes().empty() && B->LinkShapes().empty());
+    EXPECT_EQ(Link->Points(), before);
+    EXPECT_EQ(Host.Repaints, repaints);
 
     // The last index is accepted.
-    EXPECT_TRUE(f.Link->CreateSrcLink(f.A->ShapeId(), 1));
-    EXPECT_TRUE(f.Link->StartSpNo() == f.A->ShapeNo() && f.Link->StartSpPtId() == 1);
-    EXPECT_EQ(f.A->LinkShapes(), std::vector<std::int32_t>{f.Link->ShapeNo()});
-    EXPECT_GT(f.Host.Repaints, repaints);
+    EXPECT_TRUE(Link->CreateSrcLink(A->ShapeId(), 1));
+    EXPECT_TRUE(Link->StartSpNo() == A->ShapeNo() && Link->StartSpPtId() == 1);
+    EXPECT_EQ(A->LinkShapes(), std::vector<std::int32_t>{Link->ShapeNo()});
+    EXPECT_GT(Host.Repaints, repaints);
 }
 
-TEST(ConnectorBinding, RebindingMovesTheConnectorUnbindingKeepsTheNumber)
+TEST_F(ConnectorBinding, RebindingMovesTheConnectorUnbindingKeepsTheNumber)
 {
-    TTwoBoxes f;
-    const std::int32_t self = f.Link->ShapeNo();
+    const std::int32_t self = Link->ShapeNo();
     // Another connector already listed by A must stay listed.
-    f.A->LinkShapes() = {7};
-    ASSERT_TRUE(f.Link->CreateSrcLink(f.A->ShapeId(), 0));
-    EXPECT_EQ(f.A->LinkShapes(), (std::vector<std::int32_t>{7, self}));
-    EXPECT_EQ(f.Link->GetStartShape(), f.A);
+    A->LinkShapes() = {7};
+    ASSERT_TRUE(Link->CreateSrcLink(A->ShapeId(), 0));
+    EXPECT_EQ(A->LinkShapes(), (std::vector<std::int32_t>{7, self}));
+    EXPECT_EQ(Link->GetStartShape(), A);
 
-    ASSERT_TRUE(f.Link->CreateSrcLink(f.B->ShapeId(), 1));
-    EXPECT_EQ(f.A->LinkShapes(), std::vector<std::int32_t>{7});
-    EXPECT_EQ(f.B->LinkShapes(), std::vector<std::int32_t>{self});
-    EXPECT_EQ(f.Link->GetStartShape(), f.B);
+    ASSERT_TRUE(Link->CreateSrcLink(B->ShapeId(), 1));
+    EXPECT_EQ(A->LinkShapes(), std::vector<std::int32_t>{7});
+    EXPECT_EQ(B->LinkShapes(), std::vector<std::int32_t>{self});
+    EXPECT_EQ(Link->GetStartShape(), B);
 
     // Binding the end to the same shape lists the connector once.
-    ASSERT_TRUE(f.Link->CreateDestLink(f.B->ShapeId(), 0));
-    EXPECT_EQ(f.B->LinkShapes(), std::vector<std::int32_t>{self});
-    EXPECT_EQ(f.Link->GetEndShape(), f.B);
+    ASSERT_TRUE(Link->CreateDestLink(B->ShapeId(), 0));
+    EXPECT_EQ(B->LinkShapes(), std::vector<std::int32_t>{self});
+    EXPECT_EQ(Link->GetEndShape(), B);
 
     // Setting the start free keeps the number in B's list, and the end still uses it.
-    f.Link->RemoveSrcLink();
-    EXPECT_TRUE(f.Link->StartSpPtId() == -1 && f.Link->GetStartShape() == nullptr);
-    EXPECT_EQ(f.Link->GetEndShape(), f.B);
-    f.Link->RemoveAllLink();
-    EXPECT_TRUE(f.Link->EndSpPtId() == -1 && f.Link->GetEndShape() == nullptr);
-    EXPECT_EQ(f.B->LinkShapes(), std::vector<std::int32_t>{self});
+    Link->RemoveSrcLink();
+    EXPECT_TRUE(Link->StartSpPtId() == -1 && Link->GetStartShape() == nullptr);
+    EXPECT_EQ(Link->GetEndShape(), B);
+    Link->RemoveAllLink();
+    EXPECT_TRUE(Link->EndSpPtId() == -1 && Link->GetEndShape() == nullptr);
+    EXPECT_EQ(B->LinkShapes(), std::vector<std::int32_t>{self});
 }
 
-TEST(ConnectorBinding, EndsReadTheLinkPointsLiveElseTheOwnPoints)
+TEST_F(ConnectorBinding, EndsReadTheLinkPointsLiveElseTheOwnPoints)
 {
-    TTwoBoxes f;
-    f.Host.ZoomValue = 2;
+    Host.ZoomValue = 2;
     // Free ends: the own first and last points, zoomed.
-    EXPECT_EQ(f.Link->GetStartPoint(), (TMyPoint{20, 20}));
-    EXPECT_EQ(f.Link->GetEndPoint(), (TMyPoint{580, 380}));
+    EXPECT_EQ(Link->GetStartPoint(), (TMyPoint{20, 20}));
+    EXPECT_EQ(Link->GetEndPoint(), (TMyPoint{580, 380}));
 
-    ASSERT_TRUE(f.Link->CreateSrcLink(f.A->ShapeId(), 0));
-    ASSERT_TRUE(f.Link->CreateDestLink(f.B->ShapeId(), 1));
-    EXPECT_EQ(f.Link->GetStartPoint(), (TMyPoint{160, 140}));
-    EXPECT_EQ(f.Link->GetEndPoint(), (TMyPoint{420, 120}));
+    ASSERT_TRUE(Link->CreateSrcLink(A->ShapeId(), 0));
+    ASSERT_TRUE(Link->CreateDestLink(B->ShapeId(), 1));
+    EXPECT_EQ(Link->GetStartPoint(), (TMyPoint{160, 140}));
+    EXPECT_EQ(Link->GetEndPoint(), (TMyPoint{420, 120}));
 
     // Moving a bound shape (screen offsets at zoom 2) moves the end with it, before any
     // re-routing, and the route drawn meets the moved link point.
-    f.A->DragChangeValuedxdy(30, -10);
-    EXPECT_EQ(f.Link->GetStartPoint(), (TMyPoint{190, 130}));
-    EXPECT_EQ(f.Link->DisplayRoute().front(), (TMyPoint{190, 130}));
-    f.Link->UpdateRoute();
-    EXPECT_EQ(f.Link->GetPointInZoom(0), (TMyPoint{190, 130}));
-    EXPECT_EQ(f.Link->GetPointInZoom(f.Link->GetPointsCount() - 1), (TMyPoint{420, 120}));
+    A->DragChangeValuedxdy(30, -10);
+    EXPECT_EQ(Link->GetStartPoint(), (TMyPoint{190, 130}));
+    EXPECT_EQ(Link->DisplayRoute().front(), (TMyPoint{190, 130}));
+    Link->UpdateRoute();
+    EXPECT_EQ(Link->GetPointInZoom(0), (TMyPoint{190, 130}));
+    EXPECT_EQ(Link->GetPointInZoom(Link->GetPointsCount() - 1), (TMyPoint{420, 120}));
 
-    // A binding that names a link point the shape no longer has falls back to the own point.
-    f.A->LinkPoints().clear();
-    EXPECT_EQ(f.Link->GetStartPoint(), f.Link->GetPointInZoom(0));
+    // A binding that names a link point the shape no longer has, or a shape that is not
+    // there, falls back to the own point.
+    A->LinkPoints().clear();
+    EXPECT_EQ(Link->GetStartPoint(), Link->GetPointInZoom(0));
+    Link->SetEndSpNo(99);
+    EXPECT_EQ(Link->GetEndPoint(), Link->GetPointInZoom(Link->GetPointsCount() - 1));
     // No points and a free end: the origin.
-    TMyLinkLine empty(&f.Host);
+    TMyLinkLine empty(&Host);
     EXPECT_EQ(empty.GetStartPoint(), (TMyPoint{0, 0}));
 }
 
-TEST(ConnectorBinding, IsLineHVCountsTiesAsHorizontal)
+TEST(ConnectorOrientation, IsLineHVCountsTiesAsHorizontal)
 {
     struct TCase
     {
@@ -124,28 +119,28 @@ TEST(ConnectorBinding, IsLineHVCountsTiesAsHorizontal)
         EXPECT_EQ(TMyLinkLine::IsLineHV(c.A, c.B), c.Expected) << c.B.X << "," << c.B.Y;
 }
 
-TEST(ConnectorStyle, SwitchingKeepsTheEndsOrRoutesBetweenThem)
+TEST_F(ConnectorBinding, StyleSwitchKeepsTheEndsOrRoutesBetweenThem)
 {
-    TTwoBoxes f;
-    f.Link->SetLinkLineDrawStyle(TLinkLineDrawStyle::lldsFree);
-    EXPECT_EQ(f.Link->Points(), (TMyPointArray{{10, 10}, {290, 190}}));
-    EXPECT_EQ(f.Link->DisplayRoute(), (std::vector<TMyPoint>{{10, 10}, {290, 190}}));
+    Link->SetLinkLineDrawStyle(TLinkLineDrawStyle::lldsFree);
+    EXPECT_EQ(Link->Points(), (TMyPointArray{{10, 10}, {290, 190}}));
+    EXPECT_EQ(Link->DisplayRoute(), (std::vector<TMyPoint>{{10, 10}, {290, 190}}));
 
-    // Back to orthogonal: routed at once between the same ends.
-    f.Link->SetLinkLineDrawStyle(TLinkLineDrawStyle::lldsHV);
-    EXPECT_FALSE(f.Link->NeedsReroute());
-    const TMyPointArray &route = f.Link->Points();
+    // Back to orthogonal: routed at once between the same ends, whatever was pending.
+    Link->SetNeedsReroute(true);
+    Link->SetLinkLineDrawStyle(TLinkLineDrawStyle::lldsHV);
+    EXPECT_FALSE(Link->NeedsReroute());
+    const TMyPointArray &route = Link->Points();
     EXPECT_TRUE(Alternates(route));
     EXPECT_EQ(route.front(), (TMyPoint{10, 10}));
     EXPECT_EQ(route.back(), (TMyPoint{290, 190}));
 
     // While a drawing is read the route waits for the next drawing.
-    f.Link->SetLinkLineDrawStyle(TLinkLineDrawStyle::lldsFree);
-    f.Host.Loading = true;
-    f.Link->SetLinkLineDrawStyle(TLinkLineDrawStyle::lldsHV);
-    EXPECT_TRUE(f.Link->NeedsReroute());
-    EXPECT_EQ(f.Link->Points(), (TMyPointArray{{10, 10}, {290, 190}}));
-    EXPECT_TRUE(Alternates(f.Link->DisplayRoute()));
+    Link->SetLinkLineDrawStyle(TLinkLineDrawStyle::lldsFree);
+    Host.Loading = true;
+    Link->SetLinkLineDrawStyle(TLinkLineDrawStyle::lldsHV);
+    EXPECT_TRUE(Link->NeedsReroute());
+    EXPECT_EQ(Link->Points(), (TMyPointArray{{10, 10}, {290, 190}}));
+    EXPECT_TRUE(Alternates(Link->DisplayRoute()));
 }
 
 // Facing link points on one row: the route is the straight segment between them, drawn
@@ -161,14 +156,7 @@ TEST(ConnectorDraw, RouteBetweenBoundEndsWithEndDotsAndArrowHead)
     ASSERT_TRUE(link->CreateDestLink(b->ShapeId(), 0));
     EXPECT_EQ(link->Points(), (TMyPointArray{{80, 70}, {180, 70}}));
 
-    const auto drawn = [&] {
-        QImage image = WhiteImage(300, 200);
-        TCanvas canvas(&image);
-        link->Draw(canvas);
-        canvas.Flush();
-        return image;
-    };
-    QImage image = drawn();
+    QImage image = Painted(*link, 300, 200);
     for (int x = 82; x < 178; ++x)
         ASSERT_EQ(PixelAt(image, x, 70), 0x0000FFu) << x;
     // The end dots reach two pixels above and below each end; the bare line does not.
@@ -181,7 +169,7 @@ TEST(ConnectorDraw, RouteBetweenBoundEndsWithEndDotsAndArrowHead)
     // link point. A head on the last point replaces the dot there.
     b->DragChangeValuedxdy(0, 60);
     link->SetArrowStyle(TArrowStyle::ALeft);
-    image = drawn();
+    image = Painted(*link, 300, 200);
     const std::vector<TMyPoint> route = link->DisplayRoute();
     ASSERT_EQ(route.size(), 4u);
     EXPECT_TRUE(Alternates(route));

@@ -3,8 +3,7 @@
 // connectors joining them, and checks of the shape of a route.
 #pragma once
 
-#include "rectangles/recthelpers.h"
-#include "shapeclasses/classhost.h"
+#include "shapes/testhost.h"
 
 #include <tessal/shapes/link.h>
 #include <tessal/shapes/rectangle.h>

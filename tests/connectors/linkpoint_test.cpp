@@ -3,24 +3,12 @@
 // two zooms.
 #include "connectorhost.h"
 
-#include <common/imagecompare.h>
-
 #include <gtest/gtest.h>
 
 namespace tessal::test {
 namespace {
 
 constexpr unsigned kBluePixel = 0x0000FF;
-
-QImage Drawn(TMyShape &shape)
-{
-    QImage image(200, 200, QImage::Format_RGB32);
-    image.fill(Qt::white);
-    TCanvas canvas(&image);
-    shape.Draw(canvas);
-    canvas.Flush();
-    return image;
-}
 
 TEST(LinkMark, OneClickPlacesTheSquareAndTheLinkPoint)
 {
@@ -59,7 +47,7 @@ TEST(LinkMark, DiagonalsAtTwoZooms)
     // pixels between the ends are the mark's. The red brush never shows.
     for (int z : {1, 2}) {
         host.ZoomValue = z;
-        const QImage image = Drawn(mark);
+        const QImage image = Painted(mark);
         const int lo = 46 * z, n = 8 * z;
         EXPECT_EQ(CountPixels(image, image.rect(), kBluePixel), 2 * n - 1) << z;
         for (int i = 0; i < n; ++i) {
@@ -71,7 +59,7 @@ TEST(LinkMark, DiagonalsAtTwoZooms)
         EXPECT_EQ(CountPixels(image, image.rect(), kRed), 0);
     }
     host.ZoomValue = 1;
-    const QImage one = Drawn(mark);
+    const QImage one = Painted(mark);
     for (TPoint p : {TPoint{50, 46}, TPoint{50, 52}, TPoint{46, 50}})
         EXPECT_EQ(PixelAt(one, p.X, p.Y), kWhite) << p.X << "," << p.Y;
 }
@@ -89,7 +77,7 @@ TEST(JunctionMark, RingAndDotAtTwoZooms)
 
     for (int zoom : {1, 2}) {
         host.ZoomValue = zoom;
-        const QImage image = Drawn(junction);
+        const QImage image = Painted(junction);
         const int c = 50 * zoom, outer = 10 * zoom, inner = 5 * zoom;
         // Dot: solid out to just inside its radius.
         for (int d = 0; d < inner - 1; ++d) {

@@ -18,8 +18,7 @@ namespace tessal::test {
 inline QJsonObject RunPeer(const QStringList &arguments)
 {
     QProcess python;
-    python.start(QStringLiteral("/usr/bin/python3"),
-                 QStringList{QStringLiteral(TESSAL_DXF_PEER)} + arguments);
+    python.start("/usr/bin/python3", QStringList{QStringLiteral(TESSAL_DXF_PEER)} + arguments);
     EXPECT_TRUE(python.waitForFinished(120000));
     const QByteArray err = python.readAllStandardError();
     EXPECT_EQ(python.exitCode(), 0) << err.constData();
@@ -29,7 +28,7 @@ inline QJsonObject RunPeer(const QStringList &arguments)
 // The lines of a DXF text without their line ends.
 inline QStringList DxfLines(const QByteArray &text)
 {
-    QStringList lines = QString::fromUtf8(text).split(QStringLiteral("\r\n"));
+    QStringList lines = QString::fromUtf8(text).split("\r\n");
     if (!lines.isEmpty() && lines.back().isEmpty())
         lines.removeLast();
     return lines;

@@ -63,8 +63,8 @@ TEST(DxfNumbers, ShortestGeneralFormWithDotWhateverTheLocale)
     std::mt19937_64 random(15);
     std::uniform_real_distribution<double> mantissa(-10, 10);
     std::uniform_int_distribution<int> magnitude(-40, 40);
-    const QRegularExpression plain(QStringLiteral("^-?(0|[1-9][0-9]*)(\\.[0-9]*[1-9])?$"));
-    const QRegularExpression exponent(QStringLiteral("^-?[1-9](\\.[0-9]*[1-9])?E-?[1-9][0-9]*$"));
+    const QRegularExpression plain("^-?(0|[1-9][0-9]*)(\\.[0-9]*[1-9])?$");
+    const QRegularExpression exponent("^-?[1-9](\\.[0-9]*[1-9])?E-?[1-9][0-9]*$");
     for (int i = 0; i < 20000; ++i) {
         const double value = mantissa(random) * std::pow(10.0, magnitude(random));
         const QByteArray text = Dxf::FormatNumber(value);
@@ -78,7 +78,7 @@ TEST(DxfNumbers, ShortestGeneralFormWithDotWhateverTheLocale)
             << text.constData();
     }
     // Texts go out in ASCII, everything else escaped.
-    EXPECT_EQ(Dxf::EscapeText(QStringLiteral("Gr\u00f6\u00dfe \u2300\t1")),
+    EXPECT_EQ(Dxf::EscapeText("Gr\u00f6\u00dfe \u2300\t1"),
               QByteArray("Gr\\U+00F6\\U+00DFe \\U+2300 1"));
 }
 
@@ -145,21 +145,16 @@ QString Mm(double pixels)
     return s;
 }
 
-TEST_F(DxfWriter, EmptyDrawingIsTheBareSection)
+TEST_F(DxfWriter, EmptyDrawingAndALineOnAControlOfItsOwnLengthInHeight)
 {
     EXPECT_EQ(DxfLines(cad.DxfText(false)),
               QStringList({"0", "SECTION", "2", "ENTITIES", "0", "ENDSEC", "0", "EOF"}));
     EXPECT_TRUE(cad.DxfText(false).endsWith("EOF\r\n"));
-}
-
-TEST_F(DxfWriter, LineOnControlOfItsOwnLengthInHeight)
-{
     cad.resize(640, 378);
     Add(TDrawTool::SpLine, {{0, 0}, {378, 0}});
-    const QStringList lines = DxfLines(cad.DxfText(false));
-    const QStringList entity = lines.mid(4, 18);
-    EXPECT_EQ(entity, QStringList({"0", "LINE", "5", "20", "8", "0", "10", "0", "20", "100.0125",
-                                   "30", "0.0", "11", "100.0125", "21", "100.0125", "31", "0.0"}));
+    EXPECT_EQ(DxfLines(cad.DxfText(false)).mid(4, 18),
+              QStringList({"0", "LINE", "5", "20", "8", "0", "10", "0", "20", "100.0125", "30",
+                           "0.0", "11", "100.0125", "21", "100.0125", "31", "0.0"}));
 }
 
 // Every exported class once, with shapes that are not exported in between (they take no
@@ -226,7 +221,7 @@ TEST_F(DxfWriter, EveryExportedClassExactly)
 // character height, the angle anticlockwise in degrees; SaveToDxf1 writes glyph outlines.
 TEST_F(DxfWriter, TextAsTextAndAsGlyphOutlines)
 {
-    Add(TDrawTool::SpText, {{240, 96}, {480, 192}}, QStringLiteral("Hi\nthere"));
+    Add(TDrawTool::SpText, {{240, 96}, {480, 192}}, "Hi\nthere");
     TFont font = cad.GetShapeByNo(0)->Font();
     QImage image(1, 1, QImage::Format_ARGB32);
     TCanvas canvas(&image);
@@ -247,16 +242,16 @@ TEST_F(DxfWriter, TextAsTextAndAsGlyphOutlines)
     // Turned by a quarter clockwise on screen: anticlockwise -90 degrees in the file.
     cad.GetShapeByNo(0)->SetAngle(float(std::numbers::pi / 2));
     const QStringList turned = DxfLines(cad.DxfText(false));
-    const qsizetype at = turned.indexOf(QStringLiteral("50"));
+    const qsizetype at = turned.indexOf("50");
     ASSERT_GT(at, 0);
     EXPECT_NEAR(turned[at + 1].toDouble(), -90, 1e-5);
 
     // Glyphs: only closed POLYLINE groups, every vertex inside the text's box.
     cad.GetShapeByNo(0)->SetAngle(0);
     const QStringList glyphs = DxfLines(cad.DxfText(true));
-    EXPECT_FALSE(glyphs.contains(QStringLiteral("TEXT")));
-    EXPECT_GE(glyphs.count(QStringLiteral("POLYLINE")), 7); // H, i (2), t, h, e (2), r, e
-    EXPECT_EQ(glyphs.count(QStringLiteral("POLYLINE")), glyphs.count(QStringLiteral("SEQEND")));
+    EXPECT_FALSE(glyphs.contains("TEXT"));
+    EXPECT_GE(glyphs.count("POLYLINE"), 7); // H, i (2), t, h, e (2), r, e
+    EXPECT_EQ(glyphs.count("POLYLINE"), glyphs.count("SEQEND"));
     for (qsizetype i = 0; i + 1 < glyphs.size(); i += 2)
         if (glyphs[i] == QLatin1String("10") && glyphs[i + 1] != QLatin1String("0.0")) {
             const double x = glyphs[i + 1].toDouble() * 96 / 25.4;
@@ -268,18 +263,18 @@ TEST_F(DxfWriter, TextAsTextAndAsGlyphOutlines)
 TEST_F(DxfWriter, FailedSaveKeepsOldFileAndSaysWhy)
 {
     Add(TDrawTool::SpLine, {{0, 0}, {10, 10}});
-    EXPECT_FALSE(cad.SaveToDxf(QStringLiteral("/nonexistent-folder/plan.dxf")));
-    EXPECT_TRUE(cad.LastError().contains(QStringLiteral("plan.dxf")));
+    EXPECT_FALSE(cad.SaveToDxf("/nonexistent-folder/plan.dxf"));
+    EXPECT_TRUE(cad.LastError().contains("plan.dxf"));
 
     QTemporaryDir dir;
-    const QString name = dir.filePath(QStringLiteral("plan.dxf"));
+    const QString name = dir.filePath("plan.dxf");
     ASSERT_TRUE(cad.SaveToDxf(name));
     EXPECT_TRUE(cad.LastError().isEmpty());
     QFile file(name);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_EQ(file.readAll(), cad.DxfText(false));
     // A folder in the file's place cannot be replaced: the save fails, the folder stays.
-    const QString blocked = dir.filePath(QStringLiteral("blocked.dxf"));
+    const QString blocked = dir.filePath("blocked.dxf");
     ASSERT_TRUE(QDir().mkdir(blocked));
     EXPECT_FALSE(cad.SaveToDxf1(blocked));
     EXPECT_TRUE(QFileInfo(blocked).isDir());
@@ -298,14 +293,14 @@ TEST_F(DxfWriter, ProgressAndCancel)
         seen.push_back(done);
     });
     QTemporaryDir dir;
-    const QString name = dir.filePath(QStringLiteral("plan.dxf"));
+    const QString name = dir.filePath("plan.dxf");
     ASSERT_TRUE(cad.SaveToDxf(name));
     EXPECT_EQ(seen, (std::vector<std::int64_t>{0, 4096, 8192, 10000}));
 
     cad.SetOnProgress(
         [](TMyCAD *, std::int64_t done, std::int64_t, bool &cancel) { cancel = done >= 4096; });
     EXPECT_FALSE(cad.SaveToDxf1(name));
-    EXPECT_EQ(cad.LastError(), name + QStringLiteral(": cancelled"));
+    EXPECT_EQ(cad.LastError(), name + ": cancelled");
     QFile file(name);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_EQ(file.readAll(), cad.DxfText(false));
@@ -323,12 +318,12 @@ TEST_F(DxfWriter, EzdxfReadsAndAuditsEveryFile)
     Add(TDrawTool::SpLineLinkLine, {{384, 48}, {480, 144}});
     Add(TDrawTool::SpEllipse, {{384, 240}, {576, 336}});
     Add(TDrawTool::SpPolyBezier, {{0, 432}, {48, 384}, {144, 480}, {192, 432}});
-    Add(TDrawTool::SpText, {{240, 96}, {480, 192}}, QStringLiteral("Ab"));
+    Add(TDrawTool::SpText, {{240, 96}, {480, 192}}, "Ab");
     QTemporaryDir dir;
     for (bool glyphs : {false, true}) {
         const QString name = dir.filePath(glyphs ? "glyphs.dxf" : "text.dxf");
         ASSERT_TRUE(glyphs ? cad.SaveToDxf1(name) : cad.SaveToDxf(name));
-        const QJsonObject peer = RunPeer({QStringLiteral("audit"), name});
+        const QJsonObject peer = RunPeer({"audit", name});
         EXPECT_EQ(peer["errors"].toInt(-1), 0);
         EXPECT_EQ(peer["lines"].toArray().size(), 3);
         EXPECT_EQ(peer["circles"].toArray().size(), 2);

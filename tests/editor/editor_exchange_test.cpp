@@ -11,10 +11,6 @@
 #include <QProgressDialog>
 #include <QStatusBar>
 
-#ifdef TESSAL_EDITOR_DXF_IMPORT
-#include <tessal/dxf/import/dxfimport.h>
-#endif
-
 using namespace tessal;
 using namespace tessal::test;
 
@@ -74,13 +70,12 @@ private:
 
 TEST_F(EditorTest, DxfExportReadsBackAndImportShowsItsReport)
 {
-    m_Cad()->SetSnap(false);
     DrawRectangle({100, 120}, {260, 200});
     const TMyPoint textBox[] = {{300, 300}, {460, 360}};
-    m_Cad()->AddShapeByCode(TDrawTool::SpText, {}, textBox, 0, QStringLiteral("Pump"));
+    m_Cad()->AddShapeByCode(TDrawTool::SpText, {}, textBox, 0, "Pump");
     m_Window->NoteChange();
-    const QString plain = m_Dir.filePath(QStringLiteral("plain.dxf"));
-    const QString outlines = m_Dir.filePath(QStringLiteral("outlines.dxf"));
+    const QString plain = m_Dir.filePath("plain.dxf");
+    const QString outlines = m_Dir.filePath("outlines.dxf");
     ASSERT_TRUE(m_Window->ExportDxf(plain, false));
     ASSERT_TRUE(m_Window->ExportDxf(outlines, true));
     // The text is a TEXT entity in one, glyph outlines in the other.
@@ -91,93 +86,70 @@ TEST_F(EditorTest, DxfExportReadsBackAndImportShowsItsReport)
     {
         // Writing into a folder that is not there says why and leaves nothing behind.
         TBoxAnswer answer(QMessageBox::Ok);
-        EXPECT_FALSE(m_Window->ExportDxf(m_Dir.filePath(QStringLiteral("no/x.dxf")), false));
-        EXPECT_TRUE(answer.Text().contains(QStringLiteral("cannot be written")));
+        EXPECT_FALSE(m_Window->ExportDxf(m_Dir.filePath("no/x.dxf"), false));
+        EXPECT_TRUE(answer.Text().contains("cannot be written"));
     }
     if (!MainWindow::CanImportDxf())
         GTEST_SKIP() << "this build reads no DXF files";
 
-#ifdef TESSAL_EDITOR_DXF_IMPORT
-    // The DXF reader takes back what the editor wrote, at the same place.
-    TMyCAD check;
-    check.SetPageWidth(m_Cad()->PageWidth());
-    check.SetPageHeight(m_Cad()->PageHeight());
-    TDxfImportReport report;
-    ASSERT_TRUE(LoadFromDxf(check, plain, report)) << report.Error.toStdString();
-    ASSERT_EQ(check.GetShapesCount(), 2);
-    EXPECT_EQ(check.GetShapeByNo(0)->ClassName(), QStringLiteral("TMyPolygon"));
-    ExpectPoints(check.GetShapeByNo(0),
-                 {{100, 120}, {260, 120}, {260, 200}, {100, 200}, {100, 120}});
-    ASSERT_EQ(check.GetShapeByNo(1)->ClassName(), QStringLiteral("TMyText"));
-    EXPECT_EQ(static_cast<TMyText *>(check.GetShapeByNo(1))->Lines(),
-              QStringList{QStringLiteral("Pump")});
-    ASSERT_TRUE(LoadFromDxf(check, outlines, report)) << report.Error.toStdString();
-    EXPECT_GT(check.GetShapesCount(), 2);
-    for (std::int32_t no = 0; no < check.GetShapesCount(); ++no)
-        EXPECT_NE(check.GetShapeByNo(no)->ClassName(), QStringLiteral("TMyText"));
-#endif
-
     // Imported through the window (Open takes DXF files too): a new, unsaved drawing with a
     // clean history, and the report in a message box.
-    m_Window->Save(m_Dir.filePath(QStringLiteral("before.tsd")));
+    m_Window->Save(m_Dir.filePath("before.tsd"));
     {
         TBoxAnswer answer(QMessageBox::Ok);
         ASSERT_TRUE(m_Window->OpenFile(plain));
-        EXPECT_EQ(answer.Text(), QStringLiteral("plain.dxf imported: 2 entities read, 0 skipped."));
-        EXPECT_TRUE(answer.InformativeText().contains(QStringLiteral("shapes created: 2")));
+        EXPECT_EQ(answer.Text(), "plain.dxf imported: 2 entities read, 0 skipped.");
+        EXPECT_TRUE(answer.InformativeText().contains("shapes created: 2"));
     }
     EXPECT_EQ(m_Cad()->GetShapesCount(), 2);
     ExpectPoints(m_Cad()->GetShapeByNo(0),
                  {{100, 120}, {260, 120}, {260, 200}, {100, 200}, {100, 120}});
     EXPECT_TRUE(m_Window->FileName().isEmpty());
     EXPECT_TRUE(m_Window->isWindowModified());
-    EXPECT_FALSE(m_Window->findChild<QAction *>(QStringLiteral("undo"))->isEnabled());
+    EXPECT_FALSE(m_Window->findChild<QAction *>("undo")->isEnabled());
 
     // Skipped entities are counted with their reasons; the file's layer comes along.
-    const QString lines = m_Dir.filePath(QStringLiteral("lines.dxf"));
+    const QString lines = m_Dir.filePath("lines.dxf");
     ASSERT_TRUE(Write(lines, TwoLines));
     {
         TBoxAnswer answer(QMessageBox::Ok);
         ASSERT_TRUE(m_Window->ImportDxf(lines));
-        EXPECT_EQ(answer.Text(), QStringLiteral("lines.dxf imported: 2 entities read, 1 skipped."));
-        EXPECT_TRUE(answer.InformativeText().contains(
-            QStringLiteral("1 x WIPEOUT: entity type not supported")));
+        EXPECT_EQ(answer.Text(), "lines.dxf imported: 2 entities read, 1 skipped.");
+        EXPECT_TRUE(answer.InformativeText().contains("1 x WIPEOUT: entity type not supported"));
     }
-    EXPECT_EQ(m_Window->ImportReport().value(2), QStringLiteral("entities skipped: 1"));
+    EXPECT_EQ(m_Window->ImportReport().value(2), "entities skipped: 1");
     ASSERT_EQ(m_Cad()->GetShapesCount(), 2);
-    EXPECT_GE(m_Cad()->GetLayerIdByName(QStringLiteral("Walls")), 0);
-    EXPECT_EQ(m_Cad()->GetShapeByNo(0)->LayerId(),
-              m_Cad()->GetLayerIdByName(QStringLiteral("Walls")));
+    EXPECT_GE(m_Cad()->GetLayerIdByName("Walls"), 0);
+    EXPECT_EQ(m_Cad()->GetShapeByNo(0)->LayerId(), m_Cad()->GetLayerIdByName("Walls"));
 }
 
 TEST_F(EditorTest, DamagedDxfLeavesTheDrawingUntouched)
 {
     if (!MainWindow::CanImportDxf())
         GTEST_SKIP() << "this build reads no DXF files";
-    m_Cad()->SetSnap(false);
     DrawRectangle({40, 40}, {120, 90});
-    const QString path = m_Dir.filePath(QStringLiteral("kept.tsd"));
+    const QString path = m_Dir.filePath("kept.tsd");
     ASSERT_TRUE(m_Window->Save(path));
     const QRectF box = Box(m_Cad()->GetShapeByNo(0));
     const std::size_t history = m_Cad()->UndoRedoShapeList().size();
 
     // Cut after the first line: the reader would import that line and stop.
-    const QString cut = m_Dir.filePath(QStringLiteral("cut.dxf"));
+    const QString cut = m_Dir.filePath("cut.dxf");
     ASSERT_TRUE(Write(cut, TwoLines.left(TwoLines.indexOf("0\nLINE", 30))));
-    const QString garbage = m_Dir.filePath(QStringLiteral("garbage.dxf"));
+    const QString garbage = m_Dir.filePath("garbage.dxf");
     ASSERT_TRUE(Write(garbage, "hello world\n"));
     const std::pair<QString, const char *> cases[] = {
         {cut, "EOF marker"},
         {garbage, "not a DXF file"},
-        {m_Dir.filePath(QStringLiteral("missing.dxf")), "missing.dxf"},
+        {m_Dir.filePath("missing.dxf"), "missing.dxf"},
     };
     for (const auto &[file, reason] : cases) {
         SCOPED_TRACE(file.toStdString());
         TBoxAnswer answer(QMessageBox::Ok);
         EXPECT_FALSE(m_Window->ImportDxf(file));
-        EXPECT_TRUE(answer.Text().contains(QStringLiteral("cannot be imported")));
+        EXPECT_TRUE(answer.Text().contains("cannot be imported"));
         EXPECT_TRUE(answer.Text().contains(QLatin1String(reason))) << answer.Text().toStdString();
-        EXPECT_EQ(answer.InformativeText(), QStringLiteral("The open drawing is unchanged."));
+        EXPECT_EQ(answer.InformativeText(), "The open drawing is unchanged.");
         ASSERT_EQ(m_Cad()->GetShapesCount(), 1);
         EXPECT_EQ(Box(m_Cad()->GetShapeByNo(0)), box);
         EXPECT_EQ(m_Cad()->UndoRedoShapeList().size(), history);
@@ -188,7 +160,6 @@ TEST_F(EditorTest, DamagedDxfLeavesTheDrawingUntouched)
 
 TEST_F(EditorTest, CombineFromTheMenuAndCommandsThatApply)
 {
-    m_Cad()->SetSnap(false);
     DrawRectangle({100, 100}, {200, 150});
     DrawRectangle({140, 200}, {300, 260});
     TShapeCommands *commands = m_Window->Commands();
@@ -220,22 +191,22 @@ TEST_F(EditorTest, CombineFromTheMenuAndCommandsThatApply)
     combine->trigger();
     ASSERT_EQ(m_Cad()->GetShapesCount(), 3);
     TMyShape *block = m_Cad()->GetShapeByNo(2);
-    EXPECT_EQ(block->ClassName(), QStringLiteral("TMyCombine"));
+    EXPECT_EQ(block->ClassName(), "TMyCombine");
     EXPECT_EQ(block->ChildShapes(), (std::vector<std::int32_t>{0, 1}));
     EXPECT_EQ(Box(block), QRectF(QPointF(100, 100), QPointF(300, 260)));
     EXPECT_TRUE(m_Window->isWindowModified());
     EXPECT_TRUE(enabled("ungroup"));
     EXPECT_FALSE(enabled("combine"));
-    EXPECT_EQ(m_Window->UndoText(), QStringLiteral("&Undo Group"));
+    EXPECT_EQ(m_Window->UndoText(), "&Undo Group");
 
     // Locked, the block cannot be ungrouped, and only Unlock is offered of the two.
-    commands->Action(QStringLiteral("lock"))->trigger();
+    commands->Action("lock")->trigger();
     EXPECT_TRUE(block->Locked());
     EXPECT_FALSE(enabled("ungroup"));
     EXPECT_FALSE(enabled("lock"));
     EXPECT_TRUE(enabled("unlock"));
-    commands->Action(QStringLiteral("unlock"))->trigger();
-    commands->Action(QStringLiteral("ungroup"))->trigger();
+    commands->Action("unlock")->trigger();
+    commands->Action("ungroup")->trigger();
     EXPECT_EQ(m_Cad()->GetShapesCount(), 2);
 
     // A polyline breaks and closes; closed, it no longer offers to close.
@@ -244,13 +215,13 @@ TEST_F(EditorTest, CombineFromTheMenuAndCommandsThatApply)
     m_Window->NoteChange();
     EXPECT_TRUE(enabled("breakLine"));
     ASSERT_TRUE(enabled("closePolygon"));
-    commands->Action(QStringLiteral("closePolygon"))->trigger();
-    EXPECT_EQ(m_Cad()->GetShapeByNo(2)->ClassName(), QStringLiteral("TMyPolygon"));
+    commands->Action("closePolygon")->trigger();
+    EXPECT_EQ(m_Cad()->GetShapeByNo(2)->ClassName(), "TMyPolygon");
     EXPECT_FALSE(enabled("closePolygon"));
     EXPECT_FALSE(enabled("breakLine"));
 
     // Shapes on two layers are neither grouped nor combined.
-    ASSERT_TRUE(m_Window->Layers()->AddLayer(QStringLiteral("Top")));
+    ASSERT_TRUE(m_Window->Layers()->AddLayer("Top"));
     DrawRectangle({600, 100}, {650, 150});
     m_Cad()->SetWorkingShapes(
         std::vector<TMyShape *>{m_Cad()->GetShapeByNo(0), m_Cad()->GetShapeByNo(3)});
@@ -269,7 +240,7 @@ TEST_F(EditorTest, CancelledLoadAndSaveKeepTheDrawingAndTheFile)
         const TMyPoint corners[] = {{x, y}, {x + 6, y + 6}};
         m_Cad()->AddShapeByCode(TDrawTool::SpRectangle, {}, corners, 0, {});
     }
-    const QString path = m_Dir.filePath(QStringLiteral("big.tsd"));
+    const QString path = m_Dir.filePath("big.tsd");
     ASSERT_TRUE(m_Window->Save(path));
     const QByteArray saved = Contents(path);
     m_Window->SetProgressDelay(0);
@@ -283,35 +254,34 @@ TEST_F(EditorTest, CancelledLoadAndSaveKeepTheDrawingAndTheFile)
         EXPECT_EQ(canceller.Cancels(), 1);
         EXPECT_EQ(Contents(path), saved);
         EXPECT_TRUE(m_Window->isWindowModified());
-        EXPECT_TRUE(m_Window->statusBar()->currentMessage().contains(QStringLiteral("cancelled")));
+        EXPECT_TRUE(m_Window->statusBar()->currentMessage().contains("cancelled"));
     }
 
     m_Window->NewDrawing();
-    m_Cad()->SetSnap(false);
     DrawRectangle({40, 40}, {120, 90});
     {
         TCanceller canceller(m_Window.get());
         EXPECT_FALSE(m_Window->OpenFile(path));
         EXPECT_EQ(canceller.Cancels(), 1);
     }
-    EXPECT_TRUE(m_Window->statusBar()->currentMessage().contains(QStringLiteral("cancelled")));
+    EXPECT_TRUE(m_Window->statusBar()->currentMessage().contains("cancelled"));
     ASSERT_EQ(m_Cad()->GetShapesCount(), 1);
     EXPECT_EQ(Box(m_Cad()->GetShapeByNo(0)), QRectF(QPointF(40, 40), QPointF(120, 90)));
     EXPECT_TRUE(m_Window->FileName().isEmpty());
-    EXPECT_EQ(m_Window->UndoText(), QStringLiteral("&Undo Add"));
+    EXPECT_EQ(m_Window->UndoText(), "&Undo Add");
 
     // A DXF import cancelled while the file is parsed: the parse finishes, its result is
     // dropped.
     if (MainWindow::CanImportDxf()) {
         TMyCAD big;
         ASSERT_TRUE(big.LoadFromFile(path));
-        const QString dxf = m_Dir.filePath(QStringLiteral("big.dxf"));
+        const QString dxf = m_Dir.filePath("big.dxf");
         ASSERT_TRUE(Write(dxf, big.DxfText(false)));
         ASSERT_GT(QFileInfo(dxf).size(), 2 << 20) << "several slices of the parser";
         TCanceller canceller(m_Window.get());
         EXPECT_FALSE(m_Window->ImportDxf(dxf));
         EXPECT_EQ(canceller.Cancels(), 1);
-        EXPECT_TRUE(m_Window->statusBar()->currentMessage().contains(QStringLiteral("cancelled")));
+        EXPECT_TRUE(m_Window->statusBar()->currentMessage().contains("cancelled"));
         ASSERT_EQ(m_Cad()->GetShapesCount(), 1);
         EXPECT_TRUE(m_Window->FileName().isEmpty());
     }
@@ -325,21 +295,20 @@ TEST_F(EditorTest, CancelledLoadAndSaveKeepTheDrawingAndTheFile)
 
 TEST_F(EditorTest, BlocksAndSavesThatFailKeepWhatWasThere)
 {
-    m_Cad()->SetSnap(false);
     DrawRectangle({40, 40}, {120, 90});
-    const QString path = m_Dir.filePath(QStringLiteral("block.tsd"));
+    const QString path = m_Dir.filePath("block.tsd");
     ASSERT_TRUE(m_Window->Save(path));
     const QString name = m_Cad()->GetShapeByNo(0)->Name();
 
     // A damaged block: the reason, and the drawing as it was (names, layers, unchanged).
     QByteArray damaged = Contents(path);
     damaged.chop(30);
-    const QString cut = m_Dir.filePath(QStringLiteral("cut.tsd"));
+    const QString cut = m_Dir.filePath("cut.tsd");
     ASSERT_TRUE(Write(cut, damaged));
     {
         TBoxAnswer answer(QMessageBox::Ok);
         EXPECT_FALSE(m_Window->InsertBlockFile(cut, true));
-        EXPECT_TRUE(answer.Text().startsWith(QStringLiteral("cut.tsd cannot be read: ")));
+        EXPECT_TRUE(answer.Text().startsWith("cut.tsd cannot be read: "));
     }
     EXPECT_EQ(m_Cad()->GetShapesCount(), 1);
     EXPECT_EQ(m_Cad()->GetShapeByNo(0)->Name(), name);
@@ -350,7 +319,7 @@ TEST_F(EditorTest, BlocksAndSavesThatFailKeepWhatWasThere)
     ASSERT_TRUE(m_Window->InsertBlockFile(path, true));
     EXPECT_EQ(m_Cad()->GetShapesCount(), 2);
     EXPECT_TRUE(m_Window->isWindowModified());
-    m_Window->findChild<QAction *>(QStringLiteral("undo"))->trigger();
+    m_Window->findChild<QAction *>("undo")->trigger();
     EXPECT_EQ(m_Cad()->GetShapesCount(), 1);
 
     // Saving into a folder that refuses writing says why and keeps the old file. Whoever
@@ -358,13 +327,13 @@ TEST_F(EditorTest, BlocksAndSavesThatFailKeepWhatWasThere)
     const QByteArray before = Contents(path);
     DrawRectangle({200, 40}, {260, 90});
     QFile::setPermissions(m_Dir.path(), QFile::ReadOwner | QFile::ExeOwner);
-    QFile probe(m_Dir.filePath(QStringLiteral("probe")));
+    QFile probe(m_Dir.filePath("probe"));
     const bool refused = !probe.open(QIODevice::WriteOnly);
     probe.remove();
     if (refused) {
         TBoxAnswer answer(QMessageBox::Ok);
         EXPECT_FALSE(m_Window->Save(path));
-        EXPECT_TRUE(answer.Text().contains(QStringLiteral("cannot be saved")));
+        EXPECT_TRUE(answer.Text().contains("cannot be saved"));
         EXPECT_EQ(Contents(path), before);
         EXPECT_TRUE(m_Window->isWindowModified());
     }

@@ -17,25 +17,24 @@ TEST_F(EditorTest, PaletteDrawUndoSaveAndReopen)
         EXPECT_TRUE(palette->Actions()[std::size_t(i)]->isChecked());
         EXPECT_FALSE(palette->Actions()[std::size_t(i)]->icon().isNull());
     }
-    m_Cad()->SetSnap(false);
     DrawRectangle({100, 120}, {260, 200});
     ASSERT_EQ(m_Cad()->GetShapesCount(), 1);
     TMyShape *shape = m_Cad()->GetShapeByNo(0);
-    EXPECT_EQ(shape->ClassName(), QStringLiteral("TMyRectangle"));
+    EXPECT_EQ(shape->ClassName(), "TMyRectangle");
     EXPECT_EQ(Box(shape), QRectF(QPointF(100, 120), QPointF(260, 200)));
     // The surface went back to selecting and the palette follows it.
     EXPECT_TRUE(palette->ActionFor(TDrawTool::SpSelecting)->isChecked());
     QApplication::processEvents();
     EXPECT_TRUE(m_Window->isWindowModified());
-    QAction *undo = m_Window->findChild<QAction *>(QStringLiteral("undo"));
-    EXPECT_EQ(undo->text(), QStringLiteral("&Undo Add"));
+    QAction *undo = m_Window->findChild<QAction *>("undo");
+    EXPECT_EQ(undo->text(), "&Undo Add");
     undo->trigger();
     EXPECT_EQ(m_Cad()->GetShapesCount(), 0);
 
     DrawRectangle({100, 120}, {260, 200});
     DrawRectangle({300, 300}, {340, 380});
     ASSERT_EQ(m_Cad()->GetShapesCount(), 2);
-    const QString path = m_Dir.filePath(QStringLiteral("drawing.tsd"));
+    const QString path = m_Dir.filePath("drawing.tsd");
     ASSERT_TRUE(m_Window->Save(path));
     EXPECT_FALSE(m_Window->isWindowModified());
     EXPECT_EQ(m_Window->RecentFiles().value(0), QFileInfo(path).absoluteFilePath());
@@ -56,43 +55,42 @@ TEST_F(EditorTest, PaletteDrawUndoSaveAndReopen)
     DrawRectangle({10, 10}, {50, 50});
     TBoxAnswer answer(QMessageBox::Ok);
     EXPECT_FALSE(m_Window->OpenFile(path));
-    EXPECT_TRUE(answer.Text().contains(QStringLiteral("cannot be read")));
+    EXPECT_TRUE(answer.Text().contains("cannot be read"));
     EXPECT_EQ(m_Cad()->GetShapesCount(), 1);
     // A failed save keeps the old file and says why.
     TBoxAnswer saveAnswer(QMessageBox::Ok);
-    EXPECT_FALSE(m_Window->Save(m_Dir.filePath(QStringLiteral("missing/x.tsd"))));
-    EXPECT_TRUE(saveAnswer.Text().contains(QStringLiteral("cannot be saved")));
+    EXPECT_FALSE(m_Window->Save(m_Dir.filePath("missing/x.tsd")));
+    EXPECT_TRUE(saveAnswer.Text().contains("cannot be saved"));
 }
 
 TEST_F(EditorTest, CommandsLayersZoomAndTheUnsavedGuard)
 {
-    m_Cad()->SetSnap(false);
     DrawRectangle({100, 100}, {200, 150});
     DrawRectangle({140, 200}, {300, 260});
     TShapeCommands *commands = m_Window->Commands();
     m_Cad()->ClearWorkingShapes();
     m_Window->NoteChange();
-    EXPECT_FALSE(commands->Action(QStringLiteral("group"))->isEnabled());
+    EXPECT_FALSE(commands->Action("group")->isEnabled());
     m_Window->SelectAll();
-    ASSERT_TRUE(commands->Action(QStringLiteral("alignLeft"))->isEnabled());
-    commands->Action(QStringLiteral("alignLeft"))->trigger();
+    ASSERT_TRUE(commands->Action("alignLeft")->isEnabled());
+    commands->Action("alignLeft")->trigger();
     EXPECT_EQ(Box(m_Cad()->GetShapeByNo(1)).left(), 100);
-    commands->Action(QStringLiteral("group"))->trigger();
+    commands->Action("group")->trigger();
     EXPECT_EQ(m_Cad()->GetShapesCount(), 3);
-    EXPECT_EQ(m_Window->UndoText(), QStringLiteral("&Undo Group"));
-    m_Window->findChild<QAction *>(QStringLiteral("undo"))->trigger();
+    EXPECT_EQ(m_Window->UndoText(), "&Undo Group");
+    m_Window->findChild<QAction *>("undo")->trigger();
     EXPECT_FALSE(m_Cad()->GetShapeByNo(0)->HasChildShapes());
 
     // Layers: a new layer becomes current, its check box hides it.
     TLayersPanel *layers = m_Window->Layers();
-    ASSERT_TRUE(layers->AddLayer(QStringLiteral("Top")));
-    const std::int32_t top = m_Cad()->GetLayerIdByName(QStringLiteral("Top"));
+    ASSERT_TRUE(layers->AddLayer("Top"));
+    const std::int32_t top = m_Cad()->GetLayerIdByName("Top");
     EXPECT_EQ(m_Cad()->CurrentLayerId(), top);
     ASSERT_EQ(layers->List()->count(), 2);
     layers->List()->item(1)->setCheckState(Qt::Unchecked);
     EXPECT_FALSE(m_Cad()->IsVisibleLayerByID(top));
-    ASSERT_TRUE(layers->RenameCurrent(QStringLiteral("Upper")));
-    EXPECT_EQ(layers->List()->item(1)->text(), QStringLiteral("Upper"));
+    ASSERT_TRUE(layers->RenameCurrent("Upper"));
+    EXPECT_EQ(layers->List()->item(1)->text(), "Upper");
 
     // A property edit in the inspector counts as a change of the drawing.
     m_Cad()->SetModified(false);
@@ -102,10 +100,10 @@ TEST_F(EditorTest, CommandsLayersZoomAndTheUnsavedGuard)
     m_Cad()->AddWorkingShape(m_Cad()->GetShapeByNo(0));
     m_Window->Inspector()->Refresh();
     TInspectorGrid *grid = m_Window->Inspector()->Grid();
-    const QModelIndex caption = grid->ViewIndex({QStringLiteral("Caption")});
+    const QModelIndex caption = grid->ViewIndex({"Caption"});
     ASSERT_TRUE(caption.isValid());
-    ASSERT_TRUE(grid->View()->model()->setData(caption, QStringLiteral("Pump")));
-    EXPECT_EQ(m_Cad()->GetShapeByNo(0)->Caption(), QStringLiteral("Pump"));
+    ASSERT_TRUE(grid->View()->model()->setData(caption, "Pump"));
+    EXPECT_EQ(m_Cad()->GetShapeByNo(0)->Caption(), "Pump");
     EXPECT_TRUE(m_Window->isWindowModified());
 
     // Ctrl+wheel zooms by one step per notch.
@@ -131,7 +129,6 @@ TEST_F(EditorTest, CommandsLayersZoomAndTheUnsavedGuard)
 
 TEST_F(EditorTest, ExportsEveryFormatAndPrints)
 {
-    m_Cad()->SetSnap(false);
     DrawRectangle({60, 60}, {200, 140});
     const QSize page = m_Cad()->PagePixelSize();
     for (const char *name : {"p.png", "p.bmp", "p.jpg"}) {
@@ -144,38 +141,37 @@ TEST_F(EditorTest, ExportsEveryFormatAndPrints)
         EXPECT_LT(qGray(image.pixel(60, 100)), 40);
         EXPECT_GT(qGray(image.pixel(130, 100)), 215);
     }
-    ASSERT_TRUE(m_Window->ExportTo(m_Dir.filePath(QStringLiteral("p.svg")), false));
-    EXPECT_EQ(QSvgRenderer(m_Dir.filePath(QStringLiteral("p.svg"))).viewBox().size(), page);
-    ASSERT_TRUE(m_Window->ExportTo(m_Dir.filePath(QStringLiteral("p.pdf")), false));
-    EXPECT_EQ(Head(m_Dir.filePath(QStringLiteral("p.pdf")), 5), QByteArray("%PDF-"));
-    const bool wmf = m_Window->Cad()->SaveToWmf(m_Dir.filePath(QStringLiteral("probe.wmf")));
+    ASSERT_TRUE(m_Window->ExportTo(m_Dir.filePath("p.svg"), false));
+    EXPECT_EQ(QSvgRenderer(m_Dir.filePath("p.svg")).viewBox().size(), page);
+    ASSERT_TRUE(m_Window->ExportTo(m_Dir.filePath("p.pdf"), false));
+    EXPECT_EQ(Head(m_Dir.filePath("p.pdf"), 5), QByteArray("%PDF-"));
+    const bool wmf = m_Window->Cad()->SaveToWmf(m_Dir.filePath("probe.wmf"));
     if (wmf) {
-        ASSERT_TRUE(m_Window->ExportTo(m_Dir.filePath(QStringLiteral("p.wmf")), false));
-        EXPECT_EQ(Head(m_Dir.filePath(QStringLiteral("p.wmf")), 4),
-                  QByteArray("\xD7\xCD\xC6\x9A", 4));
+        ASSERT_TRUE(m_Window->ExportTo(m_Dir.filePath("p.wmf"), false));
+        EXPECT_EQ(Head(m_Dir.filePath("p.wmf"), 4), QByteArray("\xD7\xCD\xC6\x9A", 4));
     }
     // The selection: nothing selected is said, a selected shape is written alone.
     m_Cad()->ClearWorkingShapes();
     {
         TBoxAnswer answer(QMessageBox::Ok);
-        EXPECT_FALSE(m_Window->ExportTo(m_Dir.filePath(QStringLiteral("s.png")), true));
-        EXPECT_EQ(answer.Text(), QStringLiteral("Nothing is selected."));
+        EXPECT_FALSE(m_Window->ExportTo(m_Dir.filePath("s.png"), true));
+        EXPECT_EQ(answer.Text(), "Nothing is selected.");
     }
     m_Window->SelectAll();
-    ASSERT_TRUE(m_Window->ExportTo(m_Dir.filePath(QStringLiteral("s.png")), true));
-    EXPECT_LT(QImage(m_Dir.filePath(QStringLiteral("s.png"))).width(), 200);
+    ASSERT_TRUE(m_Window->ExportTo(m_Dir.filePath("s.png"), true));
+    EXPECT_LT(QImage(m_Dir.filePath("s.png")).width(), 200);
 
     QPrinter printer(QPrinter::HighResolution);
     printer.setOutputFormat(QPrinter::PdfFormat);
-    printer.setOutputFileName(m_Dir.filePath(QStringLiteral("print.pdf")));
+    printer.setOutputFileName(m_Dir.filePath("print.pdf"));
     ASSERT_TRUE(m_Window->PrintOn(&printer));
-    EXPECT_EQ(Head(m_Dir.filePath(QStringLiteral("print.pdf")), 5), QByteArray("%PDF-"));
+    EXPECT_EQ(Head(m_Dir.filePath("print.pdf"), 5), QByteArray("%PDF-"));
 }
 
 TEST_F(EditorTest, LibraryEntriesArePreviewedAndInserted)
 {
     TLibraryPanel *library = m_Window->Library();
-    const QString garbage = m_Dir.filePath(QStringLiteral("garbage.tsl"));
+    const QString garbage = m_Dir.filePath("garbage.tsl");
     QFile file(garbage);
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write("not a library at all");
@@ -183,7 +179,7 @@ TEST_F(EditorTest, LibraryEntriesArePreviewedAndInserted)
     {
         TBoxAnswer answer(QMessageBox::Ok);
         EXPECT_FALSE(library->OpenLibrary(garbage));
-        EXPECT_TRUE(answer.Text().contains(QStringLiteral("cannot be read")));
+        EXPECT_TRUE(answer.Text().contains("cannot be read"));
     }
     EXPECT_EQ(library->List()->count(), 0);
     ASSERT_TRUE(
@@ -199,16 +195,16 @@ TEST_F(EditorTest, LibraryEntriesArePreviewedAndInserted)
     EXPECT_TRUE(drawn) << "the preview shows the entry's shapes";
 
     const std::int32_t before = m_Cad()->GetShapesCount();
-    ASSERT_EQ(library->List()->item(0)->text(), QStringLiteral("Door"));
-    ASSERT_TRUE(library->InsertEntry(QStringLiteral("Door")));
+    ASSERT_EQ(library->List()->item(0)->text(), "Door");
+    ASSERT_TRUE(library->InsertEntry("Door"));
     EXPECT_EQ(m_Cad()->GetShapesCount(), before + 2);
     {
         // An entry of connection points only has nothing to insert, and says so.
         TBoxAnswer answer(QMessageBox::Ok);
-        EXPECT_FALSE(library->InsertEntry(QStringLiteral("Pin")));
-        EXPECT_TRUE(answer.Text().contains(QStringLiteral("no shapes")));
+        EXPECT_FALSE(library->InsertEntry("Pin"));
+        EXPECT_TRUE(answer.Text().contains("no shapes"));
     }
-    EXPECT_EQ(m_Window->UndoText(), QStringLiteral("&Undo Add"));
+    EXPECT_EQ(m_Window->UndoText(), "&Undo Add");
     EXPECT_TRUE(m_Window->isWindowModified());
     // Centred on the middle of the view: the door's 100 x 50 box around it.
     const QPointF centre = m_Window->VisibleCentre();
@@ -219,7 +215,7 @@ TEST_F(EditorTest, LibraryEntriesArePreviewedAndInserted)
     EXPECT_NEAR(box.center().y(), centre.y(), 1.0);
 
     // Dragged from the list and dropped on the surface: centred where it was dropped.
-    m_Window->findChild<QAction *>(QStringLiteral("zoomIn"))->trigger();
+    m_Window->findChild<QAction *>("zoomIn")->trigger();
     const double zoom = m_Cad()->Zoom();
     const std::unique_ptr<QMimeData> data(
         library->List()->model()->mimeData({library->List()->model()->index(0, 0)}));
@@ -239,9 +235,8 @@ TEST_F(EditorTest, LibraryEntriesArePreviewedAndInserted)
 
 TEST_F(EditorTest, DroppedDrawingOpensAndTheContextMenuOffersTheCommands)
 {
-    m_Cad()->SetSnap(false);
     DrawRectangle({40, 40}, {90, 90});
-    const QString path = m_Dir.filePath(QStringLiteral("dropped.tsd"));
+    const QString path = m_Dir.filePath("dropped.tsd");
     ASSERT_TRUE(m_Window->Save(path));
     m_Window->NewDrawing();
 
@@ -270,25 +265,8 @@ TEST_F(EditorTest, DroppedDrawingOpensAndTheContextMenuOffersTheCommands)
     QContextMenuEvent menu(QContextMenuEvent::Mouse, QPoint(60, 60),
                            m_Cad()->mapToGlobal(QPoint(60, 60)));
     QApplication::sendEvent(m_Cad(), &menu);
-    EXPECT_TRUE(offered.contains(QStringLiteral("&Group")));
-    EXPECT_TRUE(offered.contains(QStringLiteral("Com&bine into a Block")));
-    EXPECT_TRUE(offered.contains(QStringLiteral("Bring to &Front")));
-    EXPECT_TRUE(offered.contains(QStringLiteral("Cu&t")));
-}
-
-// A picture of the window with a drawing, the palette, the docks and the rulers, for
-// people to look at.
-TEST_F(EditorTest, WritesAScreenshot)
-{
-    m_Cad()->SetSnap(false);
-    DrawRectangle({80, 80}, {300, 200});
-    m_Window->Palette()->ActionFor(TDrawTool::SpEllipse)->trigger();
-    Drag({350, 120}, {520, 260});
-    m_Window->resize(1200, 850);
-    QApplication::processEvents();
-    const QImage shot = m_Window->grab().toImage();
-    ASSERT_FALSE(shot.isNull());
-    const QString path = QStringLiteral(TESSAL_EDITOR_SCREENSHOT);
-    ASSERT_TRUE(shot.save(path)) << path.toStdString();
-    std::cout << "screenshot written to " << path.toStdString() << "\n";
+    EXPECT_TRUE(offered.contains("&Group"));
+    EXPECT_TRUE(offered.contains("Com&bine into a Block"));
+    EXPECT_TRUE(offered.contains("Bring to &Front"));
+    EXPECT_TRUE(offered.contains("Cu&t"));
 }

@@ -9,6 +9,7 @@
 #include "shapecommands.h"
 #include "toolpalette.h"
 
+#include <tessal/geometry/geometry.h>
 #include <tessal/inspector/componentinspector.h>
 #include <tessal/inspector/inspectorgrid.h>
 #include <tessal/shapes/shape.h>
@@ -35,50 +36,35 @@
 #include <QWheelEvent>
 
 #include <algorithm>
-#include <iostream>
 #include <memory>
 
 namespace tessal::test {
 
-// Answers the next message box with the button of the given role and keeps its text.
+// Answers the next message box with the given button and keeps its texts.
 class TBoxAnswer
 {
 public:
-    explicit TBoxAnswer(QMessageBox::StandardButton button)
-        : m_Button(button)
-    {
-        Poll();
-    }
-    QString Text() const { return *m_Text; }
-    QString InformativeText() const { return *m_Informative; }
-    QString DetailedText() const { return *m_Detailed; }
-    bool Seen() const { return !m_Text->isNull(); }
+    explicit TBoxAnswer(QMessageBox::StandardButton button) { Poll(button, 0); }
+    QString Text() const { return m_Seen->value(0); }
+    QString InformativeText() const { return m_Seen->value(1); }
+    bool Seen() const { return !m_Seen->isEmpty(); }
 
 private:
-    void Poll()
+    // The box is looked for every 20 ms for four seconds; the texts outlive the answer.
+    void Poll(QMessageBox::StandardButton button, int tries)
     {
-        auto text = m_Text;
-        auto informative = m_Informative;
-        auto detailed = m_Detailed;
-        const QMessageBox::StandardButton button = m_Button;
-        QTimer::singleShot(20, [this, text, informative, detailed, button] {
+        QTimer::singleShot(20, [seen = m_Seen, button, tries, this] {
             auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
             if (!box) {
-                if (++m_Tries < 200)
-                    Poll();
+                if (tries < 200)
+                    Poll(button, tries + 1);
                 return;
             }
-            *informative = box->informativeText();
-            *detailed = box->detailedText();
-            *text = box->text();
+            *seen = {box->text(), box->informativeText()};
             box->button(button)->click();
         });
     }
-    QMessageBox::StandardButton m_Button;
-    std::shared_ptr<QString> m_Text = std::make_shared<QString>();
-    std::shared_ptr<QString> m_Informative = std::make_shared<QString>();
-    std::shared_ptr<QString> m_Detailed = std::make_shared<QString>();
-    int m_Tries = 0;
+    std::shared_ptr<QStringList> m_Seen = std::make_shared<QStringList>();
 };
 
 class EditorTest : public ::testing::Test
@@ -127,8 +113,10 @@ protected:
         QTest::mouseRelease(surface, Qt::LeftButton, Qt::NoModifier, b);
         QApplication::processEvents();
     }
+    // Grid snapping is switched off so that corners land where the mouse goes.
     void DrawRectangle(QPoint a, QPoint b)
     {
+        m_Cad()->SetSnap(false);
         m_Window->Palette()->ActionFor(TDrawTool::SpRectangle)->trigger();
         Drag(a, b);
     }
@@ -143,14 +131,8 @@ protected:
 // The extent of a shape's points in document units.
 inline QRectF Box(const TMyShape *shape)
 {
-    QPointF low(1e9, 1e9);
-    QPointF high(-1e9, -1e9);
-    for (std::int32_t i = 0; i < shape->GetPointsCount(); ++i) {
-        const TMyPoint p = shape->GetPoint(i);
-        low = QPointF(std::min<qreal>(low.x(), p.X), std::min<qreal>(low.y(), p.Y));
-        high = QPointF(std::max<qreal>(high.x(), p.X), std::max<qreal>(high.y(), p.Y));
-    }
-    return QRectF(low, high);
+    const TMyRect r = GetPointsLTRB(shape->Points());
+    return QRectF(QPointF(r.Left, r.Top), QPointF(r.Right, r.Bottom));
 }
 
 inline QByteArray Head(const QString &path, int n)

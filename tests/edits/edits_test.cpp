@@ -200,13 +200,13 @@ TEST(Merge, JoinedChainsAndHeads)
             merged = cad.CreateAndDelete(line);
             if (!merged)
                 return false;
-            EXPECT_EQ(merged->ClassName(), QStringLiteral("TMyPolyLine"));
+            EXPECT_EQ(merged->ClassName(), "TMyPolyLine");
             EXPECT_EQ(merged->Points(), c.expected);
             EXPECT_EQ(static_cast<TMyLine *>(merged)->ArrowStyle(), c.style);
             EXPECT_EQ(merged->Pen().Color, clRed);
             EXPECT_EQ(cad.GetShapesCount(), count - 1);
             EXPECT_EQ(cad.GetShapeNoInMyShapes(merged), count - 2);
-            EXPECT_EQ(merged->Name(), QStringLiteral("Shape%1").arg(merged->ShapeId()));
+            EXPECT_EQ(merged->Name(), QString("Shape%1").arg(merged->ShapeId()));
             EXPECT_EQ(cad.GetShapeByID(ids[0]), nullptr);
             EXPECT_EQ(cad.GetShapeByID(ids[1]), nullptr);
             EXPECT_EQ(cad.WorkingShapes(), std::vector<TMyShape *>{merged});
@@ -277,7 +277,7 @@ TEST(Merge, RefusedJoins)
 
     // Ends on two layers, then both on a hidden layer.
     auto *free = AddChain<TMyLine>(cad, TDrawTool::SpLine, {{100, 0}, {150, 0}});
-    const std::int32_t layer = cad.NewLayer(QStringLiteral("Other"), true);
+    const std::int32_t layer = cad.NewLayer("Other", true);
     auto *third = AddChain<TMyLine>(cad, TDrawTool::SpLine, {{200, 0}, {250, 0}});
     auto *fourth = AddChain<TMyLine>(cad, TDrawTool::SpLine, {{100, 0}, {150, 0}});
     refuse(free->ShapeId(), 1, third->ShapeId(), 0);
@@ -296,7 +296,7 @@ TEST(Break, AtAnInnerPoint)
         auto *chain = AddChain<TMyLine>(cad, tool, {{0, 0}, {10, 0}, {10, 10}, {20, 10}, {20, 30}});
         scene.AddNeighbours();
         chain->SetArrowStyle(TArrowStyle::ADouble);
-        chain->UserData().AddKeyandValue(QStringLiteral("key"), QStringLiteral("value"));
+        chain->UserData().AddKeyandValue("key", "value");
         TMyShape *piece = nullptr;
         ExpectOneStepTakenBackExactly(cad, [&] {
             piece = cad.BreakLine(chain, 2);
@@ -431,7 +431,7 @@ TEST(Close, PolylineBecomesPolygonInPlace)
         TMyShape *closed = cad.ClosePolygon(poly);
         if (!closed)
             return false;
-        EXPECT_EQ(closed->ClassName(), QStringLiteral("TMyPolygon"));
+        EXPECT_EQ(closed->ClassName(), "TMyPolygon");
         EXPECT_EQ(closed->Points(), (TMyPointArray{{0, 0}, {40, 0}, {40, 30}, {0, 0}}));
         EXPECT_EQ(cad.GetShapeNoInMyShapes(closed), no);
         EXPECT_EQ(closed->ShapeId(), id);
@@ -444,7 +444,7 @@ TEST(Close, PolylineBecomesPolygonInPlace)
         EXPECT_TRUE(RelationsValid(cad));
         return true;
     });
-    EXPECT_EQ(cad.GetShapeByID(id)->ClassName(), QStringLiteral("TMyPolyLine"));
+    EXPECT_EQ(cad.GetShapeByID(id)->ClassName(), "TMyPolyLine");
 
     // A polyline that already ends on its start is not given another closing point.
     // The selection follows the new object.

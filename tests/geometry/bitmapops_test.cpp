@@ -98,7 +98,7 @@ TEST(BitmapOps, FlipMirrorsInPlace)
     EXPECT_EQ(b.Pixel(0, 0), clRed); // copies were flipped, not the original
 }
 
-TEST(BitmapOps, RotatedSizeIsTheTurnedBoundingBox)
+TEST(BitmapOps, TurnedCopiesAreStretchedFirstAndKeepTheirSense)
 {
     // Stretched to w x h first, then turned: 10 sqrt(2) = 14.14 -> 15; 40 cos 0.3 + 7 sin 0.3
     // = 40.28 -> 41 and 40 sin 0.3 + 7 cos 0.3 = 18.5 -> 19.
@@ -106,38 +106,29 @@ TEST(BitmapOps, RotatedSizeIsTheTurnedBoundingBox)
     const struct { double Angle; std::int32_t W, H, ExpectedW, ExpectedH; } cases[] = {
         {Pi / 2, 20, 10, 10, 20}, {Pi / 4, 10, 10, 15, 15}, {0.3, 40, 7, 41, 19}};
     // clang-format on
-    const TBitmap b(20, 10);
+    // Left half red, right half blue.
+    TBitmap b(20, 10);
+    for (int y = 0; y < 10; ++y)
+        for (int x = 0; x < 20; ++x)
+            b.SetPixel(x, y, x < 10 ? clRed : clBlue);
     for (const auto &c : cases) {
         const TBitmap r = RotateBitmap(b, c.Angle, c.W, c.H);
         EXPECT_EQ(std::pair(r.Width(), r.Height()), std::pair(c.ExpectedW, c.ExpectedH)) << c.Angle;
     }
     EXPECT_TRUE(RotateBitmap(b, 1, 0, 10).IsEmpty());
     EXPECT_TRUE(RotateBitmap(TBitmap(), 1, 10, 10).IsEmpty());
-}
 
-TEST(BitmapOps, RotationSenseAndBackground)
-{
-    // Left half red, right half blue, turned an eighth anticlockwise (the exact quarter
-    // turns are checked pixel by pixel below).
-    TBitmap b(20, 10);
-    for (int y = 0; y < 10; ++y)
-        for (int x = 0; x < 20; ++x)
-            b.SetPixel(x, y, x < 10 ? clRed : clBlue);
+    // Turned an eighth anticlockwise (the exact quarter turns are checked pixel by pixel
+    // below): white outside the turned picture.
     const TBitmap d = RotateBitmap(b, Pi / 4, 20, 10);
-    EXPECT_EQ(d.Pixel(0, 0), clWhite); // outside the turned picture
+    EXPECT_EQ(d.Pixel(0, 0), clWhite);
     EXPECT_EQ(d.Pixel(d.Width() - 1, d.Height() - 1), clWhite);
     EXPECT_EQ(d.Pixel(d.Width() / 2 - 4, d.Height() / 2 + 4), clRed);
     EXPECT_EQ(d.Pixel(d.Width() / 2 + 4, d.Height() / 2 - 4), clBlue);
-}
 
-TEST(BitmapOps, StretchBeforeTurning)
-{
-    TBitmap b(2, 1);
-    b.SetPixel(0, 0, clRed);
-    b.SetPixel(1, 0, clBlue);
+    // Unturned, 20 x 10 stretched to 6 x 3.
     const TBitmap r = RotateBitmap(b, 0, 6, 3);
-    ASSERT_EQ(r.Width(), 6);
-    ASSERT_EQ(r.Height(), 3);
+    ASSERT_EQ(std::pair(r.Width(), r.Height()), std::pair(6, 3));
     for (int y = 0; y < 3; ++y)
         for (int x = 0; x < 6; ++x)
             EXPECT_EQ(r.Pixel(x, y), x < 3 ? clRed : clBlue) << x << "," << y;

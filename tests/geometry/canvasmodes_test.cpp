@@ -146,7 +146,7 @@ TEST(CanvasModes, PenAndBrushSetUps)
 
     const TPen pen{clRed, TPenMode::pmXor, TPenStyle::psDash, 3};
     TFont font;
-    font.Name = QStringLiteral("Serif");
+    font.Name = "Serif";
     font.SetSize(20);
     SetDrawTriangleMode(pen, font, canvas);
     EXPECT_EQ(canvas.Pen(), (TPen{clRed, TPenMode::pmCopy, TPenStyle::psDash, 3}));
@@ -174,22 +174,20 @@ TEST(CanvasModes, PenAndBrushSetUps)
     SetDrawShapeMode(TPen{clWindowText, TPenMode::pmCopy, TPenStyle::psSolid, 1}, brush, canvas);
     EXPECT_EQ(canvas.Brush().Style, TBrushStyle::bsClear);
     EXPECT_EQ(canvas.Pen().Color, RGBToColor(0, 0, 0)); // system colours resolve first
-}
 
-TEST(CanvasModes, RubberBandErasesItselfWhenDrawnTwice)
-{
-    QImage image(40, 30, QImage::Format_RGB32);
-    image.fill(QColor(30, 120, 200));
-    const QImage before = image.copy();
-    TCanvas canvas(&image);
-    SetDragResizeRotateShapeMode(canvas);
-    canvas.Rectangle(TRect(5, 5, 30, 20));
-    canvas.Flush();
-    EXPECT_GT(test::CompareImages(before, image).DifferingPixels, 10);
-    EXPECT_EQ(Rgb(image, 17, 12), Rgb(before, 17, 12)); // hollow: the inside is untouched
-    canvas.Rectangle(TRect(5, 5, 30, 20));
-    canvas.Flush();
-    EXPECT_TRUE(test::ImagesEqual(before, image));
+    // The rubber band erases itself when drawn twice; hollow, it leaves the inside.
+    QImage band(40, 30, QImage::Format_RGB32);
+    band.fill(QColor(30, 120, 200));
+    const QImage before = band.copy();
+    TCanvas rubber(&band);
+    SetDragResizeRotateShapeMode(rubber);
+    rubber.Rectangle(TRect(5, 5, 30, 20));
+    rubber.Flush();
+    EXPECT_GT(test::CompareImages(before, band).DifferingPixels, 10);
+    EXPECT_EQ(Rgb(band, 17, 12), Rgb(before, 17, 12));
+    rubber.Rectangle(TRect(5, 5, 30, 20));
+    rubber.Flush();
+    EXPECT_TRUE(test::ImagesEqual(before, band));
 }
 
 TEST(CanvasModes, DiamondAndLine)

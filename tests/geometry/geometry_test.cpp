@@ -239,11 +239,11 @@ TEST(Geometry, ConnectorListsAndPadding)
     EXPECT_EQ(links, (std::vector<std::int32_t>{5}));
 
     // AppendSpace pads to one more than n and never cuts.
-    EXPECT_EQ(AppendSpace("ab", 4), QStringLiteral("ab   "));
-    EXPECT_EQ(AppendSpace("abcd", 4), QStringLiteral("abcd "));
-    EXPECT_EQ(AppendSpace("abcde", 4), QStringLiteral("abcde"));
-    EXPECT_EQ(AppendSpace("abcdef", 4), QStringLiteral("abcdef"));
-    EXPECT_EQ(AppendSpace("", 0), QStringLiteral(" "));
+    EXPECT_EQ(AppendSpace("ab", 4), "ab   ");
+    EXPECT_EQ(AppendSpace("abcd", 4), "abcd ");
+    EXPECT_EQ(AppendSpace("abcde", 4), "abcde");
+    EXPECT_EQ(AppendSpace("abcdef", 4), "abcdef");
+    EXPECT_EQ(AppendSpace("", 0), " ");
 }
 
 } // namespace

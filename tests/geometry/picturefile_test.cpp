@@ -126,8 +126,8 @@ TEST_F(PictureFile, RasterFormatsByTheirLastThreeLetters)
     QImage image(7, 5, QImage::Format_RGB32);
     image.fill(QColor(200, 30, 60));
     image.setPixel(3, 2, qRgb(0, 0, 255));
-    QString reason = QStringLiteral("stale");
-    TBitmap bmp = LoadGraphicsFile(Save(QStringLiteral("a.bmp"), image, "BMP"), &reason);
+    QString reason = "stale";
+    TBitmap bmp = LoadGraphicsFile(Save("a.bmp", image, "BMP"), &reason);
     ASSERT_EQ(std::pair(bmp.Width(), bmp.Height()), std::pair(7, 5));
     EXPECT_EQ(bmp.Pixel(0, 0), RGBToColor(200, 30, 60));
     EXPECT_EQ(bmp.Pixel(3, 2), clBlue);
@@ -136,30 +136,27 @@ TEST_F(PictureFile, RasterFormatsByTheirLastThreeLetters)
 
     image.fill(QColor(20, 180, 90)); // flat colour survives JPEG compression nearly intact
     const QByteArray jpeg = [&] {
-        QFile f(Save(QStringLiteral("j.jpg"), image, "JPEG"));
+        QFile f(Save("j.jpg", image, "JPEG"));
         f.open(QIODevice::ReadOnly);
         return f.readAll();
     }();
-    for (const QString &name :
-         {QStringLiteral("b.jpg"), QStringLiteral("c.JPEG"), QStringLiteral("d.Jpeg")}) {
+    for (const char *name : {"b.jpg", "c.JPEG", "d.Jpeg"}) {
         const TBitmap j = LoadGraphicsFile(Write(name, jpeg));
-        ASSERT_EQ(j.Width(), 7) << name.toStdString();
+        ASSERT_EQ(j.Width(), 7) << name;
         EXPECT_NEAR(GetGValue(j.Pixel(3, 2)), 180, 4);
         EXPECT_NEAR(GetRValue(j.Pixel(3, 2)), 20, 4);
     }
     // The name decides, not the contents: JPEG bytes named .bmp are no bitmap.
-    EXPECT_TRUE(LoadGraphicsFile(Write(QStringLiteral("e.bmp"), jpeg), &reason).IsEmpty());
-    EXPECT_TRUE(reason.contains(QStringLiteral("BMP"))) << reason.toStdString();
-}
+    EXPECT_TRUE(LoadGraphicsFile(Write("e.bmp", jpeg), &reason).IsEmpty());
+    EXPECT_TRUE(reason.contains("BMP")) << reason.toStdString();
 
-TEST_F(PictureFile, IconTransparencyBecomesWhite)
-{
+    // An icon's transparency becomes white.
     QImage icon(16, 16, QImage::Format_ARGB32);
     icon.fill(Qt::transparent);
     for (int y = 4; y < 12; ++y)
         for (int x = 4; x < 12; ++x)
             icon.setPixel(x, y, qRgba(255, 0, 0, 255));
-    const TBitmap b = LoadGraphicsFile(Save(QStringLiteral("i.ICO"), icon, "ICO"));
+    const TBitmap b = LoadGraphicsFile(Save("i.ICO", icon, "ICO"));
     ASSERT_EQ(std::pair(b.Width(), b.Height()), std::pair(16, 16));
     EXPECT_EQ(b.Pixel(8, 8), clRed);
     EXPECT_EQ(b.Pixel(1, 1), clWhite);
@@ -171,24 +168,22 @@ TEST_F(PictureFile, UnknownMissingAndBrokenFilesAnswerEmpty)
     QImage image(4, 4, QImage::Format_RGB32);
     image.fill(Qt::red);
     QString reason;
-    EXPECT_TRUE(LoadGraphicsFile(Save(QStringLiteral("p.gif"), image, "PNG"), &reason).IsEmpty());
-    EXPECT_EQ(reason, QStringLiteral("unsupported picture format: .gif"));
-    EXPECT_TRUE(LoadGraphicsFile(m_Dir.filePath(QStringLiteral("none.bmp")), &reason).IsEmpty());
-    EXPECT_TRUE(reason.contains(QStringLiteral("none.bmp")));
-    EXPECT_TRUE(LoadGraphicsFile(m_Dir.filePath(QStringLiteral("none.bmp"))).IsEmpty());
+    EXPECT_TRUE(LoadGraphicsFile(Save("p.gif", image, "PNG"), &reason).IsEmpty());
+    EXPECT_EQ(reason, "unsupported picture format: .gif");
+    EXPECT_TRUE(LoadGraphicsFile(m_Dir.filePath("none.bmp"), &reason).IsEmpty());
+    EXPECT_TRUE(reason.contains("none.bmp"));
+    EXPECT_TRUE(LoadGraphicsFile(m_Dir.filePath("none.bmp")).IsEmpty());
 
-    QFile f(Save(QStringLiteral("whole.bmp"), image, "BMP"));
+    QFile f(Save("whole.bmp", image, "BMP"));
     f.open(QIODevice::ReadOnly);
     const QByteArray bmp = f.readAll();
     for (qsizetype cut : {0, 10, 40}) { // no header, half a header, no pixel rows
         reason.clear();
-        EXPECT_TRUE(
-            LoadGraphicsFile(Write(QStringLiteral("cut.bmp"), bmp.left(cut)), &reason).IsEmpty())
-            << cut;
+        EXPECT_TRUE(LoadGraphicsFile(Write("cut.bmp", bmp.left(cut)), &reason).IsEmpty()) << cut;
         EXPECT_FALSE(reason.isEmpty());
     }
-    EXPECT_TRUE(LoadGraphicsFile(Write(QStringLiteral("x.jpg"), "not a jpeg")).IsEmpty());
-    EXPECT_TRUE(LoadGraphicsFile(Write(QStringLiteral("x.ico"), QByteArray(6, '\0'))).IsEmpty());
+    EXPECT_TRUE(LoadGraphicsFile(Write("x.jpg", "not a jpeg")).IsEmpty());
+    EXPECT_TRUE(LoadGraphicsFile(Write("x.ico", QByteArray(6, '\0'))).IsEmpty());
 }
 
 TEST_F(PictureFile, Metafiles)
@@ -221,7 +216,7 @@ TEST_F(PictureFile, Metafiles)
         const TBitmap b = LoadGraphicsFile(Write(f.Name, f.Bytes), &reason);
         if (!f.Built) {
             EXPECT_TRUE(b.IsEmpty());
-            EXPECT_TRUE(reason.contains(QStringLiteral("not built in")));
+            EXPECT_TRUE(reason.contains("not built in"));
             continue;
         }
         ASSERT_FALSE(b.IsEmpty()) << reason.toStdString();
@@ -231,7 +226,7 @@ TEST_F(PictureFile, Metafiles)
                                  std::tuple{5, 5, 0xFFFFFFu}, std::tuple{70, 25, 0xFFFFFFu},
                                  std::tuple{80, 45, 0xFFFFFFu}})
             EXPECT_EQ(Rgb(b, x, y), rgb) << x << "," << y;
-        const QString cutName = QStringLiteral("t.") + f.Name.right(3);
+        const QString cutName = "t." + f.Name.right(3);
         for (qsizetype cut = 0; cut < f.Bytes.size(); cut += f.Step)
             EXPECT_TRUE(LoadGraphicsFile(Write(cutName, f.Bytes.left(cut))).IsEmpty()) << cut;
         for (auto [at, byte] : f.Damage) {

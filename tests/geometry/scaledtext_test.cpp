@@ -18,7 +18,7 @@ constexpr double Pi = std::numbers::pi;
 TFont PointFont(int points, TFontStyles style = 0)
 {
     TFont font;
-    font.Name = QStringLiteral("DejaVu Sans");
+    font.Name = "DejaVu Sans";
     font.SetSize(points);
     font.Style = style;
     font.Charset = 134;
@@ -49,7 +49,7 @@ TEST(ScaledText, LogFontConstruction)
     EXPECT_EQ(Fields(lf), std::tuple(-24, 400, false, false, false, 0));
     EXPECT_EQ(lf.Orientation, 0);
     EXPECT_EQ(lf.Charset, 134);
-    EXPECT_EQ(lf.FaceName, QStringLiteral("DejaVu Sans"));
+    EXPECT_EQ(lf.FaceName, "DejaVu Sans");
 
     // 12.5 rounds to the even 12, 17.5 to 18; the angle in tenths of a degree, negated
     // (572.96 -> -573).
@@ -62,7 +62,7 @@ TEST(ScaledText, LogFontConstruction)
     EXPECT_EQ(MakeScaledLogFont(canvas, PointFont(8), 0.5, 1).Escapement, -573);
 }
 
-TEST(ScaledText, DrawsAndMeasuresWithTheSameFont)
+TEST(ScaledText, DrawsAndMeasuresWithTheSameFontAndTurns)
 {
     // "HH" at scale k; the canvas keeps the scaled font, in the text colour, on a
     // transparent background, and measuring selects the same font.
@@ -70,10 +70,10 @@ TEST(ScaledText, DrawsAndMeasuresWithTheSameFont)
     TPoint extent[3];
     const auto draw = [&](int k) {
         return test::Painted(120, 80, [&](TCanvas &canvas) {
-            MyLogTextOut(canvas, 10, 10, QStringLiteral("HH"), font, k, 0);
+            MyLogTextOut(canvas, 10, 10, "HH", font, k, 0);
             EXPECT_EQ(canvas.LogFont().Height, -12 * k);
             EXPECT_EQ(canvas.LogFont().Color, clRed);
-            extent[k] = GetTextWidthHeight(canvas, QStringLiteral("HH"), font, k, 0);
+            extent[k] = GetTextWidthHeight(canvas, "HH", font, k, 0);
             EXPECT_EQ(canvas.LogFont().Height, -12 * k);
         });
     };
@@ -86,13 +86,10 @@ TEST(ScaledText, DrawsAndMeasuresWithTheSameFont)
     EXPECT_GT(extent[1].X, 0);
     EXPECT_NEAR(extent[2].X, 2 * extent[1].X, 2);
     EXPECT_NEAR(extent[2].Y, 2 * extent[1].Y, 2);
-}
 
-TEST(ScaledText, QuarterTurnRunsUpwards)
-{
     // An angle of -pi/2 is an escapement of +900: the text runs up the screen from (20, 100).
     const QImage image = test::Painted(80, 120, [](TCanvas &canvas) {
-        MyLogTextOut(canvas, 20, 100, QStringLiteral("HHHH"), PointFont(12), 1, -Pi / 2);
+        MyLogTextOut(canvas, 20, 100, "HHHH", PointFont(12), 1, -Pi / 2);
     });
     EXPECT_GT(test::CountPixels(image, image.rect(), 0xFF0000), 20);
     // Turned about the reference corner, the text cell lies right of x = 20 and above y = 100.

@@ -44,57 +44,43 @@ TGesture Clicks(std::vector<QPoint> points)
 
 std::vector<TDrawCase> Cases()
 {
+    using D = TDrawTool;
     const QPoint a(100, 100), b(200, 150);
     const TMyPointArray box{{100, 100}, {200, 100}, {200, 150}, {100, 150}};
     const TMyPointArray segment{{100, 100}, {200, 150}};
+    // clang-format off
     return {
-        {TDrawTool::SpLine, "TMyLine", DragFrom(a, b), segment, 2},
-        {TDrawTool::SpLine, "TMyLine", Clicks({a, b}), segment, 2},
-        {TDrawTool::SpRuleLine, "TMyRuleLine", DragFrom(a, b), segment, 2},
-        {TDrawTool::SpRectangle, "TMyRectangle", DragFrom(a, b), box, 4},
-        {TDrawTool::SpRectangle, "TMyRectangle", Clicks({a, b}), box, 4},
-        {TDrawTool::SpEllipse, "TMyEllipse", DragFrom(a, b), box, 4},
-        {TDrawTool::SpText, "TMyText", DragFrom(a, b), box, 4},
-        {TDrawTool::SpImage, "TMyImage", DragFrom(a, b), {}, 4},
-        {TDrawTool::SpLinkPoint, "TMyLinkPoint", DragFrom(a, b), {}, 4},
-        {TDrawTool::SpLineLinkLine, "TMyLineLinkLine", DragFrom(a, b), {}, 4},
-        {TDrawTool::SpLinkLine, "TMyLinkLine", DragFrom(a, b), {}, 0},
-        {TDrawTool::SpPolyLine,
-         "TMyPolyLine",
-         Clicks({a, {200, 100}, {200, 200}, {200, 200}}),
-         {{100, 100}, {200, 100}, {200, 200}},
-         3},
-        {TDrawTool::SpPolygon,
-         "TMyPolygon",
-         Clicks({a, {200, 100}, {200, 200}, {101, 101}}),
-         {{100, 100}, {200, 100}, {200, 200}, {100, 100}},
-         4},
-        {TDrawTool::SpBLine,
-         "TMyBLine",
-         Clicks({a, {150, 50}, {200, 100}, {200, 100}}),
-         {{100, 100}, {150, 50}, {200, 100}},
-         3},
-        {TDrawTool::SpElliArc,
-         "TMyElliArc",
-         Clicks({a, {200, 100}, {150, 60}}),
-         {{100, 100}, {150, 60}, {200, 100}},
-         3},
-        {TDrawTool::SpPolyBezier,
-         "TMyPolyBezier",
-         Clicks({a, {160, 40}, {220, 100}, {220, 100}}),
-         {{100, 100}, {120, 80}, {140, 60}, {160, 40}, {180, 60}, {200, 80}, {220, 100}},
-         7},
-        {TDrawTool::SpFreeLine,
-         "TMyFreeLine",
+        {D::SpLine, "TMyLine", DragFrom(a, b), segment, 2},
+        {D::SpLine, "TMyLine", Clicks({a, b}), segment, 2},
+        {D::SpRuleLine, "TMyRuleLine", DragFrom(a, b), segment, 2},
+        {D::SpRectangle, "TMyRectangle", DragFrom(a, b), box, 4},
+        {D::SpRectangle, "TMyRectangle", Clicks({a, b}), box, 4},
+        {D::SpEllipse, "TMyEllipse", DragFrom(a, b), box, 4},
+        {D::SpText, "TMyText", DragFrom(a, b), box, 4},
+        {D::SpImage, "TMyImage", DragFrom(a, b), {}, 4},
+        {D::SpLinkPoint, "TMyLinkPoint", DragFrom(a, b), {}, 4},
+        {D::SpLineLinkLine, "TMyLineLinkLine", DragFrom(a, b), {}, 4},
+        {D::SpLinkLine, "TMyLinkLine", DragFrom(a, b), {}, 0},
+        {D::SpPolyLine, "TMyPolyLine", Clicks({a, {200, 100}, {200, 200}, {200, 200}}),
+         {{100, 100}, {200, 100}, {200, 200}}, 3},
+        {D::SpPolygon, "TMyPolygon", Clicks({a, {200, 100}, {200, 200}, {101, 101}}),
+         {{100, 100}, {200, 100}, {200, 200}, {100, 100}}, 4},
+        {D::SpBLine, "TMyBLine", Clicks({a, {150, 50}, {200, 100}, {200, 100}}),
+         {{100, 100}, {150, 50}, {200, 100}}, 3},
+        {D::SpElliArc, "TMyElliArc", Clicks({a, {200, 100}, {150, 60}}),
+         {{100, 100}, {150, 60}, {200, 100}}, 3},
+        {D::SpPolyBezier, "TMyPolyBezier", Clicks({a, {160, 40}, {220, 100}, {220, 100}}),
+         {{100, 100}, {120, 80}, {140, 60}, {160, 40}, {180, 60}, {200, 80}, {220, 100}}, 7},
+        {D::SpFreeLine, "TMyFreeLine",
          [](TMouseSurface &s) {
              s.Press({100, 100});
              s.Move({110, 104});
              s.Move({125, 111});
              s.Release({125, 111});
          },
-         {{100, 100}, {110, 104}, {125, 111}},
-         3},
+         {{100, 100}, {110, 104}, {125, 111}}, 3},
     };
+    // clang-format on
 }
 
 TEST(MouseDrawing, EveryToolMakesItsShapeWithOneAddStep)
@@ -125,7 +111,7 @@ TEST(MouseDrawing, EveryToolMakesItsShapeWithOneAddStep)
         } else if (c.Count > 0) {
             EXPECT_EQ(shape->GetPointsCount(), c.Count);
         }
-        EXPECT_EQ(shape->Name(), QStringLiteral("Shape0"));
+        EXPECT_EQ(shape->Name(), "Shape0");
         ASSERT_EQ(added.size(), 1u);
         EXPECT_EQ(added[0], std::make_pair(shape, 1));
         ASSERT_EQ(s.cad.UndoRedoShapeList().size(), 1u);

@@ -16,7 +16,7 @@ namespace {
 
 QString NameOf(const TMyShape *shape)
 {
-    return shape ? shape->Name() : QStringLiteral("-");
+    return shape ? shape->Name() : "-";
 }
 
 // The control's own events come first, then the shape-level ones, in the machine's order.
@@ -33,7 +33,7 @@ TEST(MouseSelecting, ClicksShiftClicksBandsAndClickThroughInOrder)
     s.cad.SetOnMouseDown([&](TMyCAD *, TMouseButton, TShiftState, int, int) { log << "down"; });
     s.cad.SetOnMouseUp([&](TMyCAD *, TMouseButton, TShiftState, int, int) { log << "up"; });
     s.cad.SetOnShapeSelected([&](TMyCAD *, TMyShape *last, TMyShape *now) {
-        log << QStringLiteral("sel %1>%2").arg(NameOf(last), NameOf(now));
+        log << QString("sel %1>%2").arg(NameOf(last), NameOf(now));
     });
 
     s.Click({60, 60}); // the top one, on its outline

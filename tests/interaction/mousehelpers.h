@@ -64,17 +64,13 @@ inline ::testing::AssertionResult SameOnScreen(const QImage &before, QPoint orig
     if (common.isEmpty())
         return ::testing::AssertionFailure() << "the images do not overlap";
     int differing = 0;
-    for (int y = common.top(); y <= common.bottom(); ++y)
-        for (int x = common.left(); x <= common.right(); ++x)
-            if (before.pixel(QPoint(x, y) - origin) != now.pixel(QPoint(x, y) - cad.ScreenOrigin()))
-                ++differing;
-    if (differing == 0)
-        return ::testing::AssertionSuccess();
     QRect box;
     for (int y = common.top(); y <= common.bottom(); ++y)
         for (int x = common.left(); x <= common.right(); ++x)
             if (before.pixel(QPoint(x, y) - origin) != now.pixel(QPoint(x, y) - cad.ScreenOrigin()))
-                box |= QRect(x, y, 1, 1);
+                ++differing, box |= QRect(x, y, 1, 1);
+    if (differing == 0)
+        return ::testing::AssertionSuccess();
     return ::testing::AssertionFailure()
            << differing << " pixels differ within (" << box.left() << ", " << box.top() << ") - ("
            << box.right() << ", " << box.bottom() << ")";

@@ -16,7 +16,7 @@ struct TSnapCase
     bool Snapped;
 };
 
-TEST(Snapping, GridAxesIndependentlyHalvesToEven)
+TEST(Snapping, GridAxesIndependentlyHalvesToEvenWithinTheReach)
 {
     const TSnapCase cases[] = {
         {20, 20, 4, {103, 77}, {100, 80}, true},
@@ -39,19 +39,15 @@ TEST(Snapping, GridAxesIndependentlyHalvesToEven)
         EXPECT_EQ(cad.SnapXY(x, y), c.Snapped) << c.In.X << "," << c.In.Y;
         EXPECT_EQ((TPoint{x, y}), c.Out) << c.In.X << "," << c.In.Y;
     }
-}
 
-TEST(Snapping, ReachIsTakenOnlyBelowBothGridSpacings)
-{
+    // A reach is taken only when it is below both grid spacings.
     TMyCAD cad;
     cad.GridOperation()->SetGridWidth(20);
     cad.GridOperation()->SetGridHeight(8);
-    cad.SetSnapPixels(5);
-    EXPECT_EQ(cad.SnapPixels(), 5);
-    cad.SetSnapPixels(8);
-    EXPECT_EQ(cad.SnapPixels(), 5);
-    cad.SetSnapPixels(7);
-    EXPECT_EQ(cad.SnapPixels(), 7);
+    for (auto [reach, kept] : {std::pair{5, 5}, {8, 5}, {7, 7}}) {
+        cad.SetSnapPixels(std::uint8_t(reach));
+        EXPECT_EQ(cad.SnapPixels(), kept) << reach;
+    }
     cad.GridOperation()->SetGridHeight(30);
     cad.SetSnapPixels(20);
     EXPECT_EQ(cad.SnapPixels(), 7);

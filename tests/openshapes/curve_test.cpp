@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Poly-Bezier and B-spline curves: where their ink falls, clamped ends, construction with
 // the mouse, handle edits and their previews, handles and the hit band.
-#include "common/imagecompare.h"
-#include "openhost.h"
+#include "shapes/testhost.h"
 
 #include <tessal/shapes/curve.h>
 
@@ -21,11 +20,11 @@ const TMyPointArray kArch = {{20, 150}, {40, 20}, {160, 20}, {180, 150}};
 TEST(PolyBezierPaint, FourPointsPassAnchorsAndTheCubicMidpointAtBothZooms)
 {
     for (double z : {1.0, 2.0}) {
-        TOpenHost host;
+        TClassHost host;
         host.ZoomValue = z;
         TMyPolyBezier curve(&host);
         curve.Points() = kArch;
-        const QImage image = Painted(curve);
+        const QImage image = Painted(curve, 400, 400);
         SCOPED_TRACE(z);
         for (auto [x, y, ink] : {std::tuple{20.0, 150.0, true},
                                  {180.0, 150.0, true},
@@ -39,22 +38,9 @@ TEST(PolyBezierPaint, FourPointsPassAnchorsAndTheCubicMidpointAtBothZooms)
     }
 }
 
-TEST(PolyBezierPaint, TurnedCurveShowsItsTurnedMidpoint)
-{
-    TOpenHost host;
-    TMyPolyBezier curve(&host);
-    curve.Points() = kArch;
-    const TMyPoint centre{100, 85};
-    curve.RotateChangeValueByAngle(centre, std::numbers::pi / 2);
-    const QImage image = Painted(curve);
-    const TMyPoint mid = RotateAPoint({100, 52.5f}, centre, float(std::numbers::pi / 2));
-    EXPECT_TRUE(InkNear(image, mid.X, mid.Y));
-    EXPECT_FALSE(InkNear(image, 100, 52.5, 3)); // nothing left where it was
-}
-
 TEST(PolyBezierCreation, ClicksAddAnchorsWithControlsAtThirdsAndARepeatedClickEnds)
 {
-    TOpenHost host;
+    TClassHost host;
     host.ZoomValue = 2;
     TMyPolyBezier curve(&host);
     for (TPoint p : {TPoint{20, 20}, TPoint{80, 50}}) {
@@ -81,24 +67,18 @@ template <class T>
 void ExpectSizingShowsTheResult(T &shape, std::int32_t hot, TPoint from, TPoint to)
 {
     shape.SetCurrentHot(hot);
-    QImage preview = BlankImage();
-    {
-        TCanvas canvas(&preview);
-        shape.Sizing(canvas, from, to);
-    }
+    const QImage preview =
+        Drawn([&](TCanvas &canvas) { shape.Sizing(canvas, from, to); }, 400, 400);
     shape.SizeChangeValue(PtToMyPt(from), PtToMyPt(to));
-    QImage after = BlankImage();
-    {
-        TCanvas canvas(&after);
-        shape.Draging(canvas, from, from);
-    }
+    const QImage after =
+        Drawn([&](TCanvas &canvas) { shape.Draging(canvas, from, from); }, 400, 400);
     EXPECT_TRUE(ImagesEqual(preview, after)) << hot;
     EXPECT_GT(InkBounds(after).width(), 0);
 }
 
 TEST(PolyBezierEdit, AnAnchorCarriesItsControlsAndThePreviewShowsTheDrop)
 {
-    TOpenHost host;
+    TClassHost host;
     host.ZoomValue = 2;
     TMyPolyBezier curve(&host);
     curve.Points() = {{10, 10}, {20, 0}, {30, 0}, {40, 10}, {50, 20}, {60, 20}, {70, 10}};
@@ -119,30 +99,16 @@ TEST(PolyBezierEdit, AnAnchorCarriesItsControlsAndThePreviewShowsTheDrop)
     ExpectSizingShowsTheResult(curve, 6, {140, 20}, {150, 90});
 }
 
-TEST(CurveHandles, EveryPointHasOneAndTheHighestNumberWins)
-{
-    TOpenHost host;
-    TMyPolyBezier curve(&host);
-    curve.Points() = {{10, 10}, {12, 10}, {60, 60}, {100, 10}};
-    // The square's bottom edge is exclusive.
-    for (auto [x, y, hot] : {std::tuple{11, 10, 1}, {60, 63, 2}, {60, 64, -1}})
-        EXPECT_EQ(curve.InWhichHot({x, y}), hot) << x << "," << y;
-    TMyBLine spline(&host);
-    spline.Points() = {{10, 10}, {50, 50}, {51, 50}};
-    EXPECT_EQ(spline.InWhichHot({50, 50}), 2);
-    EXPECT_EQ(spline.InWhichHot({0, 0}), -1);
-}
-
 // The band is 8 screen pixels from the flattened curve whatever the zoom. The arch's top is
 // flat, so the distance there is vertical.
 TEST(CurveHitTest, WithinEightPixelsOfTheCurveAtEveryZoom)
 {
     for (double z : {1.0, 2.0}) {
-        TOpenHost host;
+        TClassHost host;
         host.ZoomValue = z;
         TMyPolyBezier curve(&host);
         curve.Points() = kArch;
-        QImage image = BlankImage();
+        QImage image = WhiteImage(400, 400);
         TCanvas canvas(&image);
         const int top = int(std::lround(52.5 * z)), mid = int(100 * z);
         for (auto [p, hit] : {std::pair{TPoint{mid, top + 7}, true},
@@ -159,7 +125,7 @@ TEST(CurveHitTest, WithinEightPixelsOfTheCurveAtEveryZoom)
 
 // With the ends tripled the curve starts on the first point and ends on the last, while
 // inner points only pull. The join of the second and third pieces is (P0 + 4 P1 + P2) / 6.
-TEST(BLinePaint, ClampedEndsAndInnerPointsOffTheCurve)
+TEST(BLinePaint, ClampedEndsInnerPointsOffTheCurveAndTwoPointsStraight)
 {
     const TMyPointArray pts = {{20, 100}, {60, 20}, {100, 180}, {140, 20}, {180, 100}};
     const std::vector<TMyPoint> flat = FlattenBSpline(pts);
@@ -170,11 +136,11 @@ TEST(BLinePaint, ClampedEndsAndInnerPointsOffTheCurve)
         nearest = std::min(nearest, std::hypot(p.X - 60.0, p.Y - 60.0));
     EXPECT_LT(nearest, 1e-3);
     for (double z : {1.0, 2.0}) {
-        TOpenHost host;
+        TClassHost host;
         host.ZoomValue = z;
         TMyBLine spline(&host);
         spline.Points() = pts;
-        const QImage image = Painted(spline);
+        const QImage image = Painted(spline, 400, 400);
         for (auto [x, y, ink] : {std::tuple{20, 100, true},
                                  {180, 100, true},
                                  {60, 60, true},
@@ -182,22 +148,17 @@ TEST(BLinePaint, ClampedEndsAndInnerPointsOffTheCurve)
                                  {100, 180, false}})
             EXPECT_EQ(InkNear(image, x * z, y * z, ink ? 1 : 3), ink) << z << ": " << x << "," << y;
     }
-}
-
-TEST(BLinePaint, TwoPointsGiveTheStraightSegment)
-{
-    TOpenHost host;
+    // Two points give the straight segment.
+    TClassHost host;
     TMyBLine spline(&host);
     spline.Points() = {{20, 50}, {120, 50}};
-    const QImage image = Painted(spline, 200, 100);
-    const QRect ink = InkBounds(image);
-    EXPECT_TRUE(ink.top() == 50 && ink.bottom() == 50);
-    EXPECT_TRUE(ink.left() <= 21 && ink.right() >= 118);
+    const QRect ink = InkBounds(Painted(spline, 200, 100));
+    EXPECT_TRUE(ink.top() == 50 && ink.bottom() == 50 && ink.left() <= 21 && ink.right() >= 118);
 }
 
 TEST(BLineEdit, DrawnLikeAPolylineAndThePreviewShowsTheDrop)
 {
-    TOpenHost host;
+    TClassHost host;
     TMyBLine spline(&host);
     for (TPoint p : {TPoint{20, 20}, TPoint{80, 120}, TPoint{150, 40}}) {
         spline.AddPointByMouse(p);
@@ -213,22 +174,37 @@ TEST(BLineEdit, DrawnLikeAPolylineAndThePreviewShowsTheDrop)
 
 TEST(CurvePreviews, DragAndRotateBandsFollowTheCurve)
 {
-    TOpenHost host;
+    TClassHost host;
     TMyPolyBezier curve(&host);
     curve.Points() = kArch;
-    QImage moved = BlankImage();
-    {
-        TCanvas canvas(&moved);
-        curve.Draging(canvas, {0, 0}, {30, 40});
-    }
+    const QImage moved = Drawn(
+        [&](TCanvas &canvas) {
+            curve.Draging(canvas, {0, 0}, {30, 40});
+        },
+        400, 400);
     EXPECT_TRUE(InkNear(moved, 130, 92.5));
     EXPECT_FALSE(InkNear(moved, 100, 52.5, 3));
-    QImage turned = BlankImage();
-    {
-        TCanvas canvas(&turned);
-        curve.Rotating(canvas, {100, 85}, std::numbers::pi);
-    }
+    const QImage turned = Drawn(
+        [&](TCanvas &canvas) {
+            curve.Rotating(canvas, {100, 85}, std::numbers::pi);
+        },
+        400, 400);
     EXPECT_TRUE(InkNear(turned, 100, 117.5)); // the arch upside down
+}
+
+// Every point has a handle and the highest number wins; the square's bottom edge is
+// exclusive.
+TEST(CurveHandles, EveryPointHasOneAndTheHighestNumberWins)
+{
+    TClassHost host;
+    TMyPolyBezier curve(&host);
+    curve.Points() = {{10, 10}, {12, 10}, {60, 60}, {100, 10}};
+    for (auto [x, y, hot] : {std::tuple{11, 10, 1}, {60, 63, 2}, {60, 64, -1}})
+        EXPECT_EQ(curve.InWhichHot({x, y}), hot) << x << "," << y;
+    TMyBLine spline(&host);
+    spline.Points() = {{10, 10}, {50, 50}, {51, 50}};
+    EXPECT_EQ(spline.InWhichHot({50, 50}), 2);
+    EXPECT_EQ(spline.InWhichHot({0, 0}), -1);
 }
 
 } // namespace

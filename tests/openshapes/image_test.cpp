@@ -2,7 +2,7 @@
 // Image shapes: the picture stretched, turned and clipped into the box, the adjusted copy
 // (brightness, grey, transparency, mirrors) against the untouched original, border, copying
 // and loading.
-#include "openhost.h"
+#include "shapes/testhost.h"
 
 #include <tessal/shapes/image.h>
 
@@ -36,7 +36,7 @@ TBitmap Picture()
 }
 
 // The picture in the box 40,40 .. 120,80: each cell is 20 x 20 at zoom 1.
-std::unique_ptr<TMyImage> ImageShape(TOpenHost &host)
+std::unique_ptr<TMyImage> ImageShape(TClassHost &host)
 {
     auto image = std::make_unique<TMyImage>(&host);
     image->Points() = {{40, 40}, {120, 40}, {120, 80}, {40, 80}};
@@ -48,13 +48,13 @@ std::unique_ptr<TMyImage> ImageShape(TOpenHost &host)
 // The colour shown in the middle of cell (cx, cy).
 unsigned ShownCell(const QImage &image, int cx, int cy, double z)
 {
-    return Rgb(image, int((50 + 20 * cx) * z), int((50 + 20 * cy) * z));
+    return PixelAt(image, int((50 + 20 * cx) * z), int((50 + 20 * cy) * z));
 }
 
 TEST(ImagePaint, PictureIsStretchedIntoTheBoxAtTwoZoomsAndNothingOutside)
 {
     for (double z : {1.0, 2.0}) {
-        TOpenHost host;
+        TClassHost host;
         host.ZoomValue = z;
         auto shape = ImageShape(host);
         const QImage image = Painted(*shape, 300, 300, kGreen);
@@ -71,7 +71,7 @@ TEST(ImagePaint, PictureIsStretchedIntoTheBoxAtTwoZoomsAndNothingOutside)
 // picture's top-left cell lands where RotateAPoint takes the cell's middle.
 TEST(ImagePaint, TurnedPictureTurnsWithTheShapeAndIsClippedToTheBox)
 {
-    TOpenHost host;
+    TClassHost host;
     auto shape = ImageShape(host);
     const TMyPoint centre{80, 60};
     shape->RotateChangeValueByAngle(centre, std::numbers::pi / 2);
@@ -80,7 +80,7 @@ TEST(ImagePaint, TurnedPictureTurnsWithTheShapeAndIsClippedToTheBox)
         for (int x = 0; x < 4; ++x) {
             const TMyPoint at = RotateAPoint({float(50 + 20 * x), float(50 + 20 * y)}, centre,
                                              float(std::numbers::pi / 2));
-            EXPECT_EQ(Rgb(image, int(at.X), int(at.Y)), kCells[y][x]) << x << "," << y;
+            EXPECT_EQ(PixelAt(image, int(at.X), int(at.Y)), kCells[y][x]) << x << "," << y;
         }
     }
     const QRect ink = InkBounds(image, kGreen);
@@ -90,7 +90,7 @@ TEST(ImagePaint, TurnedPictureTurnsWithTheShapeAndIsClippedToTheBox)
 
 TEST(ImageAdjust, BrightnessAndGreyChangeTheShownCopyNeverTheOriginal)
 {
-    TOpenHost host;
+    TClassHost host;
     auto shape = ImageShape(host);
     shape->SetBrightness(40);
     QImage image = Painted(*shape, 300, 300);
@@ -114,7 +114,7 @@ TEST(ImageAdjust, BrightnessAndGreyChangeTheShownCopyNeverTheOriginal)
 
 TEST(ImageAdjust, TransparentColourAutoFromTheBottomLeftOrFixed)
 {
-    TOpenHost host;
+    TClassHost host;
     auto shape = ImageShape(host);
     shape->SetTransparent(true);
     EXPECT_EQ(shape->TransparentKey(), ToTColor(kCells[1][0]));
@@ -142,7 +142,7 @@ TEST(ImageAdjust, TransparentColourAutoFromTheBottomLeftOrFixed)
 
 TEST(ImageAdjust, FlipsMirrorThePicture)
 {
-    TOpenHost host;
+    TClassHost host;
     auto shape = ImageShape(host);
     shape->FlipHoriz();
     QImage image = Painted(*shape, 300, 300);
@@ -160,28 +160,28 @@ TEST(ImageAdjust, FlipsMirrorThePicture)
 
 TEST(ImagePaint, BorderInThePenAndAnEmptyImageShowsItsOutline)
 {
-    TOpenHost host;
+    TClassHost host;
     host.HostPen.Color = clRed;
     auto shape = ImageShape(host);
     QImage image = Painted(*shape, 300, 300);
-    EXPECT_EQ(Rgb(image, 50, 40), kCells[0][0]);
+    EXPECT_EQ(PixelAt(image, 50, 40), kCells[0][0]);
     shape->SetBorder(true);
     image = Painted(*shape, 300, 300);
-    EXPECT_EQ(Rgb(image, 60, 40), 0xFF0000u);
+    EXPECT_EQ(PixelAt(image, 60, 40), 0xFF0000u);
     EXPECT_EQ(ShownCell(image, 0, 0, 1), kCells[0][0]);
 
     TMyImage empty(&host);
     empty.Points() = {{40, 40}, {120, 40}, {120, 80}, {40, 80}};
     image = Painted(empty, 300, 300);
-    EXPECT_EQ(Rgb(image, 60, 40), 0xFF0000u);
+    EXPECT_EQ(PixelAt(image, 60, 40), 0xFF0000u);
     EXPECT_FALSE(Inked(image, 60, 60));
 }
 
 TEST(ImageHitAndFile, TheBoxIsHitAndFilesLoad)
 {
-    TOpenHost host;
+    TClassHost host;
     auto shape = ImageShape(host);
-    QImage scratch = BlankImage(10, 10);
+    QImage scratch = WhiteImage(10, 10);
     TCanvas canvas(&scratch);
     EXPECT_TRUE(shape->IsClickedMe(canvas, {100, 70}));
     EXPECT_FALSE(shape->IsClickedMe(canvas, {130, 70}));

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Measuring lines: tick marks by style, spacing and zoom, the label, copying and hits.
-#include "openhost.h"
+// Measuring lines: tick marks by style, spacing and zoom, and the label.
+#include "shapes/testhost.h"
 
 #include <tessal/shapes/ruleline.h>
 
@@ -9,13 +9,27 @@
 namespace tessal::test {
 namespace {
 
-std::unique_ptr<TMyRuleLine> Ruler(TOpenHost &host, TMyPoint a, TMyPoint b, TTickStyle style)
+std::unique_ptr<TMyRuleLine> Ruler(TClassHost &host, TMyPoint a, TMyPoint b, TTickStyle style)
 {
     auto rule = std::make_unique<TMyRuleLine>(&host);
     rule->Points() = {a, b};
     rule->SetTickStyle(style);
     rule->SetCaptionShow(false);
     return rule;
+}
+
+// Runs of ink along row y (or column x when vertical): their start coordinates.
+std::vector<int> InkRuns(const QImage &image, int line, bool vertical)
+{
+    std::vector<int> starts;
+    bool inside = false;
+    for (int i = 0; i < (vertical ? image.height() : image.width()); ++i) {
+        const bool ink = vertical ? Inked(image, line, i) : Inked(image, i, line);
+        if (ink && !inside)
+            starts.push_back(i);
+        inside = ink;
+    }
+    return starts;
 }
 
 std::vector<int> Expected(int first, int step, int count)
@@ -41,10 +55,10 @@ TEST(RuleLineTicks, CountAndSpacingBySideAtTwoZooms)
                      {TTickStyle::tsBottom, false, true},
                      {TTickStyle::tsNone, false, false}};
         for (const TCase &c : cases) {
-            TOpenHost host;
+            TClassHost host;
             host.ZoomValue = z;
             auto rule = Ruler(host, {20, 100}, {120, 100}, c.Style);
-            const QImage image = Painted(*rule);
+            const QImage image = Painted(*rule, 400, 400);
             const int s = int(c.Style);
             // Rows 3 off the line cross every tick, rows 6 off only the long ones.
             for (int off : {-6, -3, 3, 6}) {
@@ -62,7 +76,7 @@ TEST(RuleLineTicks, CountAndSpacingBySideAtTwoZooms)
 
 TEST(RuleLineTicks, LastTickOnlyWhereAWholeSpacingEndsAndVerticalTopIsRight)
 {
-    TOpenHost host;
+    TClassHost host;
     auto shorter = Ruler(host, {20, 100}, {115, 100}, TTickStyle::tsBoth);
     EXPECT_EQ(shorter->Ticks().size(), 10u);
     // Ticks count from point 0 whichever way the line runs.
@@ -81,12 +95,12 @@ TEST(RuleLineTicks, LastTickOnlyWhereAWholeSpacingEndsAndVerticalTopIsRight)
 
 TEST(RuleLineLabel, LengthOrUserInfoBesideTheMiddleOnTheTopSide)
 {
-    TOpenHost host; // 96 pixels per inch, millimetres
+    TClassHost host; // 96 pixels per inch, millimetres
     auto rule = Ruler(host, {20, 100}, {120, 100}, TTickStyle::tsNone);
     EXPECT_EQ(rule->LabelText(), "26.46 mm");
-    EXPECT_TRUE(InkRuns(Painted(*rule), 90, false).empty()); // CaptionShow off
+    EXPECT_TRUE(InkRuns(Painted(*rule, 400, 400), 90, false).empty()); // CaptionShow off
     rule->SetCaptionShow(true);
-    QImage image = Painted(*rule);
+    QImage image = Painted(*rule, 400, 400);
     QRect above = InkBounds(image.copy(0, 0, 400, 99));
     ASSERT_FALSE(above.isNull());
     EXPECT_LE(above.bottom(), 100 - 8 - 1);
@@ -96,26 +110,10 @@ TEST(RuleLineLabel, LengthOrUserInfoBesideTheMiddleOnTheTopSide)
     rule->SetShowUserInfo(true);
     rule->SetUserInfo("W");
     EXPECT_EQ(rule->LabelText(), "W");
-    image = Painted(*rule);
+    image = Painted(*rule, 400, 400);
     const QRect user = InkBounds(image.copy(0, 0, 400, 99));
     EXPECT_LT(user.width(), above.width());
     EXPECT_NEAR(user.center().x(), 70, 3);
-}
-
-TEST(RuleLineCopyAndHit, AssignCopiesItsFieldsAndTheLineBandHits)
-{
-    TOpenHost host;
-    auto source = Ruler(host, {20, 100}, {120, 100}, TTickStyle::tsBottom);
-    source->SetShowUserInfo(true);
-    source->SetUserInfo("span");
-    source->SetArrowStyle(TArrowStyle::ADouble);
-    TMyRuleLine copy(&host);
-    copy.Assign(*source);
-    EXPECT_EQ(copy.LabelText(), "span");
-    QImage scratch = BlankImage(10, 10);
-    TCanvas canvas(&scratch);
-    EXPECT_TRUE(copy.IsClickedMe(canvas, {70, 107}));
-    EXPECT_FALSE(copy.IsClickedMe(canvas, {70, 108}));
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Text shapes: alignment in the box, zoom and turn, word wrap, border and background,
 // copying, hit tests, and the editor dialog.
-#include "openhost.h"
+#include "shapes/testhost.h"
 
 #include <tessal/geometry/scaledtext.h>
 #include <tessal/shapes/text.h>
@@ -18,9 +18,7 @@
 namespace tessal::test {
 namespace {
 
-constexpr unsigned kRed = 0xFF0000;
-
-std::unique_ptr<TMyText> TextBox(TOpenHost &host, float l, float t, float r, float b,
+std::unique_ptr<TMyText> TextBox(TClassHost &host, float l, float t, float r, float b,
                                  const QStringList &lines)
 {
     auto text = std::make_unique<TMyText>(&host);
@@ -36,7 +34,7 @@ std::unique_ptr<TMyText> TextBox(TOpenHost &host, float l, float t, float r, flo
 
 TPoint Measured(const TMyText &text, const QString &s, double zoom)
 {
-    QImage scratch = BlankImage(10, 10);
+    QImage scratch = WhiteImage(10, 10);
     TCanvas canvas(&scratch);
     return text.GetTextWidthHeight(canvas, s, text.Font(), zoom, 0);
 }
@@ -46,7 +44,7 @@ TPoint Measured(const TMyText &text, const QString &s, double zoom)
 TEST(TextLayout, AlignmentsPlaceTheInkByTheBoxAtTwoZooms)
 {
     for (double z : {1.0, 2.0}) {
-        TOpenHost host;
+        TClassHost host;
         host.ZoomValue = z;
         auto text = TextBox(host, 20, 20, 180, 120, {"Hello"});
         const TPoint size = Measured(*text, "Hello", z);
@@ -77,22 +75,10 @@ TEST(TextLayout, AlignmentsPlaceTheInkByTheBoxAtTwoZooms)
     }
 }
 
-TEST(TextLayout, FontGrowsWithTheZoom)
-{
-    TOpenHost host;
-    auto text = TextBox(host, 10, 10, 190, 60, {"Zoomed text"});
-    const QRect one = InkBounds(Painted(*text, 400, 400));
-    host.ZoomValue = 2;
-    const QRect two = InkBounds(Painted(*text, 400, 400));
-    // Glyph hinting differs between sizes by a few pixels per word.
-    EXPECT_NEAR(two.width(), 2 * one.width(), 0.08 * 2 * one.width());
-    EXPECT_NEAR(two.height(), 2 * one.height(), 0.15 * 2 * one.height());
-}
-
 // Turned a quarter about its centre the wide box stands upright, and the lines with it.
 TEST(TextLayout, TextTurnsWithTheShapeInsideTheTurnedBox)
 {
-    TOpenHost host;
+    TClassHost host;
     auto text = TextBox(host, 40, 80, 160, 120, {"Hello World"});
     const QRect flat = InkBounds(Painted(*text, 200, 200));
     EXPECT_GT(flat.width(), flat.height());
@@ -108,9 +94,9 @@ TEST(TextLayout, TextTurnsWithTheShapeInsideTheTurnedBox)
 
 TEST(TextWordWrap, LongLinesBreakBetweenWordsAndLongWordsBetweenCharacters)
 {
-    TOpenHost host;
+    TClassHost host;
     auto text = TextBox(host, 10, 10, 110, 190, {"aaaa cccc eeee oooo", "", "x"});
-    QImage scratch = BlankImage(10, 10);
+    QImage scratch = WhiteImage(10, 10);
     TCanvas canvas(&scratch);
     EXPECT_EQ(text->LaidOutLines(canvas), text->Lines());
     // Groups of consecutive rows holding ink: one per shown line of text.
@@ -155,7 +141,7 @@ TEST(TextWordWrap, LongLinesBreakBetweenWordsAndLongWordsBetweenCharacters)
 
 TEST(TextPaint, BorderAndSolidBackgroundFollowTheirFlags)
 {
-    TOpenHost host;
+    TClassHost host;
     host.HostBrush.Color = 0x0000FF; // red
     auto text = TextBox(host, 20, 20, 120, 80, {});
     EXPECT_TRUE(InkBounds(Painted(*text, 200, 200)).isNull());
@@ -166,8 +152,8 @@ TEST(TextPaint, BorderAndSolidBackgroundFollowTheirFlags)
     text->SetIsSolid(true);
     text->SetIsBorder(false);
     image = Painted(*text, 200, 200);
-    EXPECT_EQ(Rgb(image, 70, 50), kRed);
-    EXPECT_EQ(Rgb(image, 20, 20), kRed);
+    EXPECT_EQ(PixelAt(image, 70, 50), kRed);
+    EXPECT_EQ(PixelAt(image, 20, 20), kRed);
     EXPECT_FALSE(Inked(image, 125, 50));
     // The text shape is its own text: Info is never drawn.
     text->SetIsSolid(false);
@@ -176,36 +162,26 @@ TEST(TextPaint, BorderAndSolidBackgroundFollowTheirFlags)
     EXPECT_TRUE(InkBounds(Painted(*text, 200, 200)).isNull());
 }
 
-TEST(TextHit, TheBoxIsHitInside)
+// The dialog is modal; a timer answers it the way a user would: it shows the lines, takes
+// the new text and is accepted or cancelled.
+void AnswerTextDialog(const QString &shown, const QString &typed, bool accept)
 {
-    TOpenHost host;
-    auto text = TextBox(host, 20, 20, 120, 80, {"a", "b"});
-    QImage image = BlankImage(200, 200);
-    TCanvas canvas(&image);
-    EXPECT_TRUE(text->IsClickedMe(canvas, {60, 50}));
-    EXPECT_FALSE(text->IsClickedMe(canvas, {130, 50}));
+    QTimer::singleShot(0, [=] {
+        auto *dialog = qobject_cast<TTextEditDialog *>(QApplication::activeModalWidget());
+        ASSERT_NE(dialog, nullptr);
+        EXPECT_EQ(dialog->Editor()->toPlainText(), shown);
+        dialog->Editor()->setPlainText(typed);
+        accept ? dialog->accept() : dialog->reject();
+    });
 }
 
-// The dialog is modal; a timer answers it the way a user would.
 TEST(TextEditDialog, OkTakesTheEditedLinesCancelKeepsThem)
 {
     QStringList lines{"old"};
-    QTimer::singleShot(0, [] {
-        auto *dialog = qobject_cast<TTextEditDialog *>(QApplication::activeModalWidget());
-        ASSERT_NE(dialog, nullptr);
-        EXPECT_EQ(dialog->Editor()->toPlainText(), "old");
-        dialog->Editor()->setPlainText("one\ntwo");
-        dialog->accept();
-    });
+    AnswerTextDialog("old", "one\ntwo", true);
     EXPECT_TRUE(EditTextLines(nullptr, lines));
     EXPECT_EQ(lines, (QStringList{"one", "two"}));
-
-    QTimer::singleShot(0, [] {
-        auto *dialog = qobject_cast<TTextEditDialog *>(QApplication::activeModalWidget());
-        ASSERT_NE(dialog, nullptr);
-        dialog->Editor()->setPlainText("changed");
-        dialog->reject();
-    });
+    AnswerTextDialog("one\ntwo", "changed", false);
     EXPECT_FALSE(EditTextLines(nullptr, lines));
     EXPECT_EQ(lines, (QStringList{"one", "two"}));
 }

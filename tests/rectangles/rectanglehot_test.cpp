@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Rectangle handles (numbering, side-handle switches, rotation states), their drawing, the
 // cursors they ask for and the region hit test.
-#include "common/imagecompare.h"
-#include "recthelpers.h"
+#include "shapes/testhost.h"
+
+#include <tessal/shapes/rectangle.h>
 
 #include <gtest/gtest.h>
 
@@ -15,7 +16,7 @@ constexpr double kPi = std::numbers::pi;
 
 TEST(RectangleHandles, EachHandleAnswersItsNumberAndIsRemembered)
 {
-    TActionHost host;
+    TClassHost host;
     auto r = DrawnBy<TMyRectangle>(host, {20, 20}, {120, 70});
     const TPoint at[8] = {{20, 20}, {120, 20}, {120, 70}, {20, 70},
                           {70, 20}, {120, 45}, {70, 70},  {20, 45}};
@@ -34,7 +35,7 @@ TEST(RectangleHandles, EachHandleAnswersItsNumberAndIsRemembered)
 
 TEST(RectangleHandles, HandlesOfAZoomedRotatedRectangle)
 {
-    TActionHost host;
+    TClassHost host;
     host.ZoomValue = 2;
     auto r = DrawnBy<TMyRectangle>(host, {40, 40}, {200, 120}); // document 20,20 .. 100,60
     r->RotateChangeValueByAngle({60, 40}, kPi / 2);
@@ -53,7 +54,7 @@ TEST(RectangleHandles, HandlesOfAZoomedRotatedRectangle)
 // wins, and switching handles off or rotating hands the point to the next lower one.
 TEST(RectangleHandles, OverlappingHandlesAnswerTheHighestNumberInUse)
 {
-    TActionHost host;
+    TClassHost host;
     auto r = DrawnBy<TMyRectangle>(host, {50, 50}, {54, 54});
     const TPoint p{52, 52};
     // {side hot, horizontal, vertical, state, answer}; the general switch wins over both.
@@ -96,7 +97,7 @@ std::pair<unsigned, bool> DrawnHandles(TMyRectangle &r)
 
 TEST(RectangleHandles, DrawHotShowsTheHandlesInUseAndTheTextDiamond)
 {
-    TActionHost host;
+    TClassHost host;
     auto r = DrawnBy<TMyRectangle>(host, {20, 20}, {120, 70});
     r->SetTextPoint({70, 100});
     r->SetInfo("label");
@@ -129,7 +130,7 @@ TEST(RectangleHandles, DrawHotShowsTheHandlesInUseAndTheTextDiamond)
 
 TEST(RectangleCursor, SideHandlesBySideCornersByPositionElseCross)
 {
-    TActionHost host;
+    TClassHost host;
     auto r = DrawnBy<TMyRectangle>(host, {20, 20}, {120, 70});
     const std::tuple<int, int, TCursor> cursors[] = {
         {20, 20, crSizeNWSE}, {120, 20, crSizeNESW}, {121, 71, crSizeNWSE}, {20, 70, crSizeNESW},

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The area and side-length texts of rectangles and ellipses, byte for byte.
-#include "recthelpers.h"
+#include "shapes/testhost.h"
+
+#include <tessal/shapes/rectangle.h>
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// The class factory, and every published property of every shape class beyond the base's:
+// The class factory, and every published property of the shape and of every shape class:
 // written with a non-default value through the meta-object, read back, and carried over
-// by Assign.
-#include "classhost.h"
+// (or not) by Assign and AssignWithoutRelation.
+#include "shapes/testhost.h"
 
 #include <tessal/shapes/image.h>
 #include <tessal/shapes/link.h>
@@ -20,7 +20,7 @@
 namespace tessal::test {
 namespace {
 
-TEST(ShapeFactory, EveryClassNameMakesThatClass)
+TEST(ShapeFactory, ClassNamesAndToolsMakeTheirClasses)
 {
     TClassHost host;
     const QStringList expected = {"TMyRectangle", "TMyLinkPoint",  "TMyLineLinkLine", "TMyEllipse",
@@ -38,129 +38,177 @@ TEST(ShapeFactory, EveryClassNameMakesThatClass)
     }
     for (const char *bad : {"TMyShape", "tmyline", "TMyLine ", ""})
         EXPECT_EQ(CreateShapeOfClass(bad, &host), nullptr) << bad;
-}
 
-TEST(ShapeFactory, ToolsMakeTheirClassesAndTheRestNothing)
-{
-    TClassHost host;
+    // Tools, in their order: the drawing tools make their classes, every other tool nothing.
     // clang-format off
-    const std::map<TDrawTool, const char *> made = {
-        {TDrawTool::SpLinkLine, "TMyLinkLine"}, {TDrawTool::SpLine, "TMyLine"},
-        {TDrawTool::SpRuleLine, "TMyRuleLine"}, {TDrawTool::SpPolyLine, "TMyPolyLine"},
-        {TDrawTool::SpRectangle, "TMyRectangle"}, {TDrawTool::SpLinkPoint, "TMyLinkPoint"},
-        {TDrawTool::SpLineLinkLine, "TMyLineLinkLine"}, {TDrawTool::SpEllipse, "TMyEllipse"},
-        {TDrawTool::SpText, "TMyText"}, {TDrawTool::SpImage, "TMyImage"},
-        {TDrawTool::SpPolygon, "TMyPolygon"}, {TDrawTool::SpPolyBezier, "TMyPolyBezier"},
-        {TDrawTool::SpElliArc, "TMyElliArc"}, {TDrawTool::SpFreeLine, "TMyFreeLine"},
-        {TDrawTool::SpBLine, "TMyBLine"},
-    };
+    const QStringList made = {
+        "TMyLinkLine", "-", "-", "TMyLine", "TMyRuleLine", "TMyPolyLine", "TMyRectangle",
+        "TMyLinkPoint", "TMyLineLinkLine", "TMyEllipse", "TMyText", "TMyImage", "TMyPolygon",
+        "TMyPolyBezier", "TMyElliArc", "-", "-", "-", "-", "-", "TMyFreeLine", "TMyBLine"};
     // clang-format on
-    for (int t = 0; t <= int(TDrawTool::SpBLine); ++t) {
-        const auto tool = TDrawTool(t);
-        const auto shape = CreateShapeForTool(tool, &host);
-        const auto it = made.find(tool);
-        if (it == made.end()) {
-            EXPECT_EQ(shape, nullptr) << t;
-            continue;
-        }
-        ASSERT_NE(shape, nullptr) << t;
-        EXPECT_EQ(shape->ClassName(), QString(it->second));
+    ASSERT_EQ(made.size(), int(TDrawTool::SpBLine) + 1);
+    for (int t = 0; t < made.size(); ++t) {
+        const auto shape = CreateShapeForTool(TDrawTool(t), &host);
+        EXPECT_EQ(shape ? shape->ClassName() : "-", made[t]) << t;
     }
-}
 
-TEST(ShapeFactory, NewShapesTakeTheHostsDefaults)
-{
-    TClassHost host;
+    // New shapes take the host's defaults.
     host.ArcModeValue = TArcMode::amEllipse;
     host.LinkStyleValue = TLinkLineDrawStyle::lldsFree;
     host.ArrowOffsetValue = 6;
     const auto arc = CreateShapeOfClass("TMyElliArc", &host);
-    EXPECT_EQ(arc->MetaObject()
-                  ->property(arc->MetaObject()->indexOfProperty("ArcMode"))
-                  .readOnGadget(arc.get())
-                  .value<TArcMode>(),
-              TArcMode::amEllipse);
+    const QMetaObject *meta = arc->MetaObject();
+    EXPECT_EQ(meta->property(meta->indexOfProperty("ArcMode")).readOnGadget(arc.get()),
+              QVariant::fromValue(TArcMode::amEllipse));
     TMyLinkLine link(&host);
     EXPECT_EQ(link.LinkLineDrawStyle(), TLinkLineDrawStyle::lldsFree);
     EXPECT_EQ(link.ArrowOffset(), 6);
 }
 
+// How a copy treats a property: both copies take it, only Assign, neither (the copy keeps
+// its own value), or nothing said.
+enum class TCopy { Both, AssignOnly, Kept, Unchecked };
+
 struct TRow
 {
     QVariant Value;
     std::function<bool(const QVariant &)> Same;
+    TCopy Copy = TCopy::Both;
 };
 
 template <typename T>
-TRow Row(T value)
+TRow Row(T value, TCopy copy = TCopy::Both)
 {
     return {QVariant::fromValue(value),
-            [value](const QVariant &v) { return v.value<T>() == value; }};
+            [value](const QVariant &v) { return v.value<T>() == value; }, copy};
 }
 
-TBitmap SmallPicture()
-{
-    TBitmap b(3, 2);
-    b.Fill(clRed);
-    b.SetPixel(1, 1, clBlue);
-    return b;
-}
+bool g_Clicked = false;
 
-// One non-default value per published property of the shape classes, by name.
+// One non-default value per published property, by name.
 const std::map<std::string, TRow> &Rows()
 {
-    // clang-format off
-    static const std::map<std::string, TRow> rows = {
-        {"ArrowAngle", Row<int>(25)}, {"ArrowLength", Row<std::uint8_t>(200)},
-        {"ArrowOffset", Row<std::uint8_t>(7)}, {"ArrowStyle", Row(TArrowStyle::ADouble)},
-        {"StartSpNo", Row<int>(3)}, {"StartSpPtId", Row<int>(1)}, {"EndSpNo", Row<int>(4)},
-        {"EndSpPtId", Row<int>(2)}, {"LinkLineDrawStyle", Row(TLinkLineDrawStyle::lldsFree)},
-        {"Size", Row<std::uint8_t>(12)}, {"AssociateSideResizing", Row(true)},
-        {"ShowSideHot", Row(false)}, {"ShowHorizontalSideHot", Row(false)},
-        {"ShowVerticalSideHot", Row(false)}, {"ArcMode", Row(TArcMode::amEllipse)},
-        {"ArcStyle", Row(TArcStyle::asPie)}, {"IsBorder", Row(true)}, {"IsSolid", Row(true)},
-        {"Lines", Row(QStringList{"first", "second"})}, {"VAlignment", Row(TVAlignment::vaBottom)},
-        {"HAlignment", Row(TAlignment::taCenter)}, {"WordWrap", Row(true)},
-        {"Bitmap", Row(SmallPicture())}, {"Brightness", Row<int>(40)}, {"Contrast", Row<int>(-20)},
-        {"Transparent", Row(true)}, {"Border", Row(true)}, {"GrayScale", Row(true)},
-        {"TransparentColor", Row<TColor>(0x123456)},
-        {"TransparentMode", Row(TTransparentMode::tmFixed)}, {"ShowUserInfo", Row(true)},
-        {"TickStyle", Row(TTickStyle::tsTop)}, {"UserInfo", Row(QString("ruler"))},
-    };
-    // clang-format on
+    static const std::map<std::string, TRow> rows = [] {
+        TPen pen;
+        pen.Width = 4;
+        pen.Style = TPenStyle::psDash;
+        TBrush brush;
+        brush.Style = TBrushStyle::bsCross;
+        TFont font;
+        font.Name = "Serif";
+        font.Style = fsBold | fsItalic;
+        TUserData data;
+        data.AddKeyandValue("k", "v");
+        TBitmap picture(3, 2);
+        picture.Fill(clRed);
+        picture.SetPixel(1, 1, clBlue);
+        const TShapeNotifyEvent onClick = [](TMyShape *) { g_Clicked = true; };
+        const TRow clickRow{QVariant::fromValue(onClick),
+                            [](const QVariant &v) {
+                                auto f = v.value<TShapeNotifyEvent>();
+                                g_Clicked = false;
+                                if (f)
+                                    f(nullptr);
+                                return g_Clicked;
+                            },
+                            TCopy::Unchecked};
+        const auto K = TCopy::Kept, U = TCopy::Unchecked;
+        // clang-format off
+        return std::map<std::string, TRow>{
+            // The shape's own.
+            {"Angle", Row(0.5f)}, {"Brush", Row(brush)}, {"Caption", Row(QString("cap"))},
+            {"CaptionShow", Row(false, K)}, {"ColorBegin", Row<TColor>(0x123456)},
+            {"ColorEnd", Row<TColor>(0x654321)}, {"DragEnable", Row(false, U)},
+            {"Font", Row(font)}, {"GradientStyle", Row(TGradientStyle::gsDiamond)},
+            {"HotShow", Row(false, U)}, {"Info", Row(QString("info"))},
+            {"IsFlipHorz", Row(true)}, {"IsFlipVert", Row(true)}, {"Locked", Row(true)},
+            {"LogHeight", Row(17, U)}, {"LogUse", Row(true, K)}, {"LogWidth", Row(13, U)},
+            {"MultiInfo", Row(QStringList{"a", "b"}, TCopy::AssignOnly)},
+            {"MultiInfoAlignment", Row(TAlignment::taRightJustify)}, {"OnClick", clickRow},
+            {"Pen", Row(pen)}, {"PenStyleJoinType", Row(TPenStyleJoinType::psjtBEVEL, U)},
+            {"PenStyleEndCapType", Row(TPenStyleEndCapType::psectSQUARE, U)},
+            {"ResizeEnable", Row(false, U)}, {"RotateEnable", Row(false, U)}, {"Tag", Row(99)},
+            {"UserData", Row(data)}, {"Visible", Row(false, K)},
+            // The classes'. A copied line keeps the arrow offset it was created with.
+            {"ArrowAngle", Row<int>(25)}, {"ArrowLength", Row<std::uint8_t>(200)},
+            {"ArrowOffset", Row<std::uint8_t>(7, K)}, {"ArrowStyle", Row(TArrowStyle::ADouble)},
+            {"StartSpNo", Row<int>(3)}, {"StartSpPtId", Row<int>(1)}, {"EndSpNo", Row<int>(4)},
+            {"EndSpPtId", Row<int>(2)}, {"LinkLineDrawStyle", Row(TLinkLineDrawStyle::lldsFree)},
+            {"Size", Row<std::uint8_t>(12)}, {"AssociateSideResizing", Row(true)},
+            {"ShowSideHot", Row(false)}, {"ShowHorizontalSideHot", Row(false)},
+            {"ShowVerticalSideHot", Row(false)}, {"ArcMode", Row(TArcMode::amEllipse)},
+            {"ArcStyle", Row(TArcStyle::asPie)}, {"IsBorder", Row(true)}, {"IsSolid", Row(true)},
+            {"Lines", Row(QStringList{"first", "second"})},
+            {"VAlignment", Row(TVAlignment::vaBottom)}, {"HAlignment", Row(TAlignment::taCenter)},
+            {"WordWrap", Row(true)}, {"Bitmap", Row(picture)}, {"Brightness", Row<int>(40)},
+            {"Contrast", Row<int>(-20)}, {"Transparent", Row(true)}, {"Border", Row(true)},
+            {"GrayScale", Row(true)}, {"TransparentColor", Row<TColor>(0x123456)},
+            {"TransparentMode", Row(TTransparentMode::tmFixed)}, {"ShowUserInfo", Row(true)},
+            {"TickStyle", Row(TTickStyle::tsTop)}, {"UserInfo", Row(QString("ruler"))}};
+        // clang-format on
+    }();
     return rows;
 }
 
-TEST(ShapeProperties, EveryOwnPropertyOfEveryClassWritesReadsAndIsCopied)
+// The shape's own properties come first, in this order, then each class's; the enumerated
+// ones are registered as enumerations (the inspector offers their names).
+TEST(ShapeProperties, EveryPropertyOfEveryClassWritesReadsAndIsCopied)
 {
     TClassHost host;
-    const int baseCount = TMyShape::staticMetaObject.propertyCount();
+    const QMetaObject &base = TMyShape::staticMetaObject;
+    QStringList order;
+    for (int i = 0; i < base.propertyCount(); ++i)
+        order << base.property(i).name();
+    EXPECT_EQ(order.join(' '),
+              "Angle Brush Caption CaptionShow ColorBegin ColorEnd DragEnable Font GradientStyle "
+              "HotShow Info IsFlipHorz IsFlipVert Locked LogHeight LogUse LogWidth MultiInfo "
+              "MultiInfoAlignment OnClick Pen PenStyleJoinType PenStyleEndCapType ResizeEnable "
+              "RotateEnable Tag UserData Visible");
+    const std::set<std::string> enums = {
+        "GradientStyle", "MultiInfoAlignment", "PenStyleJoinType", "PenStyleEndCapType",
+        "ArrowStyle",    "LinkLineDrawStyle",  "ArcMode",          "ArcStyle",
+        "VAlignment",    "HAlignment",         "TransparentMode",  "TickStyle"};
+
     std::set<std::string> seen;
-    for (const QString &name : ShapeClassNames()) {
-        const auto source = CreateShapeOfClass(name, &host);
-        const auto copy = CreateShapeOfClass(name, &host);
-        const auto bare = CreateShapeOfClass(name, &host);
+    QStringList classes = ShapeClassNames();
+    classes.prepend("TMyShape");
+    for (const QString &name : classes) {
+        auto make = [&] {
+            return name == "TMyShape" ? std::make_unique<TMyShape>(&host)
+                                      : CreateShapeOfClass(name, &host);
+        };
+        const auto source = make(), full = make(), bare = make();
         const QMetaObject *meta = source->MetaObject();
-        for (int i = baseCount; i < meta->propertyCount(); ++i) {
+        // The shape's own properties are walked once, on the shape itself.
+        const int first = name == "TMyShape" ? 0 : base.propertyCount();
+        for (int i = first; i < meta->propertyCount(); ++i) {
             const QMetaProperty prop = meta->property(i);
             const std::string what = name.toStdString() + "." + prop.name();
             const auto row = Rows().find(prop.name());
             ASSERT_NE(row, Rows().end()) << "no value for " << what;
             seen.insert(prop.name());
+            EXPECT_EQ(prop.isEnumType(), enums.count(prop.name()) == 1) << what;
             ASSERT_FALSE(row->second.Same(prop.readOnGadget(source.get()))) << "default " << what;
             ASSERT_TRUE(prop.writeOnGadget(source.get(), row->second.Value)) << what;
             EXPECT_TRUE(row->second.Same(prop.readOnGadget(source.get()))) << what;
         }
-        copy->Assign(*source);
-        for (int i = baseCount; i < meta->propertyCount(); ++i) {
+        full->Assign(*source);
+        bare->AssignWithoutRelation(*source);
+        // A later write may have changed an earlier value (a flip turns the angle), so the
+        // copies are compared with the source as it is now.
+        for (int i = first; i < meta->propertyCount(); ++i) {
             const QMetaProperty prop = meta->property(i);
             const std::string what = name.toStdString() + "." + prop.name();
-            const QVariant copied = prop.readOnGadget(copy.get());
-            // A copied line keeps the arrow offset it was created with.
-            if (std::string(prop.name()) == "ArrowOffset")
-                EXPECT_EQ(copied, prop.readOnGadget(bare.get())) << what;
-            else
-                EXPECT_TRUE(Rows().at(prop.name()).Same(copied)) << what;
+            const TCopy copy = Rows().at(prop.name()).Copy;
+            if (copy == TCopy::Unchecked)
+                continue;
+            const QVariant now = prop.readOnGadget(source.get());
+            EXPECT_EQ(prop.readOnGadget(full.get()) == now, copy != TCopy::Kept)
+                << "Assign " << what;
+            if (first == 0) { // the copy without relations, on the shape's own properties
+                EXPECT_EQ(prop.readOnGadget(bare.get()) == now, copy == TCopy::Both)
+                    << "AssignWithoutRelation " << what;
+            }
         }
     }
     // Every row belongs to some class: a renamed property cannot hide behind a stale row.
@@ -183,35 +231,14 @@ TEST(ShapeProperties, BindingsAreRelationsAndStayBehindWithoutThem)
     EXPECT_TRUE(loose.StartSpNo() == -1 && loose.EndSpPtId() == -1);
     EXPECT_EQ(loose.GetPointsCount(), 4);
 
-    // Going free keeps the ends only; going back routes again at once, orthogonally
-    // between the same two ends.
-    full.SetNeedsReroute(false);
-    full.SetLinkLineDrawStyle(TLinkLineDrawStyle::lldsFree);
-    EXPECT_EQ(full.Points(), (TMyPointArray{{0, 0}, {20, 10}}));
-    full.SetLinkLineDrawStyle(TLinkLineDrawStyle::lldsHV);
-    EXPECT_FALSE(full.NeedsReroute());
-    const TMyPointArray &route = full.Points();
-    ASSERT_GE(route.size(), 3u);
-    EXPECT_EQ(route.front(), (TMyPoint{0, 0}));
-    EXPECT_EQ(route.back(), (TMyPoint{20, 10}));
-    for (std::size_t i = 1; i < route.size(); ++i)
-        EXPECT_TRUE(route[i].X == route[i - 1].X || route[i].Y == route[i - 1].Y) << i;
-}
-
-TEST(ShapeProperties, SettersOfTextImageAndRuleRepaintOnlyOnChange)
-{
-    TClassHost host;
-    const auto image = CreateShapeOfClass("TMyImage", &host);
-    auto &img = static_cast<TMyImage &>(*image);
+    // Setters of the classes repaint only on a change; the arrow setters only store.
+    TMyImage image(&host);
     host.Repaints = 0;
-    img.SetContrast(0);
-    EXPECT_EQ(host.Repaints, 0);
-    img.SetContrast(10);
-    img.SetContrast(10);
+    image.SetContrast(0);
+    image.SetContrast(10);
+    image.SetContrast(10);
     EXPECT_EQ(host.Repaints, 1);
-    // The arrow setters only store; the caller repaints.
-    TMyLine line(&host);
-    line.SetArrowLength(90);
+    source.SetArrowLength(90);
     EXPECT_EQ(host.Repaints, 1);
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Straight lines: arrow heads, the segment hit band, handles, copies, length texts,
 // previews and the end-merge look-up.
-#include "classhost.h"
+#include "shapes/testhost.h"
 
 #include <tessal/geometry/canvasmodes.h>
 #include <tessal/shapes/line.h>
@@ -10,8 +10,8 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <numbers>
+#include <optional>
 
 namespace tessal::test {
 namespace {
@@ -23,34 +23,49 @@ std::unique_ptr<TMyLine> MakeLine(TTestHost &host, TMyPointArray points)
     return line;
 }
 
-void DrawOn(TTestHost &host, TMyShape &shape)
+// The line drawn on the host's cleared screen.
+const QImage &DrawOn(TTestHost &host, TMyShape &shape)
 {
+    host.Screen().fill(Qt::white);
     shape.Draw(*host.ScreenCanvas());
+    return host.Screen();
+}
+
+bool IsWhite(const QImage &image, int x, int y)
+{
+    return PixelAt(image, x, y) == kWhite;
+}
+
+// The horizontal extent of the ink at least `gap` rows away from row `lineY`: for a head
+// on a horizontal line this is the head without the line itself.
+std::optional<std::pair<int, int>> ExtentOffRow(const QImage &image, int lineY, int gap)
+{
+    std::optional<std::pair<int, int>> e;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            if (std::abs(y - lineY) >= gap && !IsWhite(image, x, y))
+                e = e ? std::pair(std::min(e->first, x), std::max(e->second, x)) : std::pair(x, x);
+    return e;
 }
 
 // A wide (45 degree) head makes its extent easy to read off the picture: at distance d from
 // the tip it is d pixels high on either side of the line.
 TEST(LineArrows, HeadSitsAtTheRightEndAndItsLengthWrapsAtLargeZoom)
 {
-    struct TCase
+    // {zoom, from, to (document), length, offset, screen row of the line, screen x of the
+    // pulled-back tip, drawn side in screen pixels}. At zoom 9, 30 x 9 = 270 is carried in
+    // a byte and drawn as 14; at zoom 2 the offset of 5 stays 5 screen pixels.
+    const struct
     {
         double Zoom;
-        TMyPoint From, To; // document
-        std::uint8_t Length;
-        std::uint8_t Offset;
-        int LineY;   // screen row of the line
-        double TipX; // screen x of the pulled-back tip
-        double Side; // drawn side length in screen pixels
-    };
-    const TCase cases[] = {
-        // zoom 1: head of 30 at x = 180
-        {1.0, {20, 100}, {180, 100}, 30, 0, 100, 180, 30},
-        // zoom 9: 30 x 9 = 270 is carried in a byte and drawn as 14
-        {9.0, {2, 10}, {22, 10}, 30, 0, 90, 198, 14},
-        // zoom 2: the offset of 5 stays 5 screen pixels, the side doubles to 40
-        {2.0, {10, 50}, {90, 50}, 20, 5, 100, 175, 40},
-    };
-    for (const TCase &c : cases) {
+        TMyPoint From, To;
+        std::uint8_t Length, Offset;
+        int LineY;
+        double TipX, Side;
+    } cases[] = {{1.0, {20, 100}, {180, 100}, 30, 0, 100, 180, 30},
+                 {9.0, {2, 10}, {22, 10}, 30, 0, 90, 198, 14},
+                 {2.0, {10, 50}, {90, 50}, 20, 5, 100, 175, 40}};
+    for (const auto &c : cases) {
         TClassHost host(220, 200);
         host.ZoomValue = c.Zoom;
         host.ArrowAngleValue = 45;
@@ -59,57 +74,48 @@ TEST(LineArrows, HeadSitsAtTheRightEndAndItsLengthWrapsAtLargeZoom)
         host.ArrowStyleValue = TArrowStyle::ALeft;
         auto line = std::make_unique<TMyLine>(&host);
         line->Points() = {c.From, c.To};
-        DrawOn(host, *line);
-        const auto extent = ExtentOffRow(host.Screen(), c.LineY, 2);
+        const auto extent = ExtentOffRow(DrawOn(host, *line), c.LineY, 2);
         ASSERT_TRUE(extent.has_value()) << c.Zoom;
-        const double baseX = c.TipX - c.Side * std::cos(std::numbers::pi / 4);
-        EXPECT_NEAR(extent->Left, baseX, 1.0) << "zoom " << c.Zoom;
+        EXPECT_NEAR(extent->first, c.TipX - c.Side * std::cos(std::numbers::pi / 4), 1.0) << c.Zoom;
         // Two rows off the line the head reaches to two pixels before its tip.
-        EXPECT_NEAR(extent->Right, c.TipX - 2, 1.0) << "zoom " << c.Zoom;
+        EXPECT_NEAR(extent->second, c.TipX - 2, 1.0) << c.Zoom;
     }
 }
 
-TEST(LineArrows, StyleChoosesTheEndsAndPolylinesStartWithout)
+TEST(LineArrows, StyleChoosesTheEndsAndPolylinesCarryNoneInside)
 {
     TClassHost host(220, 200);
     host.ArrowAngleValue = 45;
     host.ArrowLengthValue = 20;
     host.ArrowStyleValue = TArrowStyle::ADouble;
-    auto headAt = [&](TArrowStyle style, int x) {
-        host.Screen().fill(Qt::white);
-        auto line = MakeLine(host, {{20, 100}, {180, 100}});
-        line->SetArrowStyle(style);
-        DrawOn(host, *line);
-        // A point inside a head 5 pixels from its tip, 3 rows off the line.
-        return !IsWhite(host.Screen(), x, 97);
-    };
-    // {style, head at the start, head at the end}
+    // Whether a point inside a head, 5 pixels from its tip, 3 rows off the line, is inked.
+    auto headAt = [&](TMyShape &line, int x) { return !IsWhite(DrawOn(host, line), x, 97); };
     for (auto [style, start, end] :
          {std::tuple{TArrowStyle::ALeft, false, true}, std::tuple{TArrowStyle::ARight, true, false},
           std::tuple{TArrowStyle::ADouble, true, true},
           std::tuple{TArrowStyle::ANone, false, false}}) {
-        EXPECT_EQ(headAt(style, 25), start) << int(style);
-        EXPECT_EQ(headAt(style, 175), end) << int(style);
+        auto line = MakeLine(host, {{20, 100}, {180, 100}});
+        line->SetArrowStyle(style);
+        EXPECT_EQ(headAt(*line, 25), start) << int(style);
+        EXPECT_EQ(headAt(*line, 175), end) << int(style);
     }
 
-    // The surface's arrow style reaches new lines but not new polylines.
+    // The surface's arrow style reaches new lines but not new polylines; the inner points
+    // of a chain carry no head. A surface that says nothing gives 10 degrees, 30 pixels,
+    // no offset and no head.
     EXPECT_EQ(TMyLine(&host).ArrowStyle(), TArrowStyle::ADouble);
+    TTestHost plain;
+    const TMyLine byDefault(&plain);
+    EXPECT_EQ(std::tuple(byDefault.ArrowAngle(), byDefault.ArrowLength(), byDefault.ArrowOffset(),
+                         byDefault.ArrowStyle()),
+              std::tuple(10, std::uint8_t(30), std::uint8_t(0), TArrowStyle::ANone));
     TMyPolyLine poly(&host);
     EXPECT_EQ(poly.ArrowStyle(), TArrowStyle::ANone);
     EXPECT_EQ(poly.ArrowLength(), 20);
-}
-
-TEST(LineArrows, InnerPointsOfAChainCarryNoHead)
-{
-    TClassHost host(220, 200);
-    host.ArrowAngleValue = 45;
-    host.ArrowLengthValue = 20;
-    TMyPolyLine poly(&host);
     poly.Points() = {{20, 100}, {100, 100}, {180, 100}};
     poly.SetArrowStyle(TArrowStyle::ADouble);
-    DrawOn(host, poly);
-    for (auto [x, white] : {std::pair{175, false}, {25, false}, {95, true}, {105, true}})
-        EXPECT_EQ(IsWhite(host.Screen(), x, 97), white) << x;
+    for (auto [x, head] : {std::pair{175, true}, {25, true}, {95, false}, {105, false}})
+        EXPECT_EQ(headAt(poly, x), head) << x;
 }
 
 TEST(LineDraw, SegmentsInThePenAndTheAngleFollowsTheFirstSegment)
@@ -118,43 +124,33 @@ TEST(LineDraw, SegmentsInThePenAndTheAngleFollowsTheFirstSegment)
     auto line = MakeLine(host, {{20, 50}, {120, 50}, {120, 150}});
     TPen pen;
     pen.Color = clRed;
-    pen.Width = 1;
     line->SetPen(pen);
-    DrawOn(host, *line);
-    const QImage &img = host.Screen();
-    EXPECT_EQ(img.pixel(70, 50) & 0xFFFFFF, 0xFF0000u);
+    const QImage &img = DrawOn(host, *line);
+    EXPECT_EQ(PixelAt(img, 70, 50), kRed);
+    EXPECT_EQ(PixelAt(img, 120, 100), kRed);
     EXPECT_TRUE(IsWhite(img, 70, 49) && IsWhite(img, 70, 51) && IsWhite(img, 119, 100));
-    EXPECT_EQ(img.pixel(120, 100) & 0xFFFFFF, 0xFF0000u);
 
     // A wide pen with flat ends stops at the end points; round ends reach past them.
     for (auto [cap, beyond] : {std::pair{TPenStyleEndCapType::psectFLAT, true},
                                std::pair{TPenStyleEndCapType::psectROUND, false}}) {
-        host.Screen().fill(Qt::white);
         auto wide = MakeLine(host, {{40, 100}, {140, 100}});
         pen.Width = 9;
         wide->SetPen(pen);
         wide->SetPenStyleEndCapType(cap);
-        DrawOn(host, *wide);
-        EXPECT_FALSE(IsWhite(host.Screen(), 90, 97));
+        EXPECT_FALSE(IsWhite(DrawOn(host, *wide), 90, 97));
         EXPECT_EQ(IsWhite(host.Screen(), 143, 100), beyond);
     }
 
-    const struct
-    {
-        TMyPointArray Points;
-        float Angle;
-    } angles[] = {
-        {{{0, 0}, {10, 10}}, float(std::numbers::pi / 4)},
-        {{{10, 0}, {0, 0}}, float(std::numbers::pi)},
-        {{{10, 0}, {0, 10}}, float(3 * std::numbers::pi / 4)},
-        {{{0, 10}, {10, 0}}, float(7 * std::numbers::pi / 4)},
-    };
-    for (const auto &a : angles) {
-        auto l = MakeLine(host, a.Points);
-        host.ZoomValue = 3;
+    host.ZoomValue = 3;
+    const std::pair<TMyPointArray, double> angles[] = {
+        {{{0, 0}, {10, 10}}, std::numbers::pi / 4},
+        {{{10, 0}, {0, 0}}, std::numbers::pi},
+        {{{10, 0}, {0, 10}}, 3 * std::numbers::pi / 4},
+        {{{0, 10}, {10, 0}}, 7 * std::numbers::pi / 4}};
+    for (const auto &[points, angle] : angles) {
+        auto l = MakeLine(host, points);
         DrawOn(host, *l);
-        EXPECT_FLOAT_EQ(l->Angle(), a.Angle);
-        host.ZoomValue = 1;
+        EXPECT_FLOAT_EQ(l->Angle(), float(angle));
     }
 }
 
@@ -184,24 +180,19 @@ TEST(LineHitTest, EightPixelBandWithTheRectangleRules)
     for (const auto &r : rows)
         EXPECT_EQ(MakeLine(host, {r.From, r.To})->IsClickedMe(canvas, r.At), r.Hit)
             << r.From.X << "," << r.From.Y << " at " << r.At.X << "," << r.At.Y;
-    auto vertical = MakeLine(host, {{50, 20}, {50, 120}});
 
-    // The band is in screen pixels at every zoom.
+    // The band is in screen pixels at every zoom; fewer than two points are never hit.
     host.ZoomValue = 3;
+    auto vertical = MakeLine(host, {{50, 20}, {50, 120}});
     EXPECT_TRUE(vertical->IsClickedMe(canvas, {142, 200}));
     EXPECT_FALSE(vertical->IsClickedMe(canvas, {141, 200}));
+    EXPECT_FALSE(MakeLine(host, {{50, 50}})->IsClickedMe(canvas, {150, 150}));
 
-    // Fewer than two points are never hit.
-    auto single = MakeLine(host, {{50, 50}});
-    EXPECT_FALSE(single->IsClickedMe(canvas, {150, 150}));
-}
-
-TEST(LineHitTest, SegmentFindingGivesTheIndexToInsertBefore)
-{
-    TClassHost host;
+    // The segment hit gives the index to insert before; a point on two segments ({99, 11})
+    // belongs to the first; a miss answers -1.
+    host.ZoomValue = 1;
     TMyPolyLine poly(&host);
     poly.Points() = {{10, 10}, {100, 10}, {100, 100}, {10, 100}};
-    // A point on two segments ({99, 11}) belongs to the first; a miss answers -1.
     for (auto [at, expected] : {std::pair<TPoint, int>{{50, 12}, 1},
                                 {{103, 50}, 2},
                                 {{50, 95}, 3},
@@ -213,12 +204,12 @@ TEST(LineHitTest, SegmentFindingGivesTheIndexToInsertBefore)
     }
 }
 
-TEST(LineHandles, HotSizeSquaresAndTheHighestNumberWins)
+TEST(LineHandles, HotSizeSquaresTheHighestNumberWinsAndDrawHot)
 {
     TClassHost host;
     auto line = MakeLine(host, {{50, 50}, {53, 50}});
-    // Handle i covers [x - 4, x + 4) x [y - 4, y + 4).
-    // At hot size 8 and zoom 2 the handles are at (100, 100) and (106, 100).
+    // Handle i covers [x - 4, x + 4) x [y - 4, y + 4). At hot size 8 and zoom 2 the handles
+    // are at (100, 100) and (106, 100).
     const struct
     {
         std::uint8_t HotSize;
@@ -234,75 +225,73 @@ TEST(LineHandles, HotSizeSquaresAndTheHighestNumberWins)
         EXPECT_EQ(line->InWhichHot(r.At), r.Hot) << r.At.X << "," << r.At.Y;
         EXPECT_EQ(line->CurrentHot(), r.Hot);
     }
+
+    // DrawHot puts a square on every point, only when the host shows handles.
+    host.HotSizeValue = 4;
+    host.ZoomValue = 1;
+    auto chain = MakeLine(host, {{30, 30}, {100, 30}, {100, 100}});
+    host.Hot = false;
+    chain->DrawHot(*host.ScreenCanvas());
+    EXPECT_TRUE(AllWhite(host.Screen()));
+    host.Hot = true;
+    chain->DrawHot(*host.ScreenCanvas());
+    for (TPoint p : {TPoint{30, 30}, TPoint{100, 30}, TPoint{100, 100}})
+        EXPECT_EQ(PixelAt(host.Screen(), p.X, p.Y), kLime); // hot colour inside
+    EXPECT_TRUE(IsWhite(host.Screen(), 65, 30));
 }
 
-TEST(LineCopy, AssignTakesArrowsButKeepsOwnOffsetAndMergeFields)
+// The arrow fields of a copy are checked with every other property; here the copy without
+// relations and the fields that are never copied.
+TEST(LineCopy, ArrowsComeAlongTheOffsetAndMergeFieldsStay)
 {
     TClassHost host;
     host.ArrowOffsetValue = 3;
     auto source = MakeLine(host, {{1, 2}, {30, 40}});
-    source->SetArrowAngle(33);
     source->SetArrowLength(99);
     source->SetArrowOffset(12);
     source->SetArrowStyle(TArrowStyle::ARight);
     source->SetEndMerge(5, 1);
-    source->SetCaption("src");
-
-    for (bool withRelations : {true, false}) {
-        TMyLine copy(&host);
-        if (withRelations)
-            copy.Assign(*source);
-        else
-            copy.AssignWithoutRelation(*source);
-        EXPECT_EQ(copy.ArrowAngle(), 33);
-        EXPECT_EQ(copy.ArrowLength(), 99);
-        EXPECT_EQ(copy.ArrowStyle(), TArrowStyle::ARight);
-        EXPECT_EQ(copy.ArrowOffset(), 3);
-        EXPECT_EQ(copy.EndMergeShapeId(), -1);
-        EXPECT_EQ(copy.Caption(), "src");
-    }
+    TMyLine copy(&host);
+    copy.AssignWithoutRelation(*source);
+    EXPECT_EQ(copy.ArrowLength(), 99);
+    EXPECT_EQ(copy.ArrowStyle(), TArrowStyle::ARight);
+    EXPECT_EQ(copy.ArrowOffset(), 3);
+    EXPECT_EQ(copy.EndMergeShapeId(), -1);
+    copy.Assign(*source);
+    EXPECT_EQ(copy.EndMergeShapeId(), -1);
 
     // A line copied from a shape that is no line keeps its arrows.
     TBoxShape box(&host);
     MakeBox(box, 0, 0, 10, 10);
-    TMyLine fromBox(&host);
-    fromBox.SetArrowLength(77);
-    fromBox.Assign(box);
-    EXPECT_EQ(fromBox.ArrowLength(), 77);
-    EXPECT_EQ(fromBox.GetPointsCount(), 4);
+    copy.Assign(box);
+    EXPECT_EQ(copy.ArrowLength(), 99);
+    EXPECT_EQ(copy.GetPointsCount(), 4);
 }
 
-TEST(LineInfo, LengthTextByteForByteInEveryUnit)
+TEST(LineInfo, LengthOfTheFirstSegmentStoredAsInfo)
 {
     TClassHost host;
     auto line = MakeLine(host, {{0, 0}, {0, 96}});
+    // The screen length grows with the zoom, the reported length does not.
     const struct
     {
         TUnits Unit;
-        double Zoom;
-        double Ratio;
+        double Zoom, Ratio;
         const char *Text;
-    } rows[] = {
-        {TUnits::mm, 1, 1, "    25.40 mm"},
-        {TUnits::m, 1, 1, "     0.03 m"},
-        // The screen length grows with the zoom, the reported length does not.
-        {TUnits::pixel, 2, 1, "       96 pixel(s)"},
-        {TUnits::inch, 1, 2.5, "     2.50 in"},
-    };
+    } rows[] = {{TUnits::mm, 1, 1, "    25.40 mm"},
+                {TUnits::pixel, 2, 1, "       96 pixel(s)"},
+                {TUnits::inch, 1, 2.5, "     2.50 in"}};
     for (const auto &row : rows) {
         host.Unit = row.Unit;
         host.ZoomValue = row.Zoom;
         host.RatioValue = row.Ratio;
         EXPECT_EQ(line->GetInfo(), QString(row.Text));
-        EXPECT_EQ(line->Info(), QString(row.Text)); // stored as the info
+        EXPECT_EQ(line->Info(), QString(row.Text));
     }
-
-    // Only the first segment counts.
     host.Unit = TUnits::pixel;
-    host.ZoomValue = 1;
-    host.RatioValue = 1;
-    auto chain = MakeLine(host, {{0, 0}, {30, 40}, {500, 40}});
-    EXPECT_EQ(chain->GetInfo(), QString("       50 pixel(s)"));
+    host.ZoomValue = host.RatioValue = 1;
+    EXPECT_EQ(MakeLine(host, {{0, 0}, {30, 40}, {500, 40}})->GetInfo(), "       50 pixel(s)");
+    EXPECT_EQ(MakeLine(host, {{5, 5}})->GetInfo(), QString());
 
     // Polylines have no length text and leave their info alone.
     TMyPolyLine poly(&host);
@@ -310,11 +299,8 @@ TEST(LineInfo, LengthTextByteForByteInEveryUnit)
     poly.SetInfo("mine");
     EXPECT_EQ(poly.GetInfo(), QString());
     EXPECT_EQ(poly.Info(), "mine");
-}
 
-TEST(LineInfo, MeasuringLineRefreshesAngleAndTrimmedLengthWhenResized)
-{
-    TClassHost host;
+    // A measuring line refreshes its angle and trimmed length when resized.
     host.Unit = TUnits::mm;
     TMyRuleLine rule(&host);
     rule.Points() = {{0, 0}, {96, 0}};
@@ -355,55 +341,40 @@ TEST(LinePreviews, RubberBandsAreDrawnWhereTheGestureLeadsAndEraseThemselves)
     TClassHost host;
     TCanvas &canvas = *host.ScreenCanvas();
     auto line = MakeLine(host, {{20, 50}, {120, 50}, {120, 150}});
-    const QImage blank = host.Screen().copy();
-
     // The rubber-band pen is dotted: look for its pixels in a small neighbourhood.
-    auto dark = [&](int x, int y) {
-        return CountPixels(host.Screen(), QRect(x - 1, y - 1, 3, 3), 0xFFFFFF) < 9;
+    auto dark = [&](int x, int y) { return !AllWhite(host.Screen(), QRect(x - 1, y - 1, 3, 3)); };
+    // Each preview: where it must show, where not; drawn twice it is gone.
+    const auto check = [&](auto preview, std::vector<TPoint> shown, TPoint hidden) {
+        preview();
+        for (TPoint p : shown)
+            EXPECT_TRUE(dark(p.X, p.Y)) << p.X << "," << p.Y;
+        EXPECT_FALSE(dark(hidden.X, hidden.Y)) << hidden.X << "," << hidden.Y;
+        preview();
+        EXPECT_TRUE(AllWhite(host.Screen()));
     };
     SetDragResizeRotateShapeMode(canvas);
-    line->Draging(canvas, {0, 0}, {10, 20});
-    EXPECT_TRUE(dark(130, 120)); // second segment moved by (10, 20)
-    EXPECT_FALSE(dark(120, 120));
-    line->Draging(canvas, {0, 0}, {10, 20});
-    EXPECT_TRUE(host.Screen() == blank);
-
+    // The second segment moved by (10, 20).
+    check([&] { line->Draging(canvas, {0, 0}, {10, 20}); }, {{130, 120}}, {120, 120});
     // Sizing point 1 draws its two segments to the unmoved neighbours, nothing else.
     line->SetCurrentHot(1);
-    line->Sizing(canvas, {120, 50}, {160, 50});
-    EXPECT_TRUE(dark(140, 100)); // from (160, 50) to (120, 150)
-    EXPECT_TRUE(dark(90, 50));   // from (20, 50) to (160, 50)
-    EXPECT_FALSE(dark(120, 110));
-    line->Sizing(canvas, {120, 50}, {160, 50});
-    EXPECT_TRUE(host.Screen() == blank);
-
+    check([&] { line->Sizing(canvas, {120, 50}, {160, 50}); }, {{140, 100}, {90, 50}}, {120, 110});
     // A quarter turn about (120, 50): the first segment runs up from the centre, the
     // second one runs left along y = 50.
-    line->Rotating(canvas, {120, 50}, std::numbers::pi / 2);
-    EXPECT_TRUE(dark(120, 20));
-    EXPECT_TRUE(dark(70, 50));
-    EXPECT_FALSE(dark(120, 100));
-    line->Rotating(canvas, {120, 50}, std::numbers::pi / 2);
-    EXPECT_TRUE(host.Screen() == blank);
-
-    line->Drawing(canvas, {10, 180}, {190, 180});
-    EXPECT_TRUE(dark(100, 180));
-    line->Drawing(canvas, {10, 180}, {190, 180});
-    EXPECT_TRUE(host.Screen() == blank);
+    check(
+        [&] {
+            line->Rotating(canvas, {120, 50}, std::numbers::pi / 2);
+        },
+        {{120, 20}, {70, 50}}, {120, 100});
+    check([&] { line->Drawing(canvas, {10, 180}, {190, 180}); }, {{100, 180}}, {100, 170});
 }
 
-TEST(LineMerge, DrawedLooksUpTheEndOfAnotherLineUnderTheEndPoint)
+TEST(LineMerge, DrawedLooksUpOnlyForPlainLinesAndNotIntoMeasuringLines)
 {
     TClassHost host;
-    auto *polygon = host.Add(std::make_unique<TMyPolygon>(&host));
-    polygon->Points() = {{150, 150}, {180, 150}, {180, 180}, {150, 150}};
     auto *rule = host.Add(std::make_unique<TMyRuleLine>(&host));
     rule->Points() = {{10, 150}, {100, 150}};
     auto *target = host.Add(MakeLine(host, {{10, 10}, {100, 10}}));
     target->SetShapeId(7);
-    auto *poly = host.Add(std::make_unique<TMyPolyLine>(&host));
-    poly->Points() = {{10, 100}, {50, 100}, {100, 100}};
-    poly->SetShapeId(9);
 
     TMyLine drawn(&host);
     drawn.Points() = {{50, 50}, {101, 12}};
@@ -413,37 +384,14 @@ TEST(LineMerge, DrawedLooksUpTheEndOfAnotherLineUnderTheEndPoint)
     EXPECT_EQ(drawn.EndMergePointNo(), 1);
     EXPECT_EQ(drawn.CenterPoint(), (TMyPoint{75.5f, 31}));
     EXPECT_EQ(host.Highlight.Shape, target);
-
-    // A polyline's inner point is no end; its first point is.
-    EXPECT_FALSE(drawn.LookUpMergeShape(true, {50, 100}));
-    EXPECT_TRUE(drawn.LookUpMergeShape(true, {12, 98}));
-    EXPECT_EQ(drawn.StartMergeShapeId(), 9);
-    EXPECT_EQ(drawn.StartMergePointNo(), 0);
-    // Polygons and measuring lines are not merged into.
-    EXPECT_FALSE(drawn.LookUpMergeShape(false, {150, 150}));
     EXPECT_FALSE(drawn.LookUpMergeShape(false, {100, 150}));
     EXPECT_EQ(drawn.EndMergeShapeId(), -1);
 
-    // Only plain lines look up at the end of drawing.
     TMyRuleLine ruler(&host);
     ruler.Points() = {{50, 50}, {100, 10}};
     TPoint rulerEnd{100, 10};
     ruler.Drawed({50, 50}, rulerEnd);
     EXPECT_EQ(ruler.EndMergeShapeId(), -1);
-}
-
-TEST(LineHandles, DrawHotPutsASquareOnEveryPointOnlyWhenTheHostShowsHandles)
-{
-    TClassHost host;
-    auto line = MakeLine(host, {{30, 30}, {100, 30}, {100, 100}});
-    host.Hot = false;
-    line->DrawHot(*host.ScreenCanvas());
-    EXPECT_EQ(CountPixels(host.Screen(), QRect(0, 0, 200, 200), 0xFFFFFF), 200 * 200);
-    host.Hot = true;
-    line->DrawHot(*host.ScreenCanvas());
-    for (TPoint p : {TPoint{30, 30}, TPoint{100, 30}, TPoint{100, 100}})
-        EXPECT_EQ(host.Screen().pixel(p.X, p.Y) & 0xFFFFFF, 0x00FF00u); // hot colour inside
-    EXPECT_TRUE(IsWhite(host.Screen(), 65, 30));
 }
 
 } // namespace

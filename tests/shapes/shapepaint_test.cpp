@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Gradient templates, filled outlines and info texts, checked pixel by pixel.
-#include "common/imagecompare.h"
 #include "testhost.h"
 
 #include <tessal/shapes/shapetools.h>
 
 #include <gtest/gtest.h>
 
-#include <climits>
 #include <numbers>
 
 namespace tessal::test {
@@ -27,8 +25,9 @@ struct TTemplateRow
     std::vector<TSample> Samples;
 };
 
-// From white to black the ramp entry i is the grey 255 - i. Values worked out by hand from
-// the template table: corners, centres and a few points where two formulas meet.
+// From white to black the ramp entry i is the grey 255 - i. Values worked out
+// by hand from the template table: corners, centres and a few points where two
+// formulas meet.
 const std::vector<TTemplateRow> &TemplateRows()
 {
     // clang-format off
@@ -89,7 +88,7 @@ TEST(Gradient, EveryTemplateHasItsSizeAndSampledValues)
     EXPECT_TRUE(s.GradientBitmap().IsEmpty());
 }
 
-TEST(Gradient, RampTruncatesEachChannelTowardZero)
+TEST(Gradient, RampTruncatesEachChannelTowardZeroAndFollowsTheFlips)
 {
     TTestHost host;
     TMyShape s(&host);
@@ -101,34 +100,13 @@ TEST(Gradient, RampTruncatesEachChannelTowardZero)
     EXPECT_EQ(bm.Pixel(128, 0), RGBToColor(130, 100, 80));
     EXPECT_EQ(bm.Pixel(255, 0), RGBToColor(250, 0, 130));
     EXPECT_EQ(bm.Pixel(1, 0), RGBToColor(10, 200, 30)); // 240 / 255 = 0, -200 / 255 = 0
-}
 
-TEST(Gradient, StyleChangeMirrorsTheTemplateByTheFlipFlags)
-{
-    TTestHost host;
-    TMyShape s(&host);
-    s.SetFlipFlags(true, false);
-    s.SetGradientStyle(GS::gsLinearV);
-    EXPECT_EQ(s.GradientBitmap().Pixel(0, 0), clBlack);
+    // A style change mirrors the template by the flip flags.
+    TMyShape flipped(&host);
+    flipped.SetFlipFlags(true, false);
+    flipped.SetGradientStyle(GS::gsLinearV);
+    EXPECT_EQ(flipped.GradientBitmap().Pixel(0, 0), clBlack);
 }
-
-// A 100 x 100 white image with a canvas on it.
-struct TPicture
-{
-    QImage Image{100, 100, QImage::Format_RGB32};
-    std::unique_ptr<TCanvas> Canvas;
-    TPicture()
-    {
-        Image.fill(Qt::white);
-        Canvas = std::make_unique<TCanvas>(&Image);
-    }
-    QImage &Done()
-    {
-        Canvas->Flush();
-        return Image;
-    }
-    QRgb At(int x, int y) { return Done().pixel(x, y) & 0xFFFFFF; }
-};
 
 TEST(PowerDrawShape, FillsWithTheBrushAndStrokesWithThePen)
 {
@@ -138,20 +116,19 @@ TEST(PowerDrawShape, FillsWithTheBrushAndStrokesWithThePen)
     host.HostBrush.Color = clBlue;
     TBoxShape s(&host);
     MakeBox(s, 20, 20, 80, 80);
-    TPicture pic;
-    s.Draw(*pic.Canvas);
-    const std::pair<QPoint, QRgb> expected[] = {
-        {{50, 50}, 0x0000FF}, {{20, 50}, 0xFF0000}, {{50, 80}, 0xFF0000}, {{10, 50}, 0xFFFFFF}};
-    for (const auto &[at, rgb] : expected)
-        EXPECT_EQ(pic.At(at.x(), at.y()), rgb) << at.x() << "," << at.y();
-    EXPECT_EQ(pic.Canvas->Pen(), TPen{}); // the caller's pen is given back
-    EXPECT_FALSE(pic.Canvas->HasGeometricPen());
-
+    QImage pic = Drawn(
+        [&s](TCanvas &canvas) {
+            s.Draw(canvas);
+            EXPECT_EQ(canvas.Pen(), TPen{}); // the caller's pen is given back
+            EXPECT_FALSE(canvas.HasGeometricPen());
+        },
+        100, 100);
+    for (auto [x, y, rgb] :
+         {std::tuple{50, 50, kBlue}, {20, 50, kRed}, {50, 80, kRed}, {10, 50, kWhite}})
+        EXPECT_EQ(PixelAt(pic, x, y), rgb) << x << "," << y;
     // A solid brush covers the gradient completely.
     s.SetGradientStyle(GS::gsLinearV);
-    TPicture covered;
-    s.Draw(*covered.Canvas);
-    EXPECT_TRUE(ImagesEqual(covered.Done(), pic.Done()));
+    EXPECT_TRUE(ImagesEqual(Painted(s, 100, 100), pic));
 }
 
 TEST(PowerDrawShape, GradientShowsThroughAHollowBrushAndStaysInside)
@@ -161,131 +138,93 @@ TEST(PowerDrawShape, GradientShowsThroughAHollowBrushAndStaysInside)
     host.HostBrush.Style = TBrushStyle::bsClear;
     TBoxShape s(&host);
     MakeBox(s, 20, 20, 80, 80);
-    TPicture plain;
-    s.Draw(*plain.Canvas);
-    EXPECT_EQ(plain.At(50, 50), 0xFFFFFFu); // gsNone: only the (hollow) brush
+    EXPECT_EQ(PixelAt(Painted(s, 100, 100), 50, 50),
+              kWhite); // gsNone: only the brush
 
     s.SetGradientStyle(GS::gsLinearV); // white on the left to black on the right
-    TPicture pic;
-    s.Draw(*pic.Canvas);
-    EXPECT_GT(qRed(pic.At(23, 50)), 220);
-    EXPECT_LT(qRed(pic.At(77, 50)), 35);
-    const QRgb mid = pic.At(50, 50);
+    const QImage pic = Painted(s, 100, 100);
+    EXPECT_GT(qRed(PixelAt(pic, 23, 50)), 220);
+    EXPECT_LT(qRed(PixelAt(pic, 77, 50)), 35);
+    const QRgb mid = PixelAt(pic, 50, 50);
     EXPECT_TRUE(qRed(mid) == qGreen(mid) && qRed(mid) == qBlue(mid));
     // Clipped to the shape: nothing outside changed.
-    EXPECT_EQ(test::CountPixels(pic.Done(), QRect(0, 0, 100, 17), 0xFFFFFF), 1700);
-    EXPECT_EQ(test::CountPixels(pic.Done(), QRect(83, 0, 17, 100), 0xFFFFFF), 1700);
+    EXPECT_TRUE(AllWhite(pic, QRect(0, 0, 100, 17)) && AllWhite(pic, QRect(83, 0, 17, 100)));
 
     // Turned by 90 degrees about the centre, the ramp runs top to bottom.
     s.RotateChangeValueByAngle(s.GetCenterPoint(), std::numbers::pi / 2);
-    TPicture turned;
-    s.Draw(*turned.Canvas);
-    EXPECT_GT(std::abs(qRed(turned.At(50, 23)) - qRed(turned.At(50, 77))), 180);
-    EXPECT_LT(std::abs(qRed(turned.At(23, 50)) - qRed(turned.At(77, 50))), 20);
+    const QImage turned = Painted(s, 100, 100);
+    EXPECT_GT(std::abs(qRed(PixelAt(turned, 50, 23)) - qRed(PixelAt(turned, 50, 77))), 180);
+    EXPECT_LT(std::abs(qRed(PixelAt(turned, 23, 50)) - qRed(PixelAt(turned, 77, 50))), 20);
 }
 
-// The bounding box of the non-white pixels, or an empty rectangle.
-QRect InkBox(const QImage &image, const QRect &area)
+// The info text of a shape with a 12 point font: one line centred on the text point, at
+// zoom 2 twice the size about the zoomed point; several lines as a block centred there,
+// aligned within it; a non-empty Info hides the lines, and a hidden caption shows nothing.
+TEST(DrawInfo, LinesAreCentredOnTheTextPointAndAligned)
 {
-    int l = INT_MAX, t = INT_MAX, r = INT_MIN, b = INT_MIN;
-    for (int y = area.top(); y <= area.bottom(); ++y)
-        for (int x = area.left(); x <= area.right(); ++x)
-            if ((image.pixel(x, y) & 0xFFFFFF) != 0xFFFFFF) {
-                l = std::min(l, x), t = std::min(t, y);
-                r = std::max(r, x), b = std::max(b, y);
-            }
-    return l == INT_MAX ? QRect() : QRect(QPoint(l, t), QPoint(r, b));
-}
-
-struct TInfoScene
-{
-    TTestHost Host;
-    TMyShape Shape{&Host};
-    QImage Image{200, 200, QImage::Format_RGB32};
-    TInfoScene()
-    {
-        TFont f;
-        f.Name = "DejaVu Sans";
-        f.Color = clBlack;
-        f.SetSize(12);
-        Shape.SetFont(f);
-        Shape.SetTextPoint({100, 100});
-    }
-    QImage Render()
-    {
-        Image.fill(Qt::white);
-        TCanvas canvas(&Image);
-        Shape.Draw(canvas);
-        canvas.Flush();
-        return Image;
-    }
-};
-
-TEST(DrawInfo, SingleLineIsCentredOnTheTextPoint)
-{
-    TInfoScene scene;
-    scene.Shape.SetInfo("Hello");
-    const QImage img = scene.Render();
-    const QRect ink = InkBox(img, img.rect());
+    TTestHost host;
+    TMyShape shape(&host);
+    TFont f;
+    f.Name = "DejaVu Sans";
+    f.Color = clBlack;
+    f.SetSize(12);
+    shape.SetFont(f);
+    shape.SetTextPoint({100, 100});
+    shape.SetInfo("Hello");
+    const QRect ink = InkBounds(Painted(shape));
     EXPECT_NEAR(ink.center().x(), 100, 3);
     EXPECT_NEAR(ink.center().y(), 100, 6);
-    // Zoom 2 doubles the text around the zoomed anchor (200, 200) of a larger picture.
-    scene.Shape.SetTextPoint({50, 50});
-    scene.Host.ZoomValue = 2;
-    const QRect big = InkBox(scene.Render(), scene.Image.rect());
+    shape.SetTextPoint({50, 50});
+    host.ZoomValue = 2;
+    const QRect big = InkBounds(Painted(shape));
     EXPECT_NEAR(big.center().x(), 100, 3);
     EXPECT_NEAR(double(big.width()) / ink.width(), 2.0, 0.25);
 
-    scene.Shape.SetCaptionShow(false);
-    EXPECT_TRUE(InkBox(scene.Render(), scene.Image.rect()).isNull());
-}
-
-TEST(DrawInfo, MultiInfoAlignmentsAndInfoWins)
-{
-    TInfoScene scene;
-    scene.Shape.SetMultiInfo({"WW", "WWWWWWWW"});
-    auto lineBoxes = [&]() {
-        const QImage img = scene.Render();
-        const QRect all = InkBox(img, img.rect());
+    host.ZoomValue = 1;
+    shape.SetTextPoint({100, 100});
+    shape.SetInfo("");
+    shape.SetMultiInfo({"WW", "WWWWWWWW"});
+    // The ink of the upper and of the lower line.
+    auto lineBoxes = [&](TAlignment alignment) {
+        shape.SetMultiInfoAlignment(alignment);
+        const QImage img = Painted(shape);
+        const QRect all = InkBounds(img);
         const int split = all.top() + all.height() / 2;
-        return std::pair{InkBox(img, QRect(0, 0, 200, split)),
-                         InkBox(img, QRect(0, split, 200, 200 - split))};
+        return std::pair{InkBounds(img, kWhite, QRect(0, 0, 200, split)),
+                         InkBounds(img, kWhite, QRect(0, split, 200, 200 - split))};
     };
-    scene.Shape.SetMultiInfoAlignment(TAlignment::taLeftJustify);
-    auto [shortL, longL] = lineBoxes();
+    auto [shortL, longL] = lineBoxes(TAlignment::taLeftJustify);
     EXPECT_NEAR(shortL.left(), longL.left(), 1);
-    EXPECT_NEAR((longL.left() + longL.right()) / 2.0, 100, 3); // the block is centred
+    EXPECT_NEAR((longL.left() + longL.right()) / 2.0, 100, 3);
     EXPECT_NEAR((shortL.top() + longL.bottom()) / 2.0, 100, 6);
-
-    scene.Shape.SetMultiInfoAlignment(TAlignment::taRightJustify);
-    auto [shortR, longR] = lineBoxes();
+    auto [shortR, longR] = lineBoxes(TAlignment::taRightJustify);
     EXPECT_NEAR(shortR.right(), longR.right(), 1);
     EXPECT_EQ(longR, longL);
-
-    scene.Shape.SetMultiInfoAlignment(TAlignment::taCenter);
-    auto [shortC, longC] = lineBoxes();
+    auto [shortC, longC] = lineBoxes(TAlignment::taCenter);
     EXPECT_NEAR(shortC.center().x(), longC.center().x(), 1);
     EXPECT_GT(shortC.left(), shortL.left() + 10);
     EXPECT_LT(shortC.right(), shortR.right() - 10);
 
-    // A non-empty Info hides the lines completely.
-    scene.Shape.SetInfo("X");
-    const QImage both = scene.Render().copy();
-    scene.Shape.SetMultiInfo({});
-    EXPECT_TRUE(test::ImagesEqual(both, scene.Render()));
+    shape.SetInfo("X");
+    const QImage both = Painted(shape);
+    shape.SetMultiInfo({});
+    EXPECT_TRUE(ImagesEqual(both, Painted(shape)));
+    shape.SetCaptionShow(false);
+    EXPECT_TRUE(AllWhite(Painted(shape)));
 }
 
 TEST(ShapeTools, DiamondOnlyForShapesWithInfoText)
 {
     TTestHost host;
     TMyShape s(&host);
-    TPicture pic;
-    DrawDiamond(s, *pic.Canvas, {50, 50}, clRed);
-    EXPECT_EQ(test::CountPixels(pic.Done(), pic.Image.rect(), 0xFFFFFF), 10000);
+    const auto diamond = [&s] {
+        return Drawn([&s](TCanvas &canvas) { DrawDiamond(s, canvas, {50, 50}, clRed); });
+    };
+    EXPECT_TRUE(AllWhite(diamond()));
     s.SetMultiInfo({"x"});
-    DrawDiamond(s, *pic.Canvas, {50, 50}, clRed);
-    EXPECT_EQ(pic.At(50, 50), 0xFF0000u);
-    EXPECT_EQ(pic.At(50, 44), 0xFFFFFFu);
+    const QImage pic = diamond();
+    EXPECT_EQ(PixelAt(pic, 50, 50), kRed);
+    EXPECT_EQ(PixelAt(pic, 50, 44), kWhite);
 }
 
 } // namespace

@@ -1,13 +1,18 @@
 // SPDX-License-Identifier: MIT
-// A stand-in surface for shape tests: settings as plain members, a shape list, a white
-// screen image with its canvas, and counters of what the shapes asked for.
+// A stand-in surface for shape tests: settings as plain members, a shape list,
+// a white screen image with its canvas, and counters of what the shapes asked
+// for. Also the small image helpers the shape tests read pixels with (colours
+// as 0xRRGGBB).
 #pragma once
 
 #include <tessal/geometry/geometry.h>
 #include <tessal/shapes/shape.h>
 
+#include "common/imagecompare.h"
+
 #include <QImage>
 
+#include <cmath>
 #include <memory>
 #include <vector>
 
@@ -120,8 +125,32 @@ private:
     std::unique_ptr<TCanvas> m_ScreenCanvas;
 };
 
-// A closed four-corner shape that paints itself through PowerDrawShape, like the closed
-// shape classes do.
+// The host with the surface settings that new lines, arcs and connectors copy,
+// and the action state that handle tests switch.
+class TClassHost : public TTestHost
+{
+public:
+    using TTestHost::TTestHost;
+
+    std::int32_t ArrowAngleValue = 10;
+    std::uint8_t ArrowLengthValue = 30;
+    std::uint8_t ArrowOffsetValue = 0;
+    TArrowStyle ArrowStyleValue = TArrowStyle::ANone;
+    TArcMode ArcModeValue = TArcMode::amCircle;
+    TLinkLineDrawStyle LinkStyleValue = TLinkLineDrawStyle::lldsHV;
+    TActionTools Action = TActionTools::dtSelecting;
+
+    std::int32_t ArrowAngle() const override { return ArrowAngleValue; }
+    std::uint8_t ArrowLength() const override { return ArrowLengthValue; }
+    std::uint8_t ArrowOffset() const override { return ArrowOffsetValue; }
+    TArrowStyle ArrowStyle() const override { return ArrowStyleValue; }
+    TArcMode ArcMode() const override { return ArcModeValue; }
+    TLinkLineDrawStyle LinkLineDrawStyle() const override { return LinkStyleValue; }
+    TActionTools ActionTool() const override { return Action; }
+};
+
+// A closed four-corner shape that paints itself through PowerDrawShape, like
+// the closed shape classes do.
 class TBoxShape : public TMyShape
 {
 public:
@@ -140,6 +169,84 @@ inline void MakeBox(TMyShape &s, float l, float t, float r, float b)
 {
     s.Points() = {{l, t}, {r, t}, {r, b}, {l, b}};
     s.SetCenterPoint({(l + r) / 2, (t + b) / 2});
+}
+
+// A shape of class T drawn by two mouse points (screen pixels at the host's
+// zoom).
+template <class T>
+std::unique_ptr<T> DrawnBy(TShapeHost &host, TPoint first, TPoint second)
+{
+    auto shape = std::make_unique<T>(&host);
+    shape->AddPointByMouse(first);
+    shape->AddPointByMouse(second);
+    return shape;
+}
+
+constexpr unsigned kWhite = 0xFFFFFF, kBlack = 0x000000, kRed = 0xFF0000, kBlue = 0x0000FF;
+constexpr unsigned kLime = 0x00FF00, kYellow = 0xFFFF00;
+
+inline QImage WhiteImage(int w = 200, int h = 200, unsigned rgb = kWhite)
+{
+    QImage image(w, h, QImage::Format_RGB32);
+    image.fill(QColor::fromRgb(rgb));
+    return image;
+}
+
+inline unsigned PixelAt(const QImage &image, int x, int y)
+{
+    return image.pixel(x, y) & 0xFFFFFFu;
+}
+
+// A w x h image of the background after draw(canvas) and a flush.
+template <class Draw>
+QImage Drawn(Draw draw, int w = 200, int h = 200, unsigned background = kWhite)
+{
+    QImage image = WhiteImage(w, h, background);
+    TCanvas canvas(&image);
+    draw(canvas);
+    canvas.Flush();
+    return image;
+}
+
+inline QImage Painted(TMyShape &shape, int w = 200, int h = 200, unsigned background = kWhite)
+{
+    return Drawn([&shape](TCanvas &canvas) { shape.Draw(canvas); }, w, h, background);
+}
+
+inline bool AllWhite(const QImage &image, QRect rect = {})
+{
+    rect = rect.isNull() ? image.rect() : rect;
+    return CountPixels(image, rect, kWhite) == rect.width() * rect.height();
+}
+
+inline bool Inked(const QImage &image, int x, int y, unsigned background = kWhite)
+{
+    return image.rect().contains(x, y) && PixelAt(image, x, y) != background;
+}
+
+// Whether any pixel within radius (Chebyshev) of (x, y) is not the background.
+inline bool InkNear(const QImage &image, double x, double y, int radius = 1,
+                    unsigned background = kWhite)
+{
+    const int cx = int(std::lround(x)), cy = int(std::lround(y));
+    for (int dy = -radius; dy <= radius; ++dy)
+        for (int dx = -radius; dx <= radius; ++dx)
+            if (Inked(image, cx + dx, cy + dy, background))
+                return true;
+    return false;
+}
+
+// The bounding box of the pixels in area (the whole image by default) that are
+// not the background; null when there are none.
+inline QRect InkBounds(const QImage &image, unsigned background = kWhite, QRect area = {})
+{
+    area = area.isNull() ? image.rect() : area;
+    QRect box;
+    for (int y = area.top(); y <= area.bottom(); ++y)
+        for (int x = area.left(); x <= area.right(); ++x)
+            if (PixelAt(image, x, y) != background)
+                box |= QRect(x, y, 1, 1);
+    return box;
 }
 
 } // namespace tessal::test
