@@ -36,6 +36,9 @@ public:
     bool IsEmpty() const { return m_Path.isEmpty(); }
     // Whether the pixel at p is inside, as a point-in-region test of the platform.
     bool Contains(TPoint p) const;
+    // The same test for the region a polygon would make, without making it: hit tests ask
+    // this of every shape under the mouse.
+    static bool Contains(std::span<const TPoint> polygon, TFillMode mode, TPoint p);
     TRect Bounds() const;
     const QPainterPath &Path() const { return m_Path; }
     const std::vector<TPoint> &Points() const { return m_Points; }

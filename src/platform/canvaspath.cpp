@@ -34,10 +34,17 @@ TRegion TRegion::FromRect(const TRect &r)
 
 bool TRegion::Contains(TPoint p) const
 {
-    // A pixel belongs to the region when its centre does, by the rule the region is filled
-    // with, centres on an edge included.
-    const std::int32_t winding = canvasdetail::TPolygonFill::WindingAt(m_Points, p);
-    return m_Winding ? winding != 0 : (winding & 1) != 0;
+    return Contains(m_Points, FillMode(), p);
+}
+
+// A pixel belongs to the region when its centre does, by the rule the region is filled
+// with, centres on an edge included. Fewer than three points make no region.
+bool TRegion::Contains(std::span<const TPoint> polygon, TFillMode mode, TPoint p)
+{
+    if (polygon.size() < 3)
+        return false;
+    const std::int32_t winding = canvasdetail::TPolygonFill::WindingAt(polygon, p);
+    return mode == TFillMode::fmWinding ? winding != 0 : (winding & 1) != 0;
 }
 
 TRect TRegion::Bounds() const

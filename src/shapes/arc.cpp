@@ -314,7 +314,7 @@ bool TMyElliArc::IsClickedMe(TCanvas &, TPoint point)
     if (NearPolyline(outline, point, HitBand))
         return true;
     return m_ArcStyle != TArcStyle::asArc &&
-           TRegion(RoundedPoints(outline), TFillMode::fmAlternate).Contains(point);
+           TRegion::Contains(RoundedPoints(outline), TFillMode::fmAlternate, point);
 }
 
 } // namespace tessal

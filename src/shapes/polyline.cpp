@@ -117,7 +117,7 @@ bool TMyPolygon::IsClickedMe(TCanvas &, TPoint point)
         pts.push_back(MyPtToPt(GetPointInZoom(i)));
     if (pts.size() < 3)
         return false;
-    return TRegion(pts, TFillMode::fmAlternate).Contains(point);
+    return TRegion::Contains(pts, TFillMode::fmAlternate, point);
 }
 
 bool TMyPolygon::IsDrawingFinished(Qt::MouseButton, TPoint point)

@@ -219,7 +219,7 @@ bool TMyRectangle::IsClickedMe(TCanvas &, TPoint point)
     std::array<TPoint, 4> pts;
     for (std::size_t i = 0; i < 4; ++i)
         pts[i] = MyPtToPt(GetPointInZoom(std::int32_t(i)));
-    return TRegion(pts, TFillMode::fmAlternate).Contains(point);
+    return TRegion::Contains(pts, TFillMode::fmAlternate, point);
 }
 
 // ---- Resizing ----
