@@ -38,7 +38,7 @@ class BinaryStream;
 class TMyShape;
 class TMyLinkLine;
 class TShapeIndex;       // spatial index of the shapes (private to the surface)
-struct TIndexCandidate;  // what the index knows of a shape (private to the surface)
+class TPressCursor;      // the candidates of a press, from the index (private to the surface)
 class TMouseMachine;     // the gesture state machine (private to the surface)
 struct TDrawingSettings; // a drawing file's settings, read before they are applied
 struct TLoadedDrawing;   // a whole drawing file, read before it replaces the drawing
@@ -1378,9 +1378,9 @@ private:
     bool ExportRaster(const QString &fileName, TExportArea area, const char *format, int quality);
     void DrawGridLines(TCanvas &canvas, QSize size, double sx, double sy, const TRect &rect);
     void EnsureIndex();
-    // The shapes that may reach rect, from the top of the drawing down, as the index knows
-    // them: not yet filtered by layer or by the exact extent.
-    void CandidatesFromTop(const TRect &rect, std::vector<TIndexCandidate> &candidates);
+    // The shapes a press at the control pixel at may take, from the top of the drawing
+    // down, as the index knows them: not yet filtered by layer or by the exact hit test.
+    void BeginPressCandidates(TPoint at, TPressCursor &cursor);
     // Not a group member, and on a visible layer: what a repaint or a press can meet.
     bool IsShownTopLevel(const TMyShape *shape) const;
     bool m_GridDrawing = false;

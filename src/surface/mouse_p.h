@@ -196,7 +196,7 @@ private:
     QImage m_ScratchImage;
     std::unique_ptr<TCanvas> m_Scratch;
     // The candidates of the last press, kept to reuse their storage.
-    std::vector<TIndexCandidate> m_Candidates;
+    TPressCursor m_Candidates;
 };
 
 } // namespace tessal

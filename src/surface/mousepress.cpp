@@ -237,19 +237,16 @@ void TMouseMachine::PressNewShape(TShiftState shift)
 }
 
 // From the top of the drawing down; a connector box wins over what it lies on. Only
-// top-level shapes can be chosen, and the spatial index narrows the search to the shapes
-// that reach the press (hit tests stay within 8 pixels of a shape's points).
+// top-level shapes can be chosen, and the index hands out the shapes that reach the press
+// one by one (hit tests stay within 8 pixels of a shape's points), so that on a dense
+// drawing the search ends soon after the topmost hit.
 TMyShape *TMouseMachine::ChooseNewShape()
 {
     TCanvas &scratch = Scratch();
-    const TRect probe = TRect(m_Start.X, m_Start.Y, m_Start.X + 1, m_Start.Y + 1).Inflated(10, 10);
-    m_Cad.CandidatesFromTop(probe, m_Candidates);
+    m_Cad.BeginPressCandidates(m_Start, m_Candidates);
     TMyShape *other = nullptr;
-    for (const TIndexCandidate &candidate : m_Candidates) {
-        // Below the topmost hit only a connector box can still win. The index knows which
-        // candidates are connectors, so on a dense drawing the others are not even read.
-        if (other && !candidate.Connector)
-            continue;
+    TIndexCandidate candidate;
+    while (m_Candidates.Next(candidate)) {
         TMyShape *shape = m_Cad.GetShapeByNo(candidate.No);
         if (!m_Cad.IsShownTopLevel(shape) || m_Cad.IsWorkingShape(shape))
             continue;
@@ -259,7 +256,9 @@ TMyShape *TMouseMachine::ChooseNewShape()
             continue;
         if (candidate.Connector)
             return shape;
+        // Below the topmost hit only a connector box can still win.
         other = shape;
+        m_Candidates.ConnectorsOnly();
     }
     return other;
 }

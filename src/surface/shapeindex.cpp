@@ -223,13 +223,10 @@ std::vector<std::int32_t> TMyCAD::ShapesInRect(const TRect &rect)
     return numbers;
 }
 
-void TMyCAD::CandidatesFromTop(const TRect &rect, std::vector<TIndexCandidate> &candidates)
+void TMyCAD::BeginPressCandidates(TPoint at, TPressCursor &cursor)
 {
-    candidates.clear();
-    if (rect.IsEmpty())
-        return;
     EnsureIndex();
-    m_Index->QueryFromTop(m_Index->QueryBox(rect), candidates);
+    m_Index->BeginPress(at, cursor);
 }
 
 bool TMyCAD::IsShownTopLevel(const TMyShape *shape) const

@@ -53,6 +53,7 @@ TMyRect TShapeIndex::PaddedBox(const TShapeExtent &extent) const
 void TShapeIndex::Rebuild(std::vector<TEntry> entries, double zoom)
 {
     m_Zoom = zoom;
+    m_Press.reset();
     m_Entries = std::move(entries);
     m_Tree->Boxes.assign(m_Entries.size(), TMyRect());
     m_Numbers.clear();
@@ -76,12 +77,17 @@ void TShapeIndex::Replace(std::int32_t no, const TShapeExtent &extent)
 {
     const auto i = std::size_t(no);
     const TIndexCandidate item{no, m_Entries[i].Connector};
-    if (m_Entries[i].Extent.Indexed)
+    if (m_Entries[i].Extent.Indexed) {
         m_Tree->Tree.remove(TTree::TValue(TTree::Box(m_Tree->Boxes[i]), item));
+        if (m_Press)
+            m_Press->Drop(no, PressBox(m_Tree->Boxes[i]));
+    }
     m_Entries[i].Extent = extent;
     if (extent.Indexed) {
         m_Tree->Boxes[i] = PaddedBox(extent);
         m_Tree->Tree.insert(TTree::TValue(TTree::Box(m_Tree->Boxes[i]), item));
+        if (m_Press)
+            m_Press->Enter(no, PressBox(m_Tree->Boxes[i]), item.Connector);
     }
 }
 
@@ -114,15 +120,27 @@ void TShapeIndex::Query(const TMyRect &box, std::vector<std::int32_t> &numbers) 
                            [&numbers](const TTree::TValue &v) { numbers.push_back(v.second.No); }));
 }
 
-void TShapeIndex::QueryFromTop(const TMyRect &box, std::vector<TIndexCandidate> &candidates) const
+TMyRect TShapeIndex::PressBox(const TMyRect &padded) const
 {
-    candidates.clear();
-    m_Tree->Tree.query(bgi::intersects(TTree::Box(box)),
-                       boost::make_function_output_iterator([&candidates](const TTree::TValue &v) {
-                           candidates.push_back(v.second);
-                       }));
-    std::sort(candidates.begin(), candidates.end(),
-              [](const TIndexCandidate &a, const TIndexCandidate &b) { return a.No > b.No; });
+    const float reach = float((PressReach + 1) / m_Zoom);
+    return {padded.Left - reach, padded.Top - reach, padded.Right + reach, padded.Bottom + reach};
+}
+
+void TShapeIndex::BeginPress(TPoint at, TPressCursor &cursor)
+{
+    if (!m_Press || m_Press->WantsRebuild()) {
+        const std::size_t count = m_Entries.size();
+        std::vector<TMyRect> boxes(count);
+        std::vector<bool> indexed(count), connectors(count);
+        for (std::size_t i = 0; i < count; ++i) {
+            indexed[i] = m_Entries[i].Extent.Indexed;
+            connectors[i] = m_Entries[i].Connector;
+            if (indexed[i])
+                boxes[i] = PressBox(m_Tree->Boxes[i]);
+        }
+        m_Press = std::make_unique<TPressGrid>(boxes, indexed, connectors);
+    }
+    m_Press->Begin({float(at.X / m_Zoom), float(at.Y / m_Zoom)}, cursor);
 }
 
 } // namespace tessal

@@ -4,6 +4,7 @@
 
 #include <tessal/geometry/mypoint.h>
 #include <tessal/platform/types.h>
+#include <tessal/surface/pressgrid_p.h>
 
 #include <cstdint>
 #include <memory>
@@ -27,15 +28,6 @@ struct TShapeExtent
     // The control pixels covered at zoom: the rounded zoomed box grown by Pad, Right and
     // Bottom exclusive.
     TRect ScreenRect(double zoom) const;
-};
-
-// What the index itself knows of a shape, so that a press can pass over candidates without
-// touching the shapes (on a big drawing every touch is a cache miss).
-struct TIndexCandidate
-{
-    std::int32_t No = 0;
-    bool Connector = false;
-    friend bool operator==(const TIndexCandidate &, const TIndexCandidate &) = default;
 };
 
 // The index only narrows the candidates of a query: it answers every shape whose extent
@@ -76,9 +68,12 @@ public:
     // Shape numbers whose padded box meets box (document units, edges included), in no
     // particular order.
     void Query(const TMyRect &box, std::vector<std::int32_t> &numbers) const;
-    // The same shapes from the top of the drawing down (descending numbers), as the tree
-    // holds them.
-    void QueryFromTop(const TMyRect &box, std::vector<TIndexCandidate> &candidates) const;
+
+    // How far from a shape's painted pixels a press can still take it, in control pixels.
+    static constexpr std::int32_t PressReach = 10;
+    // Starts cursor on the shapes whose padded box comes within PressReach pixels of the
+    // control pixel at, from the top of the drawing down.
+    void BeginPress(TPoint at, TPressCursor &cursor);
 
 private:
     // The tree and the box each indexed entry was inserted with (so that it can be removed
@@ -86,10 +81,14 @@ private:
     struct TTree;
 
     TMyRect PaddedBox(const TShapeExtent &extent) const;
+    // A padded box grown by the reach of a press and the pixel the probe of a query adds.
+    TMyRect PressBox(const TMyRect &padded) const;
 
     std::unique_ptr<TTree> m_Tree;
     std::vector<TEntry> m_Entries;
     std::unordered_map<const TMyShape *, std::int32_t> m_Numbers;
+    // Made at the first press after a rebuild, then kept current with the tree.
+    std::unique_ptr<TPressGrid> m_Press;
     double m_Zoom = 1.0;
     bool m_Stale = true;
 };

@@ -2,6 +2,8 @@
 // The spatial index against a plain scan of the shape list, on random drawings that change.
 #include "rendertestshapes.h"
 
+#include <tessal/surface/spatialindex_p.h>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -253,4 +255,89 @@ TEST(ShapeIndex, CommandsReportTheirChanges)
     EXPECT_NE(std::find(stale.begin(), stale.end(), cad.GetShapesCount() - 1), stale.end());
     cad.DocumentChanged();
     EXPECT_EQ(cad.ShapesInRect(before), cad.ShapesInRectLinear(before));
+}
+
+// What a press reads from the index: every shape whose painted pixels come within the reach
+// of the press, from the top of the drawing down, each once, and no shape far from it; after
+// the caller asks for connectors only, just the connectors below. Checked on random extents
+// (small ones, huge ones, unindexed ones) through moves, appends and enough changes that the
+// index builds its press cells afresh, at three zooms.
+TEST(ShapeIndex, PressCandidatesComeFromTheTopAndCoverTheReach)
+{
+    std::mt19937 rng(77);
+    std::uniform_real_distribution<float> pos(0, 2000);
+    std::uniform_real_distribution<float> unit(0, 1);
+    const auto randomEntry = [&] {
+        TShapeIndex::TEntry e;
+        const float x = pos(rng), y = pos(rng);
+        const float scale = unit(rng) < 0.03f ? 1500 : 60;
+        e.Extent.Box = {x, y, x + unit(rng) * scale, y + unit(rng) * scale};
+        e.Extent.Pad = std::int32_t(rng() % 7);
+        e.Extent.Indexed = rng() % 20 != 0;
+        e.Connector = rng() % 10 == 0;
+        return e;
+    };
+    for (const double zoom : {1.0, 0.37, 3.2}) {
+        std::vector<TShapeIndex::TEntry> entries(3000);
+        for (auto &e : entries)
+            e = randomEntry();
+        TShapeIndex index;
+        index.Rebuild(entries, zoom);
+        std::int64_t seen = 0;
+        const auto check = [&] {
+            std::uniform_int_distribution<int> at(-20, int(2000 * zoom) + 20);
+            for (int q = 0; q < 150; ++q) {
+                const TPoint p(at(rng), at(rng));
+                const TRect probe = TRect(p.X, p.Y, p.X + 1, p.Y + 1)
+                                        .Inflated(TShapeIndex::PressReach, TShapeIndex::PressReach);
+                const std::int32_t switchAfter = std::int32_t(rng() % 4);
+                TPressCursor cursor;
+                index.BeginPress(p, cursor);
+                std::vector<TIndexCandidate> got;
+                TIndexCandidate c;
+                while (cursor.Next(c)) {
+                    got.push_back(c);
+                    if (std::int32_t(got.size()) == switchAfter)
+                        cursor.ConnectorsOnly();
+                }
+                ASSERT_TRUE(std::is_sorted(got.begin(), got.end(),
+                                           [](auto a, auto b) { return a.No > b.No; }))
+                    << p.X << "," << p.Y;
+                ASSERT_EQ(std::adjacent_find(got.begin(), got.end()), got.end());
+                // The index may answer a little more than the probe reaches (a pixel to
+                // spare), never a shape three pixels beyond it.
+                for (std::size_t k = 0; k < got.size(); ++k) {
+                    const TShapeIndex::TEntry &e = index.Entry(got[k].No);
+                    ASSERT_TRUE(e.Extent.Indexed);
+                    ASSERT_EQ(got[k].Connector, e.Connector);
+                    ASSERT_TRUE(e.Extent.ScreenRect(zoom).Inflated(3, 3).Intersects(probe));
+                    ASSERT_TRUE(std::int32_t(k) < switchAfter || switchAfter == 0 ||
+                                got[k].Connector);
+                }
+                // Everything the probe reaches is answered; below the switch, the connectors.
+                const bool switched = switchAfter > 0 && std::int32_t(got.size()) >= switchAfter;
+                const std::int32_t below = switched ? got[std::size_t(switchAfter - 1)].No : -1;
+                for (std::int32_t no = 0; no < index.Count(); ++no) {
+                    const TShapeIndex::TEntry &e = index.Entry(no);
+                    if (!e.Extent.Indexed || !e.Extent.ScreenRect(zoom).Intersects(probe) ||
+                        (no < below && !e.Connector))
+                        continue;
+                    ASSERT_NE(std::find(got.begin(), got.end(), TIndexCandidate{no, e.Connector}),
+                              got.end())
+                        << no << " at " << p.X << "," << p.Y << " zoom " << zoom;
+                }
+                seen += std::int64_t(got.size());
+            }
+        };
+        check();
+        // Moves and appends are taken in one by one, until the press cells are rebuilt.
+        for (int round = 0; round < 4; ++round) {
+            for (int k = 0; k < 600; ++k)
+                index.Replace(std::int32_t(rng() % index.Count()), randomEntry().Extent);
+            for (int k = 0; k < 50; ++k)
+                index.Append(randomEntry());
+            check();
+        }
+        EXPECT_GT(seen, 2000) << "the presses must meet shapes for the check to mean anything";
+    }
 }

@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: MIT
+// The index a press asks: the shapes that can take a press at a point, from the top down.
+#pragma once
+
+#include <tessal/geometry/mypoint.h>
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace tessal {
+
+class TPressCursor;
+
+// What the index itself knows of a shape, so that a press can pass over candidates without
+// touching the shapes (on a big drawing every touch is a cache miss).
+struct TIndexCandidate
+{
+    std::int32_t No = 0;
+    bool Connector = false;
+    friend bool operator==(const TIndexCandidate &, const TIndexCandidate &) = default;
+};
+
+// A press wants the topmost shape it hits, and below that only connectors. An R-tree answers
+// every shape near the point in no useful order, so its cost grows with the density of the
+// drawing; this index keeps, for each cell of a uniform grid, the shapes that reach the cell
+// in drawing order, and a press reads its cell from the top down and stops when the caller
+// has what it needs. Its cost is then the few shapes above the first hit, however dense the
+// drawing.
+//
+// Boxes are given already grown by the reach of a press, so a press is a point. Shapes much
+// larger than a cell, and shapes changed since the grid was built, are kept aside in a small
+// R-tree whose answer is merged in; once that holds too many, the owner builds afresh.
+class TPressGrid
+{
+public:
+    // boxes[i] is shape number i's grown box; only shapes with indexed[i] set are entered.
+    TPressGrid(const std::vector<TMyRect> &boxes, const std::vector<bool> &indexed,
+               const std::vector<bool> &connectors);
+    ~TPressGrid();
+    TPressGrid(const TPressGrid &) = delete;
+    TPressGrid &operator=(const TPressGrid &) = delete;
+
+    // Shape number no leaves the box it was entered with.
+    void Drop(std::int32_t no, const TMyRect &box);
+    // Shape number no (changed, or new) is entered with box.
+    void Enter(std::int32_t no, const TMyRect &box, bool connector);
+    // True once so many shapes are kept aside that a press would be better served afresh.
+    bool WantsRebuild() const;
+
+    // Starts a press at p (document units) on cursor.
+    void Begin(TMyPoint p, TPressCursor &cursor) const;
+
+private:
+    struct TItem
+    {
+        TMyRect Box;
+        std::uint32_t Key; // (number << 2) | (dropped << 1) | connector
+    };
+    struct TAside;
+    struct TSpan
+    {
+        std::int32_t Column0, Column1, Row0, Row1;
+    };
+    enum class TPlace : std::uint8_t { None, Grid, Aside };
+
+    static constexpr std::uint32_t ConnectorBit = 1, DroppedBit = 2;
+    // A shape that spans more cells than this in either direction is kept aside, so that no
+    // shape is entered more than MaxSpan² times.
+    static constexpr std::int32_t MaxSpan = 4;
+
+    void ChooseCells(std::vector<float> sizes, const TMyRect &bounds);
+    std::int32_t Column(float x) const;
+    std::int32_t Row(float y) const;
+    TSpan SpanOf(const TMyRect &box) const;
+    bool Fits(const TSpan &span) const;
+    void Fill(const std::vector<TMyRect> &boxes, const std::vector<bool> &connectors);
+    void EnterAside(std::int32_t no, const TMyRect &box, bool connector);
+
+    float m_Left = 0, m_Top = 0, m_Cell = 1;
+    std::int32_t m_Columns = 0, m_Rows = 0;
+    // Cell c holds m_Items[m_Starts[c] .. m_Starts[c + 1]), in ascending shape number.
+    std::vector<std::uint32_t> m_Starts;
+    std::vector<TItem> m_Items;
+    std::vector<TPlace> m_Places;
+    std::int32_t m_Connectors = 0;
+    std::int32_t m_GridCount = 0;
+    std::unique_ptr<TAside> m_Aside;
+
+    friend class TPressCursor;
+};
+
+// The candidates of one press, lazily and from the top of the drawing down: every shape whose
+// grown box holds the point, each once.
+class TPressCursor
+{
+public:
+    bool Next(TIndexCandidate &candidate);
+    // From now on only connectors are wanted; the others are passed over without a look.
+    void ConnectorsOnly();
+
+private:
+    friend class TPressGrid;
+    bool NextInCell(TIndexCandidate &candidate);
+
+    TMyPoint m_Point;
+    const TPressGrid::TItem *m_Begin = nullptr;
+    const TPressGrid::TItem *m_At = nullptr;
+    std::vector<TIndexCandidate> m_Aside; // ascending, taken from the back
+    bool m_AnyConnector = false;
+    bool m_ConnectorsOnly = false;
+    bool m_HasPending = false;
+    TIndexCandidate m_Pending;
+};
+
+} // namespace tessal
