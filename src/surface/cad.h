@@ -42,6 +42,7 @@ class TPressCursor;      // the candidates of a press, from the index (private t
 class TMouseMachine;     // the gesture state machine (private to the surface)
 struct TDrawingSettings; // a drawing file's settings, read before they are applied
 struct TLoadedDrawing;   // a whole drawing file, read before it replaces the drawing
+class TDrawingDraft;     // a drawing built aside, to replace the drawing in one step
 
 // The action names of undo records.
 inline const QString ACT_ADD = QStringLiteral("ACT_ADD");
@@ -241,6 +242,8 @@ public:
     bool IsVisibleLayerByID(std::int32_t id) const;
     std::int32_t CurrentLayerId() const { return m_CurrentLayerId; }
     const std::vector<TLayer> &Layers() const { return m_Layers; }
+    // The ID the next new layer receives.
+    std::int32_t LayerIdCounter() const { return m_LayerIdCounter; }
     // Layer counts are stored in a byte.
     static constexpr std::int32_t MaxLayers = 255;
 
@@ -361,6 +364,11 @@ public:
     // Every shape, locked ones too, without undo records; the identity counter keeps its
     // value. OnShapeDeleted fires for each top-level shape.
     void DeleteAllShapes();
+    // Replaces the layers and shapes by those of draft (drawingdraft.h), which is left empty:
+    // the drawing's own go as DeleteAllLayers removes them (OnShapeDeleted, OnDeleteLayer),
+    // the undo history is cleared, the draft's current layer and next free identities are
+    // taken over, and OnNewLayer fires for each layer of the draft in table order.
+    void CommitDraft(TDrawingDraft &draft);
     // Two different shapes that are both members of groups with the same root group.
     bool areTheyBrother(TMyShape *a, TMyShape *b) const;
     // The nearest shape after (before) number no that has no parent: an ungrouped shape or

@@ -2,6 +2,7 @@
 // Editing commands of the surface: grouping, alignment, stacking order, flipping, locking
 // and turning.
 #include <tessal/surface/cad.h>
+#include <tessal/surface/grouping_p.h>
 
 #include <tessal/shapes/link.h>
 #include <tessal/shapes/rectangle.h>
@@ -71,6 +72,67 @@ TMyPoint AlignOffset(std::int32_t edge, const TBox &own, const TBox &all)
 
 // ---- Grouping ----
 
+std::vector<TMyShape *> Grouping::Roots(const TShapeList &list, std::span<TMyShape *const> shapes,
+                                        std::int32_t &layer)
+{
+    std::vector<TMyShape *> roots;
+    std::vector<TMyShape *> given;
+    for (TMyShape *shape : shapes) {
+        if (PlaceOf(list, shape) < 0)
+            continue;
+        given.push_back(shape);
+        TMyShape *root = RootOf(list, shape);
+        if (std::find(roots.begin(), roots.end(), root) == roots.end())
+            roots.push_back(root);
+    }
+    if (roots.empty())
+        return {};
+    layer = given.front()->LayerId();
+    for (const std::vector<TMyShape *> *each : {&given, &roots})
+        for (const TMyShape *shape : *each)
+            if (shape->LayerId() != layer || !shape->Visible())
+                return {};
+    return roots;
+}
+
+std::unique_ptr<TMyShape> Grouping::NewGroup(TMyCAD &surface, const QString &className,
+                                             std::span<TMyShape *const> roots, std::int32_t layer,
+                                             std::int32_t no, std::int32_t id)
+{
+    TBox box;
+    for (const TMyShape *root : roots)
+        box.Add(*root);
+    if (box.IsEmpty())
+        box = TBox{0, 0, 0, 0};
+    std::unique_ptr<TMyShape> group = surface.CreateShapeByName(className);
+    // The corners go in as zoomed pixels, the way AddPoint takes them.
+    const double zoom = surface.Zoom();
+    const float l = float(box.Left * zoom), t = float(box.Top * zoom);
+    const float r = float(box.Right * zoom), b = float(box.Bottom * zoom);
+    for (TMyPoint corner : {TMyPoint{l, t}, TMyPoint{r, t}, TMyPoint{r, b}, TMyPoint{l, b}})
+        group->AddPoint(corner);
+    group->SetShapeNo(no);
+    group->SetShapeId(id);
+    group->SetName(QStringLiteral("Shape") + QString::number(id));
+    const TMyPoint centre = group->ComputeCenterPoint(4);
+    group->SetCenterPoint(centre);
+    group->SetTextPoint({centre.X, group->GetLeftBottom().Y + 10});
+    group->SetParentNo(-1);
+    // The group lies on its members' layer, whatever layer is current.
+    group->SetLayerId(layer);
+    return group;
+}
+
+void Grouping::Adopt(const TShapeList &list, TMyShape &group, std::int32_t no,
+                     std::span<TMyShape *const> roots)
+{
+    for (TMyShape *root : roots) {
+        group.ChildShapes().push_back(PlaceOf(list, root));
+        root->SetParentNo(no);
+    }
+    std::sort(group.ChildShapes().begin(), group.ChildShapes().end());
+}
+
 std::int32_t TMyCAD::GroupShapes(std::span<TMyShape *const> shapes, bool record)
 {
     return GroupShapesAs(shapes, record, QStringLiteral("TMyGroup"));
@@ -84,56 +146,18 @@ std::int32_t TMyCAD::CombineShapes(std::span<TMyShape *const> shapes, bool recor
 std::int32_t TMyCAD::GroupShapesAs(std::span<TMyShape *const> shapes, bool record,
                                    const QString &className)
 {
-    std::vector<TMyShape *> roots;
-    std::vector<TMyShape *> given;
-    for (TMyShape *shape : shapes) {
-        if (GetShapeNoInMyShapes(shape) < 0)
-            continue;
-        given.push_back(shape);
-        TMyShape *root = GetRootParentShape(shape);
-        if (std::find(roots.begin(), roots.end(), root) == roots.end())
-            roots.push_back(root);
-    }
+    std::int32_t layer = 0;
+    const std::vector<TMyShape *> roots = Grouping::Roots(m_Shapes, shapes, layer);
     if (roots.empty())
         return -1;
-    const std::int32_t layer = given.front()->LayerId();
-    for (const std::vector<TMyShape *> *list : {&given, &roots})
-        for (const TMyShape *shape : *list)
-            if (shape->LayerId() != layer || !shape->Visible())
-                return -1;
-
-    TBox box;
-    for (const TMyShape *root : roots)
-        box.Add(*root);
-    if (box.IsEmpty())
-        box = TBox{0, 0, 0, 0};
-    std::unique_ptr<TMyShape> group = CreateShapeByName(className);
-    // The corners go in as zoomed pixels, the way AddPoint takes them.
-    const double zoom = Zoom();
-    const float l = float(box.Left * zoom), t = float(box.Top * zoom);
-    const float r = float(box.Right * zoom), b = float(box.Bottom * zoom);
-    for (TMyPoint corner : {TMyPoint{l, t}, TMyPoint{r, t}, TMyPoint{r, b}, TMyPoint{l, b}})
-        group->AddPoint(corner);
     const std::int32_t no = GetShapesCount();
     const std::int32_t id = m_ShapeIdCounter;
-    group->SetShapeNo(no);
-    group->SetShapeId(id);
-    group->SetName(QStringLiteral("Shape") + QString::number(id));
-    const TMyPoint centre = group->ComputeCenterPoint(4);
-    group->SetCenterPoint(centre);
-    group->SetTextPoint({centre.X, group->GetLeftBottom().Y + 10});
-    group->SetParentNo(-1);
-    // The group lies on its members' layer, whatever layer is current.
-    group->SetLayerId(layer);
+    std::unique_ptr<TMyShape> group = Grouping::NewGroup(*this, className, roots, layer, no, id);
     TMyShape *added = group.get();
     if (!AddShape(added, true, false))
         return -1;
     group.release();
-    for (TMyShape *root : roots) {
-        added->ChildShapes().push_back(GetShapeNoInMyShapes(root));
-        root->SetParentNo(no);
-    }
-    std::sort(added->ChildShapes().begin(), added->ChildShapes().end());
+    Grouping::Adopt(m_Shapes, *added, no, roots);
     if (record) {
         TMyShape *const one[] = {added};
         PushtoUndoRedoShapeList(one, 0, ACT_GROUP);

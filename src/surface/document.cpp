@@ -2,6 +2,7 @@
 // The shape list of a surface: adding, look-ups, deletion with renumbering, relations and
 // the working shapes.
 #include <tessal/surface/cad.h>
+#include <tessal/surface/grouping_p.h>
 #include <tessal/surface/mouse_p.h>
 
 #include <tessal/platform/message.h>
@@ -93,14 +94,19 @@ std::int32_t TMyCAD::GetShapeNoById(std::int32_t id) const
 
 std::int32_t TMyCAD::GetShapeNoInMyShapes(const TMyShape *shape) const
 {
+    return Grouping::PlaceOf(m_Shapes, shape);
+}
+
+std::int32_t Grouping::PlaceOf(const TShapeList &list, const TMyShape *shape)
+{
     if (!shape)
         return -1;
     // A shape's number is its place in the list; only a detached shape answers a search.
     const std::int32_t no = shape->ShapeNo();
-    if (no >= 0 && no < GetShapesCount() && m_Shapes[std::size_t(no)].get() == shape)
+    if (no >= 0 && std::size_t(no) < list.size() && list[std::size_t(no)].get() == shape)
         return no;
-    for (std::size_t i = 0; i < m_Shapes.size(); ++i)
-        if (m_Shapes[i].get() == shape)
+    for (std::size_t i = 0; i < list.size(); ++i)
+        if (list[i].get() == shape)
             return std::int32_t(i);
     return -1;
 }
@@ -120,14 +126,20 @@ bool TMyCAD::RenameShapeName(const QString &oldName, const QString &newName)
 
 TMyShape *TMyCAD::GetRootParentShape(TMyShape *shape) const
 {
+    return Grouping::RootOf(m_Shapes, shape);
+}
+
+TMyShape *Grouping::RootOf(const TShapeList &list, TMyShape *shape)
+{
     if (!shape)
         return nullptr;
     // A parent chain can be no longer than the list; the bound stops a corrupt cycle.
-    for (std::int32_t steps = 0; shape->ParentNo() != -1 && steps < GetShapesCount(); ++steps) {
-        TMyShape *parent = GetShapeByNo(shape->ParentNo());
-        if (!parent)
+    const std::int32_t count = std::int32_t(list.size());
+    for (std::int32_t steps = 0; shape->ParentNo() != -1 && steps < count; ++steps) {
+        const std::int32_t no = shape->ParentNo();
+        if (no < 0 || no >= count)
             break;
-        shape = parent;
+        shape = list[std::size_t(no)].get();
     }
     return shape;
 }

@@ -20,6 +20,8 @@
 #include <QJsonArray>
 #include <QTemporaryDir>
 
+#include <algorithm>
+
 #include <cmath>
 #include <numbers>
 #include <random>
@@ -693,6 +695,133 @@ TEST(DxfImport, ProgressCancelsTheParseAndLeavesTheDrawing)
         EXPECT_EQ(cad.UndoRedoShapeList().size(), undoSteps);
         EXPECT_EQ(SavedDrawing(cad), before);
     }
+}
+
+// Thirty INSERTs of a 2 x 5 array of a block of 61 entities, on a layer of the table beside
+// a hidden one: some 18,000 entities visited and more shapes made, from a file far smaller
+// than the parse's report step, so that the parse reports its start and end and the block
+// copies make the build report several times, also within one INSERT.
+QByteArray BlockArrays()
+{
+    QByteArray data = "0\nSECTION\n2\nTABLES\n0\nTABLE\n2\nLAYER\n70\n2\n"
+                      "0\nLAYER\n2\nparts\n70\n0\n62\n3\n6\nCONTINUOUS\n"
+                      "0\nLAYER\n2\nhidden\n70\n0\n62\n-5\n6\nCONTINUOUS\n"
+                      "0\nENDTAB\n0\nENDSEC\n"
+                      "0\nSECTION\n2\nBLOCKS\n0\nBLOCK\n8\n0\n2\ncell\n70\n0\n10\n0\n20\n0\n";
+    for (int i = 0; i < 60; ++i)
+        data += QString("0\nLINE\n8\n0\n10\n%1\n20\n0\n11\n%1\n21\n8\n").arg(i).toLatin1();
+    data += "0\nCIRCLE\n8\n0\n10\n5\n20\n5\n40\n3\n0\nENDBLK\n0\nENDSEC\n"
+            "0\nSECTION\n2\nENTITIES\n";
+    for (int i = 0; i < 30; ++i)
+        data += QString("0\nINSERT\n8\nparts\n2\ncell\n10\n%1\n20\n%2\n"
+                        "70\n5\n71\n2\n44\n70\n45\n12\n")
+                    .arg(i % 3 * 400)
+                    .arg(i / 3 * 30)
+                    .toLatin1();
+    return data + "0\nENDSEC\n0\nEOF\n";
+}
+
+// The saved bytes of the drawing; saving reports to OnProgress too, so it is taken off
+// meanwhile.
+QByteArray SavedUnheard(TMyCAD &cad)
+{
+    const TProgressEvent handler = cad.OnProgress();
+    cad.SetOnProgress({});
+    const QByteArray data = SavedDrawing(cad);
+    cad.SetOnProgress(handler);
+    return data;
+}
+
+// A drawing with its own layer, shapes, a group, undo steps and a selection.
+void MakeOwnDrawing(TMyCAD &cad)
+{
+    cad.resize(500, 400);
+    cad.NewLayer("mine", true);
+    const TMyPoint box[] = {{10, 10}, {50, 30}}, oval[] = {{60, 60}, {90, 80}};
+    cad.AddShapeByCode(TDrawTool::SpRectangle, "Kept", box, 0, {});
+    cad.AddShapeByCode(TDrawTool::SpEllipse, "Oval", oval, 0.5, {});
+    TMyShape *const both[] = {cad.GetShapeByNo(0), cad.GetShapeByNo(1)};
+    cad.GroupShapes(both, true);
+    cad.AddShapeByCode(TDrawTool::SpLine, "Line", box, 0, {});
+}
+
+// The import reports through the parse and the build on one scale, the file's size, never
+// going back and ending at the whole; reporting changes nothing in what is built. A cancel
+// at the first report, at the build's first, in the middle of the build and at the very
+// last leaves the drawing as it was: its bytes, undo steps, selection and next free
+// identities, so that the import made afterwards equals one made without the cancels.
+TEST(DxfImport, CancelDuringTheBuildLeavesTheDrawing)
+{
+    const QByteArray data = BlockArrays();
+    const std::int64_t whole = data.size();
+    TMyCAD reference;
+    MakeOwnDrawing(reference);
+    TDxfImportReport report;
+    ASSERT_TRUE(LoadFromDxfData(reference, data, report)) << report.Error.toStdString();
+    ASSERT_GT(report.ShapesCreated, 18000);
+    const QByteArray imported = SavedDrawing(reference);
+
+    std::vector<std::pair<std::int64_t, std::int64_t>> all, heard;
+    std::size_t cancelAt = 0;
+    TMyCAD cad;
+    MakeOwnDrawing(cad);
+    cad.AddWorkingShapes(cad.GetShapeByNo(3));
+    cad.SetOnProgress([&](TMyCAD *, std::int64_t done, std::int64_t total, bool &cancel) {
+        all.emplace_back(done, total);
+        cancel = all.size() == cancelAt;
+    });
+    TDxfImportOptions options;
+    options.Progress = [&](std::int64_t done, std::int64_t total) {
+        heard.emplace_back(done, total);
+    };
+    {
+        TMyCAD probe;
+        MakeOwnDrawing(probe);
+        probe.SetOnProgress(cad.OnProgress());
+        ASSERT_TRUE(LoadFromDxfData(probe, data, report, options));
+        EXPECT_EQ(SavedUnheard(probe), imported);
+    }
+    EXPECT_EQ(heard, all);
+    ASSERT_FALSE(all.empty());
+    EXPECT_EQ(all.front(), std::make_pair(std::int64_t(0), whole));
+    EXPECT_EQ(all.back(), std::make_pair(whole, whole));
+    for (std::size_t i = 1; i < all.size(); ++i) {
+        EXPECT_GE(all[i].first, all[i - 1].first) << i;
+        EXPECT_EQ(all[i].second, whole);
+    }
+    // The parse is the first half of the scale.
+    const auto firstBuild = std::size_t(
+        std::find_if(all.begin(), all.end(), [&](auto r) { return r.first > whole / 2; }) -
+        all.begin());
+    ASSERT_EQ(firstBuild, 2u);
+    ASSERT_GE(all.size() - firstBuild, 4u);
+
+    const QByteArray before = SavedUnheard(cad);
+    const std::size_t undoSteps = cad.UndoRedoShapeList().size();
+    const std::vector<TMyShape *> selected = cad.WorkingShapes();
+    const std::int32_t nextShape = cad.ShapeIdCounter(), nextLayer = cad.LayerIdCounter();
+    const std::size_t reports = all.size();
+    for (const std::size_t at :
+         {std::size_t(1), firstBuild + 1, (firstBuild + reports) / 2 + 1, reports}) {
+        all.clear();
+        cancelAt = at;
+        EXPECT_FALSE(LoadFromDxfData(cad, data, report)) << at;
+        EXPECT_EQ(all.size(), at);
+        EXPECT_TRUE(report.Cancelled);
+        EXPECT_EQ(report.ShapesCreated, 0);
+        EXPECT_EQ(report.EntitiesRead, 0);
+        EXPECT_EQ(report.Error, "the import was cancelled");
+        EXPECT_EQ(cad.LastError(), "the import was cancelled");
+        EXPECT_EQ(SavedUnheard(cad), before) << at;
+        EXPECT_EQ(cad.UndoRedoShapeList().size(), undoSteps);
+        EXPECT_EQ(cad.WorkingShapes(), selected);
+        EXPECT_EQ(cad.ShapeIdCounter(), nextShape);
+        EXPECT_EQ(cad.LayerIdCounter(), nextLayer);
+    }
+    cancelAt = 0;
+    ASSERT_TRUE(LoadFromDxfData(cad, data, report));
+    EXPECT_EQ(SavedUnheard(cad), imported);
+    EXPECT_TRUE(cad.UndoRedoShapeList().empty());
 }
 
 } // namespace

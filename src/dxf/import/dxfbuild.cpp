@@ -39,6 +39,14 @@ bool Finite(QPointF p)
 // chord, and the arc shape itself draws so flat an arc as its chord.
 constexpr double MinSweep = 1e-4;
 
+// The build reports after this many entities visited: a report per entity would cost more
+// than building a line, and a million entities still give a smooth bar.
+constexpr std::int64_t ReportVisits = 4096;
+
+// Thrown when a report stops the build; Build catches it and the draft is dropped.
+struct TBuildStopped
+{};
+
 // The image of a direction under t (its linear part only).
 QPointF Linear(const QTransform &t, QPointF v)
 {
@@ -72,13 +80,30 @@ TAxes AxesOf(QPointF u, QPointF v)
 TBuilder::TBuilder(TMyCAD &cad, const TModel &model, TDxfImportReport &report,
                    const TDxfImportOptions &options)
     : m_Cad(cad)
+    , m_Draft(cad)
     , m_Model(model)
     , m_Report(report)
     , m_Options(options)
 {}
 
-void TBuilder::Build()
+bool TBuilder::Build(const TParseProgress &progress)
 {
+    try {
+        BuildEntities(progress);
+    } catch (const TBuildStopped &) {
+        return false;
+    }
+    m_Cad.CommitDraft(m_Draft);
+    FitControl();
+    // Nothing is selected after an import, and the shapes are indexed and shown anew.
+    m_Cad.ClearWorkingShapes();
+    m_Cad.RequestRepaint();
+    return true;
+}
+
+void TBuilder::BuildEntities(const TParseProgress &progress)
+{
+    m_Progress = &progress;
     MakeLayers();
     // $INSUNITS: 1 inch, 2 foot, 4 mm, 5 cm, 6 m, 0 or absent: by $MEASUREMENT (0 imperial
     // drawings are in inches, metric ones in millimetres).
@@ -95,46 +120,51 @@ void TBuilder::Build()
     const QTransform toPixels(u, 0, 0, -u, 0, m_Cad.height());
     const TResolved none{0, -3};
     for (const TEntity &e : m_Model.Entities) {
-        if (m_Full) {
+        if (m_Full)
             Skip(e.Type, "the drawing reached the shape limit");
-            continue;
-        }
-        Entity(e, toPixels, none, -1, 0);
+        else
+            Entity(e, toPixels, none, -1, 0);
+        ++m_Done;
     }
-    FitControl();
-    // Nothing is selected after an import, and the shapes are indexed and shown anew.
-    m_Cad.ClearWorkingShapes();
-    m_Cad.RequestRepaint();
+    const auto all = std::int64_t(m_Model.Entities.size());
+    if (!progress(all, all))
+        throw TBuildStopped();
+}
+
+void TBuilder::Pace()
+{
+    if (m_Visits - m_Reported < ReportVisits)
+        return;
+    m_Reported = m_Visits;
+    if (!(*m_Progress)(m_Done, std::int64_t(m_Model.Entities.size())))
+        throw TBuildStopped();
 }
 
 void TBuilder::MakeLayers()
 {
-    m_Cad.DeleteAllShapes();
-    m_Cad.DeleteAllLayers();
-    m_Cad.ClearAllUndoStuff();
     LayerId("0");
     for (const TLayerInfo &layer : m_Model.Layers) {
         const std::int32_t id = LayerId(layer.Name);
-        if (id >= 0 && m_Cad.GetLayerNameByID(id) == QString::fromStdString(layer.Name)) {
+        if (id >= 0 && m_Draft.GetLayerNameByID(id) == QString::fromStdString(layer.Name)) {
             m_LayerInfo[id] = &layer;
             if (!layer.Visible)
-                m_Cad.InVisibleLayerByID(id);
+                m_Draft.InVisibleLayerByID(id);
         }
     }
-    m_Cad.SetCurrentLayerId(LayerId("0"));
+    m_Draft.SetCurrentLayerId(LayerId("0"));
 }
 
 std::int32_t TBuilder::LayerId(const std::string &name)
 {
     if (auto it = m_LayerIds.find(name); it != m_LayerIds.end())
         return it->second;
-    std::int32_t id = m_Cad.NewLayer(QString::fromStdString(name), true);
+    std::int32_t id = m_Draft.NewLayer(QString::fromStdString(name), true);
     if (id < 0) {
         m_Report.Notes << QStringLiteral("layer \"%1\" put on layer \"0\": a drawing holds at "
                                          "most %2 layers")
                               .arg(QString::fromStdString(name))
                               .arg(TMyCAD::MaxLayers);
-        id = m_LayerIds.count("0") ? m_LayerIds["0"] : m_Cad.GetMaxLayerId();
+        id = m_LayerIds.count("0") ? m_LayerIds["0"] : m_Draft.GetMaxLayerId();
     }
     m_LayerIds[name] = id;
     return id;
@@ -170,7 +200,7 @@ TBuilder::TResolved TBuilder::Resolve(const TStyle &style, const TResolved &bloc
 TBuilder::TShapes TBuilder::Entity(const TEntity &e, const QTransform &t, const TResolved &block,
                                    std::int32_t layer, std::int32_t depth)
 {
-    if (m_Cad.GetShapesCount() >= m_Options.MaxShapes) {
+    if (m_Draft.GetShapesCount() >= m_Options.MaxShapes) {
         m_Full = true;
         Skip(e.Type, "the drawing reached the shape limit");
         return {};
@@ -182,6 +212,7 @@ TBuilder::TShapes TBuilder::Entity(const TEntity &e, const QTransform &t, const 
         Skip(e.Type, "the blocks expand to more entities than the import visits");
         return {};
     }
+    Pace();
     // Layers used but not in the table are made on first use; inside a block copy every
     // shape takes the INSERT's layer.
     m_Layer = layer >= 0 ? layer : LayerId(e.Style.Layer);
@@ -278,16 +309,14 @@ TMyShape *TBuilder::Add(const char *className, TMyPointArray points, double angl
     if (m_Style.Weight > 0)
         pen.Width = std::max(1, int(std::lround(m_Style.Weight / 100.0 * Dxf::PixelsPerMm)));
     shape->SetPen(pen);
-    const std::int32_t id = m_Cad.ShapeIdCounter();
-    shape->SetShapeNo(m_Cad.GetShapesCount());
+    const std::int32_t id = m_Draft.ShapeIdCounter();
+    shape->SetShapeNo(m_Draft.GetShapesCount());
     shape->SetShapeId(id);
     shape->SetName(QStringLiteral("Shape") + QString::number(id));
     shape->SetLayerId(m_Layer);
-    TMyShape *added = shape.get();
-    if (!m_Cad.AddShape(added, true, false))
-        return nullptr;
-    shape.release();
-    ++m_Report.ShapesCreated;
+    TMyShape *added = m_Draft.AddShape(std::move(shape));
+    if (added)
+        ++m_Report.ShapesCreated;
     return added;
 }
 
@@ -434,7 +463,7 @@ TBuilder::TShapes TBuilder::Polyline(const TEntity &e, const QTransform &t)
     std::int64_t arcs = 0;
     for (std::size_t i = 0; i < segments; ++i)
         arcs += bulgeOf(i) != 0;
-    if (m_Cad.GetShapesCount() + 2 * arcs + 2 > m_Options.MaxShapes) {
+    if (m_Draft.GetShapesCount() + 2 * arcs + 2 > m_Options.MaxShapes) {
         m_Full = true;
         Skip(e.Type, "the drawing reached the shape limit");
         return {};
@@ -597,11 +626,10 @@ TMyShape *TBuilder::Group(const TShapes &members, std::int32_t layer)
 {
     for (TMyShape *shape : members)
         shape->SetLayerId(layer);
-    const std::int32_t id = m_Cad.GroupShapes(members, false);
-    if (id < 0)
+    if (m_Draft.GroupShapes(members) < 0)
         return nullptr;
     ++m_Report.ShapesCreated;
-    return m_Cad.GetShapeByNo(m_Cad.GetShapesCount() - 1);
+    return m_Draft.GetShapeByNo(m_Draft.GetShapesCount() - 1);
 }
 
 void TBuilder::Skip(const std::string &type, const char *reason)

@@ -5,6 +5,7 @@
 #include <tessal/dxf/import/dxfimport.h>
 #include <tessal/dxf/import/dxfmodel_p.h>
 #include <tessal/geometry/mypoint.h>
+#include <tessal/surface/drawingdraft.h>
 
 #include <QFontMetricsF>
 #include <QTransform>
@@ -19,12 +20,16 @@ class TMyShape;
 
 namespace tessal::DxfImport {
 
+// Builds the drawing aside and puts it in place of the drawing of cad only once every entity
+// is built, so that a cancel at any report leaves cad as it was.
 class TBuilder
 {
 public:
     TBuilder(TMyCAD &cad, const TModel &model, TDxfImportReport &report,
              const TDxfImportOptions &options);
-    void Build();
+    // Told now and then the top-level entities built of all; answers false to stop the build.
+    // The last report, all of them built, comes before cad changes. False when stopped.
+    bool Build(const TParseProgress &progress);
 
 private:
     // The colour and weight an entity draws with, "by block" resolved by the INSERT above.
@@ -36,6 +41,10 @@ private:
     using TShapes = std::vector<TMyShape *>;
 
     void MakeLayers();
+    void BuildEntities(const TParseProgress &progress);
+    // Reports after every so many visits, also within the copies of a block, where a single
+    // INSERT can make many shapes; throws when the report stops the build.
+    void Pace();
     std::int32_t LayerId(const std::string &name);
     TResolved Resolve(const TStyle &style, const TResolved &block) const;
     // The shapes of one entity under transform (file units to document pixels); inside a
@@ -63,6 +72,8 @@ private:
     const QFontMetricsF &Metrics(const QString &family, std::int32_t pixelSize);
 
     TMyCAD &m_Cad;
+    // What the import makes, until it replaces the drawing of m_Cad.
+    TDrawingDraft m_Draft;
     const TModel &m_Model;
     TDxfImportReport &m_Report;
     const TDxfImportOptions &m_Options;
@@ -73,6 +84,10 @@ private:
     std::int32_t m_Layer = -1;
     bool m_Full = false;
     std::int64_t m_Visits = 0;
+    // The progress of the build: top-level entities done, and the visits at the last report.
+    const TParseProgress *m_Progress = nullptr;
+    std::int64_t m_Done = 0;
+    std::int64_t m_Reported = 0;
     // Where the points of the shapes made lie (groups lie within their members).
     struct TBounds
     {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-// LoadFromDxf: reads the file, parses it with dxflib and builds the drawing.
+// LoadFromDxf: reads the file, parses it with dxflib and builds the drawing aside.
 #include <tessal/dxf/import/dxfbuild_p.h>
 #include <tessal/dxf/import/dxfimport.h>
 #include <tessal/dxf/import/dxfmodel_p.h>
@@ -7,6 +7,7 @@
 
 #include <QFile>
 
+#include <algorithm>
 #include <limits>
 
 namespace tessal {
@@ -34,24 +35,75 @@ QStringList TDxfImportReport::Lines() const
     return lines;
 }
 
+namespace {
+
+// The parse's part of an import's reports: it takes about as long as the build of the shapes
+// for the drawings measured (a little longer), which takes the rest.
+constexpr double ParseShare = 0.5;
+
+// The reports of one import on one scale, whose whole is the file's size: the parse moves
+// through the first part of it by the bytes read, the build through the rest by the
+// entities built, so that a bar fills once and never goes back. The options' handler hears
+// each report, then the drawing's OnProgress, which may cancel.
+class TImportProgress
+{
+public:
+    TImportProgress(TMyCAD &cad, const TDxfImportOptions &options, qsizetype size)
+        : m_Cad(cad)
+        , m_Options(options)
+        , m_Total(std::max<std::int64_t>(size, 1))
+        , m_Split(std::int64_t(double(m_Total) * ParseShare))
+    {}
+    bool Parse(std::int64_t done, std::int64_t total)
+    {
+        return Report(Part(0, m_Split, done, total));
+    }
+    bool Build(std::int64_t done, std::int64_t total)
+    {
+        return Report(Part(m_Split, m_Total, done, total));
+    }
+
+private:
+    static std::int64_t Part(std::int64_t from, std::int64_t to, std::int64_t done,
+                             std::int64_t total)
+    {
+        if (total <= 0 || done >= total)
+            return to;
+        return from + std::int64_t(double(to - from) * double(std::max<std::int64_t>(done, 0)) /
+                                   double(total));
+    }
+    bool Report(std::int64_t done)
+    {
+        m_Done = std::max(m_Done, done);
+        if (m_Options.Progress)
+            m_Options.Progress(m_Done, m_Total);
+        bool cancel = false;
+        // A copy: the handler may set another one while it runs.
+        if (const TProgressEvent handler = m_Cad.OnProgress())
+            handler(&m_Cad, m_Done, m_Total, cancel);
+        return !cancel;
+    }
+
+    TMyCAD &m_Cad;
+    const TDxfImportOptions &m_Options;
+    const std::int64_t m_Total;
+    const std::int64_t m_Split;
+    std::int64_t m_Done = 0;
+};
+
+} // namespace
+
 bool LoadFromDxfData(TMyCAD &cad, const QByteArray &data, TDxfImportReport &report,
                      const TDxfImportOptions &options)
 {
     report = {};
     DxfImport::TModel model;
     QString error;
-    // The drawing's own handler may cancel; the parse is the only stage that reports, so
-    // that a cancel always comes before the drawing changes.
-    const TProgressEvent &handler = cad.OnProgress();
-    const auto progress = [&](std::int64_t done, std::int64_t total) {
-        if (options.Progress)
-            options.Progress(done, total);
-        bool cancel = false;
-        if (handler)
-            handler(&cad, done, total, cancel);
-        return !cancel;
-    };
-    const bool parsed = DxfImport::ParseDxf(data, model, error, progress);
+    TImportProgress progress(cad, options, data.size());
+    const bool parsed =
+        DxfImport::ParseDxf(data, model, error, [&progress](std::int64_t done, std::int64_t total) {
+            return progress.Parse(done, total);
+        });
     for (const auto &[reason, count] : model.Skipped)
         report.Skipped[QString::fromStdString(reason)] += count;
     report.Cancelled = model.Cancelled;
@@ -62,10 +114,20 @@ bool LoadFromDxfData(TMyCAD &cad, const QByteArray &data, TDxfImportReport &repo
         cad.SetLastDxfError(error);
         return false;
     }
-    DxfImport::TBuilder(cad, model, report, options).Build();
+    // A build that is stopped made nothing: the report keeps what the parse found.
+    const TDxfImportReport parseReport = report;
+    const bool built = DxfImport::TBuilder(cad, model, report, options)
+                           .Build([&progress](std::int64_t done, std::int64_t total) {
+                               return progress.Build(done, total);
+                           });
+    if (!built) {
+        report = parseReport;
+        report.Cancelled = true;
+        error = DxfImport::CancelledMessage();
+    }
     report.Error = error;
     cad.SetLastDxfError(error);
-    return parsed;
+    return parsed && built;
 }
 
 bool LoadFromDxf(TMyCAD &cad, const QString &fileName, TDxfImportReport &report,

@@ -34,8 +34,10 @@ struct TDxfImportReport
     QStringList Lines() const;
 };
 
-// Called now and then with the bytes of the file read so far and its size. The drawing's
-// OnProgress gets the same reports and may cancel.
+// Called now and then with the work done so far and the whole work, which is the file's size:
+// the parse takes the first half of it by the bytes read, the build of the shapes the rest
+// by the entities built. Reports never go back, and the last one is the whole. The
+// drawing's OnProgress gets the same reports and may cancel at any of them.
 using TDxfProgress = std::function<void(std::int64_t done, std::int64_t total)>;
 
 struct TDxfImportOptions
@@ -54,9 +56,11 @@ struct TDxfImportOptions
 // written and read back keeps its geometry; the control grows to hold the drawing. False
 // when nothing could be read (binary DXF, not a DXF file, unreadable file), with
 // report.Error and cad.LastError() saying why; a damaged file imports what was read before
-// the damage, answers false and says so in the report. While the file is parsed, the
-// drawing's OnProgress is told the bytes parsed of the total; a cancel stops the parse and
-// leaves the drawing untouched (false, report.Cancelled).
+// the damage, answers false and says so in the report. The shapes are built aside and replace
+// the drawing only when all are built, while the drawing's OnProgress is told the progress
+// (see TDxfProgress). A cancel at any report leaves the drawing untouched, its undo history
+// and size included; the call answers false with report.Cancelled, and the report counts no
+// shapes.
 bool LoadFromDxf(TMyCAD &cad, const QString &fileName, TDxfImportReport &report,
                  const TDxfImportOptions &options = {});
 // The same from the file's bytes.

@@ -95,6 +95,12 @@ struct TModel
     bool Cancelled = false;                      // the progress handler stopped the parse
 };
 
+// What an import stopped by its progress handler says, whichever stage it stopped in.
+inline QString CancelledMessage()
+{
+    return QStringLiteral("the import was cancelled");
+}
+
 // Told the bytes parsed so far and their total; answers false to stop the parse.
 using TParseProgress = std::function<bool(std::int64_t done, std::int64_t total)>;
 

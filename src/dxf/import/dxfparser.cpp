@@ -452,7 +452,7 @@ bool ParseDxf(const QByteArray &data, TModel &model, QString &error, const TPars
     }
     if (!finished) {
         model.Cancelled = true;
-        error = QStringLiteral("the import was cancelled");
+        error = CancelledMessage();
         return false;
     }
     if (!complete) {
