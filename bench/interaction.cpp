@@ -256,8 +256,8 @@ void PrintRatios(const tessal::bench::TTimesReporter &times)
         const std::string q = std::string(pair[1]) + "/" + pair[2];
         if (!times.Has(t) || !times.Has(q))
             continue;
-        std::printf("%-24s CPU medians: Tessal %.3f ms, QGraphicsView %.3f ms, ratio %.3f\n",
-                    t.c_str(), times.Cpu(t) * 1e3, times.Cpu(q) * 1e3, times.Cpu(t) / times.Cpu(q));
+        std::printf("%-24s CPU medians: Tessal %.2f us, QGraphicsView %.2f us, ratio %.3f\n",
+                    t.c_str(), times.Cpu(t) * 1e6, times.Cpu(q) * 1e6, times.Cpu(t) / times.Cpu(q));
     }
     const std::string small = "BM_TessalPress/100000", big = "BM_TessalPress/1000000";
     if (times.Has(small) && times.Has(big))
