@@ -1,30 +1,16 @@
 // SPDX-License-Identifier: MIT
 // The press index: a uniform grid of shape numbers in drawing order, and the shapes aside.
+#include <tessal/surface/boxtree_p.h>
 #include <tessal/surface/pressgrid_p.h>
-
-#include <boost/geometry.hpp>
-#include <boost/geometry/geometries/box.hpp>
-#include <boost/geometry/geometries/point.hpp>
-#include <boost/geometry/index/rtree.hpp>
-#include <boost/iterator/function_output_iterator.hpp>
 
 #include <algorithm>
 #include <cmath>
 
 namespace tessal {
 
-namespace bg = boost::geometry;
-namespace bgi = boost::geometry::index;
-
 struct TPressGrid::TAside
 {
-    using TPoint2 = bg::model::point<float, 2, bg::cs::cartesian>;
-    using TBox2 = bg::model::box<TPoint2>;
-    using TValue = std::pair<TBox2, TIndexCandidate>;
-
-    static TBox2 Box(const TMyRect &r) { return {{r.Left, r.Top}, {r.Right, r.Bottom}}; }
-
-    bgi::rtree<TValue, bgi::rstar<16>> Tree;
+    boxtree::TTree Tree;
 };
 
 namespace {
@@ -161,7 +147,7 @@ void TPressGrid::Fill(const std::vector<TMyRect> &boxes, const std::vector<bool>
 
 void TPressGrid::EnterAside(std::int32_t no, const TMyRect &box, bool connector)
 {
-    m_Aside->Tree.insert(TAside::TValue(TAside::Box(box), TIndexCandidate{no, connector}));
+    m_Aside->Tree.insert(boxtree::TValue(boxtree::Box(box), TIndexCandidate{no, connector}));
     m_Places[std::size_t(no)] = TPlace::Aside;
     m_Connectors += connector ? 1 : 0;
 }
@@ -174,7 +160,7 @@ void TPressGrid::Drop(std::int32_t no, const TMyRect &box)
     if (m_Places[at] == TPlace::Aside) {
         for (const bool connector : {false, true}) {
             if (m_Aside->Tree.remove(
-                    TAside::TValue(TAside::Box(box), TIndexCandidate{no, connector}))) {
+                    boxtree::TValue(boxtree::Box(box), TIndexCandidate{no, connector}))) {
                 m_Connectors -= connector ? 1 : 0;
                 break;
             }
@@ -224,10 +210,8 @@ void TPressGrid::Begin(TMyPoint p, TPressCursor &cursor) const
     cursor.m_AnyConnector = m_Connectors > 0;
     cursor.m_Aside.clear();
     if (!m_Aside->Tree.empty()) {
-        m_Aside->Tree.query(bgi::intersects(TAside::TPoint2(p.X, p.Y)),
-                            boost::make_function_output_iterator([&](const TAside::TValue &v) {
-                                cursor.m_Aside.push_back(v.second);
-                            }));
+        boxtree::Query(m_Aside->Tree, boxtree::TPoint2(p.X, p.Y),
+                       [&](const TIndexCandidate &c) { cursor.m_Aside.push_back(c); });
         std::sort(cursor.m_Aside.begin(), cursor.m_Aside.end(),
                   [](const TIndexCandidate &a, const TIndexCandidate &b) { return a.No < b.No; });
     }

@@ -1,30 +1,19 @@
 // SPDX-License-Identifier: MIT
 // The spatial index of a surface: bulk-loaded, then kept current one entry at a time.
+#include <tessal/surface/boxtree_p.h>
 #include <tessal/surface/spatialindex_p.h>
-
-#include <boost/geometry.hpp>
-#include <boost/geometry/geometries/box.hpp>
-#include <boost/geometry/geometries/point.hpp>
-#include <boost/geometry/index/rtree.hpp>
-#include <boost/iterator/function_output_iterator.hpp>
 
 #include <algorithm>
 #include <cmath>
 
 namespace tessal {
 
-namespace bg = boost::geometry;
-namespace bgi = boost::geometry::index;
-
 struct TShapeIndex::TTree
 {
-    using TPoint2 = bg::model::point<float, 2, bg::cs::cartesian>;
-    using TBox2 = bg::model::box<TPoint2>;
-    using TValue = std::pair<TBox2, TIndexCandidate>;
+    using TValue = boxtree::TValue;
+    static boxtree::TBox2 Box(const TMyRect &r) { return boxtree::Box(r); }
 
-    static TBox2 Box(const TMyRect &r) { return {{r.Left, r.Top}, {r.Right, r.Bottom}}; }
-
-    bgi::rtree<TValue, bgi::rstar<16>> Tree;
+    boxtree::TTree Tree;
     std::vector<TMyRect> Boxes;
 };
 
@@ -115,9 +104,8 @@ TMyRect TShapeIndex::QueryBox(const TRect &rect) const
 
 void TShapeIndex::Query(const TMyRect &box, std::vector<std::int32_t> &numbers) const
 {
-    m_Tree->Tree.query(bgi::intersects(TTree::Box(box)),
-                       boost::make_function_output_iterator(
-                           [&numbers](const TTree::TValue &v) { numbers.push_back(v.second.No); }));
+    boxtree::Query(m_Tree->Tree, boxtree::Box(box),
+                   [&numbers](const TIndexCandidate &c) { numbers.push_back(c.No); });
 }
 
 TMyRect TShapeIndex::PressBox(const TMyRect &padded) const
