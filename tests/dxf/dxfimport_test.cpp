@@ -3,6 +3,7 @@
 // entity's geometry, after block transforms, is compared with ezdxf's own evaluation;
 // layers, colours, the report, damaged input, and the round trip through our writer.
 #include "dxftestutil.h"
+#include "surface/documenthelpers.h"
 
 #include <tessal/dxf/dxfnumbers.h>
 #include <tessal/dxf/import/dxfimport.h>
@@ -14,7 +15,6 @@
 #include <tessal/shapes/text.h>
 #include <tessal/surface/cad.h>
 
-#include <QBuffer>
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
@@ -617,22 +617,13 @@ TEST(DxfUnits, InsUnitsAndMeasurement)
     }
 }
 
-QByteArray SavedDrawing(const TMyCAD &cad)
-{
-    QByteArray data;
-    QBuffer buffer(&data);
-    buffer.open(QIODevice::WriteOnly);
-    EXPECT_TRUE(cad.SaveToStream(&buffer)) << cad.LastError().toStdString();
-    return data;
-}
-
 // The saved bytes of the drawing; saving reports to OnProgress too, so it is taken off
 // meanwhile.
 QByteArray SavedUnheard(TMyCAD &cad)
 {
     const TProgressEvent handler = cad.OnProgress();
     cad.SetOnProgress({});
-    const QByteArray data = SavedDrawing(cad);
+    const QByteArray data = test::Saved(cad);
     cad.SetOnProgress(handler);
     return data;
 }
@@ -738,7 +729,7 @@ TEST(DxfImport, CancelDuringTheBuildLeavesTheDrawing)
     TDxfImportReport report;
     ASSERT_TRUE(LoadFromDxfData(reference, data, report)) << report.Error.toStdString();
     ASSERT_GT(report.ShapesCreated, 18000);
-    const QByteArray imported = SavedDrawing(reference);
+    const QByteArray imported = test::Saved(reference);
 
     std::vector<std::pair<std::int64_t, std::int64_t>> all, heard;
     std::size_t cancelAt = 0;
