@@ -166,13 +166,8 @@ TEST(RoundStroke, LongSlantedSegmentsFollowThePixelRule)
                 points.push_back({coord(rng), coord(rng)});
         }
         const int width = 2 + round % 11;
-        const QImage image = DrawPolyline(points, width, Size);
-        for (int y = 0; y < Size; ++y)
-            for (int x = 0; x < Size; ++x)
-                if ((Rgb(image, x, y) == Pen) != Reference(points, width, x, y) &&
-                    mismatches++ == 0)
-                    ADD_FAILURE() << "round " << round << ", width " << width << ": pixel " << x
-                                  << ", " << y;
+        mismatches += Mismatches(DrawPolyline(points, width, Size), points, width,
+                                 "slanted " + std::to_string(round));
     }
     EXPECT_EQ(mismatches, 0);
 }
