@@ -526,6 +526,28 @@ TEST(DxfDamaged, BlocksThatExpandWithoutDrawing)
     // Visits stop at twice the shape limit and some; each is skipped at most twice (as an
     // entity and as an insert whose block gave nothing).
     EXPECT_LE(report.SkippedCount(), 2 * (2 * 1000 + 10000) + 10);
+
+    // A block of one spline with thousands of control points that inserts itself twice:
+    // few shapes, but each costs thousands of points, so the points made stop the copies.
+    QByteArray spline = "0\nSECTION\n2\nBLOCKS\n0\nBLOCK\n2\nLONG\n10\n0\n20\n0\n"
+                        "0\nSPLINE\n8\n0\n70\n0\n71\n3\n73\n3000\n";
+    for (int i = 0; i < 3000; ++i)
+        spline += "10\n" + QByteArray::number(i) + "\n20\n" + QByteArray::number(i % 7) + "\n";
+    spline += "0\nINSERT\n2\nLONG\n10\n0\n20\n0\n0\nINSERT\n2\nLONG\n10\n5\n20\n0\n"
+              "0\nENDBLK\n0\nENDSEC\n0\nSECTION\n2\nENTITIES\n"
+              "0\nINSERT\n2\nLONG\n10\n0\n20\n0\n0\nENDSEC\n0\nEOF\n";
+    TMyCAD curves;
+    curves.resize(640, 480);
+    options.MaxShapes = 20000;
+    EXPECT_TRUE(LoadFromDxfData(curves, spline, report, options)) << report.Error.toStdString();
+    std::int64_t stopped = 0;
+    for (const auto &[reason, count] : report.Skipped)
+        stopped +=
+            reason.endsWith(": the blocks expand to more points than the import makes") ? count : 0;
+    EXPECT_GE(stopped, 1);
+    // Points stop at 64 for each point of the file, 16 for each shape of the limit and
+    // 100,000 more: some 68 copies of the spline's 8,992 points, each with a group.
+    EXPECT_LE(curves.GetShapesCount(), 2 * ((64 * 3007 + 16 * 20000 + 100000) / 8992 + 2));
 }
 
 // The files in the fuzz seeds, including every input a fuzzer found slow or fatal: each

@@ -104,6 +104,7 @@ bool TBuilder::Build(const TParseProgress &progress)
 void TBuilder::BuildEntities(const TParseProgress &progress)
 {
     m_Progress = &progress;
+    m_PointLimit = PointLimit();
     MakeLayers();
     // $INSUNITS: 1 inch, 2 foot, 4 mm, 5 cm, 6 m, 0 or absent: by $MEASUREMENT (0 imperial
     // drawings are in inches, metric ones in millimetres).
@@ -212,6 +213,11 @@ TBuilder::TShapes TBuilder::Entity(const TEntity &e, const QTransform &t, const 
         Skip(e.Type, "the blocks expand to more entities than the import visits");
         return {};
     }
+    if (m_Points > m_PointLimit) {
+        m_Full = true;
+        Skip(e.Type, "the blocks expand to more points than the import makes");
+        return {};
+    }
     Pace();
     // Layers used but not in the table are made on first use; inside a block copy every
     // shape takes the INSERT's layer.
@@ -289,8 +295,24 @@ TBuilder::TShapes TBuilder::Entity(const TEntity &e, const QTransform &t, const 
     return out;
 }
 
+// Every point of the model may turn into a few dozen (arcs and curves are flattened), and
+// the shape limit allows a few points a shape on top of that.
+std::int64_t TBuilder::PointLimit() const
+{
+    std::int64_t modelPoints = 0;
+    const auto count = [&](const TEntities &entities) {
+        for (const TEntity &e : entities)
+            modelPoints += 1 + std::int64_t(e.Points.size());
+    };
+    count(m_Model.Entities);
+    for (const auto &[name, block] : m_Model.Blocks)
+        count(block.Entities);
+    return 64 * modelPoints + 16 * m_Options.MaxShapes + 100000;
+}
+
 TMyShape *TBuilder::Add(const char *className, TMyPointArray points, double angle)
 {
+    m_Points += std::int64_t(points.size());
     for (TMyPoint p : points)
         if (!std::isfinite(p.X) || !std::isfinite(p.Y))
             return nullptr;

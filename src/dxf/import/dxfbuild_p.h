@@ -67,6 +67,11 @@ private:
     // Entities visited before the import stops: every visit of a drawable entity makes a
     // shape, so twice the shape limit leaves room for the ones that are skipped.
     std::int64_t VisitLimit() const { return 2 * m_Options.MaxShapes + 10000; }
+    // Points made before the import stops. A visit of a block's entity costs what its
+    // points cost (a spline of a thousand control points is a thousand times a line), so
+    // blocks of long curves inserting each other are bounded by their points as well. A
+    // drawing's own entities, made once each, always fit.
+    std::int64_t PointLimit() const;
     // Metrics of the font at a pixel size, made once per size: a drawing has many texts
     // but few sizes.
     const QFontMetricsF &Metrics(const QString &family, std::int32_t pixelSize);
@@ -84,6 +89,8 @@ private:
     std::int32_t m_Layer = -1;
     bool m_Full = false;
     std::int64_t m_Visits = 0;
+    std::int64_t m_Points = 0;
+    std::int64_t m_PointLimit = 0;
     // The progress of the build: top-level entities done, and the visits at the last report.
     const TParseProgress *m_Progress = nullptr;
     std::int64_t m_Done = 0;

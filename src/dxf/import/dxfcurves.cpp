@@ -48,10 +48,12 @@ void AppendBulge(std::vector<QPointF> &out, QPointF a, QPointF b, double bulge)
 QPointF DeBoor(const std::vector<QPointF> &p, const std::vector<double> &w,
                const std::vector<double> &knots, int degree, double u)
 {
+    // The knot span of u: the last knot at or before u among those of the control points,
+    // found by bisection (the knots are sorted), since a spline may have thousands.
     const int n = int(p.size());
-    int span = degree;
-    while (span < n - 1 && u >= knots[std::size_t(span + 1)])
-        ++span;
+    const auto first = knots.begin() + (degree + 1), last = knots.begin() + n;
+    const int span =
+        first < last ? int(std::upper_bound(first, last, u) - knots.begin()) - 1 : degree;
     std::vector<double> x(std::size_t(degree + 1)), y(x.size()), h(x.size());
     for (int j = 0; j <= degree; ++j) {
         const std::size_t k = std::size_t(span - degree + j);
