@@ -3,6 +3,7 @@
 #include <tessal/surface/cad.h>
 #include <tessal/surface/spatialindex_p.h>
 
+#include <tessal/shapes/arc.h>
 #include <tessal/shapes/line.h>
 #include <tessal/shapes/link.h>
 #include <tessal/shapes/shape.h>
@@ -77,13 +78,19 @@ void TExtentBuilder::AddPoint(TMyPoint p)
 
 // What a shape can paint: its points with the pen around them (a miter join reaches up to
 // two pen widths out), arrow heads, link-point marks, and its info text; a group adds its
-// members. Curves stay inside the polygon of their control points, so points suffice.
+// members. Curves stay inside the polygon of their control points, so points suffice; an
+// arc passes through its three points and bulges out between them, so its outline counts.
 void TExtentBuilder::Add(TMyShape *shape, std::int32_t depth)
 {
     if (!shape || depth > m_Cad.GetShapesCount())
         return;
     for (std::int32_t i = 0; i < shape->GetPointsCount(); ++i)
         AddPoint(shape->GetPoint(i));
+    if (const auto *arc = dynamic_cast<const TMyElliArc *>(shape)) {
+        const double z = m_Cad.Zoom();
+        for (const TMyPoint p : arc->OutlineInZoom())
+            AddPoint({float(p.X / z), float(p.Y / z)});
+    }
     AddPad(2 * std::max(shape->Pen().Width, 1) + 2);
     for (std::int32_t i = 0; i < shape->GetLinkPointsCount(); ++i)
         AddPoint(shape->GetLinkPoint(i));
