@@ -317,4 +317,9 @@ bool TMyElliArc::IsClickedMe(TCanvas &, TPoint point)
            TRegion::Contains(RoundedPoints(outline), TFillMode::fmAlternate, point);
 }
 
+std::int32_t TMyElliArc::HitReach() const
+{
+    return std::int32_t(std::ceil(HitBand));
+}
+
 } // namespace tessal

@@ -80,6 +80,7 @@ public:
     void DrawHot(TCanvas &canvas) override;
     std::int32_t InWhichHot(TPoint point) override;
     bool IsClickedMe(TCanvas &canvas, TPoint point) override;
+    std::int32_t HitReach() const override;
 
     // The arc of the current points (Sweep 0 and not Straight with fewer than three).
     TArcGeometry ArcGeometry() const;

@@ -311,6 +311,12 @@ bool TMyPolyBezier::IsClickedMe(TCanvas &, TPoint point)
     return GetPointsCount() >= 2 && NearPolyline(CurveInZoom(), point, HitBand);
 }
 
+// The curve stays inside the polygon of its control points.
+std::int32_t TMyPolyBezier::HitReach() const
+{
+    return std::int32_t(std::ceil(HitBand));
+}
+
 // ---- TMyBLine ----
 
 std::vector<TMyPoint> TMyBLine::CurveInZoom() const
@@ -385,6 +391,12 @@ std::int32_t TMyBLine::InWhichHot(TPoint point)
 bool TMyBLine::IsClickedMe(TCanvas &, TPoint point)
 {
     return GetPointsCount() >= 2 && NearPolyline(CurveInZoom(), point, HitBand);
+}
+
+// The curve stays inside the polygon of its control points.
+std::int32_t TMyBLine::HitReach() const
+{
+    return std::int32_t(std::ceil(HitBand));
 }
 
 } // namespace tessal

@@ -66,6 +66,7 @@ public:
     void DrawHot(TCanvas &canvas) override;
     std::int32_t InWhichHot(TPoint point) override;
     bool IsClickedMe(TCanvas &canvas, TPoint point) override;
+    std::int32_t HitReach() const override;
 
     // The flattened curve in screen pixels (unrounded).
     std::vector<TMyPoint> CurveInZoom() const;
@@ -108,6 +109,7 @@ public:
     void DrawHot(TCanvas &canvas) override;
     std::int32_t InWhichHot(TPoint point) override;
     bool IsClickedMe(TCanvas &canvas, TPoint point) override;
+    std::int32_t HitReach() const override;
 
     // The flattened curve in screen pixels (unrounded).
     std::vector<TMyPoint> CurveInZoom() const;

@@ -181,6 +181,11 @@ bool TMyLine::IsClickedMe(TCanvas &, TPoint point)
     return IsClickedMeBeforeWhichPoint(index, point);
 }
 
+std::int32_t TMyLine::HitReach() const
+{
+    return HitBand;
+}
+
 // ---- Interactive drawing ----
 
 bool TMyLine::IsDrawingFinished(Qt::MouseButton, TPoint)

@@ -53,6 +53,7 @@ public:
     QString GetInfo() const override;
     std::int32_t InWhichHot(TPoint point) override;
     bool IsClickedMe(TCanvas &canvas, TPoint point) override;
+    std::int32_t HitReach() const override;
 
     // One filled head whose tip is at tip (pulled back by ArrowOffset) and which opens
     // towards toward; zoomed values.

@@ -253,4 +253,9 @@ bool TMyFreeLine::IsClickedMe(TCanvas &, TPoint point)
     return false;
 }
 
+std::int32_t TMyFreeLine::HitReach() const
+{
+    return std::int32_t(std::ceil(FreeLineBand));
+}
+
 } // namespace tessal

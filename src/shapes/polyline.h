@@ -53,6 +53,7 @@ public:
     QString GetInfo() const override;
     std::int32_t InWhichHot(TPoint point) override;
     bool IsClickedMe(TCanvas &canvas, TPoint point) override;
+    std::int32_t HitReach() const override { return 0; }
 
     // The enclosed area of the outline in document pixels squared (absolute value).
     double EnclosedArea() const;
@@ -81,6 +82,7 @@ public:
     bool IsDrawingFinished(Qt::MouseButton button, TPoint point) override;
     std::int32_t InWhichHot(TPoint point) override;
     bool IsClickedMe(TCanvas &canvas, TPoint point) override;
+    std::int32_t HitReach() const override;
 };
 
 } // namespace tessal

@@ -76,6 +76,7 @@ public:
     std::int32_t InWhichHot(TPoint point) override;
     // Inside the turned outline, with no tolerance band; the brush does not matter.
     bool IsClickedMe(TCanvas &canvas, TPoint point) override;
+    std::int32_t HitReach() const override { return 0; }
     // Sizing arrows for handles (side handles by number, corners by where they are from the
     // centre); the cross elsewhere. Runs the handle test, so CurrentHot follows the mouse.
     TCursor GetMouseCursor(std::int32_t x, std::int32_t y) override;

@@ -153,6 +153,11 @@ public:
     // Handle number under the screen point, or -1; the base has no handles.
     virtual std::int32_t InWhichHot(TPoint point);
     virtual bool IsClickedMe(TCanvas &canvas, TPoint point);
+    // How far outside the box of its points, in control pixels, IsClickedMe can answer true
+    // at any zoom (for an arc, the points of its outline); -1 when the class does not say,
+    // and a press then looks as far as anything the shape paints. A class that overrides
+    // IsClickedMe says again.
+    virtual std::int32_t HitReach() const { return -1; }
 
     // ---- Stored record (shapes/records) ----
     // Writes the newest record layout. Reads the layout of the host's DiskFileVersion();

@@ -46,13 +46,19 @@ public:
     TShapeExtent Of(TMyShape *shape)
     {
         m_Extent = {};
+        m_HitPoints = false;
+        m_HitReach = 0;
         Add(shape, 0);
+        m_Extent.HitReach = m_HitPoints ? std::int16_t(m_HitReach) : std::int16_t(-1);
         return m_Extent;
     }
 
 private:
     void Add(TMyShape *shape, std::int32_t depth);
     void AddPoint(TMyPoint p);
+    // A point the hit tests use; it is painted around as well.
+    void AddHitPoint(TMyPoint p);
+    void AddHitReach(std::int32_t reach);
     void AddInfoText(TMyShape *shape);
     void AddTextShapeLines(const TMyText &text);
     void AddPad(std::int32_t pad) { m_Extent.Pad = std::max(m_Extent.Pad, pad); }
@@ -60,6 +66,9 @@ private:
     const TMyCAD &m_Cad;
     TTextMeasure &m_Measure;
     TShapeExtent m_Extent;
+    bool m_HitPoints = false;
+    // -1 once a class does not say how far it is hit.
+    std::int32_t m_HitReach = 0;
 };
 
 void TExtentBuilder::AddPoint(TMyPoint p)
@@ -76,6 +85,30 @@ void TExtentBuilder::AddPoint(TMyPoint p)
     b.Bottom = std::max(b.Bottom, p.Y);
 }
 
+void TExtentBuilder::AddHitPoint(TMyPoint p)
+{
+    AddPoint(p);
+    TMyRect &b = m_Extent.HitBox;
+    if (!m_HitPoints) {
+        b = {p.X, p.Y, p.X, p.Y};
+        m_HitPoints = true;
+        return;
+    }
+    b.Left = std::min(b.Left, p.X);
+    b.Top = std::min(b.Top, p.Y);
+    b.Right = std::max(b.Right, p.X);
+    b.Bottom = std::max(b.Bottom, p.Y);
+}
+
+// Reaches far beyond a shape's points would only make presses slower than the paint
+// extent does; such a class is treated as one that does not say.
+void TExtentBuilder::AddHitReach(std::int32_t reach)
+{
+    if (m_HitReach < 0)
+        return;
+    m_HitReach = reach < 0 || reach > 1000 ? -1 : std::max(m_HitReach, reach);
+}
+
 // What a shape can paint: its points with the pen around them (a miter join reaches up to
 // two pen widths out), arrow heads, link-point marks, and its info text; a group adds its
 // members. Curves stay inside the polygon of their control points, so points suffice; an
@@ -85,12 +118,13 @@ void TExtentBuilder::Add(TMyShape *shape, std::int32_t depth)
     if (!shape || depth > m_Cad.GetShapesCount())
         return;
     for (std::int32_t i = 0; i < shape->GetPointsCount(); ++i)
-        AddPoint(shape->GetPoint(i));
+        AddHitPoint(shape->GetPoint(i));
     if (const auto *arc = dynamic_cast<const TMyElliArc *>(shape)) {
         const double z = m_Cad.Zoom();
         for (const TMyPoint p : arc->OutlineInZoom())
-            AddPoint({float(p.X / z), float(p.Y / z)});
+            AddHitPoint({float(p.X / z), float(p.Y / z)});
     }
+    AddHitReach(shape->HitReach());
     AddPad(2 * std::max(shape->Pen().Width, 1) + 2);
     for (std::int32_t i = 0; i < shape->GetLinkPointsCount(); ++i)
         AddPoint(shape->GetLinkPoint(i));

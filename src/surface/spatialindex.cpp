@@ -14,7 +14,6 @@ struct TShapeIndex::TTree
     static boxtree::TBox2 Box(const TMyRect &r) { return boxtree::Box(r); }
 
     boxtree::TTree Tree;
-    std::vector<TMyRect> Boxes;
 };
 
 TShapeIndex::TShapeIndex()
@@ -44,7 +43,6 @@ void TShapeIndex::Rebuild(std::vector<TEntry> entries, double zoom)
     m_Zoom = zoom;
     m_Press.reset();
     m_Entries = std::move(entries);
-    m_Tree->Boxes.assign(m_Entries.size(), TMyRect());
     m_Numbers.clear();
     m_Numbers.reserve(m_Entries.size());
     std::vector<TTree::TValue> values;
@@ -53,8 +51,7 @@ void TShapeIndex::Rebuild(std::vector<TEntry> entries, double zoom)
         m_Numbers.insert_or_assign(m_Entries[i].Shape, std::int32_t(i));
         if (!m_Entries[i].Extent.Indexed)
             continue;
-        m_Tree->Boxes[i] = PaddedBox(m_Entries[i].Extent);
-        values.emplace_back(TTree::Box(m_Tree->Boxes[i]),
+        values.emplace_back(TTree::Box(PaddedBox(m_Entries[i].Extent)),
                             TIndexCandidate{std::int32_t(i), m_Entries[i].Connector});
     }
     // The packing constructor builds a better tree than repeated insertion, and faster.
@@ -67,16 +64,15 @@ void TShapeIndex::Replace(std::int32_t no, const TShapeExtent &extent)
     const auto i = std::size_t(no);
     const TIndexCandidate item{no, m_Entries[i].Connector};
     if (m_Entries[i].Extent.Indexed) {
-        m_Tree->Tree.remove(TTree::TValue(TTree::Box(m_Tree->Boxes[i]), item));
+        m_Tree->Tree.remove(TTree::TValue(TTree::Box(PaddedBox(m_Entries[i].Extent)), item));
         if (m_Press)
-            m_Press->Drop(no, PressBox(m_Tree->Boxes[i]));
+            m_Press->Drop(no, PressBox(m_Entries[i].Extent));
     }
     m_Entries[i].Extent = extent;
     if (extent.Indexed) {
-        m_Tree->Boxes[i] = PaddedBox(extent);
-        m_Tree->Tree.insert(TTree::TValue(TTree::Box(m_Tree->Boxes[i]), item));
+        m_Tree->Tree.insert(TTree::TValue(TTree::Box(PaddedBox(extent)), item));
         if (m_Press)
-            m_Press->Enter(no, PressBox(m_Tree->Boxes[i]), item.Connector);
+            m_Press->Enter(no, PressBox(extent), item.Connector);
     }
 }
 
@@ -84,7 +80,6 @@ void TShapeIndex::Append(const TEntry &entry)
 {
     const auto no = std::int32_t(m_Entries.size());
     m_Entries.push_back({entry.Shape, TShapeExtent{}, entry.Connector});
-    m_Tree->Boxes.emplace_back();
     m_Numbers.insert_or_assign(entry.Shape, no);
     Replace(no, entry.Extent);
 }
@@ -108,10 +103,12 @@ void TShapeIndex::Query(const TMyRect &box, std::vector<std::int32_t> &numbers) 
                    [&numbers](const TIndexCandidate &c) { numbers.push_back(c.No); });
 }
 
-TMyRect TShapeIndex::PressBox(const TMyRect &padded) const
+TMyRect TShapeIndex::PressBox(const TShapeExtent &extent) const
 {
-    const float reach = float((PressReach + 1) / m_Zoom);
-    return {padded.Left - reach, padded.Top - reach, padded.Right + reach, padded.Bottom + reach};
+    const bool known = extent.HitReach >= 0;
+    const TMyRect b = known ? extent.HitBox : PaddedBox(extent);
+    const float reach = float(((known ? extent.HitReach : PressReach) + 1) / m_Zoom);
+    return {b.Left - reach, b.Top - reach, b.Right + reach, b.Bottom + reach};
 }
 
 void TShapeIndex::BeginPress(TPoint at, TPressCursor &cursor)
@@ -124,7 +121,7 @@ void TShapeIndex::BeginPress(TPoint at, TPressCursor &cursor)
             indexed[i] = m_Entries[i].Extent.Indexed;
             connectors[i] = m_Entries[i].Connector;
             if (indexed[i])
-                boxes[i] = PressBox(m_Tree->Boxes[i]);
+                boxes[i] = PressBox(m_Entries[i].Extent);
         }
         m_Press = std::make_unique<TPressGrid>(boxes, indexed, connectors);
     }

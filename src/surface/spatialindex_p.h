@@ -18,10 +18,15 @@ class TMyShape;
 
 // Where a top-level shape (with all its group members) can paint: a box in document units
 // and a margin in screen pixels that does not grow with the zoom (pen widths, link marks).
+// Where a press can hit it is narrower, and told apart when every class involved says.
 struct TShapeExtent
 {
     TMyRect Box;
+    // The box of the points the hit tests use, and how many pixels beyond it they reach;
+    // HitReach is -1 when a class does not say.
+    TMyRect HitBox;
     std::int32_t Pad = 0;
+    std::int16_t HitReach = -1;
     // False for group members and shapes without anything to draw; they are not indexed.
     bool Indexed = false;
 
@@ -69,20 +74,22 @@ public:
     // particular order.
     void Query(const TMyRect &box, std::vector<std::int32_t> &numbers) const;
 
-    // How far from a shape's painted pixels a press can still take it, in control pixels.
+    // How far from a shape's painted pixels a press can still take it, in control pixels,
+    // when its classes do not say how far they are hit.
     static constexpr std::int32_t PressReach = 10;
-    // Starts cursor on the shapes whose padded box comes within PressReach pixels of the
-    // control pixel at, from the top of the drawing down.
+    // Starts cursor on the shapes whose hit box (grown by its reach), or else padded box
+    // (grown by PressReach), holds the control pixel at, from the top of the drawing down.
     void BeginPress(TPoint at, TPressCursor &cursor);
 
 private:
-    // The tree and the box each indexed entry was inserted with (so that it can be removed
-    // exactly); kept out of this header, which the whole surface includes.
+    // The tree, kept out of this header, which the whole surface includes.
     struct TTree;
 
+    // Deterministic for a zoom, so an entry is removed from the tree with the box it was
+    // inserted with.
     TMyRect PaddedBox(const TShapeExtent &extent) const;
-    // A padded box grown by the reach of a press and the pixel the probe of a query adds.
-    TMyRect PressBox(const TMyRect &padded) const;
+    // Where a press can take the shape, with a pixel to spare for rounding.
+    TMyRect PressBox(const TShapeExtent &extent) const;
 
     std::unique_ptr<TTree> m_Tree;
     std::vector<TEntry> m_Entries;

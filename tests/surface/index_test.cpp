@@ -260,9 +260,11 @@ TEST(ShapeIndex, CommandsReportTheirChanges)
 
 // What a press reads from the index: every shape whose painted pixels come within the reach
 // of the press, from the top of the drawing down, each once, and no shape far from it; after
-// the caller asks for connectors only, just the connectors below. Checked on random extents
-// (small ones, huge ones, unindexed ones) through moves, appends and enough changes that the
-// index builds its press cells afresh, at three zooms.
+// the caller asks for connectors only, just the connectors below. A shape whose classes say
+// how far they are hit is reached that far from its hit box, any other one PressReach
+// pixels from what it paints. Checked on random extents (small ones, huge ones, unindexed
+// ones) through moves, appends and enough changes that the index builds its press cells
+// afresh, at three zooms.
 TEST(ShapeIndex, PressCandidatesComeFromTheTopAndCoverTheReach)
 {
     std::mt19937 rng(77);
@@ -276,7 +278,20 @@ TEST(ShapeIndex, PressCandidatesComeFromTheTopAndCoverTheReach)
         e.Extent.Pad = std::int32_t(rng() % 7);
         e.Extent.Indexed = rng() % 20 != 0;
         e.Connector = rng() % 10 == 0;
+        if (rng() % 2) {
+            const TMyRect &b = e.Extent.Box;
+            e.Extent.HitBox = {b.Left + 2, b.Top + 1, b.Right - 3, b.Bottom};
+            e.Extent.HitReach = std::int16_t(rng() % 3 * 4);
+        }
         return e;
+    };
+    // The control pixels from which a press can take the entry.
+    const auto reachOf = [](const TShapeIndex::TEntry &e, double zoom) {
+        if (e.Extent.HitReach < 0)
+            return e.Extent.ScreenRect(zoom).Inflated(TShapeIndex::PressReach,
+                                                      TShapeIndex::PressReach);
+        const TShapeExtent hit{e.Extent.HitBox, {}, 0, -1, true};
+        return hit.ScreenRect(zoom).Inflated(e.Extent.HitReach, e.Extent.HitReach);
     };
     for (const double zoom : {1.0, 0.37, 3.2}) {
         std::vector<TShapeIndex::TEntry> entries(3000);
@@ -289,8 +304,6 @@ TEST(ShapeIndex, PressCandidatesComeFromTheTopAndCoverTheReach)
             std::uniform_int_distribution<int> at(-20, int(2000 * zoom) + 20);
             for (int q = 0; q < 150; ++q) {
                 const TPoint p(at(rng), at(rng));
-                const TRect probe = TRect(p.X, p.Y, p.X + 1, p.Y + 1)
-                                        .Inflated(TShapeIndex::PressReach, TShapeIndex::PressReach);
                 const std::int32_t switchAfter = std::int32_t(rng() % 4);
                 TPressCursor cursor;
                 index.BeginPress(p, cursor);
@@ -305,22 +318,22 @@ TEST(ShapeIndex, PressCandidatesComeFromTheTopAndCoverTheReach)
                                            [](auto a, auto b) { return a.No > b.No; }))
                     << p.X << "," << p.Y;
                 ASSERT_EQ(std::adjacent_find(got.begin(), got.end()), got.end());
-                // The index may answer a little more than the probe reaches (a pixel to
+                // The index may answer a little more than a press reaches (a pixel to
                 // spare), never a shape three pixels beyond it.
                 for (std::size_t k = 0; k < got.size(); ++k) {
                     const TShapeIndex::TEntry &e = index.Entry(got[k].No);
                     ASSERT_TRUE(e.Extent.Indexed);
                     ASSERT_EQ(got[k].Connector, e.Connector);
-                    ASSERT_TRUE(e.Extent.ScreenRect(zoom).Inflated(3, 3).Intersects(probe));
+                    ASSERT_TRUE(reachOf(e, zoom).Inflated(3, 3).Contains(p));
                     ASSERT_TRUE(std::int32_t(k) < switchAfter || switchAfter == 0 ||
                                 got[k].Connector);
                 }
-                // Everything the probe reaches is answered; below the switch, the connectors.
+                // Everything a press reaches is answered; below the switch, the connectors.
                 const bool switched = switchAfter > 0 && std::int32_t(got.size()) >= switchAfter;
                 const std::int32_t below = switched ? got[std::size_t(switchAfter - 1)].No : -1;
                 for (std::int32_t no = 0; no < index.Count(); ++no) {
                     const TShapeIndex::TEntry &e = index.Entry(no);
-                    if (!e.Extent.Indexed || !e.Extent.ScreenRect(zoom).Intersects(probe) ||
+                    if (!e.Extent.Indexed || !reachOf(e, zoom).Contains(p) ||
                         (no < below && !e.Connector))
                         continue;
                     ASSERT_NE(std::find(got.begin(), got.end(), TIndexCandidate{no, e.Connector}),
