@@ -237,49 +237,28 @@ void TMouseMachine::PressNewShape(TShiftState shift)
 }
 
 // From the top of the drawing down; a connector box wins over what it lies on. Only
-// top-level shapes can be chosen, and the index hands out the shapes that reach the press
-// one by one (hit tests stay within 8 pixels of a shape's points), so that on a dense
-// drawing the search ends soon after the topmost hit.
+// top-level shapes can be chosen, and the index hands out the shapes that can be hit at the
+// press one by one, so that on a dense drawing the search ends at the topmost hit.
 TMyShape *TMouseMachine::ChooseNewShape()
 {
     TCanvas &scratch = Scratch();
     m_Cad.BeginPressCandidates(m_Start, m_Candidates);
     TMyShape *other = nullptr;
-    // Candidates are taken a few at a time and their shapes fetched from memory together:
-    // on a big drawing each is a cache miss, and misses issued together overlap.
-    constexpr std::size_t Batch = 4;
-    TIndexCandidate batch[Batch];
-    TMyShape *shapes[Batch];
-    for (;;) {
-        std::size_t n = 0;
-        while (n < Batch && m_Candidates.Next(batch[n]))
-            __builtin_prefetch(&m_Cad.m_Shapes[std::size_t(batch[n++].No)]);
-        if (n == 0)
-            return other;
-        for (std::size_t i = 0; i < n; ++i) {
-            shapes[i] = m_Cad.m_Shapes[std::size_t(batch[i].No)].get();
-            __builtin_prefetch(shapes[i]);
-        }
-        for (std::size_t i = 0; i < n; ++i)
-            __builtin_prefetch(shapes[i]->Points().data());
-        for (std::size_t i = 0; i < n; ++i) {
-            const TIndexCandidate &candidate = batch[i];
-            if (other && !candidate.Connector)
-                continue;
-            TMyShape *shape = shapes[i];
-            if (!m_Cad.IsShownTopLevel(shape) || m_Cad.IsWorkingShape(shape))
-                continue;
-            if (!m_Cad.m_OperateAllLayer && shape->LayerId() != m_Cad.m_CurrentLayerId)
-                continue;
-            if (!m_Cad.IsClickedMeforShape(scratch, shape, m_Start))
-                continue;
-            if (candidate.Connector)
-                return shape;
-            // Below the topmost hit only a connector box can still win.
-            other = shape;
-            m_Candidates.ConnectorsOnly();
-        }
+    for (TIndexCandidate candidate; m_Candidates.Next(candidate);) {
+        TMyShape *shape = m_Cad.m_Shapes[std::size_t(candidate.No)].get();
+        if (!m_Cad.IsShownTopLevel(shape) || m_Cad.IsWorkingShape(shape))
+            continue;
+        if (!m_Cad.m_OperateAllLayer && shape->LayerId() != m_Cad.m_CurrentLayerId)
+            continue;
+        if (!m_Cad.IsClickedMeforShape(scratch, shape, m_Start))
+            continue;
+        if (candidate.Connector)
+            return shape;
+        // Below the topmost hit only a connector box can still win.
+        other = shape;
+        m_Candidates.ConnectorsOnly();
     }
+    return other;
 }
 
 // ---- Shared helpers ----

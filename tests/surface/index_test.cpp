@@ -280,7 +280,8 @@ TEST(ShapeIndex, PressCandidatesComeFromTheTopAndCoverTheReach)
         e.Connector = rng() % 10 == 0;
         if (rng() % 2) {
             const TMyRect &b = e.Extent.Box;
-            e.Extent.HitBox = {b.Left + 2, b.Top + 1, b.Right - 3, b.Bottom};
+            const float w = b.Right - b.Left;
+            e.Extent.HitBox = {b.Left + w / 8, b.Top, b.Right - w / 4, b.Bottom};
             e.Extent.HitReach = std::int16_t(rng() % 3 * 4);
         }
         return e;
