@@ -21,11 +21,6 @@ bool Finite(const TMyRect &b)
            std::isfinite(b.Bottom);
 }
 
-bool Holds(const TMyRect &box, TMyPoint p)
-{
-    return box.Left <= p.X && p.X <= box.Right && box.Top <= p.Y && p.Y <= box.Bottom;
-}
-
 } // namespace
 
 TPressGrid::TPressGrid(const std::vector<TMyRect> &boxes, const std::vector<bool> &indexed,
@@ -78,14 +73,17 @@ void TPressGrid::ChooseCells(std::vector<float> sizes, const TMyRect &bounds)
         cell *= 1.25;
     m_Left = bounds.Left;
     m_Top = bounds.Top;
+    m_Right = bounds.Right;
+    m_Bottom = bounds.Bottom;
     m_Cell = float(cell);
+    m_Scale = float(256.0 / cell);
     m_Columns = std::int32_t(std::floor(width / cell)) + 1;
     m_Rows = std::int32_t(std::floor(height / cell)) + 1;
 }
 
 // Float subtraction and division are monotone, and so is the clamp: a point inside a box
-// falls in a cell of the box's span, whatever the rounding. A point that is not a number
-// lands in the first cell, where it meets no box.
+// falls in a cell of the box's span, whatever the rounding. A value that is not a number
+// lands in the first cell.
 std::int32_t TPressGrid::Column(float x) const
 {
     const float c = std::floor((x - m_Left) / m_Cell);
@@ -96,6 +94,38 @@ std::int32_t TPressGrid::Row(float y) const
 {
     const float r = std::floor((y - m_Top) / m_Cell);
     return !(r >= 0) ? 0 : r >= float(m_Rows) ? m_Rows - 1 : std::int32_t(r);
+}
+
+// Subtraction and multiplication by a positive number are monotone, and so are the
+// rounding and the clamp: a point inside a box is inside the box's rounded-out 256ths of
+// every cell both meet.
+TMyRect TPressGrid::Scaled(const TMyRect &box) const
+{
+    return {(box.Left - m_Left) * m_Scale, (box.Top - m_Top) * m_Scale,
+            (box.Right - m_Left) * m_Scale, (box.Bottom - m_Top) * m_Scale};
+}
+
+namespace {
+
+// Rounded down (or up), then clamped to the cell; what is not a number goes to 0.
+std::uint8_t InCell(float scaled, std::int32_t cell, bool up)
+{
+    const float at = scaled - float(cell) * 256.0f;
+    if (!(at > 0))
+        return 0;
+    if (at >= 255)
+        return 255;
+    const auto whole = std::uint8_t(at);
+    return up && float(whole) < at ? std::uint8_t(whole + 1) : whole;
+}
+
+} // namespace
+
+TPressGrid::TItem TPressGrid::ItemIn(const TMyRect &scaled, std::int32_t column, std::int32_t row,
+                                     std::uint32_t key)
+{
+    return {InCell(scaled.Left, column, false), InCell(scaled.Top, row, false),
+            InCell(scaled.Right, column, true), InCell(scaled.Bottom, row, true), key};
 }
 
 TPressGrid::TSpan TPressGrid::SpanOf(const TMyRect &box) const
@@ -138,10 +168,12 @@ void TPressGrid::Fill(const std::vector<TMyRect> &boxes, const std::vector<bool>
         if (m_Places[i] != TPlace::Grid)
             continue;
         const TSpan s = SpanOf(boxes[i]);
-        const TItem item{boxes[i], std::uint32_t(i) << 2 | (connectors[i] ? ConnectorBit : 0)};
+        const std::uint32_t key = std::uint32_t(i) << 2 | (connectors[i] ? ConnectorBit : 0);
+        const TMyRect scaled = Scaled(boxes[i]);
         for (std::int32_t r = s.Row0; r <= s.Row1; ++r)
             for (std::int32_t c = s.Column0; c <= s.Column1; ++c)
-                m_Items[next[std::size_t(r) * std::size_t(m_Columns) + std::size_t(c)]++] = item;
+                m_Items[next[std::size_t(r) * std::size_t(m_Columns) + std::size_t(c)]++] =
+                    ItemIn(scaled, c, r, key);
     }
 }
 
@@ -204,7 +236,6 @@ bool TPressGrid::WantsRebuild() const
 
 void TPressGrid::Begin(TMyPoint p, TPressCursor &cursor) const
 {
-    cursor.m_Point = p;
     cursor.m_ConnectorsOnly = false;
     cursor.m_HasPending = false;
     cursor.m_AnyConnector = m_Connectors > 0;
@@ -216,9 +247,13 @@ void TPressGrid::Begin(TMyPoint p, TPressCursor &cursor) const
                   [](const TIndexCandidate &a, const TIndexCandidate &b) { return a.No < b.No; });
     }
     cursor.m_Begin = cursor.m_At = nullptr;
-    if (m_Columns > 0) {
-        const std::size_t cell =
-            std::size_t(Row(p.Y)) * std::size_t(m_Columns) + std::size_t(Column(p.X));
+    // Outside the bounds (or not a number) no box of the grid can hold the point, and the
+    // clamps below would put it on a cell's edge.
+    if (m_Columns > 0 && m_Left <= p.X && p.X <= m_Right && m_Top <= p.Y && p.Y <= m_Bottom) {
+        const std::int32_t column = Column(p.X), row = Row(p.Y);
+        const TMyRect at = Scaled({p.X, p.Y, p.X, p.Y});
+        cursor.m_Point = {InCell(at.Left, column, false), InCell(at.Top, row, false)};
+        const std::size_t cell = std::size_t(row) * std::size_t(m_Columns) + std::size_t(column);
         cursor.m_Begin = m_Items.data() + m_Starts[cell];
         cursor.m_At = m_Items.data() + m_Starts[cell + 1];
     }
@@ -231,7 +266,8 @@ bool TPressCursor::NextInCell(TIndexCandidate &candidate)
         if ((item.Key & TPressGrid::DroppedBit) ||
             (m_ConnectorsOnly && !(item.Key & TPressGrid::ConnectorBit)))
             continue;
-        if (Holds(item.Box, m_Point)) {
+        if (item.Left <= m_Point.X && m_Point.X <= item.Right && item.Top <= m_Point.Y &&
+            m_Point.Y <= item.Bottom) {
             candidate = {std::int32_t(item.Key >> 2), (item.Key & TPressGrid::ConnectorBit) != 0};
             return true;
         }

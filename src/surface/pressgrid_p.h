@@ -52,10 +52,16 @@ public:
     void Begin(TMyPoint p, TPressCursor &cursor) const;
 
 private:
+    // A shape's box within one cell, in 256ths of the cell and rounded outwards, so that a
+    // cell of a dense drawing is read in few cache lines.
     struct TItem
     {
-        TMyRect Box;
+        std::uint8_t Left, Top, Right, Bottom;
         std::uint32_t Key; // (number << 2) | (dropped << 1) | connector
+    };
+    struct TCellPoint
+    {
+        std::uint8_t X, Y;
     };
     struct TAside;
     struct TSpan
@@ -72,12 +78,17 @@ private:
     void ChooseCells(std::vector<float> sizes, const TMyRect &bounds);
     std::int32_t Column(float x) const;
     std::int32_t Row(float y) const;
+    // A box or point in 256ths of a cell from the grid's left-top corner.
+    TMyRect Scaled(const TMyRect &box) const;
+    static TItem ItemIn(const TMyRect &scaled, std::int32_t column, std::int32_t row,
+                        std::uint32_t key);
     TSpan SpanOf(const TMyRect &box) const;
     bool Fits(const TSpan &span) const;
     void Fill(const std::vector<TMyRect> &boxes, const std::vector<bool> &connectors);
     void EnterAside(std::int32_t no, const TMyRect &box, bool connector);
 
-    float m_Left = 0, m_Top = 0, m_Cell = 1;
+    // The cells cover the boxes of the grid, which all lie within these bounds.
+    float m_Left = 0, m_Top = 0, m_Right = 0, m_Bottom = 0, m_Cell = 1, m_Scale = 256;
     std::int32_t m_Columns = 0, m_Rows = 0;
     // Cell c holds m_Items[m_Starts[c] .. m_Starts[c + 1]), in ascending shape number.
     std::vector<std::uint32_t> m_Starts;
@@ -103,7 +114,7 @@ private:
     friend class TPressGrid;
     bool NextInCell(TIndexCandidate &candidate);
 
-    TMyPoint m_Point;
+    TPressGrid::TCellPoint m_Point;
     const TPressGrid::TItem *m_Begin = nullptr;
     const TPressGrid::TItem *m_At = nullptr;
     std::vector<TIndexCandidate> m_Aside; // ascending, taken from the back
