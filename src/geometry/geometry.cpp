@@ -114,13 +114,24 @@ void RecaclinDeg(std::int32_t &d)
     }
 }
 
-TMyPoint RotateAPoint(TMyPoint p, TMyPoint c, float a)
+TRotation::TRotation(TMyPoint centre, float angle)
+    : m_Centre(centre)
+    , m_Sin(std::sin(double(angle)))
+    , m_Cos(std::cos(double(angle)))
+{}
+
+TMyPoint TRotation::operator()(TMyPoint p) const
 {
-    const double s = std::sin(double(a));
-    const double co = std::cos(double(a));
+    const TMyPoint c = m_Centre;
     const double dx = double(p.X) - c.X;
     const double dy = double(p.Y) - c.Y;
-    return {static_cast<float>(c.X + dx * co - dy * s), static_cast<float>(c.Y + dx * s + dy * co)};
+    return {static_cast<float>(c.X + dx * m_Cos - dy * m_Sin),
+            static_cast<float>(c.Y + dx * m_Sin + dy * m_Cos)};
+}
+
+TMyPoint RotateAPoint(TMyPoint p, TMyPoint c, float a)
+{
+    return TRotation(c, a)(p);
 }
 
 std::int32_t PointInQuadrantX(TMyPoint a, TMyPoint b)

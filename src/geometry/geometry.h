@@ -47,6 +47,19 @@ double GetSlopeAngle(TMyPoint a, TMyPoint b);
 void RecaclinRad(float &a);
 void RecaclinDeg(std::int32_t &d);
 TMyPoint RotateAPoint(TMyPoint p, TMyPoint c, float a);
+
+// RotateAPoint for many points about one centre by one angle (radians), with the sine and
+// cosine taken once; the results are the same to the bit.
+class TRotation
+{
+public:
+    TRotation(TMyPoint centre, float angle);
+    TMyPoint operator()(TMyPoint p) const;
+
+private:
+    TMyPoint m_Centre;
+    double m_Sin, m_Cos;
+};
 std::int32_t PointInQuadrantX(TMyPoint a, TMyPoint b);
 std::int32_t PointInQuadrantY(TMyPoint a, TMyPoint b);
 bool IsAtLeftTop(TMyPoint a, TMyPoint b);

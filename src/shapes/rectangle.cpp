@@ -114,9 +114,10 @@ TMyPoint TMyRectangle::GetPoint(std::int32_t index) const
         return {};
     const TMyPoint c = GetCenterPoint();
     const float a = Angle();
+    const TRotation upright(c, -a);
     TMyPoint u[4];
     for (std::size_t i = 0; i < 4; ++i)
-        u[i] = RotateAPoint(Points()[i], c, -a);
+        u[i] = upright(Points()[i]);
     TMyPoint side;
     switch (index) {
     case 4:
