@@ -71,33 +71,29 @@ private:
     std::int32_t m_HitReach = 0;
 };
 
-void TExtentBuilder::AddPoint(TMyPoint p)
+// Grows box to take in p; the first point makes the box.
+void TakeIn(TMyRect &box, bool &any, TMyPoint p)
 {
-    TMyRect &b = m_Extent.Box;
-    if (!m_Extent.Indexed) {
-        b = {p.X, p.Y, p.X, p.Y};
-        m_Extent.Indexed = true;
+    if (!any) {
+        box = {p.X, p.Y, p.X, p.Y};
+        any = true;
         return;
     }
-    b.Left = std::min(b.Left, p.X);
-    b.Top = std::min(b.Top, p.Y);
-    b.Right = std::max(b.Right, p.X);
-    b.Bottom = std::max(b.Bottom, p.Y);
+    box.Left = std::min(box.Left, p.X);
+    box.Top = std::min(box.Top, p.Y);
+    box.Right = std::max(box.Right, p.X);
+    box.Bottom = std::max(box.Bottom, p.Y);
+}
+
+void TExtentBuilder::AddPoint(TMyPoint p)
+{
+    TakeIn(m_Extent.Box, m_Extent.Indexed, p);
 }
 
 void TExtentBuilder::AddHitPoint(TMyPoint p)
 {
     AddPoint(p);
-    TMyRect &b = m_Extent.HitBox;
-    if (!m_HitPoints) {
-        b = {p.X, p.Y, p.X, p.Y};
-        m_HitPoints = true;
-        return;
-    }
-    b.Left = std::min(b.Left, p.X);
-    b.Top = std::min(b.Top, p.Y);
-    b.Right = std::max(b.Right, p.X);
-    b.Bottom = std::max(b.Bottom, p.Y);
+    TakeIn(m_Extent.HitBox, m_HitPoints, p);
 }
 
 // Reaches far beyond a shape's points would only make presses slower than the paint
