@@ -7,8 +7,6 @@
 #include <tessal/shapes/line.h>
 #include <tessal/shapes/polyline.h>
 
-#include <QBuffer>
-
 #include <gtest/gtest.h>
 
 #include <random>
@@ -17,18 +15,6 @@ using namespace tessal;
 using namespace tessal::test;
 
 namespace {
-
-// Equal bytes, or where they first differ.
-::testing::AssertionResult SameBytes(const QByteArray &actual, const QByteArray &expected)
-{
-    if (actual == expected)
-        return ::testing::AssertionSuccess();
-    qsizetype at = 0;
-    while (at < actual.size() && at < expected.size() && actual[at] == expected[at])
-        ++at;
-    return ::testing::AssertionFailure() << "sizes " << actual.size() << " and " << expected.size()
-                                         << ", first difference at byte " << at;
-}
 
 // A bound connector routed as the surface routes it, between link points at the two
 // shapes' centres (start point 0 and end point 1, as AddConnector binds them).
@@ -40,13 +26,6 @@ TMyLinkLine *AddRoutedConnector(TMyCAD &cad, TMyShape *a, TMyShape *b)
     TMyLinkLine *link = AddConnector(cad, a, b);
     cad.ChangeLinkShapes(link);
     return link;
-}
-
-template <typename T = TMyShape>
-T *AddChain(TMyCAD &cad, TDrawTool tool, std::initializer_list<TMyPoint> points)
-{
-    const std::vector<TMyPoint> list(points);
-    return dynamic_cast<T *>(cad.GetShapeByID(cad.AddShapeByCode(tool, {}, list, 0, {})));
 }
 
 // A drawing with shapes below, between and above the ones a command works on, a group and
@@ -103,9 +82,9 @@ TEST(Merge, LookUpFindsLineEndsUnderTheDroppedEnd)
 {
     TMyCAD cad;
     cad.SetZoom(2);
-    AddChain(cad, TDrawTool::SpPolygon, {{50, 50}, {90, 50}, {90, 90}});
-    TMyShape *a = AddChain(cad, TDrawTool::SpLine, {{0, 0}, {50, 50}});
-    TMyShape *b = AddChain(cad, TDrawTool::SpPolyLine, {{50, 50}, {100, 0}, {150, 0}});
+    AddByCode(cad, TDrawTool::SpPolygon, {{50, 50}, {90, 50}, {90, 90}});
+    TMyShape *a = AddByCode(cad, TDrawTool::SpLine, {{0, 0}, {50, 50}});
+    TMyShape *b = AddByCode(cad, TDrawTool::SpPolyLine, {{50, 50}, {100, 0}, {150, 0}});
 
     auto line = cad.CreateShapeBySpTool(TDrawTool::SpLine);
     auto *drawn = static_cast<TMyLine *>(line.get());
@@ -157,10 +136,10 @@ TEST(Merge, JoinedChainsAndHeads)
         SCOPED_TRACE(c.startPoint * 10 + c.endPoint);
         TScene scene;
         TMyCAD &cad = scene.cad;
-        auto *first = AddChain<TMyLine>(cad, TDrawTool::SpLine, {{0, 0}, {100, 0}});
+        auto *first = AddByCode<TMyLine>(cad, TDrawTool::SpLine, {{0, 0}, {100, 0}});
         scene.AddNeighbours();
         auto *second =
-            AddChain<TMyLine>(cad, TDrawTool::SpPolyLine, {{200, 0}, {300, 0}, {300, 100}});
+            AddByCode<TMyLine>(cad, TDrawTool::SpPolyLine, {{200, 0}, {300, 0}, {300, 100}});
         AddRectangle(cad, 500, 500, 510, 510);
         first->SetArrowStyle(c.firstStyle);
         TPen pen;
@@ -205,10 +184,10 @@ TEST(Merge, LineInTheDrawingIsReplacedToo)
 {
     TScene scene;
     TMyCAD &cad = scene.cad;
-    AddChain(cad, TDrawTool::SpPolyLine, {{0, 0}, {50, 0}, {100, 0}});
+    AddByCode(cad, TDrawTool::SpPolyLine, {{0, 0}, {50, 0}, {100, 0}});
     scene.AddNeighbours();
-    AddChain(cad, TDrawTool::SpLine, {{100, 100}, {200, 100}});
-    auto *line = AddChain<TMyLine>(cad, TDrawTool::SpLine, {{100, 1}, {101, 99}});
+    AddByCode(cad, TDrawTool::SpLine, {{100, 100}, {200, 100}});
+    auto *line = AddByCode<TMyLine>(cad, TDrawTool::SpLine, {{100, 1}, {101, 99}});
     ASSERT_NE(cad.GetMergeShape(line, true, {100, 1}), nullptr);
     ASSERT_NE(cad.GetMergeShape(line, false, {101, 99}), nullptr);
     ExpectOneStepTakenBackExactly(cad, [&] {
@@ -226,9 +205,9 @@ TEST(Merge, RefusedJoins)
 {
     TScene scene;
     TMyCAD &cad = scene.cad;
-    auto *first = AddChain<TMyLine>(cad, TDrawTool::SpLine, {{0, 0}, {100, 0}});
-    auto *second = AddChain<TMyLine>(cad, TDrawTool::SpPolyLine, {{200, 0}, {300, 0}, {300, 100}});
-    auto *polygon = AddChain(cad, TDrawTool::SpPolygon, {{0, 50}, {50, 50}, {50, 90}});
+    auto *first = AddByCode<TMyLine>(cad, TDrawTool::SpLine, {{0, 0}, {100, 0}});
+    auto *second = AddByCode<TMyLine>(cad, TDrawTool::SpPolyLine, {{200, 0}, {300, 0}, {300, 100}});
+    auto *polygon = AddByCode(cad, TDrawTool::SpPolygon, {{0, 50}, {50, 50}, {50, 90}});
     auto drawn = cad.CreateShapeBySpTool(TDrawTool::SpLine);
     auto *line = static_cast<TMyLine *>(drawn.get());
     line->Points() = {{100, 0}, {200, 0}};
@@ -260,10 +239,10 @@ TEST(Merge, RefusedJoins)
     refuse(a, 1, b, 0);
 
     // Ends on two layers, then both on a hidden layer.
-    auto *free = AddChain<TMyLine>(cad, TDrawTool::SpLine, {{100, 0}, {150, 0}});
+    auto *free = AddByCode<TMyLine>(cad, TDrawTool::SpLine, {{100, 0}, {150, 0}});
     const std::int32_t layer = cad.NewLayer("Other", true);
-    auto *third = AddChain<TMyLine>(cad, TDrawTool::SpLine, {{200, 0}, {250, 0}});
-    auto *fourth = AddChain<TMyLine>(cad, TDrawTool::SpLine, {{100, 0}, {150, 0}});
+    auto *third = AddByCode<TMyLine>(cad, TDrawTool::SpLine, {{200, 0}, {250, 0}});
+    auto *fourth = AddByCode<TMyLine>(cad, TDrawTool::SpLine, {{100, 0}, {150, 0}});
     refuse(free->ShapeId(), 1, third->ShapeId(), 0);
     cad.InVisibleLayerByID(layer);
     refuse(fourth->ShapeId(), 1, third->ShapeId(), 0);
@@ -277,7 +256,8 @@ TEST(Break, AtAnInnerPoint)
         SCOPED_TRACE(int(tool));
         TScene scene;
         TMyCAD &cad = scene.cad;
-        auto *chain = AddChain<TMyLine>(cad, tool, {{0, 0}, {10, 0}, {10, 10}, {20, 10}, {20, 30}});
+        auto *chain =
+            AddByCode<TMyLine>(cad, tool, {{0, 0}, {10, 0}, {10, 10}, {20, 10}, {20, 30}});
         scene.AddNeighbours();
         chain->SetArrowStyle(TArrowStyle::ADouble);
         chain->UserData().AddKeyandValue("key", "value");
@@ -310,7 +290,7 @@ TEST(Break, MemberPieceJoinsTheGroup)
 {
     TScene scene;
     TMyCAD &cad = scene.cad;
-    TMyShape *chain = AddChain(cad, TDrawTool::SpPolyLine, {{0, 0}, {10, 0}, {10, 10}});
+    TMyShape *chain = AddByCode(cad, TDrawTool::SpPolyLine, {{0, 0}, {10, 0}, {10, 10}});
     TMyShape *other = AddRectangle(cad, 50, 50, 60, 60);
     TMyShape *const members[] = {chain, other};
     TMyShape *group = cad.GetShapeByID(cad.GroupShapes(members, true));
@@ -333,9 +313,9 @@ TEST(Break, ByAPointOnASegment)
     TScene scene;
     TMyCAD &cad = scene.cad;
     cad.SetZoom(2);
-    TMyShape *line = AddChain(cad, TDrawTool::SpLine, {{0, 0}, {100, 0}});
+    TMyShape *line = AddByCode(cad, TDrawTool::SpLine, {{0, 0}, {100, 0}});
     scene.AddNeighbours();
-    TMyShape *poly = AddChain(cad, TDrawTool::SpPolyLine, {{0, 50}, {40, 50}, {40, 90}});
+    TMyShape *poly = AddByCode(cad, TDrawTool::SpPolyLine, {{0, 50}, {40, 50}, {40, 90}});
     ExpectOneStepTakenBackExactly(cad, [&] {
         TMyShape *piece = cad.BreakLineByAPoint(line, {101, 5});
         if (!piece)
@@ -360,12 +340,12 @@ TEST(Break, RefusedShapesAndPoints)
 {
     TScene scene;
     TMyCAD &cad = scene.cad;
-    TMyShape *poly = AddChain(cad, TDrawTool::SpPolyLine, {{0, 0}, {10, 0}, {10, 10}});
+    TMyShape *poly = AddByCode(cad, TDrawTool::SpPolyLine, {{0, 0}, {10, 0}, {10, 10}});
     for (std::int32_t index : {-1, 0, 2, 3})
         ExpectRefused(cad, [&] { return cad.BreakLine(poly, index) != nullptr; });
     for (TDrawTool tool :
          {TDrawTool::SpPolygon, TDrawTool::SpLinkLine, TDrawTool::SpRuleLine, TDrawTool::SpBLine}) {
-        TMyShape *other = AddChain(cad, tool, {{0, 20}, {10, 20}, {10, 30}});
+        TMyShape *other = AddByCode(cad, tool, {{0, 20}, {10, 20}, {10, 30}});
         ASSERT_NE(other, nullptr);
         ExpectRefused(cad, [&] { return cad.BreakLine(other, 1) != nullptr; });
         ExpectRefused(cad, [&] { return cad.BreakLineByAPoint(other, {5, 20}) != nullptr; });
@@ -382,9 +362,9 @@ TEST(Break, RefusedShapesAndPoints)
 TEST(Break, WhichShapeBreaksAtAPoint)
 {
     TMyCAD cad;
-    TMyShape *low = AddChain(cad, TDrawTool::SpPolyLine, {{0, 0}, {100, 0}});
-    TMyShape *high = AddChain(cad, TDrawTool::SpLine, {{0, 2}, {100, 2}});
-    AddChain(cad, TDrawTool::SpPolygon, {{0, -20}, {100, -20}, {50, 40}});
+    TMyShape *low = AddByCode(cad, TDrawTool::SpPolyLine, {{0, 0}, {100, 0}});
+    TMyShape *high = AddByCode(cad, TDrawTool::SpLine, {{0, 2}, {100, 2}});
+    AddByCode(cad, TDrawTool::SpPolygon, {{0, -20}, {100, -20}, {50, 40}});
     EXPECT_EQ(cad.IsBreakLineByAPoint({50, 1}), high);
     high->SetLockedFlag(true);
     EXPECT_EQ(cad.IsBreakLineByAPoint({50, 1}), low);
@@ -398,7 +378,7 @@ TEST(Close, PolylineBecomesPolygonInPlace)
 {
     TScene scene;
     TMyCAD &cad = scene.cad;
-    TMyShape *poly = AddChain(cad, TDrawTool::SpPolyLine, {{0, 0}, {40, 0}, {40, 30}});
+    TMyShape *poly = AddByCode(cad, TDrawTool::SpPolyLine, {{0, 0}, {40, 0}, {40, 30}});
     TMyShape *other = AddRectangle(cad, 100, 0, 110, 10);
     TMyShape *const members[] = {poly, other};
     const std::int32_t groupId = cad.GroupShapes(members, true);
@@ -432,7 +412,7 @@ TEST(Close, PolylineBecomesPolygonInPlace)
 
     // A polyline that already ends on its start is not given another closing point.
     // The selection follows the new object.
-    TMyShape *ring = AddChain(cad, TDrawTool::SpPolyLine, {{0, 0}, {9, 0}, {9, 9}, {0, 0}});
+    TMyShape *ring = AddByCode(cad, TDrawTool::SpPolyLine, {{0, 0}, {9, 0}, {9, 9}, {0, 0}});
     TMyShape *closed = cad.ClosePolygon(ring);
     ASSERT_NE(closed, nullptr);
     EXPECT_EQ(closed->GetPointsCount(), 4);
@@ -443,13 +423,13 @@ TEST(Close, PolylineBecomesPolygonInPlace)
 TEST(Close, RefusedShapes)
 {
     TMyCAD cad;
-    TMyShape *flat = AddChain(cad, TDrawTool::SpPolyLine, {{0, 0}, {10, 0}, {0, 0}, {10, 0}});
+    TMyShape *flat = AddByCode(cad, TDrawTool::SpPolyLine, {{0, 0}, {10, 0}, {0, 0}, {10, 0}});
     ExpectRefused(cad, [&] { return cad.ClosePolygon(flat) != nullptr; });
     for (TDrawTool tool : {TDrawTool::SpLine, TDrawTool::SpPolygon, TDrawTool::SpFreeLine}) {
-        TMyShape *other = AddChain(cad, tool, {{0, 0}, {10, 0}, {10, 10}});
+        TMyShape *other = AddByCode(cad, tool, {{0, 0}, {10, 0}, {10, 10}});
         ExpectRefused(cad, [&] { return cad.ClosePolygon(other) != nullptr; });
     }
-    TMyShape *poly = AddChain(cad, TDrawTool::SpPolyLine, {{0, 0}, {10, 0}, {10, 10}});
+    TMyShape *poly = AddByCode(cad, TDrawTool::SpPolyLine, {{0, 0}, {10, 0}, {10, 10}});
     poly->SetLockedFlag(true);
     ExpectRefused(cad, [&] { return cad.ClosePolygon(poly) != nullptr; });
     EXPECT_EQ(cad.ClosePolygon(nullptr), nullptr);
@@ -482,11 +462,10 @@ TEST(SameSize, AverageWidthAndHeight)
         return true;
     });
 
-    TMyShape *poly = AddChain(cad, TDrawTool::SpPolyLine, {{0, 100}, {40, 120}, {20, 140}});
+    TMyShape *poly = AddByCode(cad, TDrawTool::SpPolyLine, {{0, 100}, {40, 120}, {20, 140}});
     poly->SetAngleValue(0.5f);
-    const TMyPoint corners[] = {{200, 100}, {210, 100}, {210, 120}, {200, 120}};
     TMyShape *turned =
-        cad.GetShapeByID(cad.AddShapeByCode(TDrawTool::SpRectangle, {}, corners, 0, {}));
+        AddByCode(cad, TDrawTool::SpRectangle, {{200, 100}, {210, 100}, {210, 120}, {200, 120}});
     turned->SetAngleValue(0.3f);
     TMyShape *a = AddRectangle(cad, 300, 100, 310, 110);
     TMyShape *b = AddRectangle(cad, 320, 100, 330, 130);
@@ -521,7 +500,7 @@ TEST(SameSize, RefusedSelections)
     TMyCAD cad;
     TMyShape *a = AddRectangle(cad, 0, 0, 10, 10);
     TMyShape *b = AddRectangle(cad, 20, 0, 50, 10);
-    TMyShape *vertical = AddChain(cad, TDrawTool::SpLine, {{60, 0}, {60, 50}});
+    TMyShape *vertical = AddByCode(cad, TDrawTool::SpLine, {{60, 0}, {60, 50}});
     TMyShape *const one[] = {a};
     cad.SetWorkingShapes(one);
     ExpectRefused(cad, [&] { return cad.AverageWidth(); });
@@ -559,8 +538,7 @@ TEST(Randomized, EditsOnRandomChainsGoBackExactly)
                 for (int i = 0, n = 2 + pick(6); i < n; ++i)
                     points.push_back({float(pick(400)), float(pick(400))});
                 states.push_back(Saved(cad));
-                cad.AddShapeByCode(pick(3) ? TDrawTool::SpPolyLine : TDrawTool::SpLine, {}, points,
-                                   0, {});
+                AddByCode(cad, pick(3) ? TDrawTool::SpPolyLine : TDrawTool::SpLine, points);
                 continue;
             }
             TMyShape *shape = cad.GetShapeByNo(pick(cad.GetShapesCount()));

@@ -155,9 +155,8 @@ TEST(MouseDrawing, ConnectorsBindAndSkipTheGridOthersSnap)
 TEST(MouseDrawing, ALineDroppedOnTwoLineEndsJoinsThem)
 {
     TMouseSurface s;
-    const std::vector<TMyPoint> left{{50, 300}, {150, 300}}, right{{250, 300}, {350, 320}};
-    s.cad.AddShapeByCode(TDrawTool::SpLine, {}, left, 0, {});
-    s.cad.AddShapeByCode(TDrawTool::SpLine, {}, right, 0, {});
+    AddByCode(s.cad, TDrawTool::SpLine, {{50, 300}, {150, 300}});
+    AddByCode(s.cad, TDrawTool::SpLine, {{250, 300}, {350, 320}});
     s.cad.ClearAllUndoStuff();
     const QByteArray before = Saved(s.cad);
     s.cad.SetShapeTool(TDrawTool::SpLine);

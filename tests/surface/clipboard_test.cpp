@@ -47,12 +47,10 @@ TEST(Clipboard, RoundTripEqualsTheOriginalsExceptIdentityNameAndOffset)
 {
     TMyCAD cad;
     cad.NewLayer(QStringLiteral("Upper"), true);
-    const TMyPoint chain[] = {{5, 5}, {40.5f, 25}, {70, 5}}, corners[] = {{100, 20}, {160, 50}};
     TMyShape *shapes[] = {
         AddRectangle(cad, 10, 10, 80, 60),
-        cad.GetShapeByID(cad.AddShapeByCode(TDrawTool::SpPolyLine, {}, chain, 0, {})),
-        cad.GetShapeByID(
-            cad.AddShapeByCode(TDrawTool::SpText, {}, corners, 0, QStringLiteral("two\nlines"))),
+        AddByCode(cad, TDrawTool::SpPolyLine, {{5, 5}, {40.5f, 25}, {70, 5}}),
+        AddByCode(cad, TDrawTool::SpText, {{100, 20}, {160, 50}}, 0, QStringLiteral("two\nlines")),
     };
     shapes[0]->SetPen(TPen{0x123456, TPenMode::pmCopy, TPenStyle::psDash, 3});
     shapes[0]->SetGradientStyle(TGradientStyle::gsLinearH);

@@ -12,12 +12,6 @@ using namespace tessal::test;
 
 namespace {
 
-TMyShape *AddChain(TMyCAD &cad, std::initializer_list<TMyPoint> points)
-{
-    return cad.GetShapeByID(cad.AddShapeByCode(TDrawTool::SpPolyLine, {},
-                                               std::span(points.begin(), points.size()), 0, {}));
-}
-
 std::vector<std::int32_t> OrderOfIds(const TMyCAD &cad)
 {
     std::vector<std::int32_t> ids;
@@ -332,7 +326,7 @@ TEST(Commands, RotateAndTiltTurnShapesWithMembers)
 {
     TMyCAD cad;
     // Rotate announces the turn before making it.
-    TMyShape *p = AddChain(cad, {{0, 0}, {20, 10}});
+    TMyShape *p = AddByCode(cad, TDrawTool::SpPolyLine, {{0, 0}, {20, 10}});
     std::vector<float> seen;
     cad.SetOnShapeCodeRotating([&seen](TMyCAD *, TMyShape *shape, float angle) {
         seen.push_back(shape->Angle());
@@ -344,8 +338,8 @@ TEST(Commands, RotateAndTiltTurnShapesWithMembers)
 
     // A drag from (10, 0) to (10, 10) about the origin: an eighth of a turn, clockwise on
     // the screen, that carries the members along.
-    TMyShape *q = AddChain(cad, {{10, 0}, {12, 0}});
-    TMyShape *r = AddChain(cad, {{0, -3}, {0, -5}});
+    TMyShape *q = AddByCode(cad, TDrawTool::SpPolyLine, {{10, 0}, {12, 0}});
+    TMyShape *r = AddByCode(cad, TDrawTool::SpPolyLine, {{0, -3}, {0, -5}});
     TMyShape *const qr[] = {q, r};
     TMyShape *g = cad.GetShapeByID(cad.GroupShapes(qr, false));
     const std::int32_t steps = StepCount(cad);

@@ -104,9 +104,9 @@ TEST(Document, AddShapeByCodePoints)
 
     // A polygon is closed by a repeat of its first point; a polyline keeps what it is given.
     const TMyPoint tri[] = {{0, 0}, {10, 0}, {0, 10}};
-    TMyShape *poly = cad.GetShapeByID(cad.AddShapeByCode(TDrawTool::SpPolygon, {}, tri, 0, {}));
+    TMyShape *poly = AddByCode(cad, TDrawTool::SpPolygon, tri);
     EXPECT_EQ(poly->Points(), (TMyPointArray{{0, 0}, {10, 0}, {0, 10}, {0, 0}}));
-    TMyShape *chain = cad.GetShapeByID(cad.AddShapeByCode(TDrawTool::SpPolyLine, {}, tri, 0, {}));
+    TMyShape *chain = AddByCode(cad, TDrawTool::SpPolyLine, tri);
     EXPECT_EQ(chain->Points(), (TMyPointArray(std::begin(tri), std::end(tri))));
     EXPECT_EQ(chain->TextPoint(), (TMyPoint{5, 5}));
 
@@ -121,13 +121,11 @@ TEST(Document, AddShapeByCodePoints)
 
     // Text takes the text; the angle turns the shape about its centre.
     const TMyPoint box[] = {{0, 0}, {20, 10}};
-    auto *text = dynamic_cast<TMyText *>(cad.GetShapeByID(
-        cad.AddShapeByCode(TDrawTool::SpText, {}, box, 0, QStringLiteral("a\nb"))));
+    auto *text = AddByCode<TMyText>(cad, TDrawTool::SpText, box, 0, QStringLiteral("a\nb"));
     ASSERT_NE(text, nullptr);
     EXPECT_EQ(text->Info(), QStringLiteral("a\nb"));
     EXPECT_EQ(text->Lines(), (QStringList{QStringLiteral("a"), QStringLiteral("b")}));
-    TMyShape *turned = cad.GetShapeByID(
-        cad.AddShapeByCode(TDrawTool::SpPolyLine, {}, box, std::numbers::pi / 2, {}));
+    TMyShape *turned = AddByCode(cad, TDrawTool::SpPolyLine, box, std::numbers::pi / 2);
     EXPECT_FLOAT_EQ(turned->Angle(), float(std::numbers::pi / 2));
     ExpectNear(turned->Points(), {{15, -5}, {5, 15}});
 }

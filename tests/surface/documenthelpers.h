@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <array>
 #include <map>
+#include <span>
 #include <vector>
 
 namespace tessal::test {
@@ -23,6 +24,22 @@ inline TMyShape *AddRectangle(TMyCAD &cad, float l, float t, float r, float b)
 {
     const TMyPoint corners[] = {{l, t}, {r, b}};
     return cad.GetShapeByID(cad.AddShapeByCode(TDrawTool::SpRectangle, {}, corners, 0, {}));
+}
+
+// A shape of tool through points, as the surface makes it by code; nullptr when refused or
+// when it is not a T.
+template <typename T = TMyShape>
+T *AddByCode(TMyCAD &cad, TDrawTool tool, std::span<const TMyPoint> points, double angle = 0,
+             const QString &text = {})
+{
+    return dynamic_cast<T *>(cad.GetShapeByID(cad.AddShapeByCode(tool, {}, points, angle, text)));
+}
+
+template <typename T = TMyShape>
+T *AddByCode(TMyCAD &cad, TDrawTool tool, std::initializer_list<TMyPoint> points, double angle = 0,
+             const QString &text = {})
+{
+    return AddByCode<T>(cad, tool, std::span(points.begin(), points.size()), angle, text);
 }
 
 // A connector from a to b, bound at both ends the way the binding operations leave it: the
@@ -168,6 +185,20 @@ inline QByteArray Saved(const TMyCAD &cad)
     buffer.open(QIODevice::WriteOnly);
     EXPECT_TRUE(cad.SaveToStream(&buffer)) << cad.LastError().toStdString();
     return bytes;
+}
+
+// Equal bytes, or where the first difference is.
+inline ::testing::AssertionResult SameBytes(const QByteArray &now, const QByteArray &expected)
+{
+    if (now == expected)
+        return ::testing::AssertionSuccess();
+    qsizetype at = 0;
+    while (at < now.size() && at < expected.size() && now[at] == expected[at])
+        ++at;
+    return ::testing::AssertionFailure()
+           << "sizes " << now.size() << " and " << expected.size() << ", first difference at " << at
+           << ": " << now.mid(at, 24).toHex(' ').toStdString() << " instead of "
+           << expected.mid(at, 24).toHex(' ').toStdString();
 }
 
 } // namespace tessal::test

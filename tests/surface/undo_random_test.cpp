@@ -205,8 +205,7 @@ const std::vector<Operation> &Operations()
          [](RandomUse &u) {
              TMyCAD block;
              AddRectangle(block, u.Coordinate(), u.Coordinate(), 150, 150);
-             const TMyPoint ends[] = {{0, 0}, {u.Coordinate(), u.Coordinate()}};
-             block.AddShapeByCode(TDrawTool::SpLine, {}, ends, 0, {});
+             AddByCode(block, TDrawTool::SpLine, {{0, 0}, {u.Coordinate(), u.Coordinate()}});
              QByteArray bytes = Saved(block);
              QBuffer buffer(&bytes);
              buffer.open(QIODevice::ReadOnly);
@@ -235,20 +234,6 @@ const Operation &PickOperation(RandomUse &u)
         at -= weight;
     }
     return Operations().front();
-}
-
-// Equal bytes, or where the first difference is.
-::testing::AssertionResult SameBytes(const QByteArray &now, const QByteArray &expected)
-{
-    if (now == expected)
-        return ::testing::AssertionSuccess();
-    qsizetype at = 0;
-    while (at < now.size() && at < expected.size() && now[at] == expected[at])
-        ++at;
-    return ::testing::AssertionFailure()
-           << "sizes " << now.size() << " and " << expected.size() << ", first difference at " << at
-           << ": " << now.mid(at, 24).toHex(' ').toStdString() << " instead of "
-           << expected.mid(at, 24).toHex(' ').toStdString();
 }
 
 // The newest record of the history, which changes exactly when a step is recorded.
