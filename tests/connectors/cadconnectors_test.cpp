@@ -3,6 +3,7 @@
 // following moved shapes and groups, link points found under the mouse with their
 // highlight, and where a connector drawn from a press starts.
 #include "connectorhost.h"
+#include "surface/documenthelpers.h"
 
 #include <tessal/surface/cad.h>
 
@@ -31,17 +32,11 @@ struct TDiagram
         B->LinkPoints() = {{220, 70}, {250, 100}};
     }
 
-    TMyShape *Box(float l, float t, float r, float b)
-    {
-        const TMyPoint corners[] = {{l, t}, {r, b}};
-        return Cad.GetShapeByID(Cad.AddShapeByCode(TDrawTool::SpRectangle, {}, corners, 0, {}));
-    }
+    TMyShape *Box(float l, float t, float r, float b) { return AddRectangle(Cad, l, t, r, b); }
 
     TMyLinkLine *Connect(TMyShape *from, std::int32_t fromPoint, TMyShape *to, std::int32_t toPoint)
     {
-        const TMyPoint ends[] = {{0, 0}, {1, 1}};
-        auto *link = dynamic_cast<TMyLinkLine *>(
-            Cad.GetShapeByID(Cad.AddShapeByCode(TDrawTool::SpLinkLine, {}, ends, 0, {})));
+        auto *link = AddByCode<TMyLinkLine>(Cad, TDrawTool::SpLinkLine, {{0, 0}, {1, 1}});
         EXPECT_TRUE(link->CreateSrcLink(from->ShapeId(), fromPoint));
         EXPECT_TRUE(link->CreateDestLink(to->ShapeId(), toPoint));
         return link;
@@ -63,10 +58,8 @@ TEST(CadConnectors, RoutesGoRoundClosedShapesOnlyWhileAskedTo)
     EXPECT_EQ(link->Points(), (TMyPointArray{{80, 70}, {220, 70}}));
 
     // A link mark and a plain line on the way are no obstacles; a rectangle is.
-    const TMyPoint mark[] = {{120, 66}, {128, 74}};
-    d.Cad.AddShapeByCode(TDrawTool::SpLinkPoint, {}, mark, 0, {});
-    const TMyPoint line[] = {{140, 20}, {140, 120}};
-    d.Cad.AddShapeByCode(TDrawTool::SpLine, {}, line, 0, {});
+    AddByCode(d.Cad, TDrawTool::SpLinkPoint, {{120, 66}, {128, 74}});
+    AddByCode(d.Cad, TDrawTool::SpLine, {{140, 20}, {140, 120}});
     link->UpdateRoute();
     EXPECT_EQ(link->Points(), (TMyPointArray{{80, 70}, {220, 70}}));
 

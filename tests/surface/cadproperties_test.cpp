@@ -140,8 +140,6 @@ TEST(CadProperties, PublishedOrderConstructionValuesAndHandlers)
     EXPECT_EQ(cad.ActionTool(), TActionTools::dtSelecting);
     EXPECT_EQ(cad.cursor().shape(), Qt::CrossCursor);
     EXPECT_EQ(cad.FileVersion(), QStringLiteral("XP.j"));
-    EXPECT_EQ(cad.GetShapesCount(), 0);
-    EXPECT_EQ(cad.ShapeIdCounter(), 0);
     EXPECT_FALSE(cad.IsBusy());
     // Enabled is the widget's own flag.
     cad.setEnabled(false);

@@ -103,9 +103,9 @@ TEST(Undo, DeletedGroupComesBackWhole)
     EXPECT_TRUE(RelationsValid(cad));
 }
 
-// Relatives outside the restored step: a deleted member rejoins its live group, and a
-// locked member that the deletion spared is taken back by its restored group.
-TEST(Undo, RestoredShapesFindLiveRelatives)
+// A locked member that the deletion of its group spared is taken back by the restored group.
+// (A deleted member rejoining its live group is among the random undo test's deletions.)
+TEST(Undo, RestoredGroupTakesBackItsSparedMember)
 {
     TMyCAD cad;
     TMyShape *a = AddRectangle(cad, 0, 0, 10, 10);
@@ -113,15 +113,8 @@ TEST(Undo, RestoredShapesFindLiveRelatives)
     TMyShape *c = AddRectangle(cad, 40, 0, 50, 10);
     TMyShape *const abc[] = {a, b, c};
     const std::int32_t gid = cad.GroupShapes(abc, false);
-    const auto original = Snapshot(cad);
-
-    ASSERT_TRUE(cad.DeleteShapeById(b->ShapeId(), true));
-    EXPECT_EQ(cad.GetShapeByID(gid)->ChildShapes(), (std::vector<std::int32_t>{0, 1}));
-    cad.PopFromUndoRedoShapeList();
-    EXPECT_TRUE(RelationsValid(cad));
-    EXPECT_EQ(Snapshot(cad), original);
-
     c->SetLockedFlag(true);
+    const auto original = Snapshot(cad);
     ASSERT_TRUE(cad.DeleteShapeById(gid, true));
     ASSERT_EQ(cad.GetShapesCount(), 1);
     EXPECT_EQ(c->ParentNo(), -1);
