@@ -8,45 +8,31 @@
 using namespace tessal;
 using namespace tessal::test;
 
-// Steps are numbered from zero whatever was evicted; a smaller limit waits until the history
-// shrinks to it, a limit of 0 records nothing.
-TEST(Undo, EvictionNumberingAndSizeLimits)
+// A smaller limit waits until the history shrinks to it; a limit of 0 records nothing.
+// Eviction at the limit, the numbering after it and taking back everything kept are the
+// random undo test's, whose short history overflows all the time.
+TEST(Undo, SizeLimits)
 {
     TMyCAD cad;
     ASSERT_EQ(cad.UndoRedoSize(), 10);
-    for (int i = 0; i < 11; ++i)
-        AddRectangle(cad, float(i), 0, float(i) + 5, 5);
-    const auto &list = cad.UndoRedoShapeList();
-    ASSERT_EQ(list.size(), 10u);
-    for (int i = 0; i < 10; ++i) { // the first shape's step was evicted
-        EXPECT_EQ(list[std::size_t(i)].Step, i);
-        EXPECT_EQ(list[std::size_t(i)].Copy->ShapeId(), i + 1);
-        EXPECT_EQ(list[std::size_t(i)].ShapeName, QStringLiteral("Shape%1").arg(i + 1));
-    }
-    for (int expected = 8; expected >= -1; --expected)
-        EXPECT_EQ(cad.PopFromUndoRedoShapeList(), expected);
-    EXPECT_TRUE(list.empty());
-    ASSERT_EQ(cad.GetShapesCount(), 1);
-    EXPECT_EQ(cad.GetShapeByNo(0)->ShapeId(), 0);
-    EXPECT_EQ(cad.PopFromUndoRedoShapeList(), -1);
-
     for (int i = 0; i < 10; ++i)
         AddRectangle(cad, 0, 0, 5, 5);
+    const auto &list = cad.UndoRedoShapeList();
     cad.SetUndoRedoSize(4);
     AddRectangle(cad, 0, 0, 5, 5);
     EXPECT_EQ(StepCount(cad), 11);
-    EXPECT_EQ(list.front().Copy->ShapeId(), 11);
+    EXPECT_EQ(list.front().Copy->ShapeId(), 0);
     cad.SetUndoRedoSize(0);
     EXPECT_TRUE(list.empty());
     AddRectangle(cad, 0, 0, 5, 5);
     EXPECT_TRUE(list.empty());
     EXPECT_EQ(cad.PopFromUndoRedoShapeList(), -1);
-    EXPECT_EQ(cad.GetShapesCount(), 13);
+    EXPECT_EQ(cad.GetShapesCount(), 12);
     cad.SetUndoRedoSize(3); // the fourth step evicts the first
     for (int i = 0; i < 4; ++i)
         AddRectangle(cad, 0, 0, 5, 5);
     ASSERT_EQ(StepCount(cad), 3);
-    EXPECT_EQ(list.front().Copy->ShapeId(), 24);
+    EXPECT_EQ(list.front().Copy->ShapeId(), 13);
 }
 
 // A group with two members joined by a connector, deleted in one step: one take-back
