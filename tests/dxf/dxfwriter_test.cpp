@@ -35,20 +35,17 @@ TEST(DxfNumbers, ShortestGeneralFormWithDotWhateverTheLocale)
     const QLocale before;
     QLocale::setDefault(QLocale(QLocale::German));
     std::setlocale(LC_NUMERIC, "de_DE.UTF-8");
+    // The random values further down check every other text's value and form; these rows are
+    // the zeros, no more than 15 digits in either form, the two ends of the plain form, a
+    // three-digit exponent and the millimetres of a pixel.
     const std::pair<double, const char *> cases[] = {
         {0, "0"},
         {-0.0, "0"},
-        {100.0125, "100.0125"},
         {-2.5, "-2.5"},
         {1.0 / 3, "0.333333333333333"},
-        {2.0 / 3, "0.666666666666667"},
-        {0.1 + 0.2, "0.3"},
-        {123456789012345.0, "123456789012345"},
         {1e15, "1E15"},
         {1234567890123456789.0, "1.23456789012346E18"},
         {0.00001, "0.00001"},
-        {0.0000123, "0.0000123"},
-        {0.0000015, "1.5E-6"},
         {-2.5e-300, "-2.5E-300"},
         {378 / Dxf::PixelsPerMm, "100.0125"},
         {96 / Dxf::PixelsPerMm, "25.4"},
@@ -259,11 +256,8 @@ TEST_F(DxfWriter, FailedSaveKeepsOldFileAndSaysWhy)
 
     QTemporaryDir dir;
     const QString name = dir.filePath("plan.dxf");
-    ASSERT_TRUE(cad.SaveToDxf(name));
+    ASSERT_TRUE(cad.SaveToDxf(name)); // what it writes is the progress test's
     EXPECT_TRUE(cad.LastError().isEmpty());
-    QFile file(name);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(file.readAll(), cad.DxfText(false));
     // A folder in the file's place cannot be replaced: the save fails, the folder stays.
     const QString blocked = dir.filePath("blocked.dxf");
     ASSERT_TRUE(QDir().mkdir(blocked));
