@@ -35,20 +35,17 @@ TEST(DxfNumbers, ShortestGeneralFormWithDotWhateverTheLocale)
     const QLocale before;
     QLocale::setDefault(QLocale(QLocale::German));
     std::setlocale(LC_NUMERIC, "de_DE.UTF-8");
+    // The random values further down check every other text's value and form; these rows are
+    // the zeros, no more than 15 digits in either form, the two ends of the plain form, a
+    // three-digit exponent and the millimetres of a pixel.
     const std::pair<double, const char *> cases[] = {
         {0, "0"},
         {-0.0, "0"},
-        {100.0125, "100.0125"},
         {-2.5, "-2.5"},
         {1.0 / 3, "0.333333333333333"},
-        {2.0 / 3, "0.666666666666667"},
-        {0.1 + 0.2, "0.3"},
-        {123456789012345.0, "123456789012345"},
         {1e15, "1E15"},
         {1234567890123456789.0, "1.23456789012346E18"},
         {0.00001, "0.00001"},
-        {0.0000123, "0.0000123"},
-        {0.0000015, "1.5E-6"},
         {-2.5e-300, "-2.5E-300"},
         {378 / Dxf::PixelsPerMm, "100.0125"},
         {96 / Dxf::PixelsPerMm, "25.4"},
@@ -145,22 +142,13 @@ QString Mm(double pixels)
     return s;
 }
 
-TEST_F(DxfWriter, EmptyDrawingAndALineOnAControlOfItsOwnLengthInHeight)
-{
-    EXPECT_EQ(DxfLines(cad.DxfText(false)),
-              QStringList({"0", "SECTION", "2", "ENTITIES", "0", "ENDSEC", "0", "EOF"}));
-    EXPECT_TRUE(cad.DxfText(false).endsWith("EOF\r\n"));
-    cad.resize(640, 378);
-    Add(TDrawTool::SpLine, {{0, 0}, {378, 0}});
-    EXPECT_EQ(DxfLines(cad.DxfText(false)).mid(4, 18),
-              QStringList({"0", "LINE", "5", "20", "8", "0", "10", "0", "20", "100.0125", "30",
-                           "0.0", "11", "100.0125", "21", "100.0125", "31", "0.0"}));
-}
-
-// Every exported class once, with shapes that are not exported in between (they take no
-// handle), compared line for line with the file derived by hand.
+// The empty drawing, then every exported class once, with shapes that are not exported in
+// between (they take no handle), compared line for line with the file derived by hand.
 TEST_F(DxfWriter, EveryExportedClassExactly)
 {
+    // An empty drawing is the bare section; every line ends with CR LF, the last one too.
+    EXPECT_EQ(DxfLines(cad.DxfText(false)), Expected().Finish());
+    EXPECT_TRUE(cad.DxfText(false).endsWith("EOF\r\n"));
     Add(TDrawTool::SpLine, {{48, 48}, {192, 96}});
     Add(TDrawTool::SpFreeLine, {{0, 0}, {10, 10}, {20, 0}});
     Add(TDrawTool::SpPolyLine, {{0, 0}, {96, 0}, {96, 96}});
@@ -268,11 +256,8 @@ TEST_F(DxfWriter, FailedSaveKeepsOldFileAndSaysWhy)
 
     QTemporaryDir dir;
     const QString name = dir.filePath("plan.dxf");
-    ASSERT_TRUE(cad.SaveToDxf(name));
+    ASSERT_TRUE(cad.SaveToDxf(name)); // what it writes is the progress test's
     EXPECT_TRUE(cad.LastError().isEmpty());
-    QFile file(name);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(file.readAll(), cad.DxfText(false));
     // A folder in the file's place cannot be replaced: the save fails, the folder stays.
     const QString blocked = dir.filePath("blocked.dxf");
     ASSERT_TRUE(QDir().mkdir(blocked));

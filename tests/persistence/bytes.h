@@ -17,7 +17,6 @@ public:
     Bytes &U32(std::uint32_t v) { return Little(v, 4); }
     Bytes &I64(std::int64_t v) { return Little(std::uint64_t(v), 8); }
     Bytes &U8(std::uint8_t v) { return Little(v, 1); }
-    Bytes &U16(std::uint16_t v) { return Little(v, 2); }
     Bytes &F32(float v) { return Little(std::bit_cast<std::uint32_t>(v), 4); }
     Bytes &F64(double v) { return Little(std::bit_cast<std::uint64_t>(v), 8); }
     // The 10-byte x87 form of a finite, normal value: the significand with its integer bit,
@@ -38,7 +37,6 @@ public:
         m_Bytes.append(bytes);
         return *this;
     }
-    Bytes &Zeros(int count) { return Raw(QByteArray(count, '\0')); }
     // A counted text of Latin-1 characters: the length, then its bytes.
     Bytes &Text(const QByteArray &latin1) { return I32(std::int32_t(latin1.size())).Raw(latin1); }
     // A fixed-width field: the text padded with spaces.

@@ -19,8 +19,6 @@
 #include <map>
 #include <random>
 
-#include <QMetaProperty>
-
 namespace tessal {
 namespace {
 
@@ -36,50 +34,14 @@ std::unique_ptr<T> Make(TMyCAD &cad, const char *className)
     return std::unique_ptr<T>(static_cast<T *>(shape.release()));
 }
 
-// The base fields as FillBaseFields set them, compared one by one.
-void ExpectBaseFields(const TMyShape &s, bool withTail = true)
+// The base fields as FillBaseFields set them, written again in the newest layout: every
+// field up to the pen (the part all layouts share) must be back byte for byte, and the
+// loaded shape must have rebuilt its gradient picture.
+void ExpectBaseFields(const TMyShape &s)
 {
-    EXPECT_EQ(s.Name(), QStringLiteral("Shape7"));
-    EXPECT_EQ(s.ShapeId(), 7);
-    EXPECT_EQ(s.ShapeNo(), 3);
-    EXPECT_EQ(s.LayerId(), 2);
-    EXPECT_EQ(s.ParentNo(), -1);
-    EXPECT_EQ(s.ChildShapes(), (std::vector<std::int32_t>{4, 5}));
-    EXPECT_EQ(s.LinkShapes(), (std::vector<std::int32_t>{9}));
-    EXPECT_EQ(s.Points(), (TMyPointArray{{1.5f, 2}, {10, -3}, {10, 20}, {1.5f, 20}}));
-    EXPECT_EQ(s.LinkPoints(), (TMyPointArray{{5, 5}}));
-    EXPECT_EQ(s.TextPoint(), (TMyPoint{3, 4}));
-    EXPECT_EQ(s.Tag(), 99);
-    EXPECT_NEAR(s.Angle(), std::numbers::pi / 2, 1e-6);
-    EXPECT_EQ(s.Brush().Color, 0x123456u);
-    EXPECT_EQ(s.Brush().Style, TBrushStyle::bsCross);
-    EXPECT_EQ(s.Caption(), QStringLiteral("Cap"));
-    EXPECT_EQ(s.ColorBegin(), 0x0000FFu);
-    EXPECT_EQ(s.ColorEnd(), 0x00FF00u);
-    EXPECT_EQ(s.Font().Name, QStringLiteral("Arial"));
-    EXPECT_EQ(s.Font().Height(), -16);
-    EXPECT_EQ(s.Font().Color, 0x112233u);
-    EXPECT_EQ(s.Font().Pitch, TFontPitch::fpFixed);
-    EXPECT_EQ(s.Font().Style, fsBold | fsUnderline);
-    EXPECT_EQ(s.GradientStyle(), TGradientStyle::gsLinearH);
+    const qsizetype shared = BaseRecord(Layout::XP6).Data().size();
+    EXPECT_EQ(test::Saved(s).left(shared), BaseRecord(Layout::XPj).Data().left(shared));
     EXPECT_FALSE(s.GradientBitmap().IsEmpty());
-    EXPECT_EQ(s.Info(), QStringLiteral("Info"));
-    EXPECT_EQ(s.Pen().Mode, TPenMode::pmXor);
-    EXPECT_EQ(s.Pen().Width, 3);
-    if (!withTail)
-        return;
-    EXPECT_EQ(s.UserData().GetValueByKey("k2"), QStringLiteral("v2"));
-    EXPECT_TRUE(s.IsFlipHorz());
-    EXPECT_FALSE(s.IsFlipVert());
-    EXPECT_EQ(s.MultiInfo(), QStringList({"m1", "m2"}));
-    EXPECT_EQ(s.MultiInfoAlignment(), TAlignment::taCenter);
-    EXPECT_EQ(s.LogHeight(), 12);
-    EXPECT_TRUE(s.LogUse());
-    EXPECT_TRUE(s.Locked());
-    EXPECT_EQ(s.PenStyleEndCapType(), TPenStyleEndCapType::psectFLAT);
-    EXPECT_EQ(s.PenStyleJoinType(), TPenStyleJoinType::psjtMITER);
-    EXPECT_FALSE(s.HotShow());
-    EXPECT_FALSE(s.ResizeEnable());
 }
 
 // Gives the fields a class adds non-default values, neighbours in the record told apart.
@@ -176,7 +138,10 @@ TEST(ShapeRecords, EveryLayoutReadsTheFieldsItHas)
         cad.SetDiskFileVersion(QString::fromLatin1(c.Version));
         auto rect = Make<TMyRectangle>(cad, "TMyRectangle");
         EXPECT_TRUE(test::LoadAll(*rect, BaseRecord(c.Form)));
-        ExpectBaseFields(*rect, c.Form >= Layout::XPj);
+        ExpectBaseFields(*rect);
+        if (c.Form >= Layout::XPj) {
+            EXPECT_EQ(test::Saved(*rect), BaseRecord(Layout::XPj).Data());
+        }
         EXPECT_EQ(rect->UserData().GetCount(), c.Form >= Layout::XP8 ? 2 : 0);
         EXPECT_EQ(rect->IsFlipHorz(), c.Form >= Layout::XP9);
         EXPECT_EQ(rect->MultiInfo().size(), c.Form >= Layout::XPe ? 2 : 0);
@@ -366,8 +331,8 @@ void FillRandomBaseFields(TMyShape &shape, std::mt19937 &random)
 }
 
 // Every class written, read into a fresh shape and written again gives the same bytes: first
-// with the known values, whose base fields and class fields must be back, then with random
-// ones.
+// with the known values, then with random ones. The writer's bytes are exact (the newest
+// layout test), so equal bytes mean the reader restored every field it stores.
 TEST(ShapeRecords, EveryClassWriteReadWriteGivesTheSameBytes)
 {
     TMyCAD cad;
@@ -391,16 +356,6 @@ TEST(ShapeRecords, EveryClassWriteReadWriteGivesTheSameBytes)
             ASSERT_EQ(again, bytes)
                 << "round " << round << ", first difference at " << (differ.first - bytes.begin());
             EXPECT_EQ(copy->Font().Name, original->Font().Name) << round;
-            if (round > 0)
-                continue;
-            ExpectBaseFields(*copy);
-            for (int i = 0; i < copy->MetaObject()->propertyCount(); ++i) {
-                const QMetaProperty p = copy->MetaObject()->property(i);
-                if (p.enclosingMetaObject() != &TMyShape::staticMetaObject) {
-                    EXPECT_EQ(p.readOnGadget(copy.get()), p.readOnGadget(original.get()))
-                        << p.name();
-                }
-            }
         }
     }
 }

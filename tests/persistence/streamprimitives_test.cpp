@@ -92,30 +92,8 @@ TEST(StreamPrimitives, TextFieldsByteForByte)
     EXPECT_THROW(ReadFixedText(shortFixed.Stream, 16), TStreamError);
 }
 
-TEST(StreamPrimitives, BitmapBlocksHoldACountAndABmpImage)
-{
-    Buffer none;
-    EXPECT_TRUE(WriteBitmapBuffer(none.Stream, TBitmap()));
-    EXPECT_EQ(none.Data, QByteArray(8, '\0'));
-
-    // The block is the BMP form's length and the BMP form (whose bytes the bitmap's own
-    // test checks): 54 bytes of headers and a row of two pixels padded to 8 bytes.
-    TBitmap bitmap(2, 1);
-    bitmap.SetPixel(0, 0, clRed);
-    bitmap.SetPixel(1, 0, clBlue);
-    const QByteArray bmp = bitmap.SaveToBmp();
-    ASSERT_EQ(bmp.size(), 62);
-    Buffer out;
-    EXPECT_TRUE(WriteBitmapBuffer(out.Stream, bitmap));
-    EXPECT_EQ(out.Data, Bytes().I64(62).Raw(bmp).Data());
-
-    Buffer in(Bytes().I64(62).Raw(bmp).I32(7));
-    TBitmap read;
-    EXPECT_TRUE(ReadBitmapBuffer(in.Stream, read));
-    EXPECT_EQ(read, bitmap);
-    EXPECT_EQ(in.Stream.ReadInt32(), 7);
-}
-
+// Good bitmap blocks (a count, then the BMP form) are written and read in every shape record
+// test: the empty pattern block of each base record, an image shape's picture.
 TEST(StreamPrimitives, BadBitmapBlocksAnswerFalseWithoutThrowing)
 {
     TBitmap target(3, 3);

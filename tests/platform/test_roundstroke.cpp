@@ -48,11 +48,14 @@ QImage DrawPolyline(const std::vector<TPoint> &points, int width, int size, bool
     });
 }
 
-// Pixels where the image's inking disagrees with the rule for the stroke of points; the first
+// Pixels where the stroke of points, drawn open or closed, disagrees with the rule; the first
 // one is reported with what.
-int Mismatches(const QImage &image, const std::vector<TPoint> &points, int width,
+int Mismatches(std::vector<TPoint> points, int width, int size, bool closed,
                const std::string &what)
 {
+    const QImage image = DrawPolyline(points, width, size, closed);
+    if (closed)
+        points.push_back(points.front());
     int mismatches = 0;
     for (int y = 0; y < image.height(); ++y)
         for (int x = 0; x < image.width(); ++x)
@@ -102,13 +105,8 @@ TEST(RoundStroke, PolylinesAndShortStepsAndStraightRunsFollowThePixelRule)
     std::mt19937 rng(2026);
     int mismatches = 0;
     for (int round = 0; round < 300; ++round) {
-        std::vector<TPoint> points = RandomPolyline(rng, 48);
-        const int width = 2 + round % 6;
-        const bool closed = round % 3 == 0;
-        const QImage image = DrawPolyline(points, width, 48, closed);
-        if (closed)
-            points.push_back(points.front());
-        mismatches += Mismatches(image, points, width, "polyline " + std::to_string(round));
+        mismatches += Mismatches(RandomPolyline(rng, 48), 2 + round % 6, 48, round % 3 == 0,
+                                 "polyline " + std::to_string(round));
     }
     rng.seed(31);
     constexpr int Size = 64;
@@ -127,19 +125,13 @@ TEST(RoundStroke, PolylinesAndShortStepsAndStraightRunsFollowThePixelRule)
             else
                 points.push_back({last.X + step(rng), last.Y + step(rng)});
         }
-        const int width = 2 + round % 18;
-        const bool closed = round % 4 == 0;
-        const QImage image = DrawPolyline(points, width, Size, closed);
-        if (closed)
-            points.push_back(points.front());
-        mismatches += Mismatches(image, points, width, "round " + std::to_string(round));
+        mismatches += Mismatches(points, 2 + round % 18, Size, round % 4 == 0,
+                                 "round " + std::to_string(round));
     }
     // A chain that stays on one point is a disc, closed or not.
     for (int width = 2; width <= 5; ++width)
-        for (const bool closed : {false, true}) {
-            const std::vector<TPoint> dot{{20, 21}, {20, 21}, {20, 21}};
-            mismatches += Mismatches(DrawPolyline(dot, width, Size, closed), dot, width, "dot");
-        }
+        for (const bool closed : {false, true})
+            mismatches += Mismatches({{20, 21}, {20, 21}, {20, 21}}, width, Size, closed, "dot");
     EXPECT_EQ(mismatches, 0);
 }
 
@@ -165,9 +157,8 @@ TEST(RoundStroke, LongSlantedSegmentsFollowThePixelRule)
             for (int i = 0; i < 3; ++i)
                 points.push_back({coord(rng), coord(rng)});
         }
-        const int width = 2 + round % 11;
-        mismatches += Mismatches(DrawPolyline(points, width, Size), points, width,
-                                 "slanted " + std::to_string(round));
+        mismatches +=
+            Mismatches(points, 2 + round % 11, Size, false, "slanted " + std::to_string(round));
     }
     EXPECT_EQ(mismatches, 0);
 }
