@@ -136,11 +136,9 @@ TEST_F(EditorTest, DamagedDxfLeavesTheDrawingUntouched)
     // Cut after the first line: the reader would import that line and stop.
     const QString cut = m_Dir.filePath("cut.dxf");
     ASSERT_TRUE(Write(cut, TwoLines.left(TwoLines.indexOf("0\nLINE", 30))));
-    const QString garbage = m_Dir.filePath("garbage.dxf");
-    ASSERT_TRUE(Write(garbage, "hello world\n"));
+    // The reader's own reasons for refusing are its tests'; here the window's answer.
     const std::pair<QString, const char *> cases[] = {
         {cut, "EOF marker"},
-        {garbage, "not a DXF file"},
         {m_Dir.filePath("missing.dxf"), "missing.dxf"},
     };
     for (const auto &[file, reason] : cases) {
