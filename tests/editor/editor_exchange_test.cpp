@@ -296,9 +296,9 @@ TEST_F(EditorTest, BlocksAndSavesThatFailKeepWhatWasThere)
     DrawRectangle({40, 40}, {120, 90});
     const QString path = m_Dir.filePath("block.tsd");
     ASSERT_TRUE(m_Window->Save(path));
-    const QString name = m_Cad()->GetShapeByNo(0)->Name();
 
-    // A damaged block: the reason, and the drawing as it was (names, layers, unchanged).
+    // A damaged block: the reason, and the drawing as it was (that the surface takes
+    // nothing of a damaged block, byte for byte, is the block reader's test).
     QByteArray damaged = Contents(path);
     damaged.chop(30);
     const QString cut = m_Dir.filePath("cut.tsd");
@@ -309,8 +309,6 @@ TEST_F(EditorTest, BlocksAndSavesThatFailKeepWhatWasThere)
         EXPECT_TRUE(answer.Text().startsWith("cut.tsd cannot be read: "));
     }
     EXPECT_EQ(m_Cad()->GetShapesCount(), 1);
-    EXPECT_EQ(m_Cad()->GetShapeByNo(0)->Name(), name);
-    EXPECT_EQ(m_Cad()->GetLayersCount(), 1);
     EXPECT_FALSE(m_Window->isWindowModified());
 
     // A good one comes in with its layer and is one step to take back.
