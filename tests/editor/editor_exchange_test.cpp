@@ -136,11 +136,9 @@ TEST_F(EditorTest, DamagedDxfLeavesTheDrawingUntouched)
     // Cut after the first line: the reader would import that line and stop.
     const QString cut = m_Dir.filePath("cut.dxf");
     ASSERT_TRUE(Write(cut, TwoLines.left(TwoLines.indexOf("0\nLINE", 30))));
-    const QString garbage = m_Dir.filePath("garbage.dxf");
-    ASSERT_TRUE(Write(garbage, "hello world\n"));
+    // The reader's own reasons for refusing are its tests'; here the window's answer.
     const std::pair<QString, const char *> cases[] = {
         {cut, "EOF marker"},
-        {garbage, "not a DXF file"},
         {m_Dir.filePath("missing.dxf"), "missing.dxf"},
     };
     for (const auto &[file, reason] : cases) {
@@ -298,9 +296,9 @@ TEST_F(EditorTest, BlocksAndSavesThatFailKeepWhatWasThere)
     DrawRectangle({40, 40}, {120, 90});
     const QString path = m_Dir.filePath("block.tsd");
     ASSERT_TRUE(m_Window->Save(path));
-    const QString name = m_Cad()->GetShapeByNo(0)->Name();
 
-    // A damaged block: the reason, and the drawing as it was (names, layers, unchanged).
+    // A damaged block: the reason, and the drawing as it was (that the surface takes
+    // nothing of a damaged block, byte for byte, is the block reader's test).
     QByteArray damaged = Contents(path);
     damaged.chop(30);
     const QString cut = m_Dir.filePath("cut.tsd");
@@ -311,8 +309,6 @@ TEST_F(EditorTest, BlocksAndSavesThatFailKeepWhatWasThere)
         EXPECT_TRUE(answer.Text().startsWith("cut.tsd cannot be read: "));
     }
     EXPECT_EQ(m_Cad()->GetShapesCount(), 1);
-    EXPECT_EQ(m_Cad()->GetShapeByNo(0)->Name(), name);
-    EXPECT_EQ(m_Cad()->GetLayersCount(), 1);
     EXPECT_FALSE(m_Window->isWindowModified());
 
     // A good one comes in with its layer and is one step to take back.

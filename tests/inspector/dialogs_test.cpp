@@ -54,10 +54,10 @@ TEST(InspectorDialogs, PenStringsSetsAndUserDataFromTheGrid)
 
     WhenModal<TPenDialog>([](TPenDialog *d) {
         d->WidthBox()->setValue(3);
-        d->StyleBox()->setCurrentIndex(d->StyleBox()->findText(QStringLiteral("psDash")));
+        d->StyleBox()->setCurrentIndex(d->StyleBox()->findText("psDash"));
         d->accept();
     });
-    PressDots(grid, QStringLiteral("Pen"));
+    PressDots(grid, "Pen");
     EXPECT_EQ(doc.A()->Pen().Width, 3);
     EXPECT_EQ(doc.A()->Pen().Style, TPenStyle::psDash);
     EXPECT_EQ(doc.UndoSteps(), 1u);
@@ -67,33 +67,32 @@ TEST(InspectorDialogs, PenStringsSetsAndUserDataFromTheGrid)
         d->StyleBox()->setCurrentIndex(1);
         d->reject();
     });
-    PressDots(grid, QStringLiteral("Brush"));
+    PressDots(grid, "Brush");
     EXPECT_EQ(doc.A()->Brush().Style, TBrushStyle::bsSolid);
     EXPECT_EQ(doc.UndoSteps(), 1u);
 
     WhenModal<TStringListDialog>([](TStringListDialog *d) {
-        d->Editor()->setPlainText(QStringLiteral("first\nsecond"));
+        d->Editor()->setPlainText("first\nsecond");
         d->accept();
     });
-    PressDots(grid, QStringLiteral("MultiInfo"));
-    EXPECT_EQ(doc.A()->MultiInfo(),
-              (QStringList{QStringLiteral("first"), QStringLiteral("second")}));
+    PressDots(grid, "MultiInfo");
+    EXPECT_EQ(doc.A()->MultiInfo(), (QStringList{"first", "second"}));
 
     WhenModal<TSetDialog>([](TSetDialog *d) {
         d->Box(0)->setChecked(true); // fsBold
         d->Box(2)->setChecked(true); // fsUnderline
         d->accept();
     });
-    PressDots(grid, QStringLiteral("Font/Style"));
+    PressDots(grid, "Font/Style");
     EXPECT_EQ(doc.A()->Font().Style, fsBold | fsUnderline);
-    EXPECT_EQ(Shown(grid, QStringLiteral("Font/Style")), QStringLiteral("[fsBold, fsUnderline]"));
+    EXPECT_EQ(Shown(grid, "Font/Style"), "[fsBold, fsUnderline]");
 
     WhenModal<TUserKeyFrm>([](TUserKeyFrm *d) {
-        d->AppendRow(QStringLiteral("owner"), QStringLiteral("tessal"));
+        d->AppendRow("owner", "tessal");
         d->accept();
     });
-    PressDots(grid, QStringLiteral("UserData"));
-    EXPECT_EQ(doc.A()->UserData().GetValueByKey(QStringLiteral("owner")), QStringLiteral("tessal"));
+    PressDots(grid, "UserData");
+    EXPECT_EQ(doc.A()->UserData().GetValueByKey("owner"), "tessal");
     EXPECT_EQ(doc.UndoSteps(), 4u);
 
     // Each dialog edit is one step: the user data goes first, then the font style.
@@ -107,21 +106,21 @@ TEST(InspectorDialogs, PenStringsSetsAndUserDataFromTheGrid)
 TEST(InspectorDialogs, PictureLoadsPreviewsAndRefusesBadFiles)
 {
     QTemporaryDir dir;
-    const QString good = dir.filePath(QStringLiteral("p.png"));
+    const QString good = dir.filePath("p.png");
     QImage image(40, 20, QImage::Format_RGB32);
     image.fill(Qt::blue);
     ASSERT_TRUE(image.save(good));
-    const QString bad = dir.filePath(QStringLiteral("bad.png"));
+    const QString bad = dir.filePath("bad.png");
     ASSERT_TRUE(WriteFile(bad, "not a picture"));
 
     TPictureDialog dialog{TBitmap()};
-    EXPECT_EQ(dialog.Preview()->text(), QStringLiteral("(none)"));
+    EXPECT_EQ(dialog.Preview()->text(), "(none)");
     ASSERT_TRUE(dialog.LoadFile(good));
     EXPECT_EQ(dialog.Picture().Image().size(), QSize(40, 20));
     EXPECT_EQ(dialog.Picture().Image().pixelColor(3, 3), QColor(Qt::blue));
     EXPECT_FALSE(dialog.Preview()->pixmap().isNull());
     EXPECT_FALSE(dialog.LoadFile(bad));
-    EXPECT_TRUE(dialog.Message()->text().contains(QLatin1String("bad.png")));
+    EXPECT_TRUE(dialog.Message()->text().contains("bad.png"));
     EXPECT_EQ(dialog.Picture().Image().size(), QSize(40, 20));
     dialog.Clear();
     EXPECT_TRUE(dialog.Picture().IsEmpty());
@@ -132,16 +131,15 @@ TEST(InspectorDialogs, PictureLoadsPreviewsAndRefusesBadFiles)
         d->LoadFile(good);
         d->accept();
     });
-    PressDots(doc.Grid(), QStringLiteral("BkBitmap"));
+    PressDots(doc.Grid(), "BkBitmap");
     EXPECT_EQ(doc.Cad->BkBitmap().Image().size(), QSize(40, 20));
-    EXPECT_EQ(Shown(doc.Grid(), QStringLiteral("BkBitmap")), QStringLiteral("40 × 20"));
+    EXPECT_EQ(Shown(doc.Grid(), "BkBitmap"), "40 × 20");
 }
 
 TEST(InspectorDialogs, CollectionAddsRemovesAndReorders)
 {
-    TCollectionDialog dialog(QStringLiteral("Layers"),
-                             {{QStringLiteral("Base"), 1}, {QStringLiteral("Top"), 2}});
-    dialog.AddItem(QStringLiteral("Notes"));
+    TCollectionDialog dialog("Layers", {{"Base", 1}, {"Top", 2}});
+    dialog.AddItem("Notes");
     dialog.List()->setCurrentRow(0);
     dialog.MoveCurrent(1);
     EXPECT_EQ(dialog.List()->currentRow(), 1);
@@ -151,17 +149,16 @@ TEST(InspectorDialogs, CollectionAddsRemovesAndReorders)
     dialog.List()->setCurrentRow(2);
     dialog.RemoveCurrent();
     using TItem = TCollectionDialog::TItem;
-    EXPECT_EQ(dialog.Items(),
-              (std::vector<TItem>{{QStringLiteral("Top"), 2}, {QStringLiteral("Base"), 1}}));
-    dialog.AddItem(QStringLiteral("Notes"));
+    EXPECT_EQ(dialog.Items(), (std::vector<TItem>{{"Top", 2}, {"Base", 1}}));
+    dialog.AddItem("Notes");
     EXPECT_FALSE(dialog.Items().back().Data.isValid());
 }
 
 TEST(InspectorDialogs, MenuEditorKeepsActionsAndTheirConnections)
 {
     QMenu menu;
-    QAction *open = menu.addAction(QStringLiteral("&Open"));
-    QAction *quit = menu.addAction(QStringLiteral("&Quit"));
+    QAction *open = menu.addAction("&Open");
+    QAction *quit = menu.addAction("&Quit");
     int opened = 0;
     QObject::connect(open, &QAction::triggered, [&opened] { ++opened; });
 
@@ -170,18 +167,18 @@ TEST(InspectorDialogs, MenuEditorKeepsActionsAndTheirConnections)
     dialog.List()->setCurrentRow(1);
     dialog.RemoveCurrent(); // Quit
     dialog.AddSeparator();
-    dialog.AddItem(QStringLiteral("&Save"), QStringLiteral("Ctrl+S"));
+    dialog.AddItem("&Save", "Ctrl+S");
     dialog.MoveCurrent(-2); // Save first
     dialog.List()->setCurrentRow(1);
-    dialog.SetCurrentText(QStringLiteral("&Open..."));
+    dialog.SetCurrentText("&Open...");
     dialog.Apply();
 
     const QList<QAction *> actions = menu.actions();
     ASSERT_EQ(actions.size(), 3);
-    EXPECT_EQ(actions[0]->text(), QStringLiteral("&Save"));
-    EXPECT_EQ(actions[0]->shortcut(), QKeySequence(QStringLiteral("Ctrl+S")));
+    EXPECT_EQ(actions[0]->text(), "&Save");
+    EXPECT_EQ(actions[0]->shortcut(), QKeySequence("Ctrl+S"));
     EXPECT_EQ(actions[1], open);
-    EXPECT_EQ(actions[1]->text(), QStringLiteral("&Open..."));
+    EXPECT_EQ(actions[1]->text(), "&Open...");
     EXPECT_TRUE(actions[2]->isSeparator());
     EXPECT_FALSE(menu.findChildren<QAction *>().contains(quit));
     open->trigger();
@@ -191,12 +188,12 @@ TEST(InspectorDialogs, MenuEditorKeepsActionsAndTheirConnections)
 TEST(InspectorDialogs, FontsConvertBothWays)
 {
     TFont font;
-    font.Name = QStringLiteral("DejaVu Sans");
+    font.Name = "DejaVu Sans";
     font.SetSize(14);
     font.Style = fsItalic | fsStrikeOut;
     font.Color = clRed;
     const QFont q = ToQFont(font);
-    EXPECT_EQ(q.family(), QStringLiteral("DejaVu Sans"));
+    EXPECT_EQ(q.family(), "DejaVu Sans");
     EXPECT_EQ(q.pointSize(), 14);
     EXPECT_TRUE(q.italic());
     EXPECT_TRUE(q.strikeOut());
@@ -214,22 +211,22 @@ TEST(InspectorDialogs, FontsConvertBothWays)
 TEST(InspectorDialogs, MenusAreEditedInPlaceFromTheGrid)
 {
     TMenuOwner owner;
-    owner.setObjectName(QStringLiteral("owner"));
-    owner.Popup()->addAction(QStringLiteral("Cut"));
+    owner.setObjectName("owner");
+    owner.Popup()->addAction("Cut");
     TInspectorGrid grid;
     grid.SetShowInherited(true);
     grid.SetObject(&owner);
     grid.resize(300, 400);
     grid.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&grid));
-    EXPECT_EQ(Shown(&grid, QStringLiteral("Popup")), QStringLiteral("(1 item(s))"));
+    EXPECT_EQ(Shown(&grid, "Popup"), "(1 item(s))");
     WhenModal<TMenuEditorDialog>([](TMenuEditorDialog *d) {
-        d->AddItem(QStringLiteral("Paste"));
+        d->AddItem("Paste");
         d->accept();
     });
-    PressDots(&grid, QStringLiteral("Popup"));
+    PressDots(&grid, "Popup");
     ASSERT_EQ(owner.Popup()->actions().size(), 2);
-    EXPECT_EQ(owner.Popup()->actions()[1]->text(), QStringLiteral("Paste"));
+    EXPECT_EQ(owner.Popup()->actions()[1]->text(), "Paste");
 }
 
 TEST(InspectorDialogs, LayersAreEditedWithoutLosingShapes)
@@ -243,18 +240,18 @@ TEST(InspectorDialogs, LayersAreEditedWithoutLosingShapes)
             items.push_back({layer.Name, layer.Id});
     ASSERT_FALSE(items.empty()); // the surface starts with a layer of its own
     const std::int32_t survivor = items.front().Data.toInt();
-    items.front().Name = QStringLiteral("Renamed");
-    items.push_back({QStringLiteral("Added"), {}});
-    items.push_back({QStringLiteral("Renamed"), {}}); // a taken name
+    items.front().Name = "Renamed";
+    items.push_back({"Added", {}});
+    items.push_back({"Renamed", {}}); // a taken name
     const QStringList problems = inspector->ApplyLayers(items);
     ASSERT_EQ(problems.size(), 1);
-    EXPECT_TRUE(problems.front().contains(QLatin1String("Renamed")));
+    EXPECT_TRUE(problems.front().contains("Renamed"));
     // Layer1 went; its three shapes moved onto the layer that stayed.
     EXPECT_EQ(doc.Cad->GetLayerNoById(current), -1);
     EXPECT_EQ(doc.Cad->GetShapesCount(), 3);
     EXPECT_EQ(doc.Cad->GetShapesCountInALayer(survivor), 3);
-    EXPECT_EQ(doc.Cad->GetLayerNameByID(survivor), QStringLiteral("Renamed"));
-    EXPECT_GE(doc.Cad->GetLayerIdByName(QStringLiteral("Added")), 0);
+    EXPECT_EQ(doc.Cad->GetLayerNameByID(survivor), "Renamed");
+    EXPECT_GE(doc.Cad->GetLayerIdByName("Added"), 0);
     // Removing every layer keeps the one with shapes.
     const QStringList last = inspector->ApplyLayers({});
     ASSERT_EQ(last.size(), 1);
@@ -262,11 +259,11 @@ TEST(InspectorDialogs, LayersAreEditedWithoutLosingShapes)
     EXPECT_EQ(doc.Cad->GetLayersCount(), 1);
     // Through the button and the dialog: the tree shows the new layer.
     WhenModal<TCollectionDialog>([](TCollectionDialog *d) {
-        d->AddItem(QStringLiteral("Notes"));
+        d->AddItem("Notes");
         d->accept();
     });
     QTest::mouseClick(inspector->LayersButton(), Qt::LeftButton);
-    EXPECT_GE(doc.Cad->GetLayerIdByName(QStringLiteral("Notes")), 0);
+    EXPECT_GE(doc.Cad->GetLayerIdByName("Notes"), 0);
     EXPECT_EQ(inspector->Tree()->topLevelItemCount(), 2);
 }
 

@@ -18,17 +18,17 @@ TEST(Inspector, KeyAndMouseEditsAreOneUndoStepEach)
     ASSERT_EQ(doc.Cad->WorkingShapes(), std::vector<TMyShape *>{doc.A()});
     EXPECT_TRUE(doc.Grid()->Title()->text().startsWith(doc.A()->Name()));
 
-    TypeInto(doc.Grid(), QStringLiteral("Tag"), QStringLiteral("42"));
+    TypeInto(doc.Grid(), "Tag", "42");
     EXPECT_EQ(doc.A()->Tag(), 42);
     EXPECT_EQ(doc.B()->Tag(), 0);
     ASSERT_EQ(doc.UndoSteps(), 1u) << doc.Grid()->MessageLabel()->text().toStdString();
     EXPECT_EQ(doc.Cad->UndoRedoShapeList().back().Action, ACT_CHANGE);
-    EXPECT_EQ(Shown(doc.Grid(), QStringLiteral("Tag")), QStringLiteral("42"));
+    EXPECT_EQ(Shown(doc.Grid(), "Tag"), "42");
 
     // A nested member through the mouse (a click selects, a second click on the selected
     // value edits it): the pen's width alone changes.
     const TColor colour = doc.A()->Pen().Color;
-    const QModelIndex width = Row(doc.Grid(), QStringLiteral("Pen/Width"));
+    const QModelIndex width = Row(doc.Grid(), "Pen/Width");
     QTreeView *view = doc.Grid()->View();
     view->scrollTo(width);
     QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->visualRect(width).center());
@@ -38,19 +38,18 @@ TEST(Inspector, KeyAndMouseEditsAreOneUndoStepEach)
     auto *line = qobject_cast<QLineEdit *>(view->indexWidget(width));
     ASSERT_TRUE(line);
     QTest::keyClick(line, Qt::Key_A, Qt::ControlModifier);
-    QTest::keyClicks(line, QStringLiteral("5"));
+    QTest::keyClicks(line, "5");
     QTest::keyClick(line, Qt::Key_Return);
     QApplication::processEvents(); // the view commits on its next turn
     EXPECT_EQ(doc.A()->Pen().Width, 5);
     EXPECT_EQ(doc.A()->Pen().Color, colour);
     EXPECT_EQ(doc.UndoSteps(), 2u);
-    EXPECT_EQ(Shown(doc.Grid(), QStringLiteral("Pen")).contains(QLatin1String(", 5,")), true);
+    EXPECT_EQ(Shown(doc.Grid(), "Pen").contains(", 5,"), true);
 
     // An enumeration by name: Down in the combo picks the next value.
-    auto *combo =
-        qobject_cast<QComboBox *>(OpenEditor(doc.Grid(), QStringLiteral("MultiInfoAlignment")));
+    auto *combo = qobject_cast<QComboBox *>(OpenEditor(doc.Grid(), "MultiInfoAlignment"));
     ASSERT_TRUE(combo);
-    EXPECT_EQ(combo->currentText(), QStringLiteral("taLeftJustify"));
+    EXPECT_EQ(combo->currentText(), "taLeftJustify");
     QTest::keyClick(combo, Qt::Key_Down);
     QTest::keyClick(combo, Qt::Key_Return);
     QApplication::processEvents();
@@ -58,7 +57,7 @@ TEST(Inspector, KeyAndMouseEditsAreOneUndoStepEach)
     EXPECT_EQ(doc.UndoSteps(), 3u);
 
     // Writing the value a shape already has records nothing.
-    TypeInto(doc.Grid(), QStringLiteral("Tag"), QStringLiteral("42"));
+    TypeInto(doc.Grid(), "Tag", "42");
     EXPECT_EQ(doc.UndoSteps(), 3u);
 
     // Each step back restores one edit, in reverse order.
@@ -81,35 +80,35 @@ TEST(Inspector, SeveralShapesShowSharedValuesAndTakeEditsTogether)
     doc.ClickShape(doc.B(), Qt::ControlModifier);
     ASSERT_EQ(doc.Cad->WorkingShapes(), (std::vector<TMyShape *>{doc.A(), doc.B()}));
     TInspectorGrid *grid = doc.Grid();
-    const QModelIndex tag = Row(grid, QStringLiteral("Tag"));
+    const QModelIndex tag = Row(grid, "Tag");
     EXPECT_EQ(tag.data().toString(), QString());
     EXPECT_TRUE(tag.data(TPropertyModel::MixedRole).toBool());
-    EXPECT_EQ(Shown(grid, QStringLiteral("Caption")), QString()); // "A" and "B"
-    EXPECT_EQ(Shown(grid, QStringLiteral("Pen/Width")), QStringLiteral("1"));
-    EXPECT_FALSE(Row(grid, QStringLiteral("Locked")).data(TPropertyModel::MixedRole).toBool());
+    EXPECT_EQ(Shown(grid, "Caption"), QString()); // "A" and "B"
+    EXPECT_EQ(Shown(grid, "Pen/Width"), "1");
+    EXPECT_FALSE(Row(grid, "Locked").data(TPropertyModel::MixedRole).toBool());
     // The rectangles' own properties are shared too.
-    EXPECT_TRUE(grid->ViewIndex({QStringLiteral("ShowSideHot")}).isValid());
+    EXPECT_TRUE(grid->ViewIndex({"ShowSideHot"}).isValid());
 
     // Leaving a blank mixed cell blank changes nothing.
-    TypeInto(grid, QStringLiteral("Tag"), QString());
+    TypeInto(grid, "Tag", QString());
     EXPECT_EQ(doc.A()->Tag(), 1);
     EXPECT_EQ(doc.B()->Tag(), 2);
     EXPECT_EQ(doc.UndoSteps(), 0u);
 
-    TypeInto(grid, QStringLiteral("Tag"), QStringLiteral("7"));
+    TypeInto(grid, "Tag", "7");
     EXPECT_EQ(doc.A()->Tag(), 7);
     EXPECT_EQ(doc.B()->Tag(), 7);
     EXPECT_EQ(doc.UndoSteps(), 1u);
-    EXPECT_EQ(Shown(grid, QStringLiteral("Tag")), QStringLiteral("7"));
+    EXPECT_EQ(Shown(grid, "Tag"), "7");
     doc.Cad->PopFromUndoRedoShapeList();
     EXPECT_EQ(doc.A()->Tag(), 1);
     EXPECT_EQ(doc.B()->Tag(), 2);
 
     // A rectangle and a line share only the base properties.
     doc.ClickShape(doc.L(), Qt::ControlModifier);
-    EXPECT_FALSE(grid->ViewIndex({QStringLiteral("ShowSideHot")}).isValid());
-    EXPECT_FALSE(grid->ViewIndex({QStringLiteral("ArrowLength")}).isValid());
-    EXPECT_TRUE(grid->ViewIndex({QStringLiteral("Angle")}).isValid());
+    EXPECT_FALSE(grid->ViewIndex({"ShowSideHot"}).isValid());
+    EXPECT_FALSE(grid->ViewIndex({"ArrowLength"}).isValid());
+    EXPECT_TRUE(grid->ViewIndex({"Angle"}).isValid());
 }
 
 TEST(Inspector, BadValuesAreRefusedWithAVisibleMessage)
@@ -142,15 +141,15 @@ TEST(Inspector, BadValuesAreRefusedWithAVisibleMessage)
     }
     EXPECT_EQ(doc.L()->Tag(), before);
     EXPECT_EQ(doc.L()->Angle(), angle);
-    EXPECT_EQ(Shown(grid, QStringLiteral("ArrowLength")), QStringLiteral("30"));
+    EXPECT_EQ(Shown(grid, "ArrowLength"), "30");
     // A good edit clears the message.
-    TypeInto(grid, QStringLiteral("ArrowLength"), QStringLiteral("255"));
+    TypeInto(grid, "ArrowLength", "255");
     EXPECT_FALSE(message->isVisible());
-    EXPECT_EQ(Shown(grid, QStringLiteral("ArrowLength")), QStringLiteral("255"));
+    EXPECT_EQ(Shown(grid, "ArrowLength"), "255");
 
     // Limits of the surface's own properties: a zoom of 0 would make the page vanish.
     doc.Inspector->Tree()->clearSelection();
-    TypeInto(grid, QStringLiteral("Zoom"), QStringLiteral("0"));
+    TypeInto(grid, "Zoom", "0");
     EXPECT_TRUE(message->isVisible());
     EXPECT_EQ(doc.Cad->Zoom(), 1.0);
 }
@@ -159,39 +158,39 @@ TEST(Inspector, SurfacePropertiesAndNestedObjects)
 {
     TDoc doc;
     TInspectorGrid *grid = doc.Grid();
-    EXPECT_TRUE(grid->Title()->text().contains(QLatin1String("TMyCAD")));
-    TypeInto(grid, QStringLiteral("GridOperation/GridWidth"), QStringLiteral("30"));
+    EXPECT_TRUE(grid->Title()->text().contains("TMyCAD"));
+    TypeInto(grid, "GridOperation/GridWidth", "30");
     EXPECT_EQ(doc.Cad->GridOperation()->GridWidth(), 30.0);
-    TypeInto(grid, QStringLiteral("Zoom"), QStringLiteral("2"));
+    TypeInto(grid, "Zoom", "2");
     EXPECT_EQ(doc.Cad->Zoom(), 2.0);
-    TypeInto(grid, QStringLiteral("PageHead"), QStringLiteral("Title text"));
-    EXPECT_EQ(doc.Cad->PageHead(), QStringLiteral("Title text"));
+    TypeInto(grid, "PageHead", "Title text");
+    EXPECT_EQ(doc.Cad->PageHead(), "Title text");
     // Surface edits are not shape edits: no undo record.
     EXPECT_EQ(doc.UndoSteps(), 0u);
     // Read-only and event rows cannot be edited.
     TPropertyModel *model = grid->Model();
-    EXPECT_FALSE(model->flags(model->IndexOf({QStringLiteral("Version")})) & Qt::ItemIsEditable);
-    EXPECT_FALSE(model->flags(model->IndexOf({QStringLiteral("OnClick")})) & Qt::ItemIsEditable);
-    EXPECT_EQ(Shown(grid, QStringLiteral("Version")), QStringLiteral("2013"));
+    EXPECT_FALSE(model->flags(model->IndexOf({"Version"})) & Qt::ItemIsEditable);
+    EXPECT_FALSE(model->flags(model->IndexOf({"OnClick"})) & Qt::ItemIsEditable);
+    EXPECT_EQ(Shown(grid, "Version"), "2013");
 }
 
 TEST(Inspector, LabelsAreLinkedByNameFromTheOpenWindows)
 {
     TDoc doc;
     auto *status = new QLabel(&doc.Window);
-    status->setObjectName(QStringLiteral("statusXY"));
+    status->setObjectName("statusXY");
     new QLabel(&doc.Window); // unnamed: not offered
     TInspectorGrid *grid = doc.Grid();
-    EXPECT_EQ(Shown(grid, QStringLiteral("LabelXY")), QStringLiteral("(none)"));
-    auto *combo = qobject_cast<QComboBox *>(OpenEditor(grid, QStringLiteral("LabelXY")));
+    EXPECT_EQ(Shown(grid, "LabelXY"), "(none)");
+    auto *combo = qobject_cast<QComboBox *>(OpenEditor(grid, "LabelXY"));
     ASSERT_TRUE(combo);
-    EXPECT_EQ(combo->findText(QStringLiteral("statusXY")), 1);
+    EXPECT_EQ(combo->findText("statusXY"), 1);
     EXPECT_EQ(combo->findText(QString()), -1);
     QTest::keyClick(combo, Qt::Key_Down);
     QTest::keyClick(combo, Qt::Key_Return);
     QApplication::processEvents();
     EXPECT_EQ(doc.Cad->LabelXY(), status);
-    EXPECT_EQ(Shown(grid, QStringLiteral("LabelXY")), QStringLiteral("statusXY"));
+    EXPECT_EQ(Shown(grid, "LabelXY"), "statusXY");
     doc.Cad->SetLabelXY(nullptr);
 }
 
@@ -203,7 +202,7 @@ TEST(Inspector, TreeFollowsTheSurfaceAndGroupMembersEditAlone)
     ASSERT_EQ(tree->topLevelItemCount(), doc.Cad->GetLayersCount());
     const int layer = doc.Cad->GetLayerNoById(doc.Cad->CurrentLayerId());
     QTreeWidgetItem *layerItem = tree->topLevelItem(layer);
-    EXPECT_EQ(layerItem->text(0), QStringLiteral("Layer1"));
+    EXPECT_EQ(layerItem->text(0), "Layer1");
     EXPECT_EQ(layerItem->childCount(), 3);
     EXPECT_EQ(doc.Inspector->ComponentBox()->count(), 4); // surface + three shapes
 
@@ -213,12 +212,12 @@ TEST(Inspector, TreeFollowsTheSurfaceAndGroupMembersEditAlone)
     EXPECT_TRUE(doc.Grid()->Title()->text().startsWith(doc.B()->Name()));
 
     // A new shape appears; a deleted one goes, and the grid does not keep it.
-    const std::int32_t id = doc.Cad->AddShapeByCode2(TDrawTool::SpEllipse, QStringLiteral("E"),
-                                                     {20, 150}, 40, 30, 0, 0, {});
+    const std::int32_t id =
+        doc.Cad->AddShapeByCode2(TDrawTool::SpEllipse, "E", {20, 150}, 40, 30, 0, 0, {});
     EXPECT_TRUE(WaitFor([&] { return doc.Inspector->ItemOf(doc.Cad->GetShapeByID(id)); }));
     doc.Cad->DeleteShapeById(doc.IdB, false);
     EXPECT_TRUE(WaitFor([&] { return tree->topLevelItem(layer)->childCount() == 3; }));
-    EXPECT_FALSE(doc.Grid()->Title()->text().startsWith(QStringLiteral("Shape%1 ").arg(doc.IdB)));
+    EXPECT_FALSE(doc.Grid()->Title()->text().startsWith(QString("Shape%1 ").arg(doc.IdB)));
 
     // Grouped shapes sit under their group; a member is edited on its own while the
     // surface selects its group.
@@ -230,7 +229,7 @@ TEST(Inspector, TreeFollowsTheSurfaceAndGroupMembersEditAlone)
         [&] { return doc.Inspector->ItemOf(g) && doc.Inspector->ItemOf(g)->childCount() == 2; }));
     doc.ClickShape(doc.A());
     EXPECT_EQ(doc.Cad->WorkingShapes(), std::vector<TMyShape *>{g});
-    TypeInto(doc.Grid(), QStringLiteral("Tag"), QStringLiteral("9"));
+    TypeInto(doc.Grid(), "Tag", "9");
     EXPECT_EQ(doc.A()->Tag(), 9);
     EXPECT_EQ(g->Tag(), 0);
     doc.Cad->PopFromUndoRedoShapeList();
@@ -254,10 +253,9 @@ TEST(Inspector, GroupsAndSorting)
     QStringList groups;
     for (int r = 0; r < view->rowCount(); ++r)
         groups << view->index(r, 0).data().toString();
-    EXPECT_EQ(groups, (QStringList{QStringLiteral("TMyShape"), QStringLiteral("Events"),
-                                   QStringLiteral("TMyRectangle")}));
+    EXPECT_EQ(groups, (QStringList{"TMyShape", "Events", "TMyRectangle"}));
     const QModelIndex base = view->index(0, 0);
-    EXPECT_EQ(view->index(0, 0, base).data().toString(), QStringLiteral("Angle"));
+    EXPECT_EQ(view->index(0, 0, base).data().toString(), "Angle");
     grid->SetGrouped(false);
     const int rows = view->rowCount();
     EXPECT_EQ(rows, doc.A()->MetaObject()->propertyCount());
@@ -270,7 +268,7 @@ TEST(Inspector, GroupsAndSorting)
         return a.compare(b, Qt::CaseInsensitive) < 0;
     });
     EXPECT_EQ(names, sorted);
-    EXPECT_EQ(names.back(), QStringLiteral("Visible"));
+    EXPECT_EQ(names.back(), "Visible");
     grid->SetSorted(false);
-    EXPECT_EQ(view->index(rows - 1, 0).data().toString(), QStringLiteral("ShowVerticalSideHot"));
+    EXPECT_EQ(view->index(rows - 1, 0).data().toString(), "ShowVerticalSideHot");
 }

@@ -92,21 +92,17 @@ TEST(RectangleResize, CornerAndSideHandlesOfAnUprightRectangle)
         TMyPoint To;
         TMyPointArray Expected;
     } cases[] = {
-        // Corner 2 to a new place: its neighbours follow on one axis each.
+        // Every handle of turned rectangles is dragged at random below; here exact values
+        // upright. Corner 2 to a new place: its neighbours follow on one axis each.
         {2, {80, 50}, {{20, 20}, {80, 20}, {80, 50}, {20, 50}}},
-        {0, {10, 5}, {{10, 5}, {60, 5}, {60, 40}, {10, 40}}},
-        {3, {30, 70}, {{30, 20}, {60, 20}, {60, 70}, {30, 70}}},
         // Side handles move their side across only; the other coordinate of the mouse is
         // ignored.
         {5, {90, 35}, {{20, 20}, {90, 20}, {90, 40}, {20, 40}}},
         {4, {25, 5}, {{20, 5}, {60, 5}, {60, 40}, {20, 40}}},
-        {6, {55, 60}, {{20, 20}, {60, 20}, {60, 60}, {20, 60}}},
-        {7, {0, 30}, {{0, 20}, {60, 20}, {60, 40}, {0, 40}}},
         // Dragging through the opposite side would turn the rectangle inside out: refused.
         // The side handle's refusal also looks at the free coordinate: the mouse must stay
         // on the handle's side of the opposite corner on both axes.
         {2, {10, 50}, kSame},
-        {0, {70, 10}, kSame},
         {5, {15, 30}, kSame},
         {4, {40, 45}, kSame},
         {5, {90, 45}, kSame},

@@ -16,6 +16,7 @@
 #include <QScrollBar>
 #include <QTest>
 
+#include <algorithm>
 #include <functional>
 
 using namespace tessal;
@@ -108,15 +109,12 @@ TEST(Ruler, PaintsTicksAndTheMarker)
     ASSERT_GT(ticks[1].Pos - ticks[0].Pos, 2);
     EXPECT_EQ(image.pixelColor(gap, bottom), QColor(Qt::white));
     // A major tick spans the whole thickness, a minor one a quarter.
-    const TRulerTick *minor = nullptr;
-    const TRulerTick *major = nullptr;
-    for (const TRulerTick &t : ticks) {
-        if (t.Level == TRulerTick::Minor && !minor)
-            minor = &t;
-        if (t.Level == TRulerTick::Major && !major)
-            major = &t;
-    }
-    ASSERT_TRUE(minor && major);
+    const auto first = [&ticks](TRulerTick::TLevel level) {
+        return std::find_if(ticks.begin(), ticks.end(),
+                            [level](const TRulerTick &t) { return t.Level == level; });
+    };
+    const auto minor = first(TRulerTick::Minor), major = first(TRulerTick::Major);
+    ASSERT_TRUE(minor != ticks.end() && major != ticks.end());
     EXPECT_EQ(major->Pos, 10); // value 0 at the origin
     EXPECT_EQ(image.pixelColor(major->Pos, 2), QColor(Qt::black));
     EXPECT_EQ(image.pixelColor(minor->Pos, 2), QColor(Qt::white));
