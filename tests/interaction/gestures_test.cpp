@@ -2,6 +2,7 @@
 // Selecting, dragging, resizing, rotating and node editing with real mouse events: the
 // selections and events in order, the exact geometry, and undo records per gesture.
 #include "mousehelpers.h"
+#include "surface/rendertestshapes.h"
 
 #include <tessal/geometry/canvasmodes.h>
 #include <tessal/shapes/polyline.h>
@@ -241,6 +242,42 @@ TEST(MouseGestures, RubberBandIsErasedExactly)
     EXPECT_FALSE(SameOnScreen(before, origin, s.cad));
     QTest::keyClick(&s.cad, Qt::Key_Escape);
     EXPECT_TRUE(SameOnScreen(before, origin, s.cad));
+}
+
+// Feedback is drawn over the screen image: while the mouse moves, no shape is drawn again,
+// not even one lying under the moving outline or band; the release repaints the drawing.
+TEST(MouseGestures, FeedbackDrawsNoShapeUntilTheRelease)
+{
+    static int draws = 0;
+    class TCounted : public TFillShape
+    {
+    public:
+        using TFillShape::TFillShape;
+        void Draw(TCanvas &canvas) override
+        {
+            ++draws;
+            TFillShape::Draw(canvas);
+        }
+    };
+    TMouseSurface s;
+    s.cad.AddShape(new TCounted(&s.cad, {100, 100, 200, 160}, 0x0000FF), false, false);
+    s.cad.AddShape(new TCounted(&s.cad, {160, 130, 260, 200}, 0x00FF00), false, false);
+    s.cad.ClearWorkingShapes();
+    const auto gesture = [&](QPoint from, QPoint step) {
+        s.Press(from);
+        QCoreApplication::processEvents();
+        draws = 0;
+        for (int i = 1; i <= 20; ++i) {
+            s.Move(from + step * i);
+            QCoreApplication::processEvents();
+        }
+        EXPECT_EQ(draws, 0);
+        s.Release(from + step * 20);
+        QCoreApplication::processEvents();
+        EXPECT_GT(draws, 0);
+    };
+    gesture({150, 120}, {3, 2});  // selects the blue one and drags it over the green one
+    gesture({120, 220}, {6, -5}); // a band across both
 }
 
 // The drag feedback of many shapes is the picture of their outlines drawn in exclusive-or at
