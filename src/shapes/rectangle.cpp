@@ -112,30 +112,25 @@ TMyPoint TMyRectangle::GetPoint(std::int32_t index) const
         return Points()[std::size_t(index)];
     if (index < 4 || index > 7 || GetPointsCount() < 4)
         return {};
+    return SideMiddles()[std::size_t(index - 4)];
+}
+
+// The middles of the sides, top, right, bottom and left, found on the rectangle turned
+// upright and turned back: one sine and cosine each way for all four.
+std::array<TMyPoint, 4> TMyRectangle::SideMiddles() const
+{
     const TMyPoint c = GetCenterPoint();
     const float a = Angle();
     const TRotation upright(c, -a);
     TMyPoint u[4];
     for (std::size_t i = 0; i < 4; ++i)
         u[i] = upright(Points()[i]);
-    TMyPoint side;
-    switch (index) {
-    case 4:
-        side = {float((double(u[1].X) - u[0].X) / 2 + u[0].X), u[0].Y};
-        break;
-    case 5:
-        side = {u[1].X, float((double(u[2].Y) - u[1].Y) / 2 + u[1].Y)};
-        break;
-    case 6:
-        side = {float((double(u[2].X) - u[3].X) / 2 + u[3].X), u[2].Y};
-        break;
-    default:
-        // The left middle takes its height from the right side; both are the same on an
-        // upright rectangle.
-        side = {u[0].X, float((double(u[2].Y) - u[1].Y) / 2 + u[1].Y)};
-        break;
-    }
-    return RotateAPoint(side, c, a);
+    const float middleY = float((double(u[2].Y) - u[1].Y) / 2 + u[1].Y);
+    const TRotation back(c, a);
+    // The left middle takes its height from the right side; both are the same on an
+    // upright rectangle.
+    return {back({float((double(u[1].X) - u[0].X) / 2 + u[0].X), u[0].Y}), back({u[1].X, middleY}),
+            back({float((double(u[2].X) - u[3].X) / 2 + u[3].X), u[2].Y}), back({u[0].X, middleY})};
 }
 
 // ---- Handles ----
@@ -148,19 +143,20 @@ bool TMyRectangle::SideHandlesInUse() const
            action != TActionTools::dtRotateSelecting;
 }
 
-std::vector<TMyRectangle::THandle> TMyRectangle::HandlesInUse() const
+TMyRectangle::THandles TMyRectangle::HandlesInUse() const
 {
-    std::vector<THandle> handles;
+    THandles handles;
     if (GetPointsCount() < 4)
         return handles;
     for (std::int32_t i = 0; i < 4; ++i)
-        handles.push_back({i, GetPointInZoom(i)});
+        handles.Add(i, ZoomedValuePt(Points()[std::size_t(i)]));
     if (!SideHandlesInUse())
         return handles;
+    const std::array<TMyPoint, 4> sides = SideMiddles();
     for (std::int32_t i = 4; i < 8; ++i) {
         const bool topOrBottom = i == 4 || i == 6;
         if (topOrBottom ? m_ShowVerticalSideHot : m_ShowHorizontalSideHot)
-            handles.push_back({i, GetPointInZoom(i)});
+            handles.Add(i, ZoomedValuePt(sides[std::size_t(i - 4)]));
     }
     return handles;
 }

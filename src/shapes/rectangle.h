@@ -108,8 +108,22 @@ private:
         std::int32_t Number;
         TMyPoint At; // screen
     };
+    // At most the four corners and four side middles, kept in place: the handles are
+    // looked at on every press and hover of the selection.
+    class THandles
+    {
+    public:
+        void Add(std::int32_t number, TMyPoint at) { m_Items[m_Count++] = {number, at}; }
+        const THandle *begin() const { return m_Items.data(); }
+        const THandle *end() const { return m_Items.data() + m_Count; }
+
+    private:
+        std::array<THandle, 8> m_Items{};
+        std::size_t m_Count = 0;
+    };
     // The handles in use, in number order.
-    std::vector<THandle> HandlesInUse() const;
+    THandles HandlesInUse() const;
+    std::array<TMyPoint, 4> SideMiddles() const;
     bool SideHandlesInUse() const;
     // The corners a drag of the current handle to target (document) leaves, or nothing when
     // the drag is refused or there is no such handle.
