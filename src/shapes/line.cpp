@@ -181,9 +181,19 @@ bool TMyLine::IsClickedMe(TCanvas &, TPoint point)
     return IsClickedMeBeforeWhichPoint(index, point);
 }
 
+// Off the axes a segment is hit only within the box of its rounded ends, so such a line
+// reaches no further than its points; the band of a level or upright segment reaches
+// HitBand to its sides. Rounding makes this a matter of the zoom, which the index is built
+// for.
 std::int32_t TMyLine::HitReach() const
 {
-    return HitBand;
+    for (std::int32_t i = 0; i + 1 < GetPointsCount(); ++i) {
+        const TPoint a = MyPtToPt(GetPointInZoom(i));
+        const TPoint b = MyPtToPt(GetPointInZoom(i + 1));
+        if (a.X == b.X || a.Y == b.Y)
+            return HitBand;
+    }
+    return 0;
 }
 
 // ---- Interactive drawing ----

@@ -395,7 +395,16 @@ TEST(ShapeIndex, PressSelectsWhatTheHitTestsChoose)
                 std::vector<TMyPoint> points(n);
                 for (TMyPoint &p : points)
                     p = {at(rng), at(rng)};
-                const double angle = double(rng() % 4) * 35.0;
+                double angle = double(rng() % 4) * 35.0;
+                // Level and upright strokes are hit in a band beside them, slanted ones only
+                // within the box of their ends.
+                const bool stroke = tool == TDrawTool::SpLine || tool == TDrawTool::SpRuleLine ||
+                                    tool == TDrawTool::SpLinkLine ||
+                                    tool == TDrawTool::SpPolyLine || tool == TDrawTool::SpFreeLine;
+                if (stroke && k < 2) {
+                    (k == 0 ? points[1].X : points[1].Y) = k == 0 ? points[0].X : points[0].Y;
+                    angle = 0;
+                }
                 const std::int32_t id =
                     cad.AddShapeByCode(tool, {}, points, angle, QStringLiteral("a\nb"));
                 ASSERT_GE(id, 0) << int(tool);
