@@ -143,6 +143,24 @@ bool TMyRectangle::SideHandlesInUse() const
            action != TActionTools::dtRotateSelecting;
 }
 
+// Every handle lies on the outline, within the box of the corners; a point farther from
+// that box than a handle reaches (with two pixels to spare for rounding) meets none, and
+// most presses and hovers are answered without working out the side middles.
+bool TMyRectangle::NearCorners(TPoint point, std::int32_t margin) const
+{
+    if (GetPointsCount() < 4)
+        return false;
+    TMyPoint low = ZoomedValuePt(Points()[0]), high = low;
+    for (std::size_t i = 1; i < 4; ++i) {
+        const TMyPoint p = ZoomedValuePt(Points()[i]);
+        low = {std::min(low.X, p.X), std::min(low.Y, p.Y)};
+        high = {std::max(high.X, p.X), std::max(high.Y, p.Y)};
+    }
+    const double reach = double(margin) + 2;
+    return point.X >= low.X - reach && point.X <= high.X + reach && point.Y >= low.Y - reach &&
+           point.Y <= high.Y + reach;
+}
+
 TMyRectangle::THandles TMyRectangle::HandlesInUse() const
 {
     THandles handles;
@@ -174,6 +192,8 @@ std::int32_t TMyRectangle::InWhichHot(TPoint point)
 {
     SetCurrentHot(-1);
     const std::int32_t margin = Host()->HotSize();
+    if (!NearCorners(point, margin))
+        return -1;
     // A handle covers HotSize pixels up and left of its rounded position and HotSize - 1
     // down and right, as its square is drawn. No early exit: the highest number wins.
     for (const THandle &h : HandlesInUse()) {

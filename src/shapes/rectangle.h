@@ -123,6 +123,8 @@ private:
     };
     // The handles in use, in number order.
     THandles HandlesInUse() const;
+    // False when point (screen) lies beyond the reach of every handle.
+    bool NearCorners(TPoint point, std::int32_t margin) const;
     std::array<TMyPoint, 4> SideMiddles() const;
     bool SideHandlesInUse() const;
     // The corners a drag of the current handle to target (document) leaves, or nothing when

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <numbers>
+#include <random>
 
 namespace tessal::test {
 namespace {
@@ -48,6 +49,37 @@ TEST(RectangleHandles, HandlesOfAZoomedRotatedRectangle)
     };
     for (auto [x, y, hot] : hots)
         EXPECT_EQ(r->InWhichHot({x, y}), hot) << x << "," << y;
+}
+
+// Random turned rectangles at random zooms and handle sizes, probed all around their
+// handles: the answer is the highest handle whose square holds the point, as the handle
+// points themselves say.
+TEST(RectangleHandles, RandomProbesMeetTheHandleSquares)
+{
+    std::mt19937 rng(5);
+    std::uniform_int_distribution<int> at(20, 300);
+    for (int round = 0; round < 300; ++round) {
+        TClassHost host;
+        host.ZoomValue = 0.3 + double(rng() % 30) / 10;
+        host.HotSizeValue = std::uint8_t(rng() % 9);
+        auto r = DrawnBy<TMyRectangle>(host, {at(rng), at(rng)}, {at(rng), at(rng)});
+        if (r->GetPointsCount() != 4)
+            continue; // both corners on one pixel: nothing drawn
+        r->RotateChangeValueByAngle(r->GetCenterPoint(), double(rng() % 360) * kPi / 180);
+        for (int probe = 0; probe < 60; ++probe) {
+            const TPoint c = MyPtToPt(r->GetPointInZoom(std::int32_t(rng() % 8)));
+            const int reach = host.HotSizeValue + 3;
+            const TPoint p{c.X + int(rng() % (2 * reach + 1)) - reach,
+                           c.Y + int(rng() % (2 * reach + 1)) - reach};
+            std::int32_t expected = -1;
+            for (std::int32_t i = 0; i < 8; ++i) {
+                const TPoint h = MyPtToPt(r->GetPointInZoom(i));
+                if (ExpandRect(PtToARect(h, h), host.HotSizeValue).Contains(p))
+                    expected = i;
+            }
+            ASSERT_EQ(r->InWhichHot(p), expected) << round << ": " << p.X << "," << p.Y;
+        }
+    }
 }
 
 // A 4 x 4 rectangle has all eight handles on top of each other: the highest number in use
