@@ -304,11 +304,14 @@ bool TMyCAD::IsClickedMeforShape(TCanvas &canvas, TMyShape *shape, TPoint point)
     return false;
 }
 
+// A shape without points has no place, so it is inside no region.
 bool TMyCAD::IsInRegion(TPoint p1, TPoint p2, TMyShape *shape) const
 {
     if (!shape)
         return false;
     const TMyShape *root = GetRootParentShape(shape);
+    if (root->GetPointsCount() == 0)
+        return false;
     const double z = m_Zoom;
     const TMyPoint lt = root->GetLeftTop();
     const TMyPoint rb = root->GetRightBottom();

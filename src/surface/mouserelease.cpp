@@ -305,7 +305,11 @@ void TMouseMachine::ReleaseRubberBand()
 {
     m_Feedback.Hide();
     if (m_Now != m_Start) {
-        for (std::int32_t no = 0; no < m_Cad.GetShapesCount(); ++no) {
+        // A shape inside the band has its points there, and the extent the index keeps
+        // holds them: only the shapes near the band are looked at, in list order.
+        const TRect band(std::min(m_Start.X, m_Now.X), std::min(m_Start.Y, m_Now.Y),
+                         std::max(m_Start.X, m_Now.X) + 1, std::max(m_Start.Y, m_Now.Y) + 1);
+        for (const std::int32_t no : m_Cad.IndexedShapesNear(band)) {
             TMyShape *shape = m_Cad.GetShapeByNo(no);
             if (shape->HasParentShape() || !shape->Visible())
                 continue;

@@ -238,18 +238,26 @@ std::vector<std::int32_t> TMyCAD::ShapesInRectLinear(const TRect &rect) const
     return numbers;
 }
 
-std::vector<std::int32_t> TMyCAD::ShapesInRect(const TRect &rect)
+// Sorted: the callers then visit the entries in the order they are stored, and the shapes
+// mostly in the order they were made, which matters when the answer holds tens of thousands
+// of them.
+std::vector<std::int32_t> TMyCAD::IndexedShapesNear(const TRect &rect)
 {
     std::vector<std::int32_t> numbers;
     if (rect.IsEmpty())
         return numbers;
     EnsureIndex();
-    const double z = m_Zoom;
     m_Index->Query(m_Index->QueryBox(rect), numbers);
-    // Sorted first: the tests then visit the entries in the order they are stored, and the
-    // shapes mostly in the order they were made, which matters when the answer holds tens of
-    // thousands of them.
     std::sort(numbers.begin(), numbers.end());
+    return numbers;
+}
+
+std::vector<std::int32_t> TMyCAD::ShapesInRect(const TRect &rect)
+{
+    std::vector<std::int32_t> numbers = IndexedShapesNear(rect);
+    if (numbers.empty())
+        return numbers;
+    const double z = m_Zoom;
     const std::vector<std::int32_t> layers = VisibleLayerIds(m_Layers);
     std::erase_if(numbers, [&](std::int32_t no) {
         const TShapeIndex::TEntry &entry = m_Index->Entry(no);

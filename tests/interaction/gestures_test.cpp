@@ -12,6 +12,9 @@
 
 #include <QStringList>
 
+#include <random>
+#include <span>
+
 namespace tessal::test {
 namespace {
 
@@ -222,6 +225,69 @@ TEST(MouseGestures, BrowseNeverMovesDragWholeMovesAll)
     EXPECT_EQ(whole, 1);
     EXPECT_TRUE(s.cad.UndoRedoShapeList().empty());
     EXPECT_EQ(s.cad.ActionTool(), TActionTools::dtDragWhole);
+}
+
+// A rubber band selects, in list order, the top-level shapes of the layers it may work on
+// that lie wholly inside it, exactly as a plain scan of the list finds them: random bands
+// dragged both ways over random shapes, groups and a second layer, at three zooms.
+TEST(MouseSelecting, RandomBandsSelectWhatAPlainScanFinds)
+{
+    const TDrawTool tools[] = {TDrawTool::SpLine,    TDrawTool::SpPolyLine, TDrawTool::SpRectangle,
+                               TDrawTool::SpEllipse, TDrawTool::SpElliArc,  TDrawTool::SpText};
+    std::mt19937 rng(41);
+    std::uniform_real_distribution<float> at(100, 700);
+    QImage image(1, 1, QImage::Format_RGB32);
+    TCanvas canvas(&image);
+    std::int64_t selected = 0;
+    for (const double zoom : {1.0, 0.45, 1.8}) {
+        TMyCAD cad;
+        cad.SetZoom(zoom);
+        const std::int32_t second = cad.NewLayer("second", true);
+        const std::int32_t first = cad.CurrentLayerId();
+        for (int i = 0; i < 300; ++i) {
+            cad.SetCurrentLayerId(rng() % 4 ? first : second);
+            const TMyPoint a{at(rng), at(rng)};
+            const std::vector<TMyPoint> points{a,
+                                               {a.X + float(rng() % 60), a.Y + float(rng() % 60)},
+                                               {a.X + float(rng() % 40), a.Y + 20}};
+            const TDrawTool tool = tools[rng() % std::size(tools)];
+            const std::size_t n =
+                tool == TDrawTool::SpElliArc || tool == TDrawTool::SpPolyLine ? 3 : 2;
+            cad.AddShapeByCode(tool, {}, std::span(points).first(n), double(rng() % 3) * 30, {});
+        }
+        cad.SetCurrentLayerId(first);
+        for (int g = 0; g < 20; ++g) {
+            TMyShape *members[] = {cad.GetShapeByNo(std::int32_t(rng() % 300)),
+                                   cad.GetShapeByNo(std::int32_t(rng() % 300))};
+            cad.GroupShapes(members, false);
+        }
+        for (int band = 0; band < 200; ++band) {
+            cad.SetOperateAllLayer(band % 3 == 0);
+            // From the empty margin above and left of the shapes, or below and right of them.
+            const int far = int(800 * zoom);
+            const TPoint start = band % 2 ? TPoint{int(rng() % 40), int(rng() % 40)}
+                                          : TPoint{far + int(rng() % 40), far + int(rng() % 40)};
+            const TPoint end{int(rng() % std::uint32_t(far)), int(rng() % std::uint32_t(far))};
+            std::vector<TMyShape *> expected;
+            bool onShape = false;
+            for (std::int32_t no = 0; no < cad.GetShapesCount(); ++no) {
+                TMyShape *shape = cad.GetShapeByNo(no);
+                onShape = onShape || cad.IsClickedMeforShape(canvas, shape, start);
+                if (!shape->HasParentShape() && shape->Visible() &&
+                    (cad.OperateAllLayer() || shape->LayerId() == first) &&
+                    cad.IsInRegion(start, end, shape))
+                    expected.push_back(shape);
+            }
+            if (onShape)
+                continue; // a press there would drag, not draw a band
+            cad.MouseDown(TMouseButton::mbLeft, ssLeft, start.X, start.Y);
+            cad.MouseMove(ssLeft, end.X, end.Y);
+            cad.MouseUp(TMouseButton::mbLeft, 0, end.X, end.Y);
+            ASSERT_EQ(cad.WorkingShapes(), expected) << "zoom " << zoom << ", band " << band;
+            selected += std::int64_t(expected.size());
+        }
+    }
+    EXPECT_GT(selected, 2000);
 }
 
 // A rubber band is drawn over the screen image and erased exactly by Escape. (Drag feedback
