@@ -280,11 +280,18 @@ void TMyCAD::SelectAllWorkingShapes()
     TCanvas *screen = ScreenCanvas();
     if (!screen)
         return;
+    // Handles of shapes outside the screen image would only be clipped away, square by
+    // square.
+    const TRect shown =
+        TRect::FromQRect(QRect(m_ScreenOrigin, m_ScreenImage.deviceIndependentSize().toSize()));
     for (TMyShape *shape : m_WorkingShapes) {
         if (!shape->Visible() || !IsVisibleLayerByID(shape->LayerId()))
             continue;
+        const TRect reach = ShapeScreenRect(shape).Inflated(m_HotSize + 4, m_HotSize + 4);
+        if (!reach.Intersects(shown))
+            continue;
         shape->DrawHot(*screen);
-        ScreenChanged(ShapeScreenRect(shape).Inflated(m_HotSize + 4, m_HotSize + 4));
+        ScreenChanged(reach);
     }
 }
 

@@ -290,6 +290,25 @@ TEST(MouseSelecting, RandomBandsSelectWhatAPlainScanFinds)
     EXPECT_GT(selected, 2000);
 }
 
+// The release of a band shows the handles of what it took at once, as the repaint that
+// follows shows them.
+TEST(MouseSelecting, BandReleaseShowsTheHandlesBeforeTheRepaint)
+{
+    TMouseSurface s;
+    AddRectangle(s.cad, 100, 100, 200, 160);
+    s.cad.ClearWorkingShapes();
+    s.cad.repaint();
+    const QImage before = s.cad.ScreenImage().copy();
+    s.cad.MouseDown(TMouseButton::mbLeft, ssLeft, 50, 50);
+    s.cad.MouseMove(ssLeft, 250, 250);
+    s.cad.MouseUp(TMouseButton::mbLeft, 0, 250, 250);
+    ASSERT_EQ(s.cad.WorkingShapes().size(), 1u);
+    const QImage released = s.cad.ScreenImage().copy();
+    EXPECT_FALSE(SameOnScreen(before, s.cad.ScreenOrigin(), s.cad));
+    s.cad.repaint();
+    EXPECT_TRUE(SameOnScreen(released, s.cad.ScreenOrigin(), s.cad));
+}
+
 // A rubber band is drawn over the screen image and erased exactly by Escape. (Drag feedback
 // erased by Escape: see the connector feedback test below.)
 TEST(MouseGestures, RubberBandIsErasedExactly)
