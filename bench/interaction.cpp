@@ -224,6 +224,77 @@ void BM_SceneDragMove(benchmark::State &state)
     }
 }
 
+// Rubber bands of 400 x 300 pixels over the drawing, each started on paper that no shape
+// takes (on a dense drawing the press would otherwise drag what it hits).
+struct TBand
+{
+    QPoint From, To;
+};
+
+std::vector<TBand> FindBands(TMyCAD &cad)
+{
+    std::mt19937 rng(5);
+    std::uniform_int_distribution<int> at(0, int(PageSide) - 400);
+    std::vector<TBand> bands;
+    while (bands.size() < 64) {
+        const QPoint from(at(rng), at(rng));
+        cad.MouseDown(TMouseButton::mbLeft, ssLeft, from.x(), from.y());
+        cad.MouseUp(TMouseButton::mbLeft, 0, from.x(), from.y());
+        if (cad.WorkingShapes().empty())
+            bands.push_back({from, from + QPoint(rng() % 2 ? 400 : -400, 300)});
+    }
+    return bands;
+}
+
+// Found on the first side that runs, and kept for the other.
+const std::vector<TBand> &BandsOf(const std::vector<TItem> &items, TMyCAD *cad)
+{
+    static std::map<std::size_t, std::vector<TBand>> cache;
+    std::vector<TBand> &bands = cache[items.size()];
+    if (bands.empty()) {
+        std::unique_ptr<TTessalWorld> own;
+        if (!cad) {
+            own = std::make_unique<TTessalWorld>(items);
+            cad = own->cad.get();
+        }
+        bands = FindBands(*cad);
+    }
+    return bands;
+}
+
+void BM_TessalBand(benchmark::State &state)
+{
+    const auto &items = ItemsOf(int(state.range(0)));
+    TTessalWorld world(items);
+    const std::vector<TBand> &bands = BandsOf(items, world.cad.get());
+    std::size_t i = 0, selected = 0;
+    for (auto _ : state) {
+        const TBand &b = bands[i++ % bands.size()];
+        world.cad->MouseDown(TMouseButton::mbLeft, ssLeft, b.From.x(), b.From.y());
+        world.cad->MouseMove(ssLeft, b.To.x(), b.To.y());
+        world.cad->MouseUp(TMouseButton::mbLeft, 0, b.To.x(), b.To.y());
+        selected += world.cad->WorkingShapes().size();
+    }
+    state.counters["selected"] = double(selected) / double(i);
+}
+
+void BM_SceneBand(benchmark::State &state)
+{
+    const auto &items = ItemsOf(int(state.range(0)));
+    const std::vector<TBand> &bands = BandsOf(items, nullptr); // the same bands on both sides
+    TSceneWorld world(items);
+    world.scene->itemAt(QPointF(0, 0), QTransform()); // the BSP tree is built before timing
+    std::size_t i = 0, selected = 0;
+    for (auto _ : state) {
+        const TBand &b = bands[i++ % bands.size()];
+        QPainterPath path;
+        path.addRect(QRectF(b.From, b.To).normalized());
+        world.scene->setSelectionArea(path, Qt::ReplaceSelection, Qt::ContainsItemShape);
+        selected += std::size_t(world.scene->selectedItems().size());
+    }
+    state.counters["selected"] = double(selected) / double(i);
+}
+
 constexpr int Repetitions = 3;
 BENCHMARK(BM_TessalPress)
     ->Arg(100000)
@@ -246,13 +317,17 @@ BENCHMARK(BM_SceneDragMove)
     ->Repetitions(Repetitions)
     ->Unit(benchmark::kMicrosecond);
 
+BENCHMARK(BM_TessalBand)->Arg(1000000)->Repetitions(Repetitions)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_SceneBand)->Arg(1000000)->Repetitions(Repetitions)->Unit(benchmark::kMicrosecond);
+
 // The ratios of the CPU medians of each pair, and the growth of a press from 100k to 1M.
 void PrintRatios(const tessal::bench::TTimesReporter &times)
 {
     const char *pairs[][3] = {{"BM_TessalPress", "BM_ScenePress", "100000"},
                               {"BM_TessalPress", "BM_ScenePress", "1000000"},
                               {"BM_TessalDragMove", "BM_SceneDragMove", "1"},
-                              {"BM_TessalDragMove", "BM_SceneDragMove", "1000"}};
+                              {"BM_TessalDragMove", "BM_SceneDragMove", "1000"},
+                              {"BM_TessalBand", "BM_SceneBand", "1000000"}};
     for (const auto &pair : pairs) {
         const std::string t = std::string(pair[0]) + "/" + pair[2];
         const std::string q = std::string(pair[1]) + "/" + pair[2];
