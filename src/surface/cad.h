@@ -846,8 +846,8 @@ public:
     // Both answer the same.
     std::vector<std::int32_t> ShapesInRect(const TRect &rect);
     std::vector<std::int32_t> ShapesInRectLinear(const TRect &rect) const;
-    // Every shape number whose extent may meet rect (control pixels), group members and
-    // hidden layers included, in list order; the caller applies its own exact test.
+    // Every top-level shape whose extent may meet rect (control pixels), on any layer,
+    // hidden ones included, in list order; the caller applies its own exact test.
     std::vector<std::int32_t> IndexedShapesNear(const TRect &rect);
     // The control pixels that the shape (with its group) can paint.
     TRect ShapeScreenRect(TMyShape *shape) const;
