@@ -248,14 +248,35 @@ TRect TMouseMachine::DrawingRect(TPoint from, TPoint to) const
     return r.Inflated(pad, pad);
 }
 
+bool TMouseMachine::TakesPartInWholeDrag(const TMyShape *shape) const
+{
+    return !shape->HasParentShape() &&
+           (m_Cad.m_OperateAllLayer || shape->LayerId() == m_Cad.m_CurrentLayerId);
+}
+
 std::vector<TMyShape *> TMouseMachine::WholeDragShapes() const
 {
     std::vector<TMyShape *> shapes;
     for (std::int32_t no = 0; no < m_Cad.GetShapesCount(); ++no) {
         TMyShape *shape = m_Cad.GetShapeByNo(no);
-        if (shape->HasParentShape())
-            continue;
-        if (m_Cad.m_OperateAllLayer || shape->LayerId() == m_Cad.m_CurrentLayerId)
+        if (TakesPartInWholeDrag(shape))
+            shapes.push_back(shape);
+    }
+    return shapes;
+}
+
+// The outlines a whole drag from `from` to `to` can show: those of the shapes whose extent,
+// moved by the drag, reaches the screen image (with a few pixels to spare). The others would
+// be clipped away entirely, and on a big drawing they are nearly all.
+std::vector<TMyShape *> TMouseMachine::WholeDragOutlines(TPoint from, TPoint to) const
+{
+    const QRect shown(m_Cad.m_ScreenOrigin, m_Cad.m_ScreenImage.deviceIndependentSize().toSize());
+    const TRect seen =
+        TRect::FromQRect(shown).Translated(from.X - to.X, from.Y - to.Y).Inflated(4, 4);
+    std::vector<TMyShape *> shapes;
+    for (const std::int32_t no : m_Cad.IndexedShapesNear(seen)) {
+        TMyShape *shape = m_Cad.GetShapeByNo(no);
+        if (TakesPartInWholeDrag(shape))
             shapes.push_back(shape);
     }
     return shapes;

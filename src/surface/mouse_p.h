@@ -169,7 +169,9 @@ private:
     TRect WorkingScreenRect() const;
     TRect DrawingRect(TPoint from, TPoint to) const;
     TRect SizingRect(TMyShape *shape, TPoint to) const;
+    bool TakesPartInWholeDrag(const TMyShape *shape) const;
     std::vector<TMyShape *> WholeDragShapes() const;
+    std::vector<TMyShape *> WholeDragOutlines(TPoint from, TPoint to) const;
     void MoveShapes(const std::vector<TMyShape *> &shapes, double dx, double dy);
     void FollowLinks(const std::vector<TMyShape *> &shapes);
     void FireGesture(const std::function<void(TMyShape *, TMyPoint, TMyPoint &)> &handler,

@@ -406,7 +406,7 @@ void TMouseMachine::MoveDragWhole(TPoint p)
     m_Cad.GetMousePointbyDragMode(m_Start, p);
     m_Now = p;
     const TPoint from = m_Start;
-    const std::vector<TMyShape *> shapes = WholeDragShapes();
+    const std::vector<TMyShape *> shapes = WholeDragOutlines(from, p);
     m_Feedback.Show(
         [shapes, from, p](TCanvas &c) {
             SetDragResizeRotateShapeMode(c);

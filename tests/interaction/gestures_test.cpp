@@ -227,6 +227,49 @@ TEST(MouseGestures, BrowseNeverMovesDragWholeMovesAll)
     EXPECT_EQ(s.cad.ActionTool(), TActionTools::dtDragWhole);
 }
 
+// The whole-drawing drag shows the outline of every shape of the layer moved by the drag, as
+// drawn in exclusive-or: shapes beyond the screen that the drag brings in are shown, shapes
+// it takes out are not, and shapes of another layer never.
+TEST(MouseGestures, WholeDragFeedbackEqualsEveryOutlineDrawnInXor)
+{
+    TMouseSurface s;
+    std::mt19937 rng(9);
+    std::uniform_real_distribution<float> at(0, 1500);
+    const std::int32_t first = s.cad.CurrentLayerId();
+    const std::int32_t second = s.cad.NewLayer("second", true);
+    const TDrawTool tools[] = {TDrawTool::SpRectangle, TDrawTool::SpEllipse, TDrawTool::SpPolyLine,
+                               TDrawTool::SpElliArc};
+    for (int i = 0; i < 200; ++i) {
+        s.cad.SetCurrentLayerId(i % 5 ? first : second);
+        const TMyPoint a{at(rng), at(rng)};
+        AddByCode(s.cad, tools[i % 4], {a, {a.X + 60, a.Y + 25}, {a.X + 20, a.Y + 50}});
+    }
+    s.cad.SetCurrentLayerId(first);
+    s.cad.SetOperateAllLayer(false);
+    s.cad.ClearWorkingShapes();
+    s.cad.SetShapeTool(TDrawTool::SpDragWhole);
+    s.cad.repaint();
+    QImage expected = s.cad.ScreenImage().copy();
+    const QPoint origin = s.cad.ScreenOrigin();
+    const QPoint from{400, 300}, to{40, 20};
+    s.Press(from);
+    s.Move({200, 200});
+    s.Move(to);
+    {
+        TCanvas canvas(&expected);
+        canvas.SetOrigin(ToTPoint(origin));
+        SetDragResizeRotateShapeMode(canvas);
+        for (std::int32_t no = 0; no < s.cad.GetShapesCount(); ++no) {
+            TMyShape *shape = s.cad.GetShapeByNo(no);
+            if (!shape->HasParentShape() && shape->LayerId() == first)
+                shape->Draging(canvas, ToTPoint(from), ToTPoint(to));
+        }
+        canvas.Flush();
+    }
+    EXPECT_TRUE(SameOnScreen(expected, origin, s.cad));
+    QTest::keyClick(&s.cad, Qt::Key_Escape);
+}
+
 // A rubber band selects, in list order, the top-level shapes of the layers it may work on
 // that lie wholly inside it, exactly as a plain scan of the list finds them: random bands
 // dragged both ways over random shapes, groups and a second layer, at three zooms.
