@@ -17,6 +17,7 @@
 #include <QGraphicsRectItem>
 #include <QGraphicsScene>
 #include <QGraphicsView>
+#include <QScrollBar>
 
 #include <algorithm>
 #include <cstdio>
@@ -224,6 +225,38 @@ void BM_SceneDragMove(benchmark::State &state)
     }
 }
 
+// A move of the whole-drawing drag: the outlines of the drawing follow the mouse, as the
+// view of a scene follows its scroll bars.
+void BM_TessalWholeDragMove(benchmark::State &state)
+{
+    const auto &items = ItemsOf(int(state.range(0)));
+    TTessalWorld world(items);
+    world.cad->SetShapeTool(TDrawTool::SpDragWhole);
+    world.cad->repaint();
+    world.cad->MouseDown(TMouseButton::mbLeft, ssLeft, 900, 500);
+    int step = 0;
+    for (auto _ : state) {
+        const int d = 5 + (step++ % 20);
+        world.cad->MouseMove(ssLeft, 900 - 4 * d, 500 - 3 * d);
+        QCoreApplication::processEvents(); // the touched rectangles are shown
+    }
+    world.cad->CancelGesture();
+}
+
+void BM_SceneWholeDragMove(benchmark::State &state)
+{
+    const auto &items = ItemsOf(int(state.range(0)));
+    TSceneWorld world(items);
+    QCoreApplication::processEvents();
+    int step = 0;
+    for (auto _ : state) {
+        const int d = 5 + (step++ % 20);
+        world.view->horizontalScrollBar()->setValue(4 * d);
+        world.view->verticalScrollBar()->setValue(3 * d);
+        QCoreApplication::processEvents(); // the view repaints what scrolled in
+    }
+}
+
 // Rubber bands of 400 x 300 pixels over the drawing, each started on paper that no shape
 // takes (on a dense drawing the press would otherwise drag what it hits).
 struct TBand
@@ -317,6 +350,14 @@ BENCHMARK(BM_SceneDragMove)
     ->Repetitions(Repetitions)
     ->Unit(benchmark::kMicrosecond);
 
+BENCHMARK(BM_TessalWholeDragMove)
+    ->Arg(1000000)
+    ->Repetitions(Repetitions)
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_SceneWholeDragMove)
+    ->Arg(1000000)
+    ->Repetitions(Repetitions)
+    ->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_TessalBand)->Arg(1000000)->Repetitions(Repetitions)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_SceneBand)->Arg(1000000)->Repetitions(Repetitions)->Unit(benchmark::kMicrosecond);
 
@@ -327,6 +368,7 @@ void PrintRatios(const tessal::bench::TTimesReporter &times)
                               {"BM_TessalPress", "BM_ScenePress", "1000000"},
                               {"BM_TessalDragMove", "BM_SceneDragMove", "1"},
                               {"BM_TessalDragMove", "BM_SceneDragMove", "1000"},
+                              {"BM_TessalWholeDragMove", "BM_SceneWholeDragMove", "1000000"},
                               {"BM_TessalBand", "BM_SceneBand", "1000000"}};
     for (const auto &pair : pairs) {
         const std::string t = std::string(pair[0]) + "/" + pair[2];
