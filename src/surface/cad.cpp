@@ -181,7 +181,7 @@ void TMyCAD::EnsureScreenImage(const QRect &need)
         m_ScreenImage = QImage();
         return;
     }
-    const QRect current(m_ScreenOrigin, m_ScreenImage.deviceIndependentSize().toSize());
+    const QRect current = ScreenImageRect();
     if (!m_ScreenImage.isNull() && m_ScreenImage.devicePixelRatio() == dpr &&
         KeepsScreenImage(current, area))
         return;
@@ -228,7 +228,7 @@ void TMyCAD::paintEvent(QPaintEvent *event)
         m_ScreenCanvas->Flush();
     QPainter painter(this);
     const qreal dpr = m_ScreenImage.devicePixelRatio();
-    const QRect shown(m_ScreenOrigin, m_ScreenImage.deviceIndependentSize().toSize());
+    const QRect shown = ScreenImageRect();
     for (const QRect &exposed : event->region()) {
         const QRect r = exposed & shown;
         painter.drawImage(

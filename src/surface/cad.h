@@ -806,6 +806,11 @@ public:
     // screen. Empty before the first paint or resize.
     const QImage &ScreenImage() const { return m_ScreenImage; }
     QPoint ScreenOrigin() const { return m_ScreenOrigin; }
+    // The control pixels the screen image holds.
+    QRect ScreenImageRect() const
+    {
+        return {m_ScreenOrigin, m_ScreenImage.deviceIndependentSize().toSize()};
+    }
     QSize sizeHint() const override;
 
     // ---- Rendering ----

@@ -270,9 +270,9 @@ std::vector<TMyShape *> TMouseMachine::WholeDragShapes() const
 // be clipped away entirely, and on a big drawing they are nearly all.
 std::vector<TMyShape *> TMouseMachine::WholeDragOutlines(TPoint from, TPoint to) const
 {
-    const QRect shown(m_Cad.m_ScreenOrigin, m_Cad.m_ScreenImage.deviceIndependentSize().toSize());
-    const TRect seen =
-        TRect::FromQRect(shown).Translated(from.X - to.X, from.Y - to.Y).Inflated(4, 4);
+    const TRect seen = TRect::FromQRect(m_Cad.ScreenImageRect())
+                           .Translated(from.X - to.X, from.Y - to.Y)
+                           .Inflated(4, 4);
     std::vector<TMyShape *> shapes;
     for (const std::int32_t no : m_Cad.IndexedShapesNear(seen)) {
         TMyShape *shape = m_Cad.GetShapeByNo(no);

@@ -282,8 +282,7 @@ void TMyCAD::SelectAllWorkingShapes()
         return;
     // Handles of shapes outside the screen image would only be clipped away, square by
     // square.
-    const TRect shown =
-        TRect::FromQRect(QRect(m_ScreenOrigin, m_ScreenImage.deviceIndependentSize().toSize()));
+    const TRect shown = TRect::FromQRect(ScreenImageRect());
     for (TMyShape *shape : m_WorkingShapes) {
         if (!shape->Visible() || !IsVisibleLayerByID(shape->LayerId()))
             continue;

@@ -36,7 +36,7 @@ void TMyCAD::Paint(const TRect &clip)
         return;
     m_Busy = true;
     // Only what the screen image holds is composed; the rest stays dirty until it is shown.
-    const QRect shown(m_ScreenOrigin, m_ScreenImage.deviceIndependentSize().toSize());
+    const QRect shown = ScreenImageRect();
     const TRect visible = TRect::FromQRect(shown);
     const TRect area =
         m_Mouse->Feedback().Recomposing(clip.Intersected(visible)).Intersected(visible);
