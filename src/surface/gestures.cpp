@@ -4,6 +4,7 @@
 #include <tessal/surface/cad.h>
 #include <tessal/surface/mouse_p.h>
 #include <tessal/surface/pointrule_p.h>
+#include <tessal/surface/xortiles_p.h>
 
 #include <tessal/geometry/canvasmodes.h>
 #include <tessal/geometry/geometry.h>
@@ -265,16 +266,13 @@ std::vector<TMyShape *> TMouseMachine::WholeDragShapes() const
     return shapes;
 }
 
-// The outlines a whole drag from `from` to `to` can show: those of the shapes whose extent,
-// moved by the drag, reaches the screen image (with a few pixels to spare). The others would
-// be clipped away entirely, and on a big drawing they are nearly all.
-std::vector<TMyShape *> TMouseMachine::WholeDragOutlines(TPoint from, TPoint to) const
+// The shapes whose outlines, at rest, can show in area: those of the shapes taking part in a
+// whole drag whose extent reaches it. The index finds them; on a big drawing all the others
+// would be clipped away entirely.
+std::vector<TMyShape *> TMouseMachine::WholeDragOutlines(const TRect &area) const
 {
-    const TRect seen = TRect::FromQRect(m_Cad.ScreenImageRect())
-                           .Translated(from.X - to.X, from.Y - to.Y)
-                           .Inflated(4, 4);
     std::vector<TMyShape *> shapes;
-    for (const std::int32_t no : m_Cad.IndexedShapesNear(seen)) {
+    for (const std::int32_t no : m_Cad.IndexedShapesNear(area)) {
         TMyShape *shape = m_Cad.GetShapeByNo(no);
         if (TakesPartInWholeDrag(shape))
             shapes.push_back(shape);
@@ -316,6 +314,7 @@ void TMouseMachine::ForgetDragPicture()
 {
     m_DragPicture.reset();
     m_DragPictureTried = false;
+    m_WholeDragPicture.reset();
 }
 
 void TMouseMachine::ToolChanged()
@@ -327,10 +326,11 @@ void TMouseMachine::ToolChanged()
 }
 
 // Called before the shape goes: the feedback may show it and is erased while it still can
-// be drawn.
+// be drawn. A whole drag shows every shape of the layer.
 void TMouseMachine::Forget(const TMyShape *shape)
 {
-    const bool involved = shape == m_Cad.m_CurrentShape || m_Cad.IsWorkingShape(shape);
+    const bool involved = shape == m_Cad.m_CurrentShape || m_Cad.IsWorkingShape(shape) ||
+                          m_Cad.m_ActionTool == TActionTools::dtDragWhole;
     if (m_Down && involved && m_Cad.m_ActionTool != TActionTools::dtDrawing)
         Cancel();
     if (m_Child == shape)

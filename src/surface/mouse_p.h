@@ -23,6 +23,7 @@ class TMyCAD;
 class TMyShape;
 class TMyLinkLine;
 class TXorPicture;
+class TXorTiles;
 
 // Applies f to shape and, depth first, to its members; the bound stops a corrupt child list
 // that leads back to an ancestor.
@@ -126,6 +127,7 @@ private:
     void MoveTextPoint(TPoint p);
     void MoveRotating(TPoint p);
     void MoveDragWhole(TPoint p);
+    TXorTiles *WholeDragPicture();
 
     // Release (mouserelease.cpp).
     bool ReleaseChild();
@@ -171,7 +173,7 @@ private:
     TRect SizingRect(TMyShape *shape, TPoint to) const;
     bool TakesPartInWholeDrag(const TMyShape *shape) const;
     std::vector<TMyShape *> WholeDragShapes() const;
-    std::vector<TMyShape *> WholeDragOutlines(TPoint from, TPoint to) const;
+    std::vector<TMyShape *> WholeDragOutlines(const TRect &area) const;
     void MoveShapes(const std::vector<TMyShape *> &shapes, double dx, double dy);
     void FollowLinks(const std::vector<TMyShape *> &shapes);
     void FireGesture(const std::function<void(TMyShape *, TMyPoint, TMyPoint &)> &handler,
@@ -194,6 +196,8 @@ private:
     std::vector<TLiveLink> m_LiveLinks;
     std::shared_ptr<const TXorPicture> m_DragPicture;
     bool m_DragPictureTried = false;
+    // The outlines of a whole drag, drawn as the drag brings them into view.
+    std::unique_ptr<TXorTiles> m_WholeDragPicture;
     bool m_LiveLinksCollected = false;
     QImage m_ScratchImage;
     std::unique_ptr<TCanvas> m_Scratch;

@@ -4,6 +4,7 @@
 #include <tessal/surface/cad.h>
 #include <tessal/surface/mouse_p.h>
 #include <tessal/surface/xorpicture_p.h>
+#include <tessal/surface/xortiles_p.h>
 
 #include <tessal/geometry/canvasmodes.h>
 #include <tessal/geometry/geometry.h>
@@ -406,14 +407,47 @@ void TMouseMachine::MoveDragWhole(TPoint p)
     m_Cad.GetMousePointbyDragMode(m_Start, p);
     m_Now = p;
     const TPoint from = m_Start;
-    const std::vector<TMyShape *> shapes = WholeDragOutlines(from, p);
+    const TRect screen(0, 0, m_Cad.width(), m_Cad.height());
+    const TPoint offset{p.X - from.X, p.Y - from.Y};
+    const TRect seen = TRect::FromQRect(m_Cad.ScreenImageRect()).Translated(-offset.X, -offset.Y);
+    if (TXorTiles *picture = WholeDragPicture()) {
+        m_Feedback.Show(
+            [tiles = picture->Tiles(seen), offset](TCanvas &c) {
+                if (!c.Target())
+                    return;
+                c.Flush(); // the image is written directly
+                for (const auto &tile : tiles)
+                    tile->XorInto(*c.Target(), c.Origin(), offset);
+            },
+            screen);
+        return;
+    }
+    const std::vector<TMyShape *> shapes = WholeDragOutlines(seen.Inflated(4, 4));
     m_Feedback.Show(
         [shapes, from, p](TCanvas &c) {
             SetDragResizeRotateShapeMode(c);
             for (TMyShape *shape : shapes)
                 shape->Draging(c, from, p);
         },
-        TRect(0, 0, m_Cad.width(), m_Cad.height()));
+        screen);
+}
+
+// The outlines of the shapes taking part, drawn at rest tile by tile as the drag brings them
+// into view. Moved by whole pixels they are the same pixels, so each move lays the tiles in
+// view instead of drawing every outline there again. Nothing on a screen whose device pixels
+// have another size; the outlines are drawn then.
+TXorTiles *TMouseMachine::WholeDragPicture()
+{
+    if (m_Cad.m_ScreenImage.isNull() || m_Cad.m_ScreenImage.devicePixelRatio() != 1.0)
+        return nullptr;
+    if (!m_WholeDragPicture) {
+        m_WholeDragPicture = std::make_unique<TXorTiles>([this](TCanvas &c, const TRect &tile) {
+            SetDragResizeRotateShapeMode(c);
+            for (TMyShape *shape : WholeDragOutlines(tile.Inflated(4, 4)))
+                shape->Draging(c, m_Start, m_Start);
+        });
+    }
+    return m_WholeDragPicture.get();
 }
 
 } // namespace tessal

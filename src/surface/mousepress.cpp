@@ -3,6 +3,7 @@
 // choice of what a selecting press takes hold of (a handle, a selected body, a new shape).
 #include <tessal/surface/cad.h>
 #include <tessal/surface/mouse_p.h>
+#include <tessal/surface/xortiles_p.h>
 
 #include <tessal/geometry/canvasmodes.h>
 #include <tessal/geometry/geometry.h>

@@ -227,10 +227,12 @@ TEST(MouseGestures, BrowseNeverMovesDragWholeMovesAll)
     EXPECT_EQ(s.cad.ActionTool(), TActionTools::dtDragWhole);
 }
 
-// The whole-drawing drag shows the outline of every shape of the layer moved by the drag, as
-// drawn in exclusive-or: shapes beyond the screen that the drag brings in are shown, shapes
-// it takes out are not, and shapes of another layer never.
-TEST(MouseGestures, WholeDragFeedbackEqualsEveryOutlineDrawnInXor)
+// The whole-drawing drag shows the outlines of the layer's shapes at rest, moved as one
+// picture by the drag and laid over the screen in exclusive-or: shapes beyond the screen that
+// the drag brings in are shown, shapes it takes out are not, shapes of another layer never,
+// and the dots of an outline do not shift where the screen or the feedback's own tiles cut
+// it. Moves far out and back, then Escape, leave the screen as it was.
+TEST(MouseGestures, WholeDragShowsTheOutlinesAtRestMovedAsOnePicture)
 {
     TMouseSurface s;
     std::mt19937 rng(9);
@@ -249,25 +251,46 @@ TEST(MouseGestures, WholeDragFeedbackEqualsEveryOutlineDrawnInXor)
     s.cad.ClearWorkingShapes();
     s.cad.SetShapeTool(TDrawTool::SpDragWhole);
     s.cad.repaint();
-    QImage expected = s.cad.ScreenImage().copy();
+    const QImage before = s.cad.ScreenImage().copy();
     const QPoint origin = s.cad.ScreenOrigin();
-    const QPoint from{400, 300}, to{40, 20};
-    s.Press(from);
-    s.Move({200, 200});
-    s.Move(to);
+    // Every outline at rest, on one picture large enough to cut none of them.
+    const QPoint corner{-100, -100};
+    QImage rest(1800, 1800, QImage::Format_RGB32);
+    rest.fill(Qt::black);
     {
-        TCanvas canvas(&expected);
-        canvas.SetOrigin(ToTPoint(origin));
+        TCanvas canvas(&rest);
+        canvas.SetOrigin(ToTPoint(corner));
         SetDragResizeRotateShapeMode(canvas);
         for (std::int32_t no = 0; no < s.cad.GetShapesCount(); ++no) {
             TMyShape *shape = s.cad.GetShapeByNo(no);
             if (!shape->HasParentShape() && shape->LayerId() == first)
-                shape->Draging(canvas, ToTPoint(from), ToTPoint(to));
+                shape->Draging(canvas, {0, 0}, {0, 0});
         }
         canvas.Flush();
     }
-    EXPECT_TRUE(SameOnScreen(expected, origin, s.cad));
+    const QPoint from{400, 300};
+    s.Press(from);
+    for (const QPoint to :
+         {QPoint{200, 200}, QPoint{40, 20}, QPoint{790, 1110}, QPoint{5, 8}, QPoint{440, 330}}) {
+        s.Move(to);
+        QImage expected = before.copy();
+        for (int y = 0; y < expected.height(); ++y)
+            for (int x = 0; x < expected.width(); ++x) {
+                const QPoint at = QPoint(x, y) + origin - (to - from) - corner;
+                if (rest.rect().contains(at))
+                    expected.setPixel(x, y, expected.pixel(x, y) ^ (rest.pixel(at) & 0xFFFFFF));
+            }
+        EXPECT_TRUE(SameOnScreen(expected, origin, s.cad)) << to.x() << ", " << to.y();
+    }
     QTest::keyClick(&s.cad, Qt::Key_Escape);
+    EXPECT_TRUE(SameOnScreen(before, origin, s.cad));
+    // A shape deleted by code during the drag ends it, its outline erased with the others.
+    s.Press(from);
+    s.Move({300, 250});
+    s.cad.DeleteShapeById(s.cad.GetShapeByNo(0)->ShapeId(), false);
+    s.Move({200, 150});
+    EXPECT_FALSE(s.cad.IsMouseDown());
+    EXPECT_TRUE(SameOnScreen(before, origin, s.cad));
 }
 
 // A rubber band selects, in list order, the top-level shapes of the layers it may work on
