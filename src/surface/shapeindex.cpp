@@ -53,6 +53,14 @@ public:
         return m_Extent;
     }
 
+    // The hit reach of a shape whose extent follows the zoom in its reach alone: a line of
+    // its own, with points.
+    static std::int16_t ReachOf(const TMyShape &shape)
+    {
+        const std::int32_t reach = shape.HitReach();
+        return std::int16_t(reach < 0 || reach > 1000 ? -1 : reach);
+    }
+
 private:
     void Add(TMyShape *shape, std::int32_t depth);
     void AddPoint(TMyPoint p);
@@ -62,6 +70,7 @@ private:
     void AddInfoText(TMyShape *shape);
     void AddTextShapeLines(const TMyText &text);
     void AddPad(std::int32_t pad) { m_Extent.Pad = std::max(m_Extent.Pad, pad); }
+    void Follows(TZoomRule rule) { m_Extent.Zoomed = std::max(m_Extent.Zoomed, rule); }
 
     const TMyCAD &m_Cad;
     TTextMeasure &m_Measure;
@@ -119,6 +128,7 @@ void TExtentBuilder::Add(TMyShape *shape, std::int32_t depth)
         const double z = m_Cad.Zoom();
         for (const TMyPoint p : arc->OutlineInZoom())
             AddHitPoint({float(p.X / z), float(p.Y / z)});
+        Follows(TZoomRule::Measure);
     }
     AddHitReach(shape->HitReach());
     AddPad(2 * std::max(shape->Pen().Width, 1) + 2);
@@ -126,14 +136,21 @@ void TExtentBuilder::Add(TMyShape *shape, std::int32_t depth)
         AddPoint(shape->GetLinkPoint(i));
     if (shape->GetLinkPointsCount() > 0)
         AddPad(4);
-    if (const auto *line = dynamic_cast<const TMyLine *>(shape);
-        line && line->ArrowStyle() != TArrowStyle::ANone) {
-        // The zoomed side of a head is carried in a byte.
-        AddPad(std::int32_t(std::uint8_t(std::nearbyint(m_Cad.Zoom() * line->ArrowLength()))) + 2);
+    if (const auto *line = dynamic_cast<const TMyLine *>(shape)) {
+        // A line among others would need the walk again to find the group's reach.
+        Follows(depth == 0 && shape->ChildShapes().empty() ? TZoomRule::Reach : TZoomRule::Measure);
+        if (line->ArrowStyle() != TArrowStyle::ANone) {
+            // The zoomed side of a head is carried in a byte.
+            AddPad(std::int32_t(std::uint8_t(std::nearbyint(m_Cad.Zoom() * line->ArrowLength()))) +
+                   2);
+            Follows(TZoomRule::Measure);
+        }
     }
     AddInfoText(shape);
-    if (const auto *text = dynamic_cast<const TMyText *>(shape))
+    if (const auto *text = dynamic_cast<const TMyText *>(shape)) {
         AddTextShapeLines(*text);
+        Follows(TZoomRule::Measure);
+    }
     for (const std::int32_t no : shape->ChildShapes())
         Add(m_Cad.GetShapeByNo(no), depth + 1);
 }
@@ -161,6 +178,7 @@ void TExtentBuilder::AddInfoText(TMyShape *shape)
     AddPoint({float(left / z), float(top / z)});
     AddPoint({float((left + w) / z), float((top + h) / z)});
     AddPad(3);
+    Follows(TZoomRule::Measure);
 }
 
 // A text shape's lines may run beyond its rectangle. Wherever the alignments put the block
@@ -211,6 +229,39 @@ bool Contains(const std::vector<std::int32_t> &sorted, std::int32_t id)
 bool IsConnector(const TMyShape *shape)
 {
     return dynamic_cast<const TMyLineLinkLine *>(shape) != nullptr;
+}
+
+// A zoom change keeps the tree: only the extents that follow the zoom are worked out again,
+// and those whose box moved are replaced in the tree. When many move, the index is marked
+// stale: a rebuild is cheaper then, and makes a tighter tree.
+void FollowZoom(TShapeIndex &index, TExtentBuilder &builder,
+                const std::vector<std::unique_ptr<TMyShape>> &shapes)
+{
+    std::int32_t moved = 0;
+    const std::int32_t count = index.Count();
+    for (std::int32_t no = 0; no < count; ++no) {
+        const TShapeIndex::TEntry &entry = index.Entry(no);
+        TShapeExtent extent = entry.Extent;
+        if (extent.Zoomed == TZoomRule::Reach) {
+            extent.HitReach = TExtentBuilder::ReachOf(*entry.Shape);
+            index.SetExtentInPlace(no, extent);
+            continue;
+        }
+        if (extent.Zoomed != TZoomRule::Measure)
+            continue;
+        TMyShape *shape = shapes[std::size_t(no)].get();
+        extent = builder.Of(shape);
+        extent.Indexed = extent.Indexed && shape->ParentNo() == -1;
+        const TShapeExtent &old = entry.Extent;
+        if (extent.Box == old.Box && extent.Pad == old.Pad && extent.Indexed == old.Indexed) {
+            index.SetExtentInPlace(no, extent);
+        } else if (++moved > count / 4) {
+            index.MarkStale();
+            return;
+        } else {
+            index.Replace(no, extent);
+        }
+    }
 }
 
 } // namespace
@@ -288,9 +339,10 @@ TRect TMyCAD::ShapeScreenRect(TMyShape *shape) const
     return extent.Indexed ? extent.ScreenRect(m_Zoom) : TRect{};
 }
 
-// A rebuild is due after a reported document change, a zoom change (pads and texts are
-// measured at the zoom) or a change of the list that was not reported (a shape that is not
-// at its indexed number); shapes appended since the last query are added one by one.
+// A rebuild is due after a reported document change, a change of the list that was not
+// reported (a shape that is not at its indexed number) or a zoom too far from the tree's; a
+// nearer zoom works out again only the extents that follow it. Shapes appended since the last
+// query are added one by one.
 void TMyCAD::EnsureIndex()
 {
     if (!m_Index)
@@ -305,6 +357,9 @@ void TMyCAD::EnsureIndex()
         const std::int32_t last = m_Index->Count() - 1;
         return last < 0 || m_Index->Entry(last).Shape == m_Shapes[std::size_t(last)].get();
     };
+    if (!m_Index->IsStale() && m_Index->Zoom() != m_Zoom && m_Index->Count() <= count &&
+        sameList() && m_Index->KeepTreeAtZoom(m_Zoom))
+        FollowZoom(*m_Index, builder, m_Shapes);
     if (!m_Index->IsStale() && m_Index->Zoom() == m_Zoom && m_Index->Count() <= count &&
         sameList()) {
         for (std::int32_t no = m_Index->Count(); no < count; ++no) {

@@ -29,18 +29,28 @@ TRect TShapeExtent::ScreenRect(double zoom) const
             px(Box.Bottom) + Pad + 1};
 }
 
+namespace {
+
 // One more pixel than the pad covers the rounding of the zoomed box, so the tree never
 // answers less than the exact test accepts.
-TMyRect TShapeIndex::PaddedBox(const TShapeExtent &extent) const
+TMyRect Padded(const TShapeExtent &extent, double zoom)
 {
-    const float pad = float((extent.Pad + 1) / m_Zoom);
+    const float pad = float((extent.Pad + 1) / zoom);
     const TMyRect &b = extent.Box;
     return {b.Left - pad, b.Top - pad, b.Right + pad, b.Bottom + pad};
 }
 
+} // namespace
+
+TMyRect TShapeIndex::PaddedBox(const TShapeExtent &extent) const
+{
+    return Padded(extent, m_TreeZoom);
+}
+
 void TShapeIndex::Rebuild(std::vector<TEntry> entries, double zoom)
 {
-    m_Zoom = zoom;
+    m_Zoom = m_TreeZoom = zoom;
+    m_MaxPad = 0;
     m_Press.reset();
     m_Entries = std::move(entries);
     m_Numbers.clear();
@@ -51,6 +61,7 @@ void TShapeIndex::Rebuild(std::vector<TEntry> entries, double zoom)
         m_Numbers.insert_or_assign(m_Entries[i].Shape, std::int32_t(i));
         if (!m_Entries[i].Extent.Indexed)
             continue;
+        m_MaxPad = std::max(m_MaxPad, m_Entries[i].Extent.Pad);
         values.emplace_back(TTree::Box(PaddedBox(m_Entries[i].Extent)),
                             TIndexCandidate{std::int32_t(i), m_Entries[i].Connector});
     }
@@ -70,6 +81,7 @@ void TShapeIndex::Replace(std::int32_t no, const TShapeExtent &extent)
     }
     m_Entries[i].Extent = extent;
     if (extent.Indexed) {
+        m_MaxPad = std::max(m_MaxPad, extent.Pad);
         m_Tree->Tree.insert(TTree::TValue(TTree::Box(PaddedBox(extent)), item));
         if (m_Press)
             m_Press->Enter(no, PressBox(extent), item.Connector);
@@ -90,11 +102,28 @@ std::int32_t TShapeIndex::NumberOf(const TMyShape *shape) const
     return it == m_Numbers.end() ? -1 : it->second;
 }
 
+bool TShapeIndex::KeepTreeAtZoom(double zoom)
+{
+    if (m_Stale || zoom * ZoomKept < m_TreeZoom || zoom > m_TreeZoom * ZoomKept)
+        return false;
+    m_Zoom = zoom;
+    m_Press.reset();
+    return true;
+}
+
+void TShapeIndex::SetExtentInPlace(std::int32_t no, const TShapeExtent &extent)
+{
+    m_Entries[std::size_t(no)].Extent = extent;
+}
+
+// At a smaller zoom than the tree's, a pad covers more of the document than the tree's box
+// took in; the query grows by that much for the largest pad instead.
 TMyRect TShapeIndex::QueryBox(const TRect &rect) const
 {
     const double z = m_Zoom;
-    return {float((rect.Left - 1) / z), float((rect.Top - 1) / z), float((rect.Right + 1) / z),
-            float((rect.Bottom + 1) / z)};
+    const double lack = z < m_TreeZoom ? (m_MaxPad + 1) * (1 / z - 1 / m_TreeZoom) : 0;
+    return {float((rect.Left - 1) / z - lack), float((rect.Top - 1) / z - lack),
+            float((rect.Right + 1) / z + lack), float((rect.Bottom + 1) / z + lack)};
 }
 
 void TShapeIndex::Query(const TMyRect &box, std::vector<std::int32_t> &numbers) const
@@ -106,7 +135,7 @@ void TShapeIndex::Query(const TMyRect &box, std::vector<std::int32_t> &numbers) 
 TMyRect TShapeIndex::PressBox(const TShapeExtent &extent) const
 {
     const bool known = extent.HitReach >= 0;
-    const TMyRect b = known ? extent.HitBox : PaddedBox(extent);
+    const TMyRect b = known ? extent.HitBox : Padded(extent, m_Zoom);
     const float reach = float(((known ? extent.HitReach : PressReach) + 1) / m_Zoom);
     return {b.Left - reach, b.Top - reach, b.Right + reach, b.Bottom + reach};
 }

@@ -16,6 +16,12 @@ namespace tessal {
 
 class TMyShape;
 
+// What of an extent must be worked out again when the zoom changes: nothing (points and pen
+// widths), only how far a press reaches (a line is hit in a band beside it only where a
+// segment is level or upright on the screen), or everything (texts are measured at the zoom,
+// arcs flattened at it, arrow heads sized at it).
+enum class TZoomRule : std::uint8_t { Fixed, Reach, Measure };
+
 // Where a top-level shape (with all its group members) can paint: a box in document units
 // and a margin in screen pixels that does not grow with the zoom (pen widths, link marks).
 // Where a press can hit it is narrower, and told apart when every class involved says.
@@ -29,6 +35,7 @@ struct TShapeExtent
     std::int16_t HitReach = -1;
     // False for group members and shapes without anything to draw; they are not indexed.
     bool Indexed = false;
+    TZoomRule Zoomed = TZoomRule::Fixed;
 
     // The control pixels covered at zoom: the rounded zoomed box grown by Pad, Right and
     // Bottom exclusive.
@@ -54,9 +61,18 @@ public:
         bool Connector = false;
     };
 
-    // Replaces everything: entries[i] belongs to shape number i. Pads are turned into
-    // document units at zoom, which is why a zoom change needs a rebuild.
+    // Replaces everything: entries[i] belongs to shape number i. The tree's boxes take in
+    // the pads turned into document units at zoom.
     void Rebuild(std::vector<TEntry> entries, double zoom);
+    // The zoom changes and the tree stays, within ZoomKept times the tree's zoom either way:
+    // at a smaller zoom each query grows by what the pads then lack, at a larger one the
+    // tree's boxes are a little wider than they need be. False when the tree must be rebuilt
+    // instead. The caller replaces the extents that change with the zoom.
+    bool KeepTreeAtZoom(double zoom);
+    static constexpr double ZoomKept = 4;
+    // An entry's new extent whose box, pad and indexing are those in the tree already: only
+    // the press cells, made again after a zoom change, see the difference.
+    void SetExtentInPlace(std::int32_t no, const TShapeExtent &extent);
     void Replace(std::int32_t no, const TShapeExtent &extent);
     void Append(const TEntry &entry);
     void MarkStale() { m_Stale = true; }
@@ -85,8 +101,8 @@ private:
     // The tree, kept out of this header, which the whole surface includes.
     struct TTree;
 
-    // Deterministic for a zoom, so an entry is removed from the tree with the box it was
-    // inserted with.
+    // Deterministic for the tree's zoom, so an entry is removed from the tree with the box it
+    // was inserted with.
     TMyRect PaddedBox(const TShapeExtent &extent) const;
     // Where a press can take the shape, with a pixel to spare for rounding.
     TMyRect PressBox(const TShapeExtent &extent) const;
@@ -97,6 +113,9 @@ private:
     // Made at the first press after a rebuild, then kept current with the tree.
     std::unique_ptr<TPressGrid> m_Press;
     double m_Zoom = 1.0;
+    // The zoom the tree's pads were turned into document units at, and the largest pad in it.
+    double m_TreeZoom = 1.0;
+    std::int32_t m_MaxPad = 0;
     bool m_Stale = true;
 };
 
