@@ -17,6 +17,7 @@
 #include <QGraphicsRectItem>
 #include <QGraphicsScene>
 #include <QGraphicsView>
+#include <QScrollArea>
 #include <QScrollBar>
 
 #include <algorithm>
@@ -257,6 +258,42 @@ void BM_SceneWholeDragMove(benchmark::State &state)
     }
 }
 
+// A step of the zoom and the repaint of the view it gives, the control inside a scroll area
+// as an editor holds it, against a view given the same scale. The steps stay within a factor
+// of two of each other and of the first zoom.
+constexpr double ZoomSteps[] = {1.25, 1.0, 0.8, 1.5, 2.0, 1.0};
+
+void BM_TessalZoom(benchmark::State &state)
+{
+    const auto &items = ItemsOf(int(state.range(0)));
+    TTessalWorld world(items);
+    QScrollArea area;
+    TMyCAD *cad = world.cad.release(); // the area owns it now
+    area.setWidget(cad);
+    area.resize(ViewWidth, ViewHeight);
+    area.show();
+    QCoreApplication::processEvents();
+    std::size_t step = 0;
+    for (auto _ : state) {
+        cad->SetZoom(ZoomSteps[step++ % std::size(ZoomSteps)]);
+        cad->repaint();
+        QCoreApplication::processEvents();
+    }
+}
+
+void BM_SceneZoom(benchmark::State &state)
+{
+    const auto &items = ItemsOf(int(state.range(0)));
+    TSceneWorld world(items);
+    std::size_t step = 0;
+    for (auto _ : state) {
+        const double zoom = ZoomSteps[step++ % std::size(ZoomSteps)];
+        world.view->setTransform(QTransform::fromScale(zoom, zoom));
+        world.view->viewport()->repaint();
+        QCoreApplication::processEvents();
+    }
+}
+
 // Rubber bands of 400 x 300 pixels over the drawing, each started on paper that no shape
 // takes (on a dense drawing the press would otherwise drag what it hits).
 struct TBand
@@ -358,6 +395,8 @@ BENCHMARK(BM_SceneWholeDragMove)
     ->Arg(1000000)
     ->Repetitions(Repetitions)
     ->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_TessalZoom)->Arg(1000000)->Repetitions(Repetitions)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_SceneZoom)->Arg(1000000)->Repetitions(Repetitions)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_TessalBand)->Arg(1000000)->Repetitions(Repetitions)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_SceneBand)->Arg(1000000)->Repetitions(Repetitions)->Unit(benchmark::kMicrosecond);
 
@@ -369,6 +408,7 @@ void PrintRatios(const tessal::bench::TTimesReporter &times)
                               {"BM_TessalDragMove", "BM_SceneDragMove", "1"},
                               {"BM_TessalDragMove", "BM_SceneDragMove", "1000"},
                               {"BM_TessalWholeDragMove", "BM_SceneWholeDragMove", "1000000"},
+                              {"BM_TessalZoom", "BM_SceneZoom", "1000000"},
                               {"BM_TessalBand", "BM_SceneBand", "1000000"}};
     for (const auto &pair : pairs) {
         const std::string t = std::string(pair[0]) + "/" + pair[2];
