@@ -28,6 +28,7 @@
 #include <functional>
 #include <memory>
 #include <span>
+#include <unordered_set>
 #include <vector>
 
 class QPrinter;
@@ -1183,7 +1184,13 @@ private:
     QString m_FileVersion = QStringLiteral("XP.j");
 
     // Document (document.cpp, layers.cpp).
-    void CollectDeletion(TMyShape *shape, bool honourLocks, std::vector<TMyShape *> &list,
+    // Shapes to remove together, members before their groups, each once.
+    struct TDeletion
+    {
+        std::vector<TMyShape *> Shapes;
+        std::unordered_set<const TMyShape *> Taken;
+    };
+    void CollectDeletion(TMyShape *shape, bool honourLocks, TDeletion &deletion,
                          std::int32_t depth);
     void DetachLinks(TMyShape *shape);
     void RemoveShapes(const std::vector<TMyShape *> &shapes);

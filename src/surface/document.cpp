@@ -203,21 +203,20 @@ void TMyCAD::RenumberRelations(const std::function<std::int32_t(std::int32_t)> &
 
 // Members first, so that a group is removed after everything it holds. Depth guards a
 // corrupt child list that leads back to an ancestor.
-void TMyCAD::CollectDeletion(TMyShape *shape, bool honourLocks, std::vector<TMyShape *> &list,
+void TMyCAD::CollectDeletion(TMyShape *shape, bool honourLocks, TDeletion &deletion,
                              std::int32_t depth)
 {
-    if (!shape || depth > GetShapesCount())
-        return;
-    if (std::find(list.begin(), list.end(), shape) != list.end())
+    if (!shape || depth > GetShapesCount() || deletion.Taken.contains(shape))
         return;
     const std::vector<std::int32_t> children = shape->ChildShapes();
     for (std::int32_t no : children) {
         TMyShape *child = GetShapeByNo(no);
         if (child && child != shape && !(honourLocks && child->Locked()))
-            CollectDeletion(child, honourLocks, list, depth + 1);
+            CollectDeletion(child, honourLocks, deletion, depth + 1);
     }
     DetachLinks(shape);
-    list.push_back(shape);
+    deletion.Taken.insert(shape);
+    deletion.Shapes.push_back(shape);
 }
 
 // A connector bound to the shape lets go of it and stays; a connector that goes leaves the
@@ -273,9 +272,9 @@ void TMyCAD::RemoveShapes(const std::vector<TMyShape *> &shapes)
 
 void TMyCAD::RemoveShapeTree(TMyShape *shape, bool honourLocks)
 {
-    std::vector<TMyShape *> list;
-    CollectDeletion(shape, honourLocks, list, 0);
-    RemoveShapes(list);
+    TDeletion deletion;
+    CollectDeletion(shape, honourLocks, deletion, 0);
+    RemoveShapes(deletion.Shapes);
 }
 
 void TMyCAD::ForgetShape(const TMyShape *shape)
@@ -318,12 +317,21 @@ void TMyCAD::DeleteSelectedShapes()
             shapes.push_back(shape);
     if (!shapes.empty())
         PushtoUndoRedoShapeList(shapes, std::int32_t(shapes.size()) - 1, ACT_DELETE);
-    // By identity: the handlers of earlier deletions may have removed later shapes.
-    std::vector<std::int32_t> ids;
-    for (TMyShape *shape : shapes)
-        ids.push_back(shape->ShapeId());
-    for (std::int32_t id : ids)
-        DeleteShapeById(id, false);
+    if (m_OnShapeDeleted) {
+        // A handler sees the document as the deletions before it left it, and may change it:
+        // one shape after the other, by identity, since a handler may have removed a later one.
+        std::vector<std::int32_t> ids;
+        for (TMyShape *shape : shapes)
+            ids.push_back(shape->ShapeId());
+        for (std::int32_t id : ids)
+            DeleteShapeById(id, false);
+    } else {
+        // Removed together, the list is renumbered once rather than once a shape.
+        TDeletion deletion;
+        for (TMyShape *shape : shapes)
+            CollectDeletion(shape, true, deletion, 0);
+        RemoveShapes(deletion.Shapes);
+    }
     ClearWorkingShapes();
     DocumentChanged();
 }

@@ -149,16 +149,16 @@ bool TMyCAD::DeleteLayerByID(std::int32_t id)
     const std::int32_t no = GetLayerNoById(id);
     if (no < 0)
         return false;
-    std::vector<TMyShape *> list;
+    TDeletion deletion;
     for (const auto &shape : m_Shapes)
         if (shape->LayerId() == id)
-            CollectDeletion(shape.get(), false, list, 0);
+            CollectDeletion(shape.get(), false, deletion, 0);
     // Announced while they exist: each removed shape whose group stays or that has none.
     if (m_OnShapeDeleted)
-        for (TMyShape *shape : list)
-            if (std::find(list.begin(), list.end(), GetShapeByNo(shape->ParentNo())) == list.end())
+        for (TMyShape *shape : deletion.Shapes)
+            if (!deletion.Taken.contains(GetShapeByNo(shape->ParentNo())))
                 m_OnShapeDeleted(this, shape);
-    RemoveShapes(list);
+    RemoveShapes(deletion.Shapes);
     RemoveLayerAt(GetLayerNoById(id));
     DocumentChanged();
     return true;

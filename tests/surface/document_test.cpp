@@ -8,8 +8,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <random>
 #include <tuple>
 
 using namespace tessal;
@@ -396,4 +398,65 @@ TEST(Document, LayerEditsAndShapesOnLayers)
     EXPECT_EQ(cad.AddShapeByCode(TDrawTool::SpRectangle, {}, box, 0, {}), -1);
     EXPECT_EQ(spy.Calls, 2);
     EXPECT_EQ(cad.GetShapesCount(), 0);
+}
+
+namespace {
+
+// Rectangles, connectors between them, groups (some nested) and locked shapes.
+void BuildRandomDrawing(TMyCAD &cad, std::mt19937 &rng)
+{
+    std::uniform_real_distribution<float> at(0, 500);
+    std::vector<TMyShape *> boxes;
+    for (int i = 0; i < 24; ++i) {
+        const float x = at(rng), y = at(rng);
+        boxes.push_back(AddRectangle(cad, x, y, x + 40, y + 30));
+    }
+    for (int i = 0; i < 8; ++i)
+        AddConnector(cad, boxes[rng() % boxes.size()], boxes[rng() % boxes.size()]);
+    for (int i = 0; i < 6; ++i) {
+        std::vector<TMyShape *> members;
+        for (TMyShape *box : {boxes[rng() % boxes.size()], boxes[rng() % boxes.size()]}) {
+            TMyShape *root = cad.GetRootParentShape(box);
+            if (std::find(members.begin(), members.end(), root) == members.end())
+                members.push_back(root);
+        }
+        cad.GroupShapes(members, false);
+    }
+    for (int i = 0; i < 3; ++i)
+        boxes[rng() % boxes.size()]->SetLockedFlag(true);
+}
+
+} // namespace
+
+// Deleting a selection at once leaves the drawing that deleting its shapes one after the
+// other leaves, the way a handler of the deletions sees them: random drawings, random
+// selections of top-level shapes, members and connectors.
+TEST(Document, DeletingASelectionAtOnceEqualsOneByOne)
+{
+    int announced = 0;
+    for (unsigned seed = 1; seed <= 40; ++seed) {
+        TMyCAD together, apart;
+        apart.SetOnShapeDeleted([&announced](TMyCAD *, TMyShape *) { ++announced; });
+        std::mt19937 rng(seed);
+        for (TMyCAD *cad : {&together, &apart}) {
+            std::mt19937 same(seed);
+            BuildRandomDrawing(*cad, same);
+        }
+        std::vector<std::int32_t> picked;
+        for (int i = 0; i < 7; ++i)
+            picked.push_back(std::int32_t(rng() % together.GetShapesCount()));
+        for (TMyCAD *cad : {&together, &apart}) {
+            std::vector<TMyShape *> shapes;
+            for (std::int32_t no : picked)
+                shapes.push_back(cad->GetShapeByNo(no));
+            cad->SetWorkingShapes(shapes);
+            cad->DeleteSelectedShapes();
+            ASSERT_TRUE(RelationsValid(*cad)) << "seed " << seed;
+        }
+        ASSERT_EQ(together.GetShapesCount(), apart.GetShapesCount()) << "seed " << seed;
+        for (std::int32_t no = 0; no < together.GetShapesCount(); ++no)
+            ASSERT_EQ(IdAt(together, no), IdAt(apart, no)) << "seed " << seed;
+        EXPECT_EQ(Snapshot(together), Snapshot(apart)) << "seed " << seed;
+    }
+    EXPECT_GT(announced, 100);
 }
