@@ -412,7 +412,8 @@ float TMyCAD::Tilt(TMyShape *shape, TMyPoint centre, TMyPoint from, TMyPoint to,
 void TMyCAD::RotateChangeValueforShapes(TMyShape *shape, TMyPoint centre, double angle)
 {
     RotateTree(shape, centre, angle, 0);
-    DocumentChanged();
+    ShapeGeometryChanged(shape);
+    Invalidate();
 }
 
 // ChangeLinkShapes, which re-routes the connectors of moved shapes, lives with the other

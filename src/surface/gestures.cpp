@@ -130,6 +130,7 @@ void TMyCAD::DragChangeValueDxDyforShapes(TMyShape *shape, double dx, double dy)
     if (m_OnShapeCodeDragging)
         m_OnShapeCodeDragging(this, shape, dx, dy);
     MoveTree(shape, dx, dy, 0);
+    ShapeGeometryChanged(shape);
 }
 
 // A group is resized through its box: its members are scaled with it, in its own turned
@@ -140,6 +141,7 @@ void TMyCAD::SizeChangeValueforShapes(TMyShape *shape, TMyPoint from, TMyPoint t
         return;
     if (!shape->HasChildShapes() || shape->GetPointsCount() < 4) {
         shape->SizeChangeValue(from, to);
+        ShapeGeometryChanged(shape);
         return;
     }
     const double w = shape->GetMyWidth(), h = shape->GetMyHeight();
@@ -156,6 +158,7 @@ void TMyCAD::SizeChangeValueforShapes(TMyShape *shape, TMyPoint from, TMyPoint t
             s->SetCenterPoint(s->GetCenterPoint());
         });
     }
+    ShapeGeometryChanged(shape);
 }
 
 TMyPoint TMyCAD::GetPointByMode(TPoint point) const
@@ -282,6 +285,9 @@ std::vector<TMyShape *> TMouseMachine::WholeDragOutlines(const TRect &area) cons
 
 void TMouseMachine::MoveShapes(const std::vector<TMyShape *> &shapes, double dx, double dy)
 {
+    // Told shape by shape, a large part of the drawing costs more than making the index again.
+    if (shapes.size() > std::size_t(m_Cad.GetShapesCount() / 8))
+        m_Cad.ShapesRenumbered();
     for (TMyShape *shape : shapes)
         m_Cad.DragChangeValueDxDyforShapes(shape, dx, dy);
     FollowLinks(shapes);

@@ -78,7 +78,11 @@ void TMyCAD::NudgeWorkingShapes(double dx, double dy)
     for (TMyShape *shape : shapes)
         ChangeLinkShapes(shape);
     m_Modified = true;
-    DocumentChanged();
+    // The moved shapes told the index; a handler that saw the moves may have changed more.
+    if (m_OnShapeCodeDragging)
+        DocumentChanged();
+    else
+        Invalidate();
 }
 
 } // namespace tessal

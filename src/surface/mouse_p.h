@@ -145,6 +145,7 @@ private:
     void ReleaseNodeRemoving();
     void ReleaseNodeAdding();
     void ReleaseDragWhole();
+    void Changed(bool handlersRan);
     void EndGesture();
 
     // Connectors re-routed in the feedback (liveconnectors.cpp).

@@ -114,6 +114,16 @@ void TMouseMachine::Release(TMouseButton button, TShiftState shift, TPoint p)
     EndGesture();
 }
 
+// The shapes a gesture changed have told the index so themselves. A handler of the control's
+// events may have changed anything; the index is then made again.
+void TMouseMachine::Changed(bool handlersRan)
+{
+    if (handlersRan)
+        m_Cad.DocumentChanged();
+    else
+        m_Cad.Invalidate();
+}
+
 void TMouseMachine::EndGesture()
 {
     m_Down = false;
@@ -370,7 +380,7 @@ void TMouseMachine::ReleaseResizing(TShiftState shift)
     TMyPoint to = m_Cad.GetPointByMode(p);
     if (m_Cad.m_OnShapeMouseResizeFinished)
         m_Cad.m_OnShapeMouseResizeFinished(&m_Cad, shape, m_Cad.GetPointByMode(m_Start), to);
-    m_Cad.DocumentChanged();
+    Changed(m_Cad.m_OnShapeMouseResized || m_Cad.m_OnShapeMouseResizeFinished);
 }
 
 void TMouseMachine::ReleaseDragging()
@@ -408,7 +418,7 @@ void TMouseMachine::ReleaseDragging()
             MoveShapes(movable, again.X - p.X, again.Y - p.Y);
         }
     }
-    m_Cad.DocumentChanged();
+    Changed(m_Cad.m_OnShapeMouseDragged || m_Cad.m_OnShapeCodeDragging);
 }
 
 void TMouseMachine::ReleaseTextPoint()
@@ -443,7 +453,7 @@ void TMouseMachine::ReleaseRotating()
     TMyPoint to = m_Cad.GetPointByMode(m_Now);
     if (m_Cad.m_OnShapeMouseRotated)
         m_Cad.m_OnShapeMouseRotated(&m_Cad, shape, m_Cad.GetPointByMode(m_Start), to);
-    m_Cad.DocumentChanged();
+    Changed(m_Cad.m_OnShapeMouseRotated || m_Cad.m_OnShapeCodeRotating);
 }
 
 void TMouseMachine::ReleaseDragWhole()

@@ -67,15 +67,19 @@ void FollowShape(TMyCAD &cad, TMyShape *shape, std::int32_t depth)
 {
     if (depth > cad.GetShapesCount())
         return;
-    if (auto *self = dynamic_cast<TMyLinkLine *>(shape))
+    if (auto *self = dynamic_cast<TMyLinkLine *>(shape)) {
         self->UpdateRoute();
+        cad.ShapeGeometryChanged(self);
+    }
     const std::int32_t no = cad.GetShapeNoInMyShapes(shape);
     // The list may still name connectors that were set free from this shape.
     const std::vector<std::int32_t> links = shape->LinkShapes();
     for (std::int32_t k : links) {
         auto *link = dynamic_cast<TMyLinkLine *>(cad.GetShapeByNo(k));
-        if (link && link != shape && (link->StartSpNo() == no || link->EndSpNo() == no))
+        if (link && link != shape && (link->StartSpNo() == no || link->EndSpNo() == no)) {
             link->UpdateRoute();
+            cad.ShapeGeometryChanged(link);
+        }
     }
     const std::vector<std::int32_t> children = shape->ChildShapes();
     for (std::int32_t c : children) {
@@ -111,7 +115,7 @@ void TMyCAD::ChangeLinkShapes(TMyShape *shape)
     if (!shape)
         return;
     FollowShape(*this, shape, 0);
-    DocumentChanged();
+    Invalidate();
 }
 
 bool TMyCAD::InWhichShapeWhichHotLinkId(TPoint point, std::int32_t &shapeNo, std::int32_t &linkId)

@@ -239,9 +239,14 @@ std::int32_t TMyCAD::PopFromUndoRedoShapeList()
     std::vector<TMyShape *> regroup;
     const TUndoRecord *formerGroup = nullptr;
     std::vector<const TUndoRecord *> restore;
+    // Changes of state tell the index what they change; anything else (shapes that go, come
+    // back, regroup or change places) has it made again.
+    bool statesOnly = true;
     for (std::size_t i = m_UndoList.size(); i-- > first;) {
         const TUndoRecord &record = m_UndoList[i];
         const std::int32_t id = record.Copy->ShapeId();
+        statesOnly = statesOnly && (record.Scope != TUndoRecord::TScope::Whole ||
+                                    record.Action == ACT_CHANGE);
         if (record.Scope == TUndoRecord::TScope::Name) {
             if (TMyShape *live = GetShapeByID(id))
                 live->SetName(record.ShapeName);
@@ -273,7 +278,10 @@ std::int32_t TMyCAD::PopFromUndoRedoShapeList()
     if (!restore.empty())
         RestoreShapes(restore);
     m_UndoList.erase(m_UndoList.begin() + std::ptrdiff_t(first), m_UndoList.end());
-    DocumentChanged();
+    if (statesOnly)
+        Invalidate();
+    else
+        DocumentChanged();
     return step - 1;
 }
 
@@ -331,6 +339,7 @@ void TMyCAD::TakeBackChange(const TUndoRecord &record)
             if (TMyShape *shape = GetShapeByNo(now))
                 AddLinklineShape(*shape, self);
     }
+    ShapeGeometryChanged(live);
     ChangeLinkShapes(live);
 }
 
@@ -352,6 +361,7 @@ void TMyCAD::TakeBackPath(const TUndoRecord &record)
     live->SetParentNo(parent);
     live->SetName(name);
     live->SetShapeNo(shapeNo);
+    ShapeGeometryChanged(live);
 }
 
 void TMyCAD::TakeBackReorder(const TUndoRecord &record)

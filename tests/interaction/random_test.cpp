@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Thousands of random presses, moves and releases with random tools, modifiers and zooms:
-// the selection stays well formed, the relations consistent, every gesture records at most
+// the selection stays well formed, the relations consistent, the index agrees with a scan
+// of the list, every gesture records at most
 // one step, taking a gesture's step back gives the drawing saved before it, byte for byte,
 // and so does taking back, one by one, every step the history still holds at the end.
 #include "mousehelpers.h"
@@ -113,6 +114,21 @@ private:
     return ::testing::AssertionSuccess();
 }
 
+// The shapes a gesture or an undo changed tell the index themselves: whatever the index
+// answers, a plain scan of the list answers too.
+::testing::AssertionResult IndexAgreesWithTheScan(TMyCAD &cad)
+{
+    for (int y = -50; y < 700; y += 150)
+        for (int x = -50; x < 700; x += 150)
+            for (const int side : {30, 160}) {
+                const TRect r(x, y, x + side, y + side);
+                if (cad.ShapesInRect(r) != cad.ShapesInRectLinear(r))
+                    return ::testing::AssertionFailure()
+                           << "at " << x << "," << y << " side " << side;
+            }
+    return ::testing::AssertionSuccess();
+}
+
 // The stored control size follows the zoom, so drawings saved at different zooms are
 // compared as saved at 100 %.
 QByteArray SavedAtFullSize(TMyCAD &cad)
@@ -166,6 +182,7 @@ TEST(MouseRandom, GesturesKeepTheDocumentWellFormedAndUndoExact)
             user.Gesture();
             ASSERT_TRUE(SelectionWellFormed(s.cad)) << "gesture " << i;
             ASSERT_TRUE(RelationsValid(s.cad)) << "gesture " << i;
+            ASSERT_TRUE(IndexAgreesWithTheScan(s.cad)) << "gesture " << i;
             ASSERT_LE(StepCount(s.cad), steps + 1) << "one gesture, at most one step";
             if (NewestStep(s.cad) == newest) {
                 ASSERT_EQ(s.cad.UndoRedoShapeList().size(), records)
@@ -185,6 +202,7 @@ TEST(MouseRandom, GesturesKeepTheDocumentWellFormedAndUndoExact)
                 const QString action = s.cad.UndoRedoShapeList().back().Action;
                 const auto tool = s.cad.ShapeTool();
                 s.cad.PopFromUndoRedoShapeList();
+                ASSERT_TRUE(IndexAgreesWithTheScan(s.cad)) << "undo of gesture " << i;
                 ASSERT_EQ(SavedAtFullSize(s.cad), prior)
                     << "gesture " << i << " " << action.toStdString() << " tool " << int(tool)
                     << " shapes " << s.cad.GetShapesCount();
