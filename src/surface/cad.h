@@ -1195,6 +1195,7 @@ private:
     void DetachLinks(TMyShape *shape);
     void RemoveShapes(const std::vector<TMyShape *> &shapes);
     void RemoveShapeTree(TMyShape *shape, bool honourLocks);
+    void DeleteAdded(std::vector<std::int32_t> &ids);
     // Gives every shape number n in the relations of all shapes the number map(n); a
     // negative answer removes the reference.
     void RenumberRelations(const std::function<std::int32_t(std::int32_t)> &map);

@@ -242,18 +242,23 @@ std::int32_t TMyCAD::PopFromUndoRedoShapeList()
     // Changes of state tell the index what they change; anything else (shapes that go, come
     // back, regroup or change places) has it made again.
     bool statesOnly = true;
+    // Added shapes that follow one another in the step go together.
+    std::vector<std::int32_t> added;
     for (std::size_t i = m_UndoList.size(); i-- > first;) {
         const TUndoRecord &record = m_UndoList[i];
         const std::int32_t id = record.Copy->ShapeId();
-        statesOnly = statesOnly && (record.Scope != TUndoRecord::TScope::Whole ||
-                                    record.Action == ACT_CHANGE);
+        statesOnly = statesOnly &&
+                     (record.Scope != TUndoRecord::TScope::Whole || record.Action == ACT_CHANGE);
+        const bool adds = record.Scope == TUndoRecord::TScope::Whole && record.Action == ACT_ADD;
+        if (!adds)
+            DeleteAdded(added);
         if (record.Scope == TUndoRecord::TScope::Name) {
             if (TMyShape *live = GetShapeByID(id))
                 live->SetName(record.ShapeName);
         } else if (record.Scope == TUndoRecord::TScope::Path) {
             TakeBackPath(record);
         } else if (record.Action == ACT_ADD) {
-            DeleteShapeById(id, false);
+            added.push_back(id);
         } else if (record.Action == ACT_DELETE) {
             restore.push_back(&record);
         } else if (record.Action == ACT_CHANGE) {
@@ -273,6 +278,7 @@ std::int32_t TMyCAD::PopFromUndoRedoShapeList()
             TakeBackReorder(record);
         }
     }
+    DeleteAdded(added);
     if (!regroup.empty())
         Regroup(regroup, formerGroup);
     if (!restore.empty())
@@ -283,6 +289,31 @@ std::int32_t TMyCAD::PopFromUndoRedoShapeList()
     else
         DocumentChanged();
     return step - 1;
+}
+
+// Takes back the addition of the shapes with the identities ids, and empties ids. Without a
+// deletion handler they go together: the list is renumbered once, and the shapes are found
+// through one look at it rather than a search each.
+void TMyCAD::DeleteAdded(std::vector<std::int32_t> &ids)
+{
+    if (ids.empty())
+        return;
+    if (m_OnShapeDeleted) {
+        for (const std::int32_t id : ids)
+            DeleteShapeById(id, false);
+        ids.clear();
+        return;
+    }
+    std::unordered_map<std::int32_t, TMyShape *> present;
+    present.reserve(m_Shapes.size());
+    for (const auto &shape : m_Shapes)
+        present.emplace(shape->ShapeId(), shape.get());
+    TDeletion deletion;
+    for (const std::int32_t id : ids)
+        if (const auto it = present.find(id); it != present.end() && !it->second->Locked())
+            CollectDeletion(it->second, true, deletion, 0);
+    ids.clear();
+    RemoveShapes(deletion.Shapes);
 }
 
 // The live shape takes the recorded state but keeps its place in the document: its name,
@@ -411,12 +442,22 @@ void TMyCAD::Regroup(std::vector<TMyShape *> &members, const TUndoRecord *former
 // was. Relations are resolved by identity once all of them are in the list.
 void TMyCAD::RestoreShapes(const std::vector<const TUndoRecord *> &records)
 {
+    // The shapes here now, by identity: a search of the list for every record would make
+    // bringing back many shapes of a big drawing quadratic.
+    std::unordered_map<std::int32_t, TMyShape *> present;
+    present.reserve(m_Shapes.size());
+    for (const auto &shape : m_Shapes)
+        present.emplace(shape->ShapeId(), shape.get());
+    const auto live = [&present](std::int32_t id) {
+        const auto it = present.find(id);
+        return it == present.end() ? nullptr : it->second;
+    };
     std::unordered_map<std::int32_t, std::int32_t> newNo;
     std::vector<const TUndoRecord *> todo;
     for (const TUndoRecord *record : records) {
         const std::int32_t id = record->Copy->ShapeId();
         // A locked member spared by the deletion is still here.
-        if (GetShapeByID(id) || newNo.contains(id))
+        if (live(id) || newNo.contains(id))
             continue;
         newNo[id] = -1;
         todo.push_back(record);
@@ -458,7 +499,7 @@ void TMyCAD::RestoreShapes(const std::vector<const TUndoRecord *> &records)
         TMyShape *shape = GetShapeByNo(no);
         if (auto it = newNo.find(record->ParentId); it != newNo.end()) {
             shape->SetParentNo(it->second);
-        } else if (TMyShape *parent = GetShapeByID(record->ParentId)) {
+        } else if (TMyShape *parent = live(record->ParentId)) {
             shape->SetParentNo(GetShapeNoInMyShapes(parent));
             parent->ChildShapes().push_back(no);
             std::sort(parent->ChildShapes().begin(), parent->ChildShapes().end());
@@ -466,7 +507,7 @@ void TMyCAD::RestoreShapes(const std::vector<const TUndoRecord *> &records)
         for (std::int32_t childId : record->ChildIds) {
             if (auto it = newNo.find(childId); it != newNo.end()) {
                 shape->ChildShapes().push_back(it->second);
-            } else if (TMyShape *child = GetShapeByID(childId); child && !child->HasParentShape()) {
+            } else if (TMyShape *child = live(childId); child && !child->HasParentShape()) {
                 child->SetParentNo(no);
                 shape->ChildShapes().push_back(GetShapeNoInMyShapes(child));
             }
