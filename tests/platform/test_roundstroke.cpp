@@ -75,27 +75,6 @@ std::vector<TPoint> RandomPolyline(std::mt19937 &rng, int size)
 
 } // namespace
 
-TEST(RoundStroke, WideLinesCoverWidthRowsAndRoundEnds)
-{
-    // Width 2 from (2, 5) to (8, 5): the upper row from end to end, the line's own row one
-    // pixel further left (the start disc's left rim), nothing below.
-    const QImage two = DrawPolyline({{2, 5}, {8, 5}}, 2, 16);
-    std::vector<TPoint> expected;
-    for (int x = 2; x <= 8; ++x)
-        expected.push_back({x, 4});
-    for (int x = 1; x <= 8; ++x)
-        expected.push_back({x, 5});
-    EXPECT_EQ(Ink(two, Paper), expected);
-    // Width 4 straight down: four columns (the left ones), the ends rounded; the top disc's
-    // highest point is a rim centre straight above its middle, the bottom one's is not.
-    const QImage four = DrawPolyline({{5, 2}, {5, 6}}, 4, 16);
-    EXPECT_EQ(InkBounds(four, Paper), (TRect{3, 0, 7, 8}));
-    EXPECT_EQ(Ink(four, Paper).size(), 1u + 3u + 5u * 4u + 3u);
-    EXPECT_EQ(Rgb(four, 5, 0), Pen);
-    EXPECT_EQ(Rgb(four, 3, 1), Paper);
-    EXPECT_EQ(Rgb(four, 5, 8), Paper);
-}
-
 // Random polylines, partly off the image, follow the rule. So do the chains that outlines of
 // ellipses and curves are (steps of a few pixels) and rectangles' long straight sides, which
 // take shortcuts of their own: walks of short steps, now and then a long straight one down or
