@@ -114,34 +114,6 @@ TEST(RoundStroke, PolylinesAndShortStepsAndStraightRunsFollowThePixelRule)
     EXPECT_EQ(mismatches, 0);
 }
 
-// Long slanted segments are stepped row by row between their ends: every slope from nearly
-// level to nearly upright, widths whose rim passes through centres (a 3-4-5 segment under
-// an even pen) and ends beyond the image.
-TEST(RoundStroke, LongSlantedSegmentsFollowThePixelRule)
-{
-    std::mt19937 rng(1234);
-    constexpr int Size = 120;
-    std::uniform_int_distribution<int> coord(-20, Size + 20), sign(0, 1), lean(1, 6);
-    int mismatches = 0;
-    for (int round = 0; round < 150; ++round) {
-        std::vector<TPoint> points{{coord(rng), coord(rng)}};
-        if (round % 3 == 0) {
-            // Multiples of 3-4-5, and of a unit lean across a long run.
-            const int k = lean(rng) * 6, dx = sign(rng) ? 3 * k : -3 * k;
-            const int dy = sign(rng) ? 4 * k : -4 * k;
-            points.push_back(
-                {points[0].X + (round % 2 ? dx : dy), points[0].Y + (round % 2 ? dy : dx)});
-            points.push_back({points[1].X + (sign(rng) ? 90 : -90), points[1].Y + lean(rng)});
-        } else {
-            for (int i = 0; i < 3; ++i)
-                points.push_back({coord(rng), coord(rng)});
-        }
-        mismatches +=
-            Mismatches(points, 2 + round % 11, Size, false, "slanted " + std::to_string(round));
-    }
-    EXPECT_EQ(mismatches, 0);
-}
-
 TEST(RoundStroke, SamePixelsInPartsAndFarFromTheOrigin)
 {
     std::mt19937 rng(7);
