@@ -75,27 +75,6 @@ std::vector<TPoint> RandomPolyline(std::mt19937 &rng, int size)
 
 } // namespace
 
-TEST(RoundStroke, WideLinesCoverWidthRowsAndRoundEnds)
-{
-    // Width 2 from (2, 5) to (8, 5): the upper row from end to end, the line's own row one
-    // pixel further left (the start disc's left rim), nothing below.
-    const QImage two = DrawPolyline({{2, 5}, {8, 5}}, 2, 16);
-    std::vector<TPoint> expected;
-    for (int x = 2; x <= 8; ++x)
-        expected.push_back({x, 4});
-    for (int x = 1; x <= 8; ++x)
-        expected.push_back({x, 5});
-    EXPECT_EQ(Ink(two, Paper), expected);
-    // Width 4 straight down: four columns (the left ones), the ends rounded; the top disc's
-    // highest point is a rim centre straight above its middle, the bottom one's is not.
-    const QImage four = DrawPolyline({{5, 2}, {5, 6}}, 4, 16);
-    EXPECT_EQ(InkBounds(four, Paper), (TRect{3, 0, 7, 8}));
-    EXPECT_EQ(Ink(four, Paper).size(), 1u + 3u + 5u * 4u + 3u);
-    EXPECT_EQ(Rgb(four, 5, 0), Pen);
-    EXPECT_EQ(Rgb(four, 3, 1), Paper);
-    EXPECT_EQ(Rgb(four, 5, 8), Paper);
-}
-
 // Random polylines, partly off the image, follow the rule. So do the chains that outlines of
 // ellipses and curves are (steps of a few pixels) and rectangles' long straight sides, which
 // take shortcuts of their own: walks of short steps, now and then a long straight one down or
@@ -132,34 +111,6 @@ TEST(RoundStroke, PolylinesAndShortStepsAndStraightRunsFollowThePixelRule)
     for (int width = 2; width <= 5; ++width)
         for (const bool closed : {false, true})
             mismatches += Mismatches({{20, 21}, {20, 21}, {20, 21}}, width, Size, closed, "dot");
-    EXPECT_EQ(mismatches, 0);
-}
-
-// Long slanted segments are stepped row by row between their ends: every slope from nearly
-// level to nearly upright, widths whose rim passes through centres (a 3-4-5 segment under
-// an even pen) and ends beyond the image.
-TEST(RoundStroke, LongSlantedSegmentsFollowThePixelRule)
-{
-    std::mt19937 rng(1234);
-    constexpr int Size = 120;
-    std::uniform_int_distribution<int> coord(-20, Size + 20), sign(0, 1), lean(1, 6);
-    int mismatches = 0;
-    for (int round = 0; round < 150; ++round) {
-        std::vector<TPoint> points{{coord(rng), coord(rng)}};
-        if (round % 3 == 0) {
-            // Multiples of 3-4-5, and of a unit lean across a long run.
-            const int k = lean(rng) * 6, dx = sign(rng) ? 3 * k : -3 * k;
-            const int dy = sign(rng) ? 4 * k : -4 * k;
-            points.push_back(
-                {points[0].X + (round % 2 ? dx : dy), points[0].Y + (round % 2 ? dy : dx)});
-            points.push_back({points[1].X + (sign(rng) ? 90 : -90), points[1].Y + lean(rng)});
-        } else {
-            for (int i = 0; i < 3; ++i)
-                points.push_back({coord(rng), coord(rng)});
-        }
-        mismatches +=
-            Mismatches(points, 2 + round % 11, Size, false, "slanted " + std::to_string(round));
-    }
     EXPECT_EQ(mismatches, 0);
 }
 

@@ -206,19 +206,6 @@ TThinCase RandomCase(std::mt19937 &rng)
     return c;
 }
 
-// The painted outline as a picture of characters, one row per line.
-std::vector<std::string> Picture(const QImage &image, unsigned background)
-{
-    std::vector<std::string> rows;
-    for (int y = 0; y < image.height(); ++y) {
-        std::string row;
-        for (int x = 0; x < image.width(); ++x)
-            row += Rgb(image, x, y) == background ? '.' : '#';
-        rows.push_back(row);
-    }
-    return rows;
-}
-
 } // namespace
 
 TEST(ThinStroke, RandomChainsPaintThePaintersPixels)
@@ -231,48 +218,4 @@ TEST(ThinStroke, RandomChainsPaintThePaintersPixels)
             ADD_FAILURE() << "round " << round << ": " << c.Describe();
     }
     EXPECT_EQ(mismatches, 0);
-}
-
-// The rules in small. A plain pen's line covers its start pixel and leaves out its end pixel;
-// a geometric pen's runs through the pixel centres, so that a capped one reaches half a pixel
-// past both ends and a flat one starts half a pixel late. A closed figure's corners are neither
-// left open nor painted twice, and a clip rectangle cuts pixels without moving the others.
-TEST(ThinStroke, EndsCornersAndClipping)
-{
-    const auto draw = [](bool geometric, TPenEndCap cap, std::vector<TPoint> points, bool closed,
-                         const TRect *clip = nullptr) {
-        const QImage image = Painted(10, 6, [&](TCanvas &canvas) {
-            if (clip)
-                canvas.SelectClipRect(clip);
-            canvas.Pen() = TPen{0x000000, TPenMode::pmCopy, TPenStyle::psSolid, 1};
-            if (geometric)
-                canvas.SetGeometricPen(TPenJoin::pjRound, cap);
-            if (closed)
-                canvas.StrokeClosedFigure(points);
-            else
-                canvas.Polyline(points);
-        });
-        return Picture(image, 0xFFFFFF);
-    };
-    using Rows = std::vector<std::string>;
-    const std::vector<TPoint> slope{{1, 1}, {8, 4}};
-    EXPECT_EQ(
-        draw(false, TPenEndCap::pecFlat, slope, false),
-        (Rows{"..........", ".##.......", "...###....", "......##..", "..........", ".........."}));
-    EXPECT_EQ(
-        draw(true, TPenEndCap::pecRound, slope, false),
-        (Rows{"..........", ".##.......", "...##.....", ".....##...", ".......##.", ".........."}));
-    EXPECT_EQ(
-        draw(true, TPenEndCap::pecFlat, slope, false),
-        (Rows{"..........", "..#.......", "...##.....", ".....##...", ".......##.", ".........."}));
-    EXPECT_EQ(
-        draw(false, TPenEndCap::pecFlat, {{1, 4}, {4, 1}, {7, 4}}, false),
-        (Rows{"..........", "....#.....", "...#.#....", "..#...#...", ".#........", ".........."}));
-    EXPECT_EQ(
-        draw(true, TPenEndCap::pecRound, {{1, 1}, {6, 1}, {6, 4}, {1, 4}, {1, 1}}, true),
-        (Rows{"..........", ".######...", ".#....#...", ".#....#...", ".######...", ".........."}));
-    const TRect clip{3, 0, 5, 6};
-    EXPECT_EQ(
-        draw(false, TPenEndCap::pecFlat, slope, false, &clip),
-        (Rows{"..........", "..........", "...##.....", "..........", "..........", ".........."}));
 }

@@ -15,42 +15,6 @@ namespace {
 
 constexpr double kPi = std::numbers::pi;
 
-TEST(RectangleHandles, EachHandleAnswersItsNumberAndIsRemembered)
-{
-    TClassHost host;
-    auto r = DrawnBy<TMyRectangle>(host, {20, 20}, {120, 70});
-    const TPoint at[8] = {{20, 20}, {120, 20}, {120, 70}, {20, 70},
-                          {70, 20}, {120, 45}, {70, 70},  {20, 45}};
-    for (int i = 0; i < 8; ++i) {
-        EXPECT_EQ(r->InWhichHot(at[i]), i);
-        EXPECT_EQ(r->CurrentHot(), i);
-    }
-    EXPECT_EQ(r->InWhichHot({70, 45}), -1);
-    EXPECT_EQ(r->CurrentHot(), -1);
-    // HotSize 4: the handle square reaches 4 pixels up and left, 3 down and right.
-    for (auto [x, y, hot] : {std::tuple{16, 16, 0}, {23, 23, 0}, {24, 20, -1}, {15, 20, -1}})
-        EXPECT_EQ(r->InWhichHot({x, y}), hot) << x << "," << y;
-    host.HotSizeValue = 8;
-    EXPECT_EQ(r->InWhichHot({27, 13}), 0);
-}
-
-TEST(RectangleHandles, HandlesOfAZoomedRotatedRectangle)
-{
-    TClassHost host;
-    host.ZoomValue = 2;
-    auto r = DrawnBy<TMyRectangle>(host, {40, 40}, {200, 120}); // document 20,20 .. 100,60
-    r->RotateChangeValueByAngle({60, 40}, kPi / 2);
-    // Turned a quarter about (60, 40): corner 0 goes to (80, 0), the top side becomes the
-    // right-hand one; on screen everything doubles.
-    // (40, 40) is where corner 0 was before the turn.
-    const std::tuple<int, int, int> hots[] = {
-        {160, 0, 0}, {160, 160, 1}, {160, 80, 4}, {120, 160, 5},
-        {80, 80, 6}, {120, 0, 7},   {40, 40, -1},
-    };
-    for (auto [x, y, hot] : hots)
-        EXPECT_EQ(r->InWhichHot({x, y}), hot) << x << "," << y;
-}
-
 // Random turned rectangles at random zooms and handle sizes, probed all around their
 // handles: the answer is the highest handle whose square holds the point, as the handle
 // points themselves say.
