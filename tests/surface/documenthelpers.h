@@ -201,4 +201,21 @@ inline ::testing::AssertionResult SameBytes(const QByteArray &now, const QByteAr
            << expected.mid(at, 24).toHex(' ').toStdString();
 }
 
+// Whatever the index answers for the squares of the given sides laid every step over area
+// (control pixels), a plain scan of the list answers too: the shapes a command, gesture or
+// undo changed told the index themselves.
+inline ::testing::AssertionResult IndexAgreesWithTheScan(TMyCAD &cad, const TRect &area, int step,
+                                                         std::initializer_list<int> sides)
+{
+    for (int y = area.Top; y < area.Bottom; y += step)
+        for (int x = area.Left; x < area.Right; x += step)
+            for (const int side : sides) {
+                const TRect r(x, y, x + side, y + side);
+                if (cad.ShapesInRect(r) != cad.ShapesInRectLinear(r))
+                    return ::testing::AssertionFailure()
+                           << "at " << x << "," << y << " side " << side;
+            }
+    return ::testing::AssertionSuccess();
+}
+
 } // namespace tessal::test
