@@ -28,6 +28,7 @@
 #include <functional>
 #include <memory>
 #include <span>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -1195,7 +1196,11 @@ private:
     void DetachLinks(TMyShape *shape);
     void RemoveShapes(const std::vector<TMyShape *> &shapes);
     void RemoveShapeTree(TMyShape *shape, bool honourLocks);
+    // Moves shapes (with their members) by dx, dy zoomed pixels and lets their connectors
+    // follow; not recorded.
+    void MoveShapesBy(const std::vector<TMyShape *> &shapes, double dx, double dy);
     void DeleteAdded(std::vector<std::int32_t> &ids);
+    std::unordered_map<std::int32_t, TMyShape *> ShapesById() const;
     // Gives every shape number n in the relations of all shapes the number map(n); a
     // negative answer removes the reference.
     void RenumberRelations(const std::function<std::int32_t(std::int32_t)> &map);

@@ -218,6 +218,17 @@ void TMyCAD::MoveTree(TMyShape *shape, double dx, double dy, std::int32_t depth)
     }
 }
 
+void TMyCAD::MoveShapesBy(const std::vector<TMyShape *> &shapes, double dx, double dy)
+{
+    // Told shape by shape, a large part of the drawing costs more than making the index again.
+    if (shapes.size() > std::size_t(GetShapesCount() / 8))
+        ShapesRenumbered();
+    for (TMyShape *shape : shapes)
+        DragChangeValueDxDyforShapes(shape, dx, dy);
+    for (TMyShape *shape : shapes)
+        ChangeLinkShapes(shape);
+}
+
 void TMyCAD::Align(std::int32_t edge)
 {
     if (m_WorkingShapes.size() < 2)

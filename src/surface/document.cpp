@@ -84,6 +84,16 @@ TMyShape *TMyCAD::GetShapeByName(const QString &name) const
     return nullptr;
 }
 
+// Every shape by identity, for work that would otherwise search the list once per shape.
+std::unordered_map<std::int32_t, TMyShape *> TMyCAD::ShapesById() const
+{
+    std::unordered_map<std::int32_t, TMyShape *> shapes;
+    shapes.reserve(m_Shapes.size());
+    for (const auto &shape : m_Shapes)
+        shapes.emplace(shape->ShapeId(), shape.get());
+    return shapes;
+}
+
 std::int32_t TMyCAD::GetShapeNoById(std::int32_t id) const
 {
     for (std::size_t i = 0; i < m_Shapes.size(); ++i)

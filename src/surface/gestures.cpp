@@ -283,22 +283,6 @@ std::vector<TMyShape *> TMouseMachine::WholeDragOutlines(const TRect &area) cons
     return shapes;
 }
 
-void TMouseMachine::MoveShapes(const std::vector<TMyShape *> &shapes, double dx, double dy)
-{
-    // Told shape by shape, a large part of the drawing costs more than making the index again.
-    if (shapes.size() > std::size_t(m_Cad.GetShapesCount() / 8))
-        m_Cad.ShapesRenumbered();
-    for (TMyShape *shape : shapes)
-        m_Cad.DragChangeValueDxDyforShapes(shape, dx, dy);
-    FollowLinks(shapes);
-}
-
-void TMouseMachine::FollowLinks(const std::vector<TMyShape *> &shapes)
-{
-    for (TMyShape *shape : shapes)
-        m_Cad.ChangeLinkShapes(shape);
-}
-
 // ---- Abandoning ----
 
 void TMouseMachine::Cancel()

@@ -73,10 +73,7 @@ void TMyCAD::NudgeWorkingShapes(double dx, double dy)
     if (shapes.empty() || !m_DragEnable || (dx == 0 && dy == 0))
         return;
     PushtoUndoRedoShapeList(shapes, std::int32_t(shapes.size()) - 1, ACT_CHANGE);
-    for (TMyShape *shape : shapes)
-        DragChangeValueDxDyforShapes(shape, dx, dy);
-    for (TMyShape *shape : shapes)
-        ChangeLinkShapes(shape);
+    MoveShapesBy(shapes, dx, dy);
     m_Modified = true;
     // The moved shapes told the index; a handler that saw the moves may have changed more.
     if (m_OnShapeCodeDragging)

@@ -175,8 +175,6 @@ private:
     bool TakesPartInWholeDrag(const TMyShape *shape) const;
     std::vector<TMyShape *> WholeDragShapes() const;
     std::vector<TMyShape *> WholeDragOutlines(const TRect &area) const;
-    void MoveShapes(const std::vector<TMyShape *> &shapes, double dx, double dy);
-    void FollowLinks(const std::vector<TMyShape *> &shapes);
     void FireGesture(const std::function<void(TMyShape *, TMyPoint, TMyPoint &)> &handler,
                      TMyShape *shape);
 

@@ -408,14 +408,14 @@ void TMouseMachine::ReleaseDragging()
         return;
     }
     m_Cad.PushtoUndoRedoShapeList(movable, std::int32_t(movable.size()) - 1, ACT_CHANGE);
-    MoveShapes(movable, p.X - m_Start.X, p.Y - m_Start.Y);
+    m_Cad.MoveShapesBy(movable, p.X - m_Start.X, p.Y - m_Start.Y);
     if (m_Cad.m_OnShapeMouseDragged) {
         const TMyPoint asked = m_Cad.GetPointByMode(p);
         TMyPoint to = asked;
         m_Cad.m_OnShapeMouseDragged(&m_Cad, Current(), m_Cad.GetPointByMode(m_Start), to);
         if (to != asked) {
             const TPoint again = m_Cad.PointFromMode(to);
-            MoveShapes(movable, again.X - p.X, again.Y - p.Y);
+            m_Cad.MoveShapesBy(movable, again.X - p.X, again.Y - p.Y);
         }
     }
     Changed(m_Cad.m_OnShapeMouseDragged || m_Cad.m_OnShapeCodeDragging);
@@ -466,7 +466,7 @@ void TMouseMachine::ReleaseDragWhole()
         return;
     }
     m_Cad.m_Modified = true;
-    MoveShapes(WholeDragShapes(), p.X - m_Start.X, p.Y - m_Start.Y);
+    m_Cad.MoveShapesBy(WholeDragShapes(), p.X - m_Start.X, p.Y - m_Start.Y);
     if (m_Cad.m_OnWholeDragged)
         m_Cad.m_OnWholeDragged(&m_Cad);
     m_Cad.DocumentChanged();

@@ -304,10 +304,7 @@ void TMyCAD::DeleteAdded(std::vector<std::int32_t> &ids)
         ids.clear();
         return;
     }
-    std::unordered_map<std::int32_t, TMyShape *> present;
-    present.reserve(m_Shapes.size());
-    for (const auto &shape : m_Shapes)
-        present.emplace(shape->ShapeId(), shape.get());
+    const std::unordered_map<std::int32_t, TMyShape *> present = ShapesById();
     TDeletion deletion;
     for (const std::int32_t id : ids)
         if (const auto it = present.find(id); it != present.end() && !it->second->Locked())
@@ -444,10 +441,7 @@ void TMyCAD::RestoreShapes(const std::vector<const TUndoRecord *> &records)
 {
     // The shapes here now, by identity: a search of the list for every record would make
     // bringing back many shapes of a big drawing quadratic.
-    std::unordered_map<std::int32_t, TMyShape *> present;
-    present.reserve(m_Shapes.size());
-    for (const auto &shape : m_Shapes)
-        present.emplace(shape->ShapeId(), shape.get());
+    const std::unordered_map<std::int32_t, TMyShape *> present = ShapesById();
     const auto live = [&present](std::int32_t id) {
         const auto it = present.find(id);
         return it == present.end() ? nullptr : it->second;

@@ -46,7 +46,7 @@ TXorTiles::TTiles TXorTiles::Tiles(const TRect &seen)
     TTiles tiles;
     if (seen.IsEmpty())
         return tiles;
-    std::unordered_map<std::int64_t, std::shared_ptr<const TXorPicture>> kept;
+    std::vector<std::int64_t> keys;
     const std::int32_t right = TileOf(seen.Right - 1), bottom = TileOf(seen.Bottom - 1);
     for (std::int32_t row = TileOf(seen.Top); row <= bottom; ++row) {
         for (std::int32_t column = TileOf(seen.Left); column <= right; ++column) {
@@ -55,11 +55,15 @@ TXorTiles::TTiles TXorTiles::Tiles(const TRect &seen)
             if (!tile)
                 tile = DrawTile(column, row);
             tiles.push_back(tile);
-            kept.emplace(key, tile);
+            keys.push_back(key);
         }
     }
-    if (m_Tiles.size() > m_MaxTiles)
+    if (m_Tiles.size() > m_MaxTiles) {
+        decltype(m_Tiles) kept;
+        for (std::size_t i = 0; i < keys.size(); ++i)
+            kept.emplace(keys[i], tiles[i]);
         m_Tiles = std::move(kept);
+    }
     return tiles;
 }
 
