@@ -2,7 +2,8 @@
 // The mouse on a big drawing, against QGraphicsView with the same items in one run: a press
 // that selects what lies under it (a hit test through the spatial index against
 // QGraphicsScene::itemAt with its BSP tree), and the feedback of one mouse move while 1 or
-// 1,000 selected shapes are dragged (against moving the same selected items and repainting).
+// 1,000 selected shapes are dragged (against moving the same selected items and repainting),
+// and likewise the whole-drawing drag, zoom steps, rubber bands and deletions.
 // The ratios of the medians are printed at the end.
 #include <tessal/shapes/shape.h>
 #include <tessal/surface/cad.h>
@@ -294,6 +295,53 @@ void BM_SceneZoom(benchmark::State &state)
     }
 }
 
+// Deleting shapes picked at random over the drawing, then the repaint and the next press,
+// as a user deletes and goes on working, against removing as many items from the scene.
+void BM_TessalDelete(benchmark::State &state)
+{
+    const auto &items = ItemsOf(1000000);
+    TTessalWorld world(items);
+    const std::vector<QPoint> presses = MakePresses(items);
+    std::mt19937 rng(5);
+    std::size_t i = 0;
+    for (auto _ : state) {
+        std::vector<TMyShape *> picked;
+        for (std::int64_t k = 0; k < state.range(0); ++k)
+            picked.push_back(world.cad->GetShapeByNo(
+                std::int32_t(rng() % std::uint32_t(world.cad->GetShapesCount()))));
+        world.cad->SetWorkingShapes(picked);
+        world.cad->DeleteSelectedShapes();
+        world.cad->repaint();
+        QCoreApplication::processEvents();
+        const QPoint p = presses[i++ % presses.size()];
+        world.cad->MouseDown(TMouseButton::mbLeft, ssLeft, p.x(), p.y());
+        world.cad->MouseUp(TMouseButton::mbLeft, 0, p.x(), p.y());
+    }
+}
+
+void BM_SceneDelete(benchmark::State &state)
+{
+    const auto &items = ItemsOf(1000000);
+    TSceneWorld world(items);
+    const std::vector<QPoint> presses = MakePresses(items);
+    QList<QGraphicsItem *> all = world.scene->items(Qt::AscendingOrder);
+    std::mt19937 rng(5);
+    std::size_t i = 0;
+    for (auto _ : state) {
+        for (std::int64_t k = 0; k < state.range(0); ++k) {
+            const auto at = qsizetype(rng() % std::uint32_t(all.size()));
+            world.scene->removeItem(all[at]);
+            delete all[at];
+            all.swapItemsAt(at, all.size() - 1);
+            all.removeLast();
+        }
+        world.view->viewport()->repaint();
+        QCoreApplication::processEvents();
+        const QPoint p = presses[i++ % presses.size()];
+        benchmark::DoNotOptimize(world.scene->itemAt(QPointF(p), QTransform()));
+    }
+}
+
 // Rubber bands of 400 x 300 pixels over the drawing, each started on paper that no shape
 // takes (on a dense drawing the press would otherwise drag what it hits).
 struct TBand
@@ -397,6 +445,16 @@ BENCHMARK(BM_SceneWholeDragMove)
     ->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_TessalZoom)->Arg(1000000)->Repetitions(Repetitions)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_SceneZoom)->Arg(1000000)->Repetitions(Repetitions)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_TessalDelete)
+    ->Arg(1)
+    ->Arg(100)
+    ->Repetitions(Repetitions)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_SceneDelete)
+    ->Arg(1)
+    ->Arg(100)
+    ->Repetitions(Repetitions)
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_TessalBand)->Arg(1000000)->Repetitions(Repetitions)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_SceneBand)->Arg(1000000)->Repetitions(Repetitions)->Unit(benchmark::kMicrosecond);
 
@@ -409,7 +467,9 @@ void PrintRatios(const tessal::bench::TTimesReporter &times)
                               {"BM_TessalDragMove", "BM_SceneDragMove", "1000"},
                               {"BM_TessalWholeDragMove", "BM_SceneWholeDragMove", "1000000"},
                               {"BM_TessalZoom", "BM_SceneZoom", "1000000"},
-                              {"BM_TessalBand", "BM_SceneBand", "1000000"}};
+                              {"BM_TessalBand", "BM_SceneBand", "1000000"},
+                              {"BM_TessalDelete", "BM_SceneDelete", "1"},
+                              {"BM_TessalDelete", "BM_SceneDelete", "100"}};
     for (const auto &pair : pairs) {
         const std::string t = std::string(pair[0]) + "/" + pair[2];
         const std::string q = std::string(pair[1]) + "/" + pair[2];

@@ -345,8 +345,6 @@ void TMyCAD::SwapShape(TMyShape *a, TMyShape *b)
         return;
     std::swap(m_Shapes[std::size_t(na)], m_Shapes[std::size_t(nb)]);
     ShapesRenumbered();
-    a->SetShapeNo(nb);
-    b->SetShapeNo(na);
     RenumberRelations([na, nb](std::int32_t n) { return n == na ? nb : (n == nb ? na : n); });
     for (const auto &shape : m_Shapes)
         std::sort(shape->ChildShapes().begin(), shape->ChildShapes().end());

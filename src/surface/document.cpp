@@ -179,20 +179,22 @@ TMyShape *TMyCAD::GetPrevSingleorRootShape(std::int32_t no) const
 
 void TMyCAD::RenumberRelations(const std::function<std::int32_t(std::int32_t)> &map)
 {
+    // In place: most lists are empty, and a drawing has a million of them.
     const auto remap = [&map](std::vector<std::int32_t> &numbers) {
-        std::vector<std::int32_t> kept;
-        kept.reserve(numbers.size());
-        for (std::int32_t n : numbers)
+        auto kept = numbers.begin();
+        for (const std::int32_t n : numbers)
             if (const std::int32_t m = map(n); m >= 0)
-                kept.push_back(m);
-        numbers = std::move(kept);
+                *kept++ = m;
+        numbers.erase(kept, numbers.end());
     };
-    for (const auto &shape : m_Shapes) {
+    for (std::size_t i = 0; i < m_Shapes.size(); ++i) {
+        TMyShape *shape = m_Shapes[i].get();
+        shape->SetShapeNo(std::int32_t(i));
         if (shape->ParentNo() >= 0)
             shape->SetParentNo(std::max(map(shape->ParentNo()), -1));
         remap(shape->ChildShapes());
         remap(shape->LinkShapes());
-        if (auto *link = dynamic_cast<TMyLinkLine *>(shape.get())) {
+        if (auto *link = dynamic_cast<TMyLinkLine *>(shape)) {
             if (link->StartSpNo() >= 0) {
                 const std::int32_t m = map(link->StartSpNo());
                 link->SetStartSpNo(std::max(m, -1));
@@ -269,15 +271,37 @@ void TMyCAD::RemoveShapes(const std::vector<TMyShape *> &shapes)
     for (std::size_t i = 0; i < m_Shapes.size(); ++i)
         if (!gone.contains(m_Shapes[i].get()))
             newNo[i] = next++;
+    const std::vector<TMyShape *> regrouped = RegroupedByRemoval(shapes, gone);
     for (const TMyShape *shape : shapes)
         ForgetShape(shape);
+    if (m_Index && !m_Index->IsStale())
+        m_Index->Remove(shapes);
+    std::erase_if(m_Shapes, [&gone](const auto &shape) { return gone.contains(shape.get()); });
     RenumberRelations([&newNo](std::int32_t n) {
         return n >= 0 && std::size_t(n) < newNo.size() ? newNo[std::size_t(n)] : -1;
     });
-    std::erase_if(m_Shapes, [&gone](const auto &shape) { return gone.contains(shape.get()); });
-    ShapesRenumbered();
-    for (std::size_t i = 0; i < m_Shapes.size(); ++i)
-        m_Shapes[i]->SetShapeNo(std::int32_t(i));
+    for (TMyShape *shape : regrouped)
+        ShapeGeometryChanged(shape);
+}
+
+// The shapes that stay whose extent a removal changes: a group losing members, and members
+// left without their group, which become shapes of their own.
+std::vector<TMyShape *>
+TMyCAD::RegroupedByRemoval(const std::vector<TMyShape *> &shapes,
+                           const std::unordered_set<const TMyShape *> &gone) const
+{
+    std::vector<TMyShape *> regrouped;
+    const auto keep = [&](std::int32_t no) {
+        TMyShape *shape = GetShapeByNo(no);
+        if (shape && !gone.contains(shape))
+            regrouped.push_back(shape);
+    };
+    for (const TMyShape *shape : shapes) {
+        keep(shape->ParentNo());
+        for (const std::int32_t child : shape->ChildShapes())
+            keep(child);
+    }
+    return regrouped;
 }
 
 void TMyCAD::RemoveShapeTree(TMyShape *shape, bool honourLocks)
@@ -315,8 +339,17 @@ bool TMyCAD::DeleteShapeById(std::int32_t id, bool withUndo)
     }
     RemoveShapeTree(shape, true);
     ClearWorkingShapes();
-    DocumentChanged();
+    ShapesRemoved();
     return true;
+}
+
+// The removal kept the index current; a deletion handler may have changed anything else.
+void TMyCAD::ShapesRemoved()
+{
+    if (m_OnShapeDeleted)
+        DocumentChanged();
+    else
+        Invalidate();
 }
 
 void TMyCAD::DeleteSelectedShapes()
@@ -343,7 +376,7 @@ void TMyCAD::DeleteSelectedShapes()
         RemoveShapes(deletion.Shapes);
     }
     ClearWorkingShapes();
-    DocumentChanged();
+    ShapesRemoved();
 }
 
 void TMyCAD::DeleteAllShapes()

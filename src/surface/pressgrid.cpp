@@ -275,9 +275,20 @@ bool TPressCursor::NextInCell(TIndexCandidate &candidate)
     return false;
 }
 
+bool TPressCursor::Next(TIndexCandidate &candidate)
+{
+    if (!NextEntered(candidate))
+        return false;
+    if (m_Removed) {
+        const auto below = std::lower_bound(m_Removed->begin(), m_Removed->end(), candidate.No);
+        candidate.No -= std::int32_t(below - m_Removed->begin());
+    }
+    return true;
+}
+
 // The cell and the shapes aside hold different shapes; of the two next ones, the higher
 // number comes first.
-bool TPressCursor::Next(TIndexCandidate &candidate)
+bool TPressCursor::NextEntered(TIndexCandidate &candidate)
 {
     if (!m_HasPending)
         m_HasPending = NextInCell(m_Pending);

@@ -109,9 +109,14 @@ public:
     bool Next(TIndexCandidate &candidate);
     // From now on only connectors are wanted; the others are passed over without a look.
     void ConnectorsOnly();
+    // The numbers the grid holds are those shapes had when entered; removed (ascending, or
+    // null for none) names the numbers taken out of the list since, so that Next hands out
+    // the numbers the shapes have now. The vector must outlive the press.
+    void SkipRemoved(const std::vector<std::int32_t> *removed) { m_Removed = removed; }
 
 private:
     friend class TPressGrid;
+    bool NextEntered(TIndexCandidate &candidate);
     bool NextInCell(TIndexCandidate &candidate);
 
     TPressGrid::TCellPoint m_Point;
@@ -122,6 +127,7 @@ private:
     bool m_ConnectorsOnly = false;
     bool m_HasPending = false;
     TIndexCandidate m_Pending;
+    const std::vector<std::int32_t> *m_Removed = nullptr;
 };
 
 } // namespace tessal

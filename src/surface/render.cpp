@@ -148,10 +148,7 @@ void TMyCAD::ComposeTile(const QRect &tile, const QRect &part,
 std::int32_t TMyCAD::CompositionMargin() const
 {
     constexpr std::int32_t MaxPad = 256;
-    std::int32_t pad = 0;
-    for (std::int32_t no = 0; no < m_Index->Count() && pad < MaxPad; ++no)
-        pad = std::max(pad, m_Index->Entry(no).Extent.Pad);
-    return std::min(pad, MaxPad) + 8;
+    return m_Index->LargestPad(MaxPad) + 8;
 }
 
 void TMyCAD::FillBackground(QImage &image, const TRect &rect)

@@ -374,10 +374,10 @@ void TMyCAD::EnsureIndex()
     for (std::int32_t no = 0; no < count; ++no) {
         TMyShape *shape = m_Shapes[std::size_t(no)].get();
         entries[std::size_t(no)].Shape = shape;
-        if (shape->ParentNo() == -1) {
+        // A member's entry is known as a connector too, for when its group is removed.
+        entries[std::size_t(no)].Connector = IsConnector(shape);
+        if (shape->ParentNo() == -1)
             entries[std::size_t(no)].Extent = builder.Of(shape);
-            entries[std::size_t(no)].Connector = IsConnector(shape);
-        }
     }
     m_Index->Rebuild(std::move(entries), m_Zoom);
 }

@@ -53,12 +53,13 @@ void TShapeIndex::Rebuild(std::vector<TEntry> entries, double zoom)
     m_MaxPad = 0;
     m_Press.reset();
     m_Entries = std::move(entries);
-    m_Numbers.clear();
-    m_Numbers.reserve(m_Entries.size());
+    m_Removed.clear();
+    m_Slots.clear();
+    m_Slots.reserve(m_Entries.size());
     std::vector<TTree::TValue> values;
     values.reserve(m_Entries.size());
     for (std::size_t i = 0; i < m_Entries.size(); ++i) {
-        m_Numbers.insert_or_assign(m_Entries[i].Shape, std::int32_t(i));
+        m_Slots.insert_or_assign(m_Entries[i].Shape, std::int32_t(i));
         if (!m_Entries[i].Extent.Indexed)
             continue;
         m_MaxPad = std::max(m_MaxPad, m_Entries[i].Extent.Pad);
@@ -70,36 +71,90 @@ void TShapeIndex::Rebuild(std::vector<TEntry> entries, double zoom)
     m_Stale = false;
 }
 
+std::int32_t TShapeIndex::NumberAt(std::int32_t slot) const
+{
+    const auto below = std::lower_bound(m_Removed.begin(), m_Removed.end(), slot);
+    return slot - std::int32_t(below - m_Removed.begin());
+}
+
+// m_Removed[j] - j live slots lie below the j-th empty one, a count that never falls; the
+// slot of number no lies above every empty slot with at most no live ones below it.
+std::int32_t TShapeIndex::SlotOf(std::int32_t no) const
+{
+    std::size_t low = 0, high = m_Removed.size();
+    while (low < high) {
+        const std::size_t mid = (low + high) / 2;
+        if (m_Removed[mid] - std::int32_t(mid) <= no)
+            low = mid + 1;
+        else
+            high = mid;
+    }
+    return no + std::int32_t(low);
+}
+
 void TShapeIndex::Replace(std::int32_t no, const TShapeExtent &extent)
 {
-    const auto i = std::size_t(no);
-    const TIndexCandidate item{no, m_Entries[i].Connector};
+    ReplaceSlot(SlotOf(no), extent);
+}
+
+void TShapeIndex::ReplaceSlot(std::int32_t slot, const TShapeExtent &extent)
+{
+    const auto i = std::size_t(slot);
+    const TIndexCandidate item{slot, m_Entries[i].Connector};
     if (m_Entries[i].Extent.Indexed) {
         m_Tree->Tree.remove(TTree::TValue(TTree::Box(PaddedBox(m_Entries[i].Extent)), item));
         if (m_Press)
-            m_Press->Drop(no, PressBox(m_Entries[i].Extent));
+            m_Press->Drop(slot, PressBox(m_Entries[i].Extent));
     }
     m_Entries[i].Extent = extent;
     if (extent.Indexed) {
         m_MaxPad = std::max(m_MaxPad, extent.Pad);
         m_Tree->Tree.insert(TTree::TValue(TTree::Box(PaddedBox(extent)), item));
         if (m_Press)
-            m_Press->Enter(no, PressBox(extent), item.Connector);
+            m_Press->Enter(slot, PressBox(extent), item.Connector);
     }
 }
 
 void TShapeIndex::Append(const TEntry &entry)
 {
-    const auto no = std::int32_t(m_Entries.size());
+    const auto slot = std::int32_t(m_Entries.size());
     m_Entries.push_back({entry.Shape, TShapeExtent{}, entry.Connector});
-    m_Numbers.insert_or_assign(entry.Shape, no);
-    Replace(no, entry.Extent);
+    m_Slots.insert_or_assign(entry.Shape, slot);
+    ReplaceSlot(slot, entry.Extent);
+}
+
+void TShapeIndex::Remove(std::span<TMyShape *const> shapes)
+{
+    const std::size_t before = m_Removed.size();
+    for (const TMyShape *shape : shapes) {
+        const auto it = m_Slots.find(shape);
+        if (it == m_Slots.end())
+            continue;
+        const std::int32_t slot = it->second;
+        m_Slots.erase(it);
+        ReplaceSlot(slot, TShapeExtent{});
+        m_Entries[std::size_t(slot)].Shape = nullptr;
+        m_Removed.push_back(slot);
+    }
+    std::sort(m_Removed.begin() + std::ptrdiff_t(before), m_Removed.end());
+    std::inplace_merge(m_Removed.begin(), m_Removed.begin() + std::ptrdiff_t(before),
+                       m_Removed.end());
+    if (m_Removed.size() > std::max<std::size_t>(RemovedKept, m_Entries.size() / 4))
+        MarkStale();
 }
 
 std::int32_t TShapeIndex::NumberOf(const TMyShape *shape) const
 {
-    const auto it = m_Numbers.find(shape);
-    return it == m_Numbers.end() ? -1 : it->second;
+    const auto it = m_Slots.find(shape);
+    return it == m_Slots.end() ? -1 : NumberAt(it->second);
+}
+
+std::int32_t TShapeIndex::LargestPad(std::int32_t cap) const
+{
+    std::int32_t pad = 0;
+    for (std::size_t i = 0; i < m_Entries.size() && pad < cap; ++i)
+        pad = std::max(pad, m_Entries[i].Extent.Pad);
+    return std::min(pad, cap);
 }
 
 bool TShapeIndex::KeepTreeAtZoom(double zoom)
@@ -113,7 +168,7 @@ bool TShapeIndex::KeepTreeAtZoom(double zoom)
 
 void TShapeIndex::SetExtentInPlace(std::int32_t no, const TShapeExtent &extent)
 {
-    m_Entries[std::size_t(no)].Extent = extent;
+    m_Entries[std::size_t(SlotOf(no))].Extent = extent;
 }
 
 // At a smaller zoom than the tree's, a pad covers more of the document than the tree's box
@@ -128,8 +183,9 @@ TMyRect TShapeIndex::QueryBox(const TRect &rect) const
 
 void TShapeIndex::Query(const TMyRect &box, std::vector<std::int32_t> &numbers) const
 {
-    boxtree::Query(m_Tree->Tree, boxtree::Box(box),
-                   [&numbers](const TIndexCandidate &c) { numbers.push_back(c.No); });
+    boxtree::Query(m_Tree->Tree, boxtree::Box(box), [this, &numbers](const TIndexCandidate &c) {
+        numbers.push_back(m_Removed.empty() ? c.No : NumberAt(c.No));
+    });
 }
 
 TMyRect TShapeIndex::PressBox(const TShapeExtent &extent) const
@@ -155,6 +211,7 @@ void TShapeIndex::BeginPress(TPoint at, TPressCursor &cursor)
         m_Press = std::make_unique<TPressGrid>(boxes, indexed, connectors);
     }
     m_Press->Begin({float(at.X / m_Zoom), float(at.Y / m_Zoom)}, cursor);
+    cursor.SkipRemoved(m_Removed.empty() ? nullptr : &m_Removed);
 }
 
 } // namespace tessal

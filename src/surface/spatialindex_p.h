@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -43,8 +44,13 @@ struct TShapeExtent
 };
 
 // The index only narrows the candidates of a query: it answers every shape whose extent
-// might meet the query box, and the caller applies the exact test. Entries are kept per
-// shape number, so a change of numbering needs a rebuild.
+// might meet the query box, and the caller applies the exact test.
+//
+// Entries are kept in slots, the shape numbers they had when they were entered. A shape
+// taken out of the list leaves its slot empty, and a slot's shape number is the slot less
+// the empty slots below it: removals keep the order of the others, so no other entry
+// changes, in the tree or in the press cells. Any other change of numbering (an insertion,
+// a new order) needs a rebuild.
 class TShapeIndex
 {
 public:
@@ -75,12 +81,19 @@ public:
     void SetExtentInPlace(std::int32_t no, const TShapeExtent &extent);
     void Replace(std::int32_t no, const TShapeExtent &extent);
     void Append(const TEntry &entry);
+    // The shapes leave the list; those not in the index are passed over. Marks the index
+    // stale once more than a quarter of the slots (and more than RemovedKept) are empty,
+    // when a rebuild makes queries cheaper again.
+    void Remove(std::span<TMyShape *const> shapes);
+    static constexpr std::size_t RemovedKept = 64;
     void MarkStale() { m_Stale = true; }
     bool IsStale() const { return m_Stale; }
 
     double Zoom() const { return m_Zoom; }
-    std::int32_t Count() const { return std::int32_t(m_Entries.size()); }
-    const TEntry &Entry(std::int32_t no) const { return m_Entries[std::size_t(no)]; }
+    std::int32_t Count() const { return std::int32_t(m_Entries.size() - m_Removed.size()); }
+    const TEntry &Entry(std::int32_t no) const { return m_Entries[std::size_t(SlotOf(no))]; }
+    // The widest pad of any entry, or cap when one reaches it.
+    std::int32_t LargestPad(std::int32_t cap) const;
     // The number of an entry's shape, -1 when the shape is not in the index.
     std::int32_t NumberOf(const TMyShape *shape) const;
     // The query box of a control rectangle: one pixel more on every side, since the tree's
@@ -101,6 +114,10 @@ private:
     // The tree, kept out of this header, which the whole surface includes.
     struct TTree;
 
+    std::int32_t SlotOf(std::int32_t no) const;
+    std::int32_t NumberAt(std::int32_t slot) const;
+    void ReplaceSlot(std::int32_t slot, const TShapeExtent &extent);
+
     // Deterministic for the tree's zoom, so an entry is removed from the tree with the box it
     // was inserted with.
     TMyRect PaddedBox(const TShapeExtent &extent) const;
@@ -108,8 +125,9 @@ private:
     TMyRect PressBox(const TShapeExtent &extent) const;
 
     std::unique_ptr<TTree> m_Tree;
-    std::vector<TEntry> m_Entries;
-    std::unordered_map<const TMyShape *, std::int32_t> m_Numbers;
+    std::vector<TEntry> m_Entries; // by slot
+    std::unordered_map<const TMyShape *, std::int32_t> m_Slots;
+    std::vector<std::int32_t> m_Removed; // the empty slots, ascending
     // Made at the first press after a rebuild, then kept current with the tree.
     std::unique_ptr<TPressGrid> m_Press;
     double m_Zoom = 1.0;

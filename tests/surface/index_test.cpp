@@ -247,8 +247,8 @@ TEST(ShapeIndex, CommandsReportTheirChanges)
         case 4:
             cad.Rotate(a, 0.7f);
             break;
-        case 5:
-            cad.DeleteShapeById(a->ShapeId(), true);
+        case 5: // a member taken out of its group, or a whole group
+            cad.DeleteShapeById((step % 20 == 5 ? pick() : a)->ShapeId(), true);
             break;
         case 6:
             cad.ClearWorkingShapes();
@@ -271,6 +271,28 @@ TEST(ShapeIndex, CommandsReportTheirChanges)
         }
         agree(step);
     }
+    // A removal changes the extent of shapes that stay: a locked member outlives its group
+    // as a shape of its own, and a group that loses a member shrinks.
+    const auto box = [&](float x) {
+        const TMyPoint corners[] = {{x, 950}, {x + 40, 990}};
+        return cad.GetShapeByID(cad.AddShapeByCode(TDrawTool::SpRectangle, {}, corners, 0, {}));
+    };
+    TMyShape *const first[] = {box(100), box(300)};
+    TMyShape *const second[] = {box(500), box(700)};
+    const std::int32_t firstGroup = cad.GroupShapes(first, false);
+    cad.GroupShapes(second, false);
+    first[0]->SetLocked(true);
+    second[1]->SetPen(TPen{clRed, TPenMode::pmCopy, TPenStyle::psSolid, 30});
+    const TRect row(0, 900, 900, 1000);
+    ASSERT_EQ(cad.ShapesInRect(row), cad.ShapesInRectLinear(row));
+    cad.DeleteShapeById(firstGroup, false);
+    cad.DeleteShapeById(second[1]->ShapeId(), false);
+    ASSERT_EQ(first[0]->ParentNo(), -1);
+    for (const int x : {50, 250, 450, 650, 760})
+        EXPECT_EQ(cad.ShapesInRect({x, 900, x + 100, 1000}),
+                  cad.ShapesInRectLinear({x, 900, x + 100, 1000}))
+            << x;
+
     // Moved without telling the surface, then only repainted: the index keeps its boxes.
     TMyShape *shape = cad.GetShapeByNo(cad.GetShapesCount() - 1);
     const TRect before = cad.ShapeScreenRect(shape);
@@ -288,15 +310,20 @@ TEST(ShapeIndex, CommandsReportTheirChanges)
 // the caller asks for connectors only, just the connectors below. A shape whose classes say
 // how far they are hit is reached that far from its hit box, any other one PressReach
 // pixels from what it paints. Checked on random extents (small ones, huge ones, unindexed
-// ones) through moves, appends and enough changes that the index builds its press cells
-// afresh, at three zooms.
+// ones) through moves, appends, removals that renumber the shapes above them, and enough
+// changes that the index builds its press cells afresh, at three zooms. The expected
+// answer comes from a plain list of the entries kept beside the index.
 TEST(ShapeIndex, PressCandidatesComeFromTheTopAndCoverTheReach)
 {
     std::mt19937 rng(77);
     std::uniform_real_distribution<float> pos(0, 2000);
     std::uniform_real_distribution<float> unit(0, 1);
+    TMyCAD cad;
+    std::vector<std::unique_ptr<TMyShape>> owned; // the index tells entries apart by shape
     const auto randomEntry = [&] {
         TShapeIndex::TEntry e;
+        owned.push_back(cad.CreateShapeByName(QStringLiteral("TMyRectangle")));
+        e.Shape = owned.back().get();
         const float x = pos(rng), y = pos(rng);
         const float scale = unit(rng) < 0.03f ? 1500 : 60;
         e.Extent.Box = {x, y, x + unit(rng) * scale, y + unit(rng) * scale};
@@ -347,7 +374,7 @@ TEST(ShapeIndex, PressCandidatesComeFromTheTopAndCoverTheReach)
                 // The index may answer a little more than a press reaches (a pixel to
                 // spare), never a shape three pixels beyond it.
                 for (std::size_t k = 0; k < got.size(); ++k) {
-                    const TShapeIndex::TEntry &e = index.Entry(got[k].No);
+                    const TShapeIndex::TEntry &e = entries[std::size_t(got[k].No)];
                     ASSERT_TRUE(e.Extent.Indexed);
                     ASSERT_EQ(got[k].Connector, e.Connector);
                     ASSERT_TRUE(reachOf(e, zoom).Inflated(3, 3).Contains(p));
@@ -357,8 +384,8 @@ TEST(ShapeIndex, PressCandidatesComeFromTheTopAndCoverTheReach)
                 // Everything a press reaches is answered; below the switch, the connectors.
                 const bool switched = switchAfter > 0 && std::int32_t(got.size()) >= switchAfter;
                 const std::int32_t below = switched ? got[std::size_t(switchAfter - 1)].No : -1;
-                for (std::int32_t no = 0; no < index.Count(); ++no) {
-                    const TShapeIndex::TEntry &e = index.Entry(no);
+                for (std::int32_t no = 0; no < std::int32_t(entries.size()); ++no) {
+                    const TShapeIndex::TEntry &e = entries[std::size_t(no)];
                     if (!e.Extent.Indexed || !reachOf(e, zoom).Contains(p) ||
                         (no < below && !e.Connector))
                         continue;
@@ -370,12 +397,31 @@ TEST(ShapeIndex, PressCandidatesComeFromTheTopAndCoverTheReach)
             }
         };
         check();
-        // Moves and appends are taken in one by one, until the press cells are rebuilt.
+        // Moves, appends and removals are taken in one by one, until the press cells are
+        // rebuilt.
         for (int round = 0; round < 4; ++round) {
-            for (int k = 0; k < 600; ++k)
-                index.Replace(std::int32_t(rng() % index.Count()), randomEntry().Extent);
-            for (int k = 0; k < 50; ++k)
-                index.Append(randomEntry());
+            for (int k = 0; k < 600; ++k) {
+                const auto no = std::size_t(rng() % entries.size());
+                entries[no].Extent = randomEntry().Extent;
+                index.Replace(std::int32_t(no), entries[no].Extent);
+            }
+            for (int k = 0; k < 50; ++k) {
+                entries.push_back(randomEntry());
+                index.Append(entries.back());
+            }
+            std::vector<TMyShape *> removed;
+            for (int k = 0; k < 40; ++k) {
+                const auto at = entries.begin() + std::ptrdiff_t(rng() % entries.size());
+                removed.push_back(const_cast<TMyShape *>(at->Shape));
+                entries.erase(at);
+            }
+            index.Remove(removed);
+            ASSERT_FALSE(index.IsStale());
+            ASSERT_EQ(index.Count(), std::int32_t(entries.size()));
+            for (std::int32_t no = 0; no < index.Count(); no += 7) {
+                ASSERT_EQ(index.Entry(no).Shape, entries[std::size_t(no)].Shape) << no;
+                ASSERT_EQ(index.NumberOf(entries[std::size_t(no)].Shape), no);
+            }
             check();
         }
         EXPECT_GT(seen, 2000) << "the presses must meet shapes for the check to mean anything";
