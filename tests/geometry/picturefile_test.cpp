@@ -36,83 +36,58 @@ protected:
     QTemporaryDir m_Dir;
 };
 
-void Put16(QByteArray &b, int v)
+// The values as little-endian words of `bytes` bytes each.
+QByteArray Le(int bytes, std::initializer_list<qint64> values)
 {
-    b.append(char(v & 0xFF));
-    b.append(char((v >> 8) & 0xFF));
-}
-
-void Put32(QByteArray &b, qint64 v)
-{
-    Put16(b, int(v & 0xFFFF));
-    Put16(b, int((v >> 16) & 0xFFFF));
+    QByteArray out;
+    for (qint64 v : values)
+        for (int i = 0; i < bytes; ++i)
+            out.append(char((v >> (8 * i)) & 0xFF));
+    return out;
 }
 
 // An enhanced metafile of 100 x 50 pixels at 96 per inch with a red rectangle from (10, 10)
 // to (60, 40): header, brush, select, rectangle, end.
 QByteArray MakeEmf()
 {
-    QByteArray f;
-    const auto put32 = [&f](std::initializer_list<qint64> values) {
-        for (qint64 v : values)
-            Put32(f, v);
-    };
     // EMR_HEADER, size; bounds in device pixels (inclusive); frame in 0.01 mm; signature,
     // version, total bytes (patched below), records; handles and a reserved word.
-    put32({1, 108, 0, 0, 99, 49, 0, 0, 2645, 1322, 0x464D4520, 0x10000, 0, 5});
-    Put16(f, 2);
-    Put16(f, 0);
     // Description, palette, device size in pixels and mm, pixel format, micrometres.
-    put32({0, 0, 0, 1920, 1080, 508, 286, 0, 0, 0, 508000, 286000});
-    put32({39, 24, 1, 0, 0x0000FF, 0}); // EMR_CREATEBRUSHINDIRECT: solid red as 0x00BBGGRR
-    put32({37, 12, 1});                 // EMR_SELECTOBJECT
-    put32({43, 24, 10, 10, 60, 40});    // EMR_RECTANGLE
-    put32({14, 20, 0, 16, 20});         // EMR_EOF
-    const qint64 n = f.size();
-    for (int i = 0; i < 4; ++i)
-        f[48 + i] = char((n >> (8 * i)) & 0xFF);
+    QByteArray f = Le(4, {1, 108, 0, 0, 99, 49, 0, 0, 2645, 1322, 0x464D4520, 0x10000, 0, 5}) +
+                   Le(2, {2, 0}) + Le(4, {0, 0, 0, 1920, 1080, 508, 286, 0, 0, 0, 508000, 286000});
+    f += Le(4, {39, 24, 1, 0, 0x0000FF, 0}); // EMR_CREATEBRUSHINDIRECT: solid red as 0x00BBGGRR
+    f += Le(4, {37, 12, 1});                 // EMR_SELECTOBJECT
+    f += Le(4, {43, 24, 10, 10, 60, 40});    // EMR_RECTANGLE
+    f += Le(4, {14, 20, 0, 16, 20});         // EMR_EOF
+    f.replace(48, 4, Le(4, {f.size()}));
     return f;
 }
 
-void WmfRecord(QByteArray &b, int function, std::initializer_list<int> words)
+// A WMF record: size in 16-bit words, function, parameters (coordinates in reverse order).
+QByteArray WmfRecord(int function, std::initializer_list<qint64> words)
 {
-    Put32(b, 3 + qint64(words.size()));
-    Put16(b, function);
-    for (int w : words)
-        Put16(b, w);
+    return Le(4, {3 + qint64(words.size())}) + Le(2, {function}) + Le(2, words);
 }
 
 // A placeable metafile of 100 x 50 units at 96 per inch with the same red rectangle.
 QByteArray MakeWmf()
 {
-    QByteArray f;
-    Put32(f, 0x9AC6CDD7);
-    for (int v : {0, 0, 0, 100, 50, 96})
-        Put16(f, v); // handle, frame left, top, right, bottom, units per inch
-    Put32(f, 0);
+    // Key; handle, frame left, top, right, bottom, units per inch; reserved; checksum.
+    QByteArray f = Le(4, {0x9AC6CDD7}) + Le(2, {0, 0, 0, 100, 50, 96}) + Le(4, {0});
     int checksum = 0;
     for (int i = 0; i < 10; ++i)
         checksum ^= quint8(f[2 * i]) | (quint8(f[2 * i + 1]) << 8);
-    Put16(f, checksum);
-
-    // Records: size in 16-bit words, function, parameters (coordinates in reverse order).
-    QByteArray r;
-    WmfRecord(r, 0x020B, {0, 0});            // SETWINDOWORG y, x
-    WmfRecord(r, 0x020C, {50, 100});         // SETWINDOWEXT y, x
-    WmfRecord(r, 0x02FC, {0, 0x00FF, 0, 0}); // CREATEBRUSHINDIRECT solid, red, hatch
-    WmfRecord(r, 0x012D, {0});               // SELECTOBJECT
-    WmfRecord(r, 0x041B, {40, 60, 10, 10});  // RECTANGLE bottom, right, top, left
-    WmfRecord(r, 0x0000, {});                // EOF
-
-    QByteArray header;
-    Put16(header, 1);
-    Put16(header, 9);
-    Put16(header, 0x0300);
-    Put32(header, (18 + r.size()) / 2);
-    Put16(header, 1);
-    Put32(header, 7);
-    Put16(header, 0);
-    return f + header + r;
+    f += Le(2, {checksum});
+    const QByteArray r = WmfRecord(0x020B, {0, 0}) +            // SETWINDOWORG y, x
+                         WmfRecord(0x020C, {50, 100}) +         // SETWINDOWEXT y, x
+                         WmfRecord(0x02FC, {0, 0x00FF, 0, 0}) + // CREATEBRUSHINDIRECT
+                         WmfRecord(0x012D, {0}) +               // SELECTOBJECT
+                         WmfRecord(0x041B, {40, 60, 10, 10}) +  // RECTANGLE b, r, t, l
+                         WmfRecord(0x0000, {});                 // EOF
+    // Header: type, size in words, version, file size in words, objects, largest record,
+    // no parameters.
+    return f + Le(2, {1, 9, 0x0300}) + Le(4, {(18 + r.size()) / 2}) + Le(2, {1}) + Le(4, {7}) +
+           Le(2, {0}) + r;
 }
 
 unsigned Rgb(const TBitmap &b, int x, int y)
