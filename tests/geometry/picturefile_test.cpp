@@ -3,9 +3,10 @@
 // record by record from the file-format tables, and broken files.
 #include <tessal/geometry/bitmapops.h>
 
+#include "common/files.h"
+
 #include <gtest/gtest.h>
 
-#include <QFile>
 #include <QTemporaryDir>
 
 #include <initializer_list>
@@ -21,9 +22,7 @@ protected:
     QString Write(const QString &name, const QByteArray &bytes)
     {
         const QString path = m_Dir.filePath(name);
-        QFile file(path);
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
+        EXPECT_TRUE(test::WriteFile(path, bytes));
         return path;
     }
     QString Save(const QString &name, const QImage &image, const char *format)
@@ -104,17 +103,12 @@ TEST_F(PictureFile, RasterFormatsByTheirLastThreeLetters)
     QString reason = "stale";
     TBitmap bmp = LoadGraphicsFile(Save("a.bmp", image, "BMP"), &reason);
     ASSERT_EQ(std::pair(bmp.Width(), bmp.Height()), std::pair(7, 5));
-    EXPECT_EQ(bmp.Pixel(0, 0), RGBToColor(200, 30, 60));
-    EXPECT_EQ(bmp.Pixel(3, 2), clBlue);
-    EXPECT_TRUE(reason.isEmpty());
-    EXPECT_EQ(bmp.Image().format(), QImage::Format_BGR888);
+    EXPECT_EQ(
+        std::tuple(bmp.Pixel(0, 0), bmp.Pixel(3, 2), reason, bmp.Image().format()),
+        std::tuple(RGBToColor(200, 30, 60), TColor(clBlue), QString(), QImage::Format_BGR888));
 
     image.fill(QColor(20, 180, 90)); // flat colour survives JPEG compression nearly intact
-    const QByteArray jpeg = [&] {
-        QFile f(Save("j.jpg", image, "JPEG"));
-        f.open(QIODevice::ReadOnly);
-        return f.readAll();
-    }();
+    const QByteArray jpeg = test::ReadFile(Save("j.jpg", image, "JPEG"));
     for (const char *name : {"b.jpg", "c.JPEG", "d.Jpeg"}) {
         const TBitmap j = LoadGraphicsFile(Write(name, jpeg));
         ASSERT_EQ(j.Width(), 7) << name;
@@ -133,9 +127,8 @@ TEST_F(PictureFile, RasterFormatsByTheirLastThreeLetters)
             icon.setPixel(x, y, qRgba(255, 0, 0, 255));
     const TBitmap b = LoadGraphicsFile(Save("i.ICO", icon, "ICO"));
     ASSERT_EQ(std::pair(b.Width(), b.Height()), std::pair(16, 16));
-    EXPECT_EQ(b.Pixel(8, 8), clRed);
-    EXPECT_EQ(b.Pixel(1, 1), clWhite);
-    EXPECT_EQ(b.Image().format(), QImage::Format_BGR888);
+    EXPECT_EQ(std::tuple(b.Pixel(8, 8), b.Pixel(1, 1), b.Image().format()),
+              std::tuple(TColor(clRed), TColor(clWhite), QImage::Format_BGR888));
 }
 
 TEST_F(PictureFile, UnknownMissingAndBrokenFilesAnswerEmpty)
@@ -149,9 +142,7 @@ TEST_F(PictureFile, UnknownMissingAndBrokenFilesAnswerEmpty)
     EXPECT_TRUE(reason.contains("none.bmp"));
     EXPECT_TRUE(LoadGraphicsFile(m_Dir.filePath("none.bmp")).IsEmpty());
 
-    QFile f(Save("whole.bmp", image, "BMP"));
-    f.open(QIODevice::ReadOnly);
-    const QByteArray bmp = f.readAll();
+    const QByteArray bmp = test::ReadFile(Save("whole.bmp", image, "BMP"));
     for (qsizetype cut : {0, 10, 40}) { // no header, half a header, no pixel rows
         reason.clear();
         EXPECT_TRUE(LoadGraphicsFile(Write("cut.bmp", bmp.left(cut)), &reason).IsEmpty()) << cut;

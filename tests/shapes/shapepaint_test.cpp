@@ -77,8 +77,7 @@ TEST(Gradient, EveryTemplateHasItsSizeAndSampledValues)
         SCOPED_TRACE(int(row.Style));
         s.SetGradientStyle(row.Style);
         const TBitmap &bm = s.GradientBitmap();
-        ASSERT_EQ(bm.Width(), row.W);
-        ASSERT_EQ(bm.Height(), row.H);
+        ASSERT_EQ(std::pair(bm.Width(), bm.Height()), std::pair(row.W, row.H));
         for (const TSample &p : row.Samples) {
             const std::uint8_t g = std::uint8_t(255 - p.Index);
             EXPECT_EQ(bm.Pixel(p.X, p.Y), RGBToColor(g, g, g)) << p.X << "," << p.Y;
