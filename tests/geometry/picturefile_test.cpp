@@ -157,14 +157,8 @@ TEST_F(PictureFile, Metafiles)
     // Both hold a red rectangle from (10, 10) to (60, 40) on 100 x 50 pixels. Every
     // truncation fails cleanly, and so do a wrong signature, a record size running past the
     // end and a wrong placeable-header checksum.
-    const struct
-    {
-        QString Name;
-        QByteArray Bytes;
-        bool Built;
-        int Step;
-        std::vector<std::pair<int, char>> Damage;
-    } files[] = {
+    // Name, contents, whether the reader is built, the step of the truncations, damages.
+    const std::tuple<QString, QByteArray, bool, int, std::vector<std::pair<int, char>>> files[] = {
 #if defined(TESSAL_HAVE_EMF)
         {"r.emf", MakeEmf(), true, 4, {{40, 'X'}, {108 + 4, char(0xF0)}}},
 #else
@@ -176,27 +170,27 @@ TEST_F(PictureFile, Metafiles)
         {"r.WMF", MakeWmf(), false, 2, {}},
 #endif
     };
-    for (const auto &f : files) {
-        SCOPED_TRACE(f.Name.toStdString());
+    for (const auto &[name, bytes, built, step, damage] : files) {
+        SCOPED_TRACE(name.toStdString());
         QString reason;
-        const TBitmap b = LoadGraphicsFile(Write(f.Name, f.Bytes), &reason);
-        if (!f.Built) {
+        const TBitmap b = LoadGraphicsFile(Write(name, bytes), &reason);
+        if (!built) {
             EXPECT_TRUE(b.IsEmpty());
             EXPECT_TRUE(reason.contains("not built in"));
             continue;
         }
         ASSERT_FALSE(b.IsEmpty()) << reason.toStdString();
-        EXPECT_EQ(std::pair(b.Width(), b.Height()), std::pair(100, 50));
-        EXPECT_EQ(b.Image().format(), QImage::Format_BGR888);
+        EXPECT_EQ(std::tuple(b.Width(), b.Height(), b.Image().format()),
+                  std::tuple(100, 50, QImage::Format_BGR888));
         for (auto [x, y, rgb] : {std::tuple{30, 25, 0xFF0000u}, std::tuple{12, 12, 0xFF0000u},
                                  std::tuple{5, 5, 0xFFFFFFu}, std::tuple{70, 25, 0xFFFFFFu},
                                  std::tuple{80, 45, 0xFFFFFFu}})
             EXPECT_EQ(Rgb(b, x, y), rgb) << x << "," << y;
-        const QString cutName = "t." + f.Name.right(3);
-        for (qsizetype cut = 0; cut < f.Bytes.size(); cut += f.Step)
-            EXPECT_TRUE(LoadGraphicsFile(Write(cutName, f.Bytes.left(cut))).IsEmpty()) << cut;
-        for (auto [at, byte] : f.Damage) {
-            QByteArray bad = f.Bytes;
+        const QString cutName = "t." + name.right(3);
+        for (qsizetype cut = 0; cut < bytes.size(); cut += step)
+            EXPECT_TRUE(LoadGraphicsFile(Write(cutName, bytes.left(cut))).IsEmpty()) << cut;
+        for (auto [at, byte] : damage) {
+            QByteArray bad = bytes;
             bad[at] = byte;
             reason.clear();
             EXPECT_TRUE(LoadGraphicsFile(Write(cutName, bad), &reason).IsEmpty()) << at;

@@ -151,36 +151,21 @@ TEST(LineHitTest, EightPixelBandWithTheRectangleRules)
     TCanvas &canvas = *host.ScreenCanvas();
     // 8 pixels either side, the right and bottom edges exclusive, nothing beyond the ends.
     // Slanted: the band is measured along y (flat slant) inside the bare bounding box.
-    // A vertical, a horizontal and a slanted segment, each with the points it is or is not
-    // hit at.
-    const std::pair<TMyPointArray, std::vector<std::pair<TPoint, bool>>> segments[] = {
-        {{{50, 20}, {50, 120}},
-         {{{42, 70}, true},
-          {{41, 70}, false},
-          {{57, 70}, true},
-          {{58, 70}, false},
-          {{50, 20}, true},
-          {{50, 120}, false},
-          {{50, 17}, false}}},
-        {{{20, 50}, {120, 50}},
-         {{{70, 42}, true},
-          {{70, 41}, false},
-          {{70, 57}, true},
-          {{70, 58}, false},
-          {{123, 50}, false},
-          {{17, 50}, false},
-          {{20, 50}, true}}},
-        {{{0, 0}, {100, 50}},
-         {{{50, 33}, true},
-          {{50, 34}, false},
-          {{50, 17}, true},
-          {{50, 16}, false},
-          {{2, 9}, true},
-          {{102, 51}, false}}}};
-    for (const auto &[points, probes] : segments)
-        for (const auto &[at, hit] : probes)
-            EXPECT_EQ(MakeLine(host, points)->IsClickedMe(canvas, at), hit)
-                << points[0].X << "," << points[0].Y << " at " << at.X << "," << at.Y;
+    const std::tuple<TMyPoint, TMyPoint, TPoint, bool> rows[] = {
+        {{50, 20}, {50, 120}, {42, 70}, true},  {{50, 20}, {50, 120}, {41, 70}, false},
+        {{50, 20}, {50, 120}, {57, 70}, true},  {{50, 20}, {50, 120}, {58, 70}, false},
+        {{50, 20}, {50, 120}, {50, 20}, true},  {{50, 20}, {50, 120}, {50, 120}, false},
+        {{50, 20}, {50, 120}, {50, 17}, false}, {{20, 50}, {120, 50}, {70, 42}, true},
+        {{20, 50}, {120, 50}, {70, 41}, false}, {{20, 50}, {120, 50}, {70, 57}, true},
+        {{20, 50}, {120, 50}, {70, 58}, false}, {{20, 50}, {120, 50}, {123, 50}, false},
+        {{20, 50}, {120, 50}, {17, 50}, false}, {{20, 50}, {120, 50}, {20, 50}, true},
+        {{0, 0}, {100, 50}, {50, 33}, true},    {{0, 0}, {100, 50}, {50, 34}, false},
+        {{0, 0}, {100, 50}, {50, 17}, true},    {{0, 0}, {100, 50}, {50, 16}, false},
+        {{0, 0}, {100, 50}, {2, 9}, true},      {{0, 0}, {100, 50}, {102, 51}, false},
+    };
+    for (const auto &[from, to, at, hit] : rows)
+        EXPECT_EQ(MakeLine(host, {from, to})->IsClickedMe(canvas, at), hit)
+            << from.X << "," << from.Y << " at " << at.X << "," << at.Y;
 
     // The band is in screen pixels at every zoom; fewer than two points are never hit.
     host.ZoomValue = 3;
