@@ -10,7 +10,6 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cmath>
 #include <tuple>
 
 using namespace tessal;
