@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <numbers>
 #include <random>
 #include <vector>
@@ -121,10 +122,10 @@ TEST(BitmapOps, TurnedCopiesAreStretchedFirstAndKeepTheirSense)
     // Turned an eighth anticlockwise (the exact quarter turns are checked pixel by pixel
     // below): white outside the turned picture.
     const TBitmap d = RotateBitmap(b, Pi / 4, 20, 10);
-    EXPECT_EQ(d.Pixel(0, 0), clWhite);
-    EXPECT_EQ(d.Pixel(d.Width() - 1, d.Height() - 1), clWhite);
-    EXPECT_EQ(d.Pixel(d.Width() / 2 - 4, d.Height() / 2 + 4), clRed);
-    EXPECT_EQ(d.Pixel(d.Width() / 2 + 4, d.Height() / 2 - 4), clBlue);
+    const int w = d.Width(), h = d.Height();
+    EXPECT_EQ((std::array{d.Pixel(0, 0), d.Pixel(w - 1, h - 1), d.Pixel(w / 2 - 4, h / 2 + 4),
+                          d.Pixel(w / 2 + 4, h / 2 - 4)}),
+              (std::array{clWhite, clWhite, clRed, clBlue}));
 
     // Unturned, 20 x 10 stretched to 6 x 3.
     const TBitmap r = RotateBitmap(b, 0, 6, 3);
@@ -150,8 +151,7 @@ TEST(BitmapOps, RightAngleTurnsEqualExactPixelMoves)
 
         // A quarter turn anticlockwise moves source (i, j) to (j, w - 1 - i).
         const TBitmap q = RotateBitmap(b, Pi / 2, w, h);
-        ASSERT_EQ(q.Width(), h);
-        ASSERT_EQ(q.Height(), w);
+        ASSERT_EQ(std::pair(q.Width(), q.Height()), std::pair(h, w));
         int mismatches = 0;
         for (int j = 0; j < h; ++j)
             for (int i = 0; i < w; ++i)

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+
 namespace tessal {
 namespace {
 
@@ -36,11 +38,9 @@ void ExpectSquare(const QImage &image, int h, unsigned fill)
 {
     const int lo = 10 - h;
     const int hi = 10 + h - 1;
-    EXPECT_EQ(Rgb(image, lo, lo), Black);
-    EXPECT_EQ(Rgb(image, hi, hi), Black);
-    EXPECT_EQ(Rgb(image, hi, lo), Black);
-    EXPECT_EQ(Rgb(image, lo - 1, 10), White);
-    EXPECT_EQ(Rgb(image, hi + 1, 10), White);
+    EXPECT_EQ((std::array{Rgb(image, lo, lo), Rgb(image, hi, hi), Rgb(image, hi, lo),
+                          Rgb(image, lo - 1, 10), Rgb(image, hi + 1, 10)}),
+              (std::array{Black, Black, Black, White, White}));
     const int inner = 2 * h - 2;
     EXPECT_EQ(CountPixels(image, QRect(lo + 1, lo + 1, inner, inner), fill), inner * inner);
     EXPECT_EQ(CountPixels(image, image.rect(), fill), inner * inner);
@@ -98,15 +98,12 @@ TEST(CanvasModes, HandleSizesShapesAndColours)
 
 TEST(CanvasModes, HandleCornersRoundToEven)
 {
-    THandleLook look;
-    look.HotSize = 4;
-    // p = 10.5: corners 6.5 -> 6 and 14.5 -> 14, the same square as at 10.
-    ExpectSquare(Handle(look, MyPoint(10.5f, 10.5f)), 4, Green);
+    // Hot size 4. p = 10.5: corners 6.5 -> 6 and 14.5 -> 14, the same square as at 10.
+    ExpectSquare(Handle(THandleLook{}, MyPoint(10.5f, 10.5f)), 4, Green);
     // p = 11.5: corners 7.5 -> 8 and 15.5 -> 16, one pixel further.
-    const QImage shifted = Handle(look, MyPoint(11.5f, 11.5f));
-    EXPECT_EQ(Rgb(shifted, 8, 8), Black);
-    EXPECT_EQ(Rgb(shifted, 15, 15), Black);
-    EXPECT_EQ(Rgb(shifted, 7, 8), White);
+    const QImage shifted = Handle(THandleLook{}, MyPoint(11.5f, 11.5f));
+    EXPECT_EQ((std::array{Rgb(shifted, 8, 8), Rgb(shifted, 15, 15), Rgb(shifted, 7, 8)}),
+              (std::array{Black, Black, White}));
 }
 
 TEST(CanvasModes, LinkSquareIsABlueCross)
@@ -123,9 +120,8 @@ TEST(CanvasModes, LinkSquareIsABlueCross)
         EXPECT_EQ(Rgb(image, i, i), Blue);
         EXPECT_EQ(Rgb(image, 20 - i, i), Blue);
     }
-    EXPECT_EQ(Rgb(image, 10, 8), White);
-    EXPECT_EQ(Rgb(image, 8, 10), White);
-    EXPECT_EQ(Rgb(image, 13, 13), White);
+    for (auto [x, y] : {std::pair{10, 8}, {8, 10}, {13, 13}})
+        EXPECT_EQ(Rgb(image, x, y), White) << x << "," << y;
     EXPECT_EQ(CountPixels(image, QRect(14, 0, 18, 32), White), 18 * 32);
     EXPECT_EQ(CountPixels(image, image.rect(), Green), 0);
 
@@ -150,16 +146,13 @@ TEST(CanvasModes, PenAndBrushSetUps)
     font.SetSize(20);
     SetDrawTriangleMode(pen, font, canvas);
     EXPECT_EQ(canvas.Pen(), (TPen{clRed, TPenMode::pmCopy, TPenStyle::psDash, 3}));
-    EXPECT_EQ(canvas.Brush().Color, clRed);
-    EXPECT_EQ(canvas.Brush().Style, TBrushStyle::bsSolid);
+    EXPECT_EQ(canvas.Brush(), (TBrush{clRed, TBrushStyle::bsSolid, {}}));
     EXPECT_EQ(canvas.Font(), font);
 
     // The shape mode copies pen and brush with mode copy, and turns them grey on
     // black-and-white printers only: (10 + 20 + 40) / 3 = 23, (200 + 100 + 1) / 3 = 100.
     const TPen shapePen{RGBToColor(10, 20, 40), TPenMode::pmXor, TPenStyle::psDashDot, 2};
-    TBrush brush;
-    brush.Color = RGBToColor(200, 100, 1);
-    brush.Style = TBrushStyle::bsCross;
+    TBrush brush{RGBToColor(200, 100, 1), TBrushStyle::bsCross, {}};
     for (auto [printer, colours, grey] :
          {std::tuple{false, 0, false}, std::tuple{true, 256, false}, std::tuple{true, 2, true}}) {
         SCOPED_TRACE(colours);
@@ -167,8 +160,9 @@ TEST(CanvasModes, PenAndBrushSetUps)
         SetDrawShapeMode(shapePen, brush, canvas);
         EXPECT_EQ(canvas.Pen(), (TPen{grey ? RGBToColor(23, 23, 23) : shapePen.Color,
                                       TPenMode::pmCopy, TPenStyle::psDashDot, 2}));
-        EXPECT_EQ(canvas.Brush().Color, grey ? RGBToColor(100, 100, 100) : brush.Color);
-        EXPECT_EQ(canvas.Brush().Style, TBrushStyle::bsCross);
+        EXPECT_EQ(
+            canvas.Brush(),
+            (TBrush{grey ? RGBToColor(100, 100, 100) : brush.Color, TBrushStyle::bsCross, {}}));
     }
     brush.Style = TBrushStyle::bsClear;
     SetDrawShapeMode(TPen{clWindowText, TPenMode::pmCopy, TPenStyle::psSolid, 1}, brush, canvas);
@@ -196,9 +190,8 @@ TEST(CanvasModes, DiamondAndLine)
         canvas.Brush().Color = clRed;
         DrawDiamond(canvas, MyPoint(15.5f, 16), 6); // corners (10,16) (16,10) (22,16) (16,22)
     });
-    EXPECT_EQ(Rgb(image, 16, 16), 0xFF0000u);
-    EXPECT_EQ(Rgb(image, 11, 11), White);
-    EXPECT_EQ(Rgb(image, 20, 20), White);
+    EXPECT_EQ((std::array{Rgb(image, 16, 16), Rgb(image, 11, 11), Rgb(image, 20, 20)}),
+              (std::array{0xFF0000u, White, White}));
     EXPECT_EQ(CountPixels(image, QRect(0, 0, 9, 32), White), 9 * 32);
     EXPECT_EQ(CountPixels(image, QRect(24, 0, 8, 32), White), 8 * 32);
 

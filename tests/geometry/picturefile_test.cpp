@@ -3,9 +3,10 @@
 // record by record from the file-format tables, and broken files.
 #include <tessal/geometry/bitmapops.h>
 
+#include "common/files.h"
+
 #include <gtest/gtest.h>
 
-#include <QFile>
 #include <QTemporaryDir>
 
 #include <initializer_list>
@@ -21,9 +22,7 @@ protected:
     QString Write(const QString &name, const QByteArray &bytes)
     {
         const QString path = m_Dir.filePath(name);
-        QFile file(path);
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
+        EXPECT_TRUE(test::WriteFile(path, bytes));
         return path;
     }
     QString Save(const QString &name, const QImage &image, const char *format)
@@ -36,83 +35,58 @@ protected:
     QTemporaryDir m_Dir;
 };
 
-void Put16(QByteArray &b, int v)
+// The values as little-endian words of `bytes` bytes each.
+QByteArray Le(int bytes, std::initializer_list<qint64> values)
 {
-    b.append(char(v & 0xFF));
-    b.append(char((v >> 8) & 0xFF));
-}
-
-void Put32(QByteArray &b, qint64 v)
-{
-    Put16(b, int(v & 0xFFFF));
-    Put16(b, int((v >> 16) & 0xFFFF));
+    QByteArray out;
+    for (qint64 v : values)
+        for (int i = 0; i < bytes; ++i)
+            out.append(char((v >> (8 * i)) & 0xFF));
+    return out;
 }
 
 // An enhanced metafile of 100 x 50 pixels at 96 per inch with a red rectangle from (10, 10)
 // to (60, 40): header, brush, select, rectangle, end.
 QByteArray MakeEmf()
 {
-    QByteArray f;
-    const auto put32 = [&f](std::initializer_list<qint64> values) {
-        for (qint64 v : values)
-            Put32(f, v);
-    };
     // EMR_HEADER, size; bounds in device pixels (inclusive); frame in 0.01 mm; signature,
     // version, total bytes (patched below), records; handles and a reserved word.
-    put32({1, 108, 0, 0, 99, 49, 0, 0, 2645, 1322, 0x464D4520, 0x10000, 0, 5});
-    Put16(f, 2);
-    Put16(f, 0);
     // Description, palette, device size in pixels and mm, pixel format, micrometres.
-    put32({0, 0, 0, 1920, 1080, 508, 286, 0, 0, 0, 508000, 286000});
-    put32({39, 24, 1, 0, 0x0000FF, 0}); // EMR_CREATEBRUSHINDIRECT: solid red as 0x00BBGGRR
-    put32({37, 12, 1});                 // EMR_SELECTOBJECT
-    put32({43, 24, 10, 10, 60, 40});    // EMR_RECTANGLE
-    put32({14, 20, 0, 16, 20});         // EMR_EOF
-    const qint64 n = f.size();
-    for (int i = 0; i < 4; ++i)
-        f[48 + i] = char((n >> (8 * i)) & 0xFF);
+    QByteArray f = Le(4, {1, 108, 0, 0, 99, 49, 0, 0, 2645, 1322, 0x464D4520, 0x10000, 0, 5}) +
+                   Le(2, {2, 0}) + Le(4, {0, 0, 0, 1920, 1080, 508, 286, 0, 0, 0, 508000, 286000});
+    f += Le(4, {39, 24, 1, 0, 0x0000FF, 0}); // EMR_CREATEBRUSHINDIRECT: solid red as 0x00BBGGRR
+    f += Le(4, {37, 12, 1});                 // EMR_SELECTOBJECT
+    f += Le(4, {43, 24, 10, 10, 60, 40});    // EMR_RECTANGLE
+    f += Le(4, {14, 20, 0, 16, 20});         // EMR_EOF
+    f.replace(48, 4, Le(4, {f.size()}));
     return f;
 }
 
-void WmfRecord(QByteArray &b, int function, std::initializer_list<int> words)
+// A WMF record: size in 16-bit words, function, parameters (coordinates in reverse order).
+QByteArray WmfRecord(int function, std::initializer_list<qint64> words)
 {
-    Put32(b, 3 + qint64(words.size()));
-    Put16(b, function);
-    for (int w : words)
-        Put16(b, w);
+    return Le(4, {3 + qint64(words.size())}) + Le(2, {function}) + Le(2, words);
 }
 
 // A placeable metafile of 100 x 50 units at 96 per inch with the same red rectangle.
 QByteArray MakeWmf()
 {
-    QByteArray f;
-    Put32(f, 0x9AC6CDD7);
-    for (int v : {0, 0, 0, 100, 50, 96})
-        Put16(f, v); // handle, frame left, top, right, bottom, units per inch
-    Put32(f, 0);
+    // Key; handle, frame left, top, right, bottom, units per inch; reserved; checksum.
+    QByteArray f = Le(4, {0x9AC6CDD7}) + Le(2, {0, 0, 0, 100, 50, 96}) + Le(4, {0});
     int checksum = 0;
     for (int i = 0; i < 10; ++i)
         checksum ^= quint8(f[2 * i]) | (quint8(f[2 * i + 1]) << 8);
-    Put16(f, checksum);
-
-    // Records: size in 16-bit words, function, parameters (coordinates in reverse order).
-    QByteArray r;
-    WmfRecord(r, 0x020B, {0, 0});            // SETWINDOWORG y, x
-    WmfRecord(r, 0x020C, {50, 100});         // SETWINDOWEXT y, x
-    WmfRecord(r, 0x02FC, {0, 0x00FF, 0, 0}); // CREATEBRUSHINDIRECT solid, red, hatch
-    WmfRecord(r, 0x012D, {0});               // SELECTOBJECT
-    WmfRecord(r, 0x041B, {40, 60, 10, 10});  // RECTANGLE bottom, right, top, left
-    WmfRecord(r, 0x0000, {});                // EOF
-
-    QByteArray header;
-    Put16(header, 1);
-    Put16(header, 9);
-    Put16(header, 0x0300);
-    Put32(header, (18 + r.size()) / 2);
-    Put16(header, 1);
-    Put32(header, 7);
-    Put16(header, 0);
-    return f + header + r;
+    f += Le(2, {checksum});
+    const QByteArray r = WmfRecord(0x020B, {0, 0}) +            // SETWINDOWORG y, x
+                         WmfRecord(0x020C, {50, 100}) +         // SETWINDOWEXT y, x
+                         WmfRecord(0x02FC, {0, 0x00FF, 0, 0}) + // CREATEBRUSHINDIRECT
+                         WmfRecord(0x012D, {0}) +               // SELECTOBJECT
+                         WmfRecord(0x041B, {40, 60, 10, 10}) +  // RECTANGLE b, r, t, l
+                         WmfRecord(0x0000, {});                 // EOF
+    // Header: type, size in words, version, file size in words, objects, largest record,
+    // no parameters.
+    return f + Le(2, {1, 9, 0x0300}) + Le(4, {(18 + r.size()) / 2}) + Le(2, {1}) + Le(4, {7}) +
+           Le(2, {0}) + r;
 }
 
 unsigned Rgb(const TBitmap &b, int x, int y)
@@ -129,17 +103,12 @@ TEST_F(PictureFile, RasterFormatsByTheirLastThreeLetters)
     QString reason = "stale";
     TBitmap bmp = LoadGraphicsFile(Save("a.bmp", image, "BMP"), &reason);
     ASSERT_EQ(std::pair(bmp.Width(), bmp.Height()), std::pair(7, 5));
-    EXPECT_EQ(bmp.Pixel(0, 0), RGBToColor(200, 30, 60));
-    EXPECT_EQ(bmp.Pixel(3, 2), clBlue);
-    EXPECT_TRUE(reason.isEmpty());
-    EXPECT_EQ(bmp.Image().format(), QImage::Format_BGR888);
+    EXPECT_EQ(
+        std::tuple(bmp.Pixel(0, 0), bmp.Pixel(3, 2), reason, bmp.Image().format()),
+        std::tuple(RGBToColor(200, 30, 60), TColor(clBlue), QString(), QImage::Format_BGR888));
 
     image.fill(QColor(20, 180, 90)); // flat colour survives JPEG compression nearly intact
-    const QByteArray jpeg = [&] {
-        QFile f(Save("j.jpg", image, "JPEG"));
-        f.open(QIODevice::ReadOnly);
-        return f.readAll();
-    }();
+    const QByteArray jpeg = test::ReadFile(Save("j.jpg", image, "JPEG"));
     for (const char *name : {"b.jpg", "c.JPEG", "d.Jpeg"}) {
         const TBitmap j = LoadGraphicsFile(Write(name, jpeg));
         ASSERT_EQ(j.Width(), 7) << name;
@@ -158,9 +127,8 @@ TEST_F(PictureFile, RasterFormatsByTheirLastThreeLetters)
             icon.setPixel(x, y, qRgba(255, 0, 0, 255));
     const TBitmap b = LoadGraphicsFile(Save("i.ICO", icon, "ICO"));
     ASSERT_EQ(std::pair(b.Width(), b.Height()), std::pair(16, 16));
-    EXPECT_EQ(b.Pixel(8, 8), clRed);
-    EXPECT_EQ(b.Pixel(1, 1), clWhite);
-    EXPECT_EQ(b.Image().format(), QImage::Format_BGR888);
+    EXPECT_EQ(std::tuple(b.Pixel(8, 8), b.Pixel(1, 1), b.Image().format()),
+              std::tuple(TColor(clRed), TColor(clWhite), QImage::Format_BGR888));
 }
 
 TEST_F(PictureFile, UnknownMissingAndBrokenFilesAnswerEmpty)
@@ -174,9 +142,7 @@ TEST_F(PictureFile, UnknownMissingAndBrokenFilesAnswerEmpty)
     EXPECT_TRUE(reason.contains("none.bmp"));
     EXPECT_TRUE(LoadGraphicsFile(m_Dir.filePath("none.bmp")).IsEmpty());
 
-    QFile f(Save("whole.bmp", image, "BMP"));
-    f.open(QIODevice::ReadOnly);
-    const QByteArray bmp = f.readAll();
+    const QByteArray bmp = test::ReadFile(Save("whole.bmp", image, "BMP"));
     for (qsizetype cut : {0, 10, 40}) { // no header, half a header, no pixel rows
         reason.clear();
         EXPECT_TRUE(LoadGraphicsFile(Write("cut.bmp", bmp.left(cut)), &reason).IsEmpty()) << cut;
@@ -191,14 +157,8 @@ TEST_F(PictureFile, Metafiles)
     // Both hold a red rectangle from (10, 10) to (60, 40) on 100 x 50 pixels. Every
     // truncation fails cleanly, and so do a wrong signature, a record size running past the
     // end and a wrong placeable-header checksum.
-    const struct
-    {
-        QString Name;
-        QByteArray Bytes;
-        bool Built;
-        int Step;
-        std::vector<std::pair<int, char>> Damage;
-    } files[] = {
+    // Name, contents, whether the reader is built, the step of the truncations, damages.
+    const std::tuple<QString, QByteArray, bool, int, std::vector<std::pair<int, char>>> files[] = {
 #if defined(TESSAL_HAVE_EMF)
         {"r.emf", MakeEmf(), true, 4, {{40, 'X'}, {108 + 4, char(0xF0)}}},
 #else
@@ -210,27 +170,27 @@ TEST_F(PictureFile, Metafiles)
         {"r.WMF", MakeWmf(), false, 2, {}},
 #endif
     };
-    for (const auto &f : files) {
-        SCOPED_TRACE(f.Name.toStdString());
+    for (const auto &[name, bytes, built, step, damage] : files) {
+        SCOPED_TRACE(name.toStdString());
         QString reason;
-        const TBitmap b = LoadGraphicsFile(Write(f.Name, f.Bytes), &reason);
-        if (!f.Built) {
+        const TBitmap b = LoadGraphicsFile(Write(name, bytes), &reason);
+        if (!built) {
             EXPECT_TRUE(b.IsEmpty());
             EXPECT_TRUE(reason.contains("not built in"));
             continue;
         }
         ASSERT_FALSE(b.IsEmpty()) << reason.toStdString();
-        EXPECT_EQ(std::pair(b.Width(), b.Height()), std::pair(100, 50));
-        EXPECT_EQ(b.Image().format(), QImage::Format_BGR888);
+        EXPECT_EQ(std::tuple(b.Width(), b.Height(), b.Image().format()),
+                  std::tuple(100, 50, QImage::Format_BGR888));
         for (auto [x, y, rgb] : {std::tuple{30, 25, 0xFF0000u}, std::tuple{12, 12, 0xFF0000u},
                                  std::tuple{5, 5, 0xFFFFFFu}, std::tuple{70, 25, 0xFFFFFFu},
                                  std::tuple{80, 45, 0xFFFFFFu}})
             EXPECT_EQ(Rgb(b, x, y), rgb) << x << "," << y;
-        const QString cutName = "t." + f.Name.right(3);
-        for (qsizetype cut = 0; cut < f.Bytes.size(); cut += f.Step)
-            EXPECT_TRUE(LoadGraphicsFile(Write(cutName, f.Bytes.left(cut))).IsEmpty()) << cut;
-        for (auto [at, byte] : f.Damage) {
-            QByteArray bad = f.Bytes;
+        const QString cutName = "t." + name.right(3);
+        for (qsizetype cut = 0; cut < bytes.size(); cut += step)
+            EXPECT_TRUE(LoadGraphicsFile(Write(cutName, bytes.left(cut))).IsEmpty()) << cut;
+        for (auto [at, byte] : damage) {
+            QByteArray bad = bytes;
             bad[at] = byte;
             reason.clear();
             EXPECT_TRUE(LoadGraphicsFile(Write(cutName, bad), &reason).IsEmpty()) << at;

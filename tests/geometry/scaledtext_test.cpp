@@ -35,10 +35,11 @@ int InkRows(const QImage &image, unsigned rgb)
     return rows;
 }
 
-// Height, weight, italic, underline, strike-out and escapement of a logical font.
+// Height, weight, italic, underline, strike-out, escapement and orientation of a logical font.
 auto Fields(const TLogFont &lf)
 {
-    return std::tuple(lf.Height, lf.Weight, lf.Italic, lf.Underline, lf.StrikeOut, lf.Escapement);
+    return std::tuple(lf.Height, lf.Weight, lf.Italic, lf.Underline, lf.StrikeOut, lf.Escapement,
+                      lf.Orientation);
 }
 
 TEST(ScaledText, LogFontConstruction)
@@ -46,19 +47,16 @@ TEST(ScaledText, LogFontConstruction)
     QImage image(8, 8, QImage::Format_RGB32);
     TCanvas canvas(&image);
     const TLogFont lf = MakeScaledLogFont(canvas, PointFont(12), 2, 0);
-    EXPECT_EQ(Fields(lf), std::tuple(-24, 400, false, false, false, 0));
-    EXPECT_EQ(lf.Orientation, 0);
-    EXPECT_EQ(lf.Charset, 134);
-    EXPECT_EQ(lf.FaceName, "DejaVu Sans");
+    EXPECT_EQ(Fields(lf), std::tuple(-24, 400, false, false, false, 0, 0));
+    EXPECT_EQ(std::tuple(lf.Charset, lf.FaceName), std::tuple(134, QString("DejaVu Sans")));
 
     // 12.5 rounds to the even 12, 17.5 to 18; the angle in tenths of a degree, negated
     // (572.96 -> -573).
     const TFontStyles all = fsBold | fsItalic | fsUnderline | fsStrikeOut;
     const TLogFont turned = MakeScaledLogFont(canvas, PointFont(10, all), 1.25, Pi / 2);
-    EXPECT_EQ(Fields(turned), std::tuple(-12, 700, true, true, true, -900));
-    EXPECT_EQ(turned.Orientation, -900);
+    EXPECT_EQ(Fields(turned), std::tuple(-12, 700, true, true, true, -900, -900));
     EXPECT_EQ(Fields(MakeScaledLogFont(canvas, PointFont(14), 1.25, -Pi / 4)),
-              std::tuple(-18, 400, false, false, false, 450));
+              std::tuple(-18, 400, false, false, false, 450, 450));
     EXPECT_EQ(MakeScaledLogFont(canvas, PointFont(8), 0.5, 1).Escapement, -573);
 }
 

@@ -72,31 +72,20 @@ TEST(CanvasDevice, SvgHoldsFiguresCoveringTheImagePixels)
     EXPECT_TRUE(svg.contains("<path") || svg.contains("<rect") || svg.contains("<polygon"));
     EXPECT_FALSE(svg.contains("<image"));
 
-    QImage reference = Filled(kWidth, kHeight, 0xFFFFFF);
-    {
-        TCanvas canvas(&reference);
-        DrawFigures(canvas);
-        canvas.Flush();
-    }
+    const QImage reference = Painted(kWidth, kHeight, DrawFigures);
     const QImage drawn = RenderedBack(svg);
     // Inside, on and just beyond every edge of the box; the thin line; the mode boxes.
-    struct Probe
-    {
-        int X, Y;
-        unsigned Rgb;
-    };
-    const Probe probes[] = {
+    const std::tuple<int, int, unsigned> probes[] = {
         {20, 15, 0xFF0000}, {10, 15, 0x000000}, {29, 15, 0x000000}, {20, 5, 0x000000},
         {20, 24, 0x000000}, {9, 15, 0xFFFFFF},  {30, 15, 0xFFFFFF}, {20, 25, 0xFFFFFF},
         {30, 35, 0x000000}, {30, 34, 0xFFFFFF}, {40, 10, 0x00FF00}, {40, 23, 0xFFFFFF},
         {53, 10, 0xFFFFFF}, {5, 5, 0xFFFFFF},
     };
-    for (const Probe &p : probes)
-        EXPECT_EQ(Rgb(drawn, p.X, p.Y), p.Rgb) << p.X << ", " << p.Y;
-    // The image canvas paints the same pixels except where xor combines with what is there.
-    for (const Probe &p : probes) {
-        if (p.X < 35 || p.X > 45 || p.Y > 15) {
-            EXPECT_EQ(Rgb(reference, p.X, p.Y), p.Rgb) << "image " << p.X << ", " << p.Y;
+    for (const auto &[x, y, rgb] : probes) {
+        EXPECT_EQ(Rgb(drawn, x, y), rgb) << x << ", " << y;
+        // The image canvas paints the same pixels except where xor combines with what is there.
+        if (x < 35 || x > 45 || y > 15) {
+            EXPECT_EQ(Rgb(reference, x, y), rgb) << "image " << x << ", " << y;
         }
     }
 }

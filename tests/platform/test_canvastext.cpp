@@ -48,7 +48,7 @@ Drawn DrawText(int w, int h, const TLogFont &font, int x, int y, const QString &
 } // namespace
 
 // (That the extent grows with the font's height is the scaled text test's.)
-TEST(CanvasText, ExtentOfCellsStylesAndSpacing)
+TEST(CanvasText, ExtentsAndTheLogicalFontSetFontReplaces)
 {
     QImage image = Filled(10, 10, 0xFFFFFF);
     TCanvas canvas(&image);
@@ -72,6 +72,27 @@ TEST(CanvasText, ExtentOfCellsStylesAndSpacing)
     EXPECT_EQ(canvas.TextExtent(hello), large);
     canvas.SetTextCharacterExtra(3);
     EXPECT_EQ(canvas.TextWidth(hello), large.X + 15);
+
+    // SetFont replaces the logical font.
+    canvas.SelectLogFont(Font(-30, 900));
+    TFont font;
+    font.Name = QStringLiteral("DejaVu Serif");
+    font.SetHeight(-15);
+    font.Style = fsBold | fsItalic | fsUnderline;
+    font.Color = clRed;
+    font.Charset = 134;
+    canvas.SetFont(font);
+    const TLogFont &lf = canvas.LogFont();
+    EXPECT_EQ(std::tuple(lf.Height, lf.Weight, lf.Italic, lf.Underline, lf.StrikeOut, lf.Charset,
+                         lf.Escapement, lf.Color),
+              std::tuple(-15, 700, true, true, false, 134, 0, TColor(clRed)));
+    EXPECT_EQ(lf.FaceName, QStringLiteral("DejaVu Serif"));
+    EXPECT_EQ(canvas.Font().Color, clRed);
+    // Editing the canvas font directly takes effect at the next text call.
+    const int before = canvas.TextHeight(QStringLiteral("x"));
+    canvas.Font().SetHeight(-40);
+    EXPECT_GT(canvas.TextHeight(QStringLiteral("x")), before * 2);
+    EXPECT_EQ(canvas.LogFont().Height, -40);
 }
 
 TEST(CanvasText, PlacementOfPlainAndTurnedText)
@@ -118,29 +139,4 @@ TEST(CanvasText, OpaqueBackgroundAndFontColour)
     const int blue = CountPixels(image, image.rect(), 0x0000FF);
     EXPECT_GT(blue, 20);
     EXPECT_EQ(blue + CountPixels(image, image.rect(), 0xFFFF00), extent.X * extent.Y);
-}
-
-TEST(CanvasText, SetFontReplacesTheLogicalFont)
-{
-    QImage image = Filled(10, 10, 0xFFFFFF);
-    TCanvas canvas(&image);
-    canvas.SelectLogFont(Font(-30, 900));
-    TFont font;
-    font.Name = QStringLiteral("DejaVu Serif");
-    font.SetHeight(-15);
-    font.Style = fsBold | fsItalic | fsUnderline;
-    font.Color = clRed;
-    font.Charset = 134;
-    canvas.SetFont(font);
-    const TLogFont &lf = canvas.LogFont();
-    EXPECT_EQ(std::tuple(lf.Height, lf.Weight, lf.Italic, lf.Underline, lf.StrikeOut, lf.Charset,
-                         lf.Escapement, lf.Color),
-              std::tuple(-15, 700, true, true, false, 134, 0, TColor(clRed)));
-    EXPECT_EQ(lf.FaceName, QStringLiteral("DejaVu Serif"));
-    EXPECT_EQ(canvas.Font().Color, clRed);
-    // Editing the canvas font directly takes effect at the next text call.
-    const int before = canvas.TextHeight(QStringLiteral("x"));
-    canvas.Font().SetHeight(-40);
-    EXPECT_GT(canvas.TextHeight(QStringLiteral("x")), before * 2);
-    EXPECT_EQ(canvas.LogFont().Height, -40);
 }

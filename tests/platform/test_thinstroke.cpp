@@ -132,9 +132,7 @@ std::vector<TPoint> EllipseOutline(double cx, double cy, double a, double b, dou
 // Chains of every sort the shapes produce, some reaching past the image.
 std::vector<TPoint> RandomChain(std::mt19937 &rng)
 {
-    const auto pick = [&](int lo, int hi) {
-        return std::uniform_int_distribution<int>(lo, hi)(rng);
-    };
+    const auto pick = [&](int lo, int hi) { return std::uniform_int_distribution(lo, hi)(rng); };
     switch (pick(0, 4)) {
     case 0: { // a rectangle's outline, sometimes one pixel thin
         const int l = pick(-3, Width + 2), t = pick(-3, Height + 2);
@@ -170,9 +168,7 @@ std::vector<TPoint> RandomChain(std::mt19937 &rng)
 
 TThinCase RandomCase(std::mt19937 &rng)
 {
-    const auto pick = [&](int lo, int hi) {
-        return std::uniform_int_distribution<int>(lo, hi)(rng);
-    };
+    const auto pick = [&](int lo, int hi) { return std::uniform_int_distribution(lo, hi)(rng); };
     TThinCase c;
     c.Points = RandomChain(rng);
     c.Closed = pick(0, 1) == 1;

@@ -29,9 +29,8 @@ TEST(Color, ResolutionAndConversions)
     EXPECT_EQ(ToQColor(clBtnFace), QColor(240, 240, 240));
     EXPECT_EQ(FromQColor(QColor(1, 2, 3)), 0x030201u);
     EXPECT_EQ(FromQColor(QColor::fromHsv(0, 255, 255)), clRed);
-    EXPECT_EQ(GetRValue(0x00563412u), 0x12);
-    EXPECT_EQ(GetGValue(0x00563412u), 0x34);
-    EXPECT_EQ(GetBValue(0x00563412u), 0x56);
+    EXPECT_EQ(std::tuple(GetRValue(0x00563412u), GetGValue(0x00563412u), GetBValue(0x00563412u)),
+              std::tuple(0x12, 0x34, 0x56));
 }
 
 TEST(MulDiv, RoundsHalvesAwayFromZero)

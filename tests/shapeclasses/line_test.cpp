@@ -55,30 +55,22 @@ TEST(LineArrows, HeadSitsAtTheRightEndAndItsLengthWrapsAtLargeZoom)
     // {zoom, from, to (document), length, offset, screen row of the line, screen x of the
     // pulled-back tip, drawn side in screen pixels}. At zoom 9, 30 x 9 = 270 is carried in
     // a byte and drawn as 14; at zoom 2 the offset of 5 stays 5 screen pixels.
-    const struct
-    {
-        double Zoom;
-        TMyPoint From, To;
-        std::uint8_t Length, Offset;
-        int LineY;
-        double TipX, Side;
-    } cases[] = {{1.0, {20, 100}, {180, 100}, 30, 0, 100, 180, 30},
-                 {9.0, {2, 10}, {22, 10}, 30, 0, 90, 198, 14},
-                 {2.0, {10, 50}, {90, 50}, 20, 5, 100, 175, 40}};
-    for (const auto &c : cases) {
+    const std::tuple<double, TMyPoint, TMyPoint, std::uint8_t, std::uint8_t, int, double, double>
+        cases[] = {{1.0, {20, 100}, {180, 100}, 30, 0, 100, 180, 30},
+                   {9.0, {2, 10}, {22, 10}, 30, 0, 90, 198, 14},
+                   {2.0, {10, 50}, {90, 50}, 20, 5, 100, 175, 40}};
+    for (const auto &[zoom, from, to, length, offset, lineY, tipX, side] : cases) {
         TClassHost host(220, 200);
-        host.ZoomValue = c.Zoom;
+        host.ZoomValue = zoom;
         host.ArrowAngleValue = 45;
-        host.ArrowLengthValue = c.Length;
-        host.ArrowOffsetValue = c.Offset;
+        host.ArrowLengthValue = length;
+        host.ArrowOffsetValue = offset;
         host.ArrowStyleValue = TArrowStyle::ALeft;
-        auto line = std::make_unique<TMyLine>(&host);
-        line->Points() = {c.From, c.To};
-        const auto extent = ExtentOffRow(DrawOn(host, *line), c.LineY, 2);
-        ASSERT_TRUE(extent.has_value()) << c.Zoom;
-        EXPECT_NEAR(extent->first, c.TipX - c.Side * std::cos(std::numbers::pi / 4), 1.0) << c.Zoom;
+        const auto extent = ExtentOffRow(DrawOn(host, *MakeLine(host, {from, to})), lineY, 2);
+        ASSERT_TRUE(extent.has_value()) << zoom;
+        EXPECT_NEAR(extent->first, tipX - side * std::cos(std::numbers::pi / 4), 1.0) << zoom;
         // Two rows off the line the head reaches to two pixels before its tip.
-        EXPECT_NEAR(extent->second, c.TipX - 2, 1.0) << c.Zoom;
+        EXPECT_NEAR(extent->second, tipX - 2, 1.0) << zoom;
     }
 }
 
@@ -122,8 +114,7 @@ TEST(LineDraw, SegmentsInThePenAndTheAngleFollowsTheFirstSegment)
 {
     TClassHost host;
     auto line = MakeLine(host, {{20, 50}, {120, 50}, {120, 150}});
-    TPen pen;
-    pen.Color = clRed;
+    TPen pen{clRed, TPenMode::pmCopy, TPenStyle::psSolid, 1};
     line->SetPen(pen);
     const QImage &img = DrawOn(host, *line);
     EXPECT_EQ(PixelAt(img, 70, 50), kRed);
@@ -160,12 +151,7 @@ TEST(LineHitTest, EightPixelBandWithTheRectangleRules)
     TCanvas &canvas = *host.ScreenCanvas();
     // 8 pixels either side, the right and bottom edges exclusive, nothing beyond the ends.
     // Slanted: the band is measured along y (flat slant) inside the bare bounding box.
-    const struct
-    {
-        TMyPoint From, To;
-        TPoint At;
-        bool Hit;
-    } rows[] = {
+    const std::tuple<TMyPoint, TMyPoint, TPoint, bool> rows[] = {
         {{50, 20}, {50, 120}, {42, 70}, true},  {{50, 20}, {50, 120}, {41, 70}, false},
         {{50, 20}, {50, 120}, {57, 70}, true},  {{50, 20}, {50, 120}, {58, 70}, false},
         {{50, 20}, {50, 120}, {50, 20}, true},  {{50, 20}, {50, 120}, {50, 120}, false},
@@ -177,9 +163,9 @@ TEST(LineHitTest, EightPixelBandWithTheRectangleRules)
         {{0, 0}, {100, 50}, {50, 17}, true},    {{0, 0}, {100, 50}, {50, 16}, false},
         {{0, 0}, {100, 50}, {2, 9}, true},      {{0, 0}, {100, 50}, {102, 51}, false},
     };
-    for (const auto &r : rows)
-        EXPECT_EQ(MakeLine(host, {r.From, r.To})->IsClickedMe(canvas, r.At), r.Hit)
-            << r.From.X << "," << r.From.Y << " at " << r.At.X << "," << r.At.Y;
+    for (const auto &[from, to, at, hit] : rows)
+        EXPECT_EQ(MakeLine(host, {from, to})->IsClickedMe(canvas, at), hit)
+            << from.X << "," << from.Y << " at " << at.X << "," << at.Y;
 
     // The band is in screen pixels at every zoom; fewer than two points are never hit.
     host.ZoomValue = 3;
@@ -210,20 +196,15 @@ TEST(LineHandles, HotSizeSquaresTheHighestNumberWinsAndDrawHot)
     auto line = MakeLine(host, {{50, 50}, {53, 50}});
     // Handle i covers [x - 4, x + 4) x [y - 4, y + 4). At hot size 8 and zoom 2 the handles
     // are at (100, 100) and (106, 100).
-    const struct
-    {
-        std::uint8_t HotSize;
-        double Zoom;
-        TPoint At;
-        int Hot;
-    } rows[] = {{4, 1, {51, 50}, 1},  {4, 1, {46, 46}, 0},  {4, 1, {45, 50}, -1},
-                {4, 1, {54, 53}, 1},  {4, 1, {57, 50}, -1}, {4, 1, {50, 54}, -1},
-                {8, 2, {92, 100}, 0}, {8, 2, {98, 107}, 1}, {8, 2, {114, 100}, -1}};
-    for (const auto &r : rows) {
-        host.HotSizeValue = r.HotSize;
-        host.ZoomValue = r.Zoom;
-        EXPECT_EQ(line->InWhichHot(r.At), r.Hot) << r.At.X << "," << r.At.Y;
-        EXPECT_EQ(line->CurrentHot(), r.Hot);
+    const std::tuple<std::uint8_t, double, TPoint, int> rows[] = {
+        {4, 1, {51, 50}, 1},  {4, 1, {46, 46}, 0},  {4, 1, {45, 50}, -1},
+        {4, 1, {54, 53}, 1},  {4, 1, {57, 50}, -1}, {4, 1, {50, 54}, -1},
+        {8, 2, {92, 100}, 0}, {8, 2, {98, 107}, 1}, {8, 2, {114, 100}, -1}};
+    for (const auto &[hotSize, zoom, at, hot] : rows) {
+        host.HotSizeValue = hotSize;
+        host.ZoomValue = zoom;
+        EXPECT_EQ(line->InWhichHot(at), hot) << at.X << "," << at.Y;
+        EXPECT_EQ(line->CurrentHot(), hot);
     }
 
     // DrawHot puts a square on every point, only when the host shows handles.
@@ -253,10 +234,9 @@ TEST(LineCopy, ArrowsComeAlongTheOffsetAndMergeFieldsStay)
     source->SetEndMerge(5, 1);
     TMyLine copy(&host);
     copy.AssignWithoutRelation(*source);
-    EXPECT_EQ(copy.ArrowLength(), 99);
-    EXPECT_EQ(copy.ArrowStyle(), TArrowStyle::ARight);
-    EXPECT_EQ(copy.ArrowOffset(), 3);
-    EXPECT_EQ(copy.EndMergeShapeId(), -1);
+    EXPECT_EQ(std::tuple(copy.ArrowLength(), copy.ArrowStyle(), copy.ArrowOffset(),
+                         copy.EndMergeShapeId()),
+              std::tuple(std::uint8_t(99), TArrowStyle::ARight, std::uint8_t(3), -1));
     copy.Assign(*source);
     EXPECT_EQ(copy.EndMergeShapeId(), -1);
 
@@ -369,9 +349,8 @@ TEST(LineMerge, DrawedLooksUpOnlyForPlainLinesAndNotIntoMeasuringLines)
     drawn.Points() = {{50, 50}, {101, 12}};
     TPoint end{101, 12};
     drawn.Drawed({50, 50}, end);
-    EXPECT_EQ(drawn.EndMergeShapeId(), 7);
-    EXPECT_EQ(drawn.EndMergePointNo(), 1);
-    EXPECT_EQ(drawn.CenterPoint(), (TMyPoint{75.5f, 31}));
+    EXPECT_EQ(std::tuple(drawn.EndMergeShapeId(), drawn.EndMergePointNo(), drawn.CenterPoint()),
+              std::tuple(7, 1, TMyPoint{75.5f, 31}));
     EXPECT_EQ(host.Highlight.Shape, target);
     EXPECT_FALSE(drawn.LookUpMergeShape(false, {100, 150}));
     EXPECT_EQ(drawn.EndMergeShapeId(), -1);

@@ -10,7 +10,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
 #include <numbers>
 
 namespace tessal::test {
@@ -140,9 +139,7 @@ TEST(PolygonDraw, FilledOutlineWithoutHeadsAndARegionHitTest)
     TMyPolygon poly(&host);
     poly.Points() = {{20, 20}, {180, 20}, {180, 180}, {20, 180}, {20, 20}};
     poly.SetArrowStyle(TArrowStyle::ADouble);
-    TBrush brush;
-    brush.Color = clBlue;
-    poly.SetBrush(brush);
+    poly.SetBrush(TBrush{clBlue, TBrushStyle::bsSolid, {}});
     poly.Draw(*host.ScreenCanvas());
     const QImage &img = host.Screen();
     // Filled blue, black outline, no arrow head at point 0 (30, 24), white outside.
@@ -166,20 +163,15 @@ TEST(PolygonInfo, AreaTextByteForByte)
     rect.Points() = {{0, 0}, {100, 0}, {100, 50}, {0, 50}, {0, 0}};
     TMyPolygon triangle(&host);
     triangle.Points() = {{0, 0}, {0, 96}, {96, 96}, {0, 0}}; // 4608 px, half a square inch
-    const struct
-    {
-        TMyPolygon *Shape;
-        TUnits Unit;
-        double Ratio;
-        const char *Text;
-    } rows[] = {{&rect, TUnits::pixel, 2, "Area= 20000.00pixel(s)2"},
-                {&triangle, TUnits::inch, 1, "Area=     0.50inch2"},
-                {&triangle, TUnits::mm, 2, "Area=  1290.32mm2"}};
-    for (const auto &row : rows) {
-        host.Unit = row.Unit;
-        host.RatioValue = row.Ratio;
-        EXPECT_EQ(row.Shape->GetInfo(), QString(row.Text));
-        EXPECT_EQ(row.Shape->Info(), QString(row.Text));
+    const std::tuple<TMyPolygon *, TUnits, double, QString> rows[] = {
+        {&rect, TUnits::pixel, 2, "Area= 20000.00pixel(s)2"},
+        {&triangle, TUnits::inch, 1, "Area=     0.50inch2"},
+        {&triangle, TUnits::mm, 2, "Area=  1290.32mm2"}};
+    for (const auto &[shape, unit, ratio, text] : rows) {
+        host.Unit = unit;
+        host.RatioValue = ratio;
+        EXPECT_EQ(shape->GetInfo(), text);
+        EXPECT_EQ(shape->Info(), text);
     }
     host.Unit = TUnits::pixel;
     host.RatioValue = 1;

@@ -33,25 +33,29 @@ std::unique_ptr<TMyShape> Triangle(TTestHost &host)
     return s;
 }
 
+// Every kind of point a shape keeps: outline, link points, text point, centre.
+using TState = std::tuple<TMyPointArray, TMyPointArray, TMyPoint, TMyPoint>;
+TState State(const TMyShape &s)
+{
+    return {s.Points(), s.LinkPoints(), s.TextPoint(), s.CenterPoint()};
+}
+
 TEST(ShapeEdit, MovingByZeroChangesNothingAndMovesAreZoomed)
 {
     TTestHost host;
     host.ZoomValue = 2;
     auto s = Triangle(host);
-    const auto points = s->Points();
+    const TState before = State(*s);
     s->DragChangeValuedxdy(0, 0);
     s->DragChangeValue({7, 7}, {7, 7});
-    EXPECT_EQ(s->Points(), points);
-    EXPECT_EQ(s->TextPoint(), (TMyPoint{3, 4}));
+    EXPECT_EQ(State(*s), before);
 
     // 10 screen pixels at zoom 2 are 5 document units, for every kind of point.
     s->DragChangeValue({1, 1}, {11, -5});
-    EXPECT_EQ(s->GetPoint(2), (TMyPoint{15, 17}));
-    EXPECT_EQ(s->GetLinkPoint(0), (TMyPoint{10, -3}));
-    EXPECT_EQ(s->CenterPoint(), (TMyPoint{10, 7}));
-    EXPECT_EQ(s->TextPoint(), (TMyPoint{8, 1}));
+    EXPECT_EQ(State(*s),
+              (TState{{{5, -3}, {15, -3}, {15, 17}}, {{10, -3}, {15, 7}}, {8, 1}, {10, 7}}));
     s->DragChangeValuedxdy(-10, 6);
-    EXPECT_EQ(s->Points(), points);
+    EXPECT_EQ(State(*s), before);
 
     // The zoomed accessors divide and multiply by the zoom.
     s->AddPoint({8, 4});
@@ -87,26 +91,24 @@ TEST(ShapeEdit, FlipsMirrorAboutTheCentreAndTwiceRestore)
 {
     TTestHost host;
     auto s = Triangle(host);
+    const TState before = State(*s);
     s->SetAngleValue(0.5f);
     s->FlipHoriz();
-    EXPECT_EQ(s->Points(), (TMyPointArray{{10, 0}, {0, 0}, {0, 20}}));
-    EXPECT_EQ(s->LinkPoints(), (TMyPointArray{{5, 0}, {0, 10}}));
-    EXPECT_EQ(s->TextPoint(), (TMyPoint{7, 4}));
-    EXPECT_EQ(s->CenterPoint(), (TMyPoint{5, 10}));
+    EXPECT_EQ(State(*s), (TState{{{10, 0}, {0, 0}, {0, 20}}, {{5, 0}, {0, 10}}, {7, 4}, {5, 10}}));
     EXPECT_NEAR(s->Angle(), Pi - 0.5, 1e-6);
     EXPECT_TRUE(s->IsFlipHorz());
     EXPECT_EQ(host.Repaints, 1);
     s->FlipHoriz();
-    EXPECT_EQ(s->Points(), (TMyPointArray{{0, 0}, {10, 0}, {10, 20}}));
+    EXPECT_EQ(State(*s), before);
     EXPECT_FALSE(s->IsFlipHorz());
 
     s->SetIsFlipVert(true); // the setter performs the flip
-    EXPECT_EQ(s->Points(), (TMyPointArray{{0, 20}, {10, 20}, {10, 0}}));
-    EXPECT_EQ(s->TextPoint(), (TMyPoint{3, 16}));
+    EXPECT_EQ(State(*s),
+              (TState{{{0, 20}, {10, 20}, {10, 0}}, {{5, 20}, {10, 10}}, {3, 16}, {5, 10}}));
     EXPECT_FLOAT_EQ(s->Angle(), -0.5f);
     s->SetIsFlipVert(true); // equal value: nothing
     s->FlipVert();
-    EXPECT_EQ(s->Points(), (TMyPointArray{{0, 0}, {10, 0}, {10, 20}}));
+    EXPECT_EQ(State(*s), before);
     EXPECT_FLOAT_EQ(s->Angle(), 0.5f);
 
     // An angle of zero stays zero (it is not turned into pi).
@@ -216,20 +218,16 @@ TEST(ShapeEdit, MagicPointPicksTheNearestSideWithTiesInOrder)
     // Box 100..110 at zoom 1; at zoom 2 the box 100.25.. is zoomed and rounded
     // (200.5 -> 200) and the threshold is 50. Sides count as whole lines; ties go
     // left, right, top.
-    const struct
-    {
-        double Zoom;
-        TMyPoint At, Expected;
-    } rows[] = {
+    const std::tuple<double, TMyPoint, TMyPoint> rows[] = {
         {1, {105, 105}, {100, 105}}, {1, {108, 105}, {110, 105}}, {1, {105, 102}, {105, 100}},
         {1, {105, 109}, {105, 110}}, {1, {105, 97}, {105, 100}},  {1, {105, 95}, {100, 95}},
         {1, {109, 101}, {110, 101}}, {1, {135, 135}, {135, 135}}, {1, {134.5f, 135}, {110, 135}},
         {2, {201, 210}, {200, 210}}, {2, {265, 265}, {220, 265}}, {2, {271, 271}, {271, 271}},
     };
-    for (const auto &r : rows) {
-        host.ZoomValue = r.Zoom;
-        MakeBox(other, r.Zoom == 1 ? 100 : 100.25f, 100, 110, 110);
-        EXPECT_EQ(s.GetMagicPoint(other, r.At), r.Expected) << r.At.X << "," << r.At.Y;
+    for (const auto &[zoom, at, expected] : rows) {
+        host.ZoomValue = zoom;
+        MakeBox(other, zoom == 1 ? 100 : 100.25f, 100, 110, 110);
+        EXPECT_EQ(s.GetMagicPoint(other, at), expected) << at.X << "," << at.Y;
     }
 }
 
@@ -311,20 +309,17 @@ TEST(ShapeCopy, AssignTakesTheRelationsAssignWithoutRelationLeavesThem)
     full.Assign(src);
     bare.AssignWithoutRelation(src);
     for (const TMyShape *d : {&full, &bare}) {
-        EXPECT_EQ(d->Points(), src.Points());
-        EXPECT_EQ(d->LinkPoints(), src.LinkPoints());
+        EXPECT_EQ(std::tuple(d->Points(), d->LinkPoints(), d->LayerId(), d->CenterPoint()),
+                  std::tuple(src.Points(), src.LinkPoints(), 3, TMyPoint{2, 3}));
         EXPECT_EQ(d->GradientBitmap(), src.GradientBitmap());
-        EXPECT_EQ(d->LayerId(), 3);
-        EXPECT_EQ(d->CenterPoint(), (TMyPoint{2, 3}));
     }
-    EXPECT_EQ(full.ChildShapes(), src.ChildShapes());
-    EXPECT_EQ(full.LinkShapes(), src.LinkShapes());
-    EXPECT_EQ(full.ParentNo(), 7);
-    EXPECT_EQ(full.TextPoint(), (TMyPoint{0, 0}));
-    EXPECT_EQ(bare.ChildShapes(), (std::vector<std::int32_t>{1}));
-    EXPECT_TRUE(bare.LinkShapes().empty());
-    EXPECT_EQ(bare.ParentNo(), -1);
-    EXPECT_EQ(bare.TextPoint(), (TMyPoint{8, 8}));
+    // Children, connectors, parent and text point.
+    const auto relations = [](const TMyShape &s) {
+        return std::tuple(s.ChildShapes(), s.LinkShapes(), s.ParentNo(), s.TextPoint());
+    };
+    using TIds = std::vector<std::int32_t>;
+    EXPECT_EQ(relations(full), std::tuple(TIds{4, 5}, TIds{6}, 7, TMyPoint{0, 0}));
+    EXPECT_EQ(relations(bare), std::tuple(TIds{1}, TIds{}, -1, TMyPoint{8, 8}));
 }
 
 TEST(ShapeSetters, RestylingAGroupRestylesItsMembersRecursively)
@@ -337,20 +332,15 @@ TEST(ShapeSetters, RestylingAGroupRestylesItsMembersRecursively)
     group->ChildShapes() = {1, 2, 99}; // 99 does not exist and is skipped
     inner->ChildShapes() = {3};
 
-    TPen pen;
-    pen.Color = clGreen;
-    pen.Width = 5;
+    TPen pen{clGreen, TPenMode::pmCopy, TPenStyle::psSolid, 5};
+    const TBrush brush{clWhite, TBrushStyle::bsClear, {}};
     group->SetPen(pen);
-    TBrush brush;
-    brush.Style = TBrushStyle::bsClear;
     group->SetBrush(brush);
     group->SetGradientStyle(TGradientStyle::gsDiamond);
     group->SetColorEnd(clBlue);
     for (TMyShape *s : {a, inner, b}) {
-        EXPECT_EQ(s->Pen(), pen);
-        EXPECT_EQ(s->Brush(), brush);
-        EXPECT_EQ(s->GradientStyle(), TGradientStyle::gsDiamond);
-        EXPECT_EQ(s->ColorEnd(), clBlue);
+        EXPECT_EQ(std::tuple(s->Pen(), s->Brush(), s->GradientStyle(), s->ColorEnd()),
+                  std::tuple(pen, brush, TGradientStyle::gsDiamond, TColor(clBlue)));
         EXPECT_EQ(s->GradientBitmap(), group->GradientBitmap());
     }
     // While a drawing is read the members keep what the file says.
@@ -365,11 +355,11 @@ TEST(ShapeTools, PointListsAndConnectorLists)
 {
     TTestHost host;
     auto s = Triangle(host);
-    OffsetAllPoints(*s, 1.5f, -2);
-    EXPECT_EQ(s->GetPoint(2), (TMyPoint{11.5f, 18}));
-    EXPECT_EQ(s->GetLinkPoint(0), (TMyPoint{6.5f, -2}));
-    EXPECT_EQ(s->TextPoint(), (TMyPoint{4.5f, 2}));
-    EXPECT_EQ(s->CenterPoint(), (TMyPoint{5, 10})); // callers recompute it
+    OffsetAllPoints(*s, 1.5f, -2); // all but the centre, which callers recompute
+    EXPECT_EQ(
+        State(*s),
+        (TState{
+            {{1.5f, -2}, {11.5f, -2}, {11.5f, 18}}, {{6.5f, -2}, {11.5f, 8}}, {4.5f, 2}, {5, 10}}));
 
     // The list rules themselves are the geometry's; here only that the shape's list is used.
     AddLinklineShape(*s, 4);

@@ -6,24 +6,17 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <numbers>
+#include <tuple>
 
 namespace tessal::test {
 namespace {
 
 using GS = TGradientStyle;
 
-struct TSample
-{
-    int X, Y, Index; // expected ramp entry
-};
-
-struct TTemplateRow
-{
-    GS Style;
-    int W, H;
-    std::vector<TSample> Samples;
-};
+// A template's style, width, height and samples: x, y and the expected ramp entry.
+using TTemplateRow = std::tuple<GS, int, int, std::vector<std::array<int, 3>>>;
 
 // From white to black the ramp entry i is the grey 255 - i. Values worked out
 // by hand from the template table: corners, centres and a few points where two
@@ -73,15 +66,14 @@ TEST(Gradient, EveryTemplateHasItsSizeAndSampledValues)
     TTestHost host;
     TMyShape s(&host);
     ASSERT_EQ(TemplateRows().size(), 23u);
-    for (const TTemplateRow &row : TemplateRows()) {
-        SCOPED_TRACE(int(row.Style));
-        s.SetGradientStyle(row.Style);
+    for (const auto &[style, w, h, samples] : TemplateRows()) {
+        SCOPED_TRACE(int(style));
+        s.SetGradientStyle(style);
         const TBitmap &bm = s.GradientBitmap();
-        ASSERT_EQ(bm.Width(), row.W);
-        ASSERT_EQ(bm.Height(), row.H);
-        for (const TSample &p : row.Samples) {
-            const std::uint8_t g = std::uint8_t(255 - p.Index);
-            EXPECT_EQ(bm.Pixel(p.X, p.Y), RGBToColor(g, g, g)) << p.X << "," << p.Y;
+        ASSERT_EQ(std::pair(bm.Width(), bm.Height()), std::pair(w, h));
+        for (const auto &[x, y, index] : samples) {
+            const std::uint8_t g = std::uint8_t(255 - index);
+            EXPECT_EQ(bm.Pixel(x, y), RGBToColor(g, g, g)) << x << "," << y;
         }
     }
     s.SetGradientStyle(GS::gsNone);
