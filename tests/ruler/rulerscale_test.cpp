@@ -82,11 +82,9 @@ TEST(RulerScale, StepsAreTheSmallestOneTwoFiveThatFitTheLabels)
     // Only divisions at least minMinorPixels apart are used: a 100 step at 1 px/unit splits
     // into tenths (10 px) only when 10 px suffice, else fifths (20 px), else halves.
     const auto hundred = [](double) { return 100.0; };
-    EXPECT_EQ(ChooseRulerSteps(1, hundred, 10).Divisions, 10);
-    EXPECT_EQ(ChooseRulerSteps(1, hundred, 15).Divisions, 5);
+    for (const auto &[minor, divisions] : {std::pair(10, 10), {15, 5}, {30, 2}, {60, 1}})
+        EXPECT_EQ(ChooseRulerSteps(1, hundred, minor).Divisions, divisions) << minor;
     EXPECT_FALSE(ChooseRulerSteps(1, hundred, 15).Medium);
-    EXPECT_EQ(ChooseRulerSteps(1, hundred, 30).Divisions, 2);
-    EXPECT_EQ(ChooseRulerSteps(1, hundred, 60).Divisions, 1);
 }
 
 TEST(RulerScale, TickPositionsRoundToTheNearestPixel)
@@ -122,19 +120,17 @@ TEST(RulerScale, ReversedAndNegativeScales)
               "0|100 5 10 15 20 25- 30 35 40 45 50|50 55 60 65 70 75- 80 85 90 95 100|0");
     // Left of the origin the values are negative.
     const auto negative = Ticks(TUnits::pixel, 1, 60, false, 0, 70);
-    EXPECT_EQ(negative.front().Pos, 0);
-    EXPECT_EQ(negative.front().Value, -60);
+    EXPECT_EQ(std::pair(negative.front().Pos, negative.front().Value), std::pair(0, -60.0));
     EXPECT_EQ(Describe(negative, 3), "0 5 10|-50");
 }
 
 TEST(RulerScale, LabelsAndDegenerateScales)
 {
-    EXPECT_EQ(RulerLabel(-1e-12, 1), QStringLiteral("0"));
-    EXPECT_EQ(RulerLabel(-0.001, 0.01), QStringLiteral("0.00"));
-    EXPECT_EQ(RulerLabel(0.30000000000000004, 0.1), QStringLiteral("0.3"));
-    EXPECT_EQ(RulerLabel(-20, 10), QStringLiteral("-20"));
-    EXPECT_EQ(RulerLabel(0.05, 0.05), QStringLiteral("0.05"));
-    EXPECT_EQ(RulerLabel(2.5, 0.5), QStringLiteral("2.5"));
+    const std::tuple<double, double, const char *> labels[] = {
+        {-1e-12, 1, "0"}, {-0.001, 0.01, "0.00"}, {0.30000000000000004, 0.1, "0.3"},
+        {-20, 10, "-20"}, {0.05, 0.05, "0.05"},   {2.5, 0.5, "2.5"}};
+    for (const auto &[value, step, text] : labels)
+        EXPECT_EQ(RulerLabel(value, step).toStdString(), text) << value << " by " << step;
     for (double ppu : {0.0, -1.0, std::nan(""), HUGE_VAL}) {
         const TRulerSteps s = ChooseRulerSteps(
             ppu, [](double) { return 40.0; }, 4);
