@@ -14,7 +14,6 @@
 #include <gtest/gtest.h>
 
 #include <QBuffer>
-#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -198,22 +197,6 @@ TEST(DrawingFile, FilesAreCheckedBeforeLoadingAndReplacedOnlyWhenComplete)
     TMyCAD loaded;
     ASSERT_TRUE(loaded.LoadFromFile(path)) << loaded.LastError().toStdString();
     EXPECT_EQ(test::Saved(loaded), test::Saved(cad));
-}
-
-// The stored sample drawings (also the fuzzer's seeds) load, and save as they were read.
-TEST(DrawingFile, SampleFilesLoad)
-{
-    const QDir dir(QStringLiteral(TESSAL_TEST_DATA_DIR "/drawings"));
-    const QStringList files = dir.entryList({QStringLiteral("*.tsd")}, QDir::Files);
-    ASSERT_FALSE(files.isEmpty());
-    for (const QString &name : files) {
-        SCOPED_TRACE(name.toStdString());
-        TMyCAD cad;
-        ASSERT_TRUE(cad.LoadFromFile(dir.filePath(name))) << cad.LastError().toStdString();
-        if (cad.DiskFileVersion() == QLatin1String("XP.j")) {
-            EXPECT_EQ(test::Saved(cad), test::ReadFile(dir.filePath(name)));
-        }
-    }
 }
 
 // A drawing of every family, drawn as the user would make it.
