@@ -144,13 +144,11 @@ TEST(CliDump, EditorSampleDrawing)
         EXPECT_EQ(json["ShapeId"], shape.ShapeId());
         EXPECT_EQ(json["LayerId"], shape.LayerId());
         EXPECT_EQ(json["ParentNo"], shape.ParentNo());
-        QJsonArray children, links;
-        for (const std::int32_t n : shape.ChildShapes())
-            children.append(n);
-        for (const std::int32_t n : shape.LinkShapes())
-            links.append(n);
-        EXPECT_EQ(json["ChildShapes"], children);
-        EXPECT_EQ(json["LinkShapes"], links);
+        const auto numbers = [](const std::vector<std::int32_t> &list) {
+            return QJsonArray::fromVariantList(QVariantList(list.begin(), list.end()));
+        };
+        EXPECT_EQ(json["ChildShapes"], numbers(shape.ChildShapes()));
+        EXPECT_EQ(json["LinkShapes"], numbers(shape.LinkShapes()));
         ExpectPoints(json["Points"], shape.Points());
         ExpectPoints(json["LinkPoints"], shape.LinkPoints());
         // Every published value is written; enumerations by name, numbers as the same float.

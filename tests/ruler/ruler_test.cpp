@@ -68,11 +68,8 @@ TEST(Ruler, LabelsNeverOverlapAtAnyZoomOrUnit)
             ruler.SetUnit(TUnits(u));
             for (double zoom : {0.05, 0.1, 0.25, 0.5, 1.0, 2.0, 4.0, 8.0, 16.0, 64.0}) {
                 ruler.SetZoom(zoom);
-                SCOPED_TRACE(QStringLiteral("orientation %1 unit %2 zoom %3")
-                                 .arg(int(o))
-                                 .arg(u)
-                                 .arg(zoom)
-                                 .toStdString());
+                SCOPED_TRACE(::testing::Message()
+                             << "orientation " << int(o) << " unit " << u << " zoom " << zoom);
                 const auto ticks = ruler.Ticks();
                 std::vector<QRect> labels;
                 for (const TRulerTick &t : ticks)

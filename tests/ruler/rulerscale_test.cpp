@@ -47,15 +47,9 @@ std::string Describe(const std::vector<TRulerTick> &ticks, std::size_t count)
 
 TEST(RulerScale, StepsAreTheSmallestOneTwoFiveThatFitTheLabels)
 {
-    struct TCase
-    {
-        TUnits Unit;
-        double Zoom;
-        double Major;
-        int Divisions;
-    };
-    // Pixels per unit and the first step reaching 40 pixels, worked out by hand:
-    const TCase cases[] = {
+    // Unit, zoom, major step and divisions. Pixels per unit and the first step reaching 40
+    // pixels, worked out by hand:
+    const std::tuple<TUnits, double, double, int> cases[] = {
         {TUnits::pixel, 1, 50, 10},    // 1 px/unit: 20 < 40 <= 50; 50/10 = 5 px
         {TUnits::pixel, 0.1, 500, 10}, // 0.1: 200 -> 20 px, 500 -> 50; tenths 5 px
         {TUnits::mm, 1, 20, 10},       // 3.78: 10 mm = 37.8 < 40, 20 mm = 75.6; 2 mm = 7.6
@@ -64,15 +58,14 @@ TEST(RulerScale, StepsAreTheSmallestOneTwoFiveThatFitTheLabels)
         {TUnits::cm, 2, 1, 10},        // 75.6: 0.5 cm = 37.8, 1 cm = 75.6; 0.1 cm = 7.6
         {TUnits::m, 8, 0.002, 10},     // 30236: 1 mm = 30.2, 2 mm = 60.5; 0.2 mm = 6.0
     };
-    for (const TCase &c : cases) {
-        SCOPED_TRACE(int(c.Unit));
-        SCOPED_TRACE(c.Zoom);
+    for (const auto &[unit, zoom, major, divisions] : cases) {
+        SCOPED_TRACE(::testing::Message() << "unit " << int(unit) << " at zoom " << zoom);
         TRulerSteps steps;
-        Ticks(c.Unit, c.Zoom, 0, false, 0, 10, &steps);
-        EXPECT_NEAR(steps.Major, c.Major, c.Major * 1e-9);
-        EXPECT_EQ(steps.Divisions, c.Divisions);
-        EXPECT_NEAR(steps.Minor, c.Major / c.Divisions, c.Major * 1e-9);
-        EXPECT_EQ(steps.Medium, c.Divisions % 2 == 0 && c.Divisions >= 4);
+        Ticks(unit, zoom, 0, false, 0, 10, &steps);
+        EXPECT_NEAR(steps.Major, major, major * 1e-9);
+        EXPECT_EQ(steps.Divisions, divisions);
+        EXPECT_NEAR(steps.Minor, major / divisions, major * 1e-9);
+        EXPECT_EQ(steps.Medium, divisions % 2 == 0 && divisions >= 4);
     }
     // A label that needs more room at larger steps pushes the step up.
     // 50 px < 50 / 2 + 30; 100 px >= 100 / 2 + 30.
