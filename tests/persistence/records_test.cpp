@@ -214,24 +214,21 @@ TEST(ShapeRecords, ShortOrImpossibleRecordsThrow)
 {
     TMyCAD cad;
     const QByteArray full = BaseRecord(Layout::XPj).I32(25).U8(12).U8(3).U8(3);
-    for (int length = 0; length < full.size(); ++length) {
-        auto line = Make<TMyLine>(cad, "TMyLine");
-        EXPECT_THROW(test::LoadAll(*line, full.left(length)), TStreamError) << length;
-    }
+    for (int length = 0; length < full.size(); ++length)
+        EXPECT_THROW(test::LoadAll(*Make<TMyLine>(cad, "TMyLine"), full.left(length)), TStreamError)
+            << length;
     // A child count the stream cannot hold fails before anything is allocated.
-    auto rect = Make<TMyRectangle>(cad, "TMyRectangle");
     const Bytes huge = Bytes().Text("a").I32(1).I32(1).I32(0).I32(-1).I32(INT32_MAX);
-    EXPECT_THROW(test::LoadAll(*rect, huge), TStreamError);
+    EXPECT_THROW(test::LoadAll(*Make<TMyRectangle>(cad, "TMyRectangle"), huge), TStreamError);
     // A pen too wide to draw is refused.
     QByteArray wide = BaseRecord(Layout::XPj);
     const qsizetype width = wide.indexOf("Info") + 4 + 4 + 2;
     ASSERT_EQ(wide.mid(width, 4), Bytes().I32(3).Data());
     wide.replace(width, 4, Bytes().I32(40000).Data());
-    auto pen = Make<TMyRectangle>(cad, "TMyRectangle");
-    EXPECT_THROW(test::LoadAll(*pen, wide), TStreamError);
+    EXPECT_THROW(test::LoadAll(*Make<TMyRectangle>(cad, "TMyRectangle"), wide), TStreamError);
     // An arrow style beyond the list is refused rather than stored.
-    auto line = Make<TMyLine>(cad, "TMyLine");
-    EXPECT_THROW(test::LoadAll(*line, BaseRecord(Layout::XPj).I32(25).U8(12).U8(3).U8(4)),
+    EXPECT_THROW(test::LoadAll(*Make<TMyLine>(cad, "TMyLine"),
+                               BaseRecord(Layout::XPj).I32(25).U8(12).U8(3).U8(4)),
                  TStreamError);
 }
 
