@@ -27,12 +27,10 @@ TEST(Designer, PluginListsAndCreatesEveryWidget)
     for (QDesignerCustomWidgetInterface *w : collection->customWidgets()) {
         SCOPED_TRACE(w->name().toStdString());
         names << w->name();
-        EXPECT_EQ(w->group(), QStringLiteral("Tessal"));
-        EXPECT_FALSE(w->icon().isNull());
-        EXPECT_FALSE(w->toolTip().isEmpty());
-        EXPECT_FALSE(w->isContainer());
-        EXPECT_TRUE(w->includeFile().startsWith(QLatin1String("tessal/")));
-        EXPECT_TRUE(w->domXml().contains(QStringLiteral("class=\"%1\"").arg(w->name())));
+        EXPECT_EQ(std::tuple(w->group(), w->icon().isNull(), w->toolTip().isEmpty(),
+                             w->isContainer(), w->includeFile().left(7),
+                             w->domXml().contains(QStringLiteral("class=\"%1\"").arg(w->name()))),
+                  std::tuple("Tessal", false, false, false, "tessal/", true));
         w->initialize(nullptr);
         EXPECT_TRUE(w->isInitialized());
         QWidget parent;
@@ -41,11 +39,8 @@ TEST(Designer, PluginListsAndCreatesEveryWidget)
         EXPECT_EQ(QString::fromLatin1(widget->metaObject()->className()), w->name());
         EXPECT_EQ(widget->parent(), &parent);
     }
-    EXPECT_EQ(names,
-              (QStringList{QStringLiteral("tessal::TMyCAD"), QStringLiteral("tessal::TMyRuler"),
-                           QStringLiteral("tessal::TMyRulerCorner"),
-                           QStringLiteral("tessal::TInspectorGrid"),
-                           QStringLiteral("tessal::TComponentInspector")}));
+    EXPECT_EQ(names, (QStringList{"tessal::TMyCAD", "tessal::TMyRuler", "tessal::TMyRulerCorner",
+                                  "tessal::TInspectorGrid", "tessal::TComponentInspector"}));
     // A surface created by the plugin is the library's class.
     QWidget *cad = collection->customWidgets().front()->createWidget(nullptr);
     EXPECT_TRUE(qobject_cast<TMyCAD *>(cad));
@@ -68,6 +63,6 @@ TEST(Designer, TaskMenuEditsTheSurfaceUserData)
         form->accept();
     });
     menu.taskActions().front()->trigger();
-    EXPECT_EQ(cad.UserData().GetCount(), 2);
-    EXPECT_EQ(cad.UserData().GetValueByKey(QStringLiteral("b")), QStringLiteral("2"));
+    EXPECT_EQ(std::tuple(cad.UserData().GetCount(), cad.UserData().GetValueByKey("b")),
+              std::tuple(2, "2"));
 }

@@ -3,6 +3,7 @@
 // entity's geometry, after block transforms, is compared with ezdxf's own evaluation;
 // layers, colours, the report, damaged input, and the round trip through our writer.
 #include "dxftestutil.h"
+#include "persistence/recordfixture.h"
 #include "surface/documenthelpers.h"
 
 #include <tessal/dxf/dxfnumbers.h>
@@ -259,17 +260,17 @@ TEST_P(DxfImport, GeometryMatchesEzdxfEvaluation)
     }
 
     // Layers with their visibility; colours by layer, by number and true colour.
-    QStringList names;
-    for (const TLayer &layer : cad.Layers())
-        names << layer.Name;
-    EXPECT_EQ(names, QStringList({"0", "Defpoints", "walls", "hidden", "doors"}));
-    EXPECT_FALSE(cad.IsVisibleLayerByID(cad.GetLayerIdByName("hidden")));
-    EXPECT_TRUE(cad.IsVisibleLayerByID(cad.GetLayerIdByName("walls")));
-    EXPECT_EQ(tops[0]->LayerId(), cad.GetLayerIdByName("walls"));
-    EXPECT_EQ(tops[0]->Pen().Color, TColor(0x0000FF)); // red by layer, as 0x00BBGGRR
-    EXPECT_EQ(tops[1]->Pen().Color, TColor(0x00FF00)); // colour 3
-    EXPECT_EQ(tops[3]->Pen().Color, TColor(0xFF0000)); // colour 5
-    EXPECT_EQ(tops[2]->LayerId(), cad.GetLayerIdByName("hidden"));
+    // The file's layers take the next free identities after the drawing's own layer 0.
+    const std::vector<TLayer> layers = {{"0", 1, true},
+                                        {"Defpoints", 2, true},
+                                        {"walls", 3, true},
+                                        {"hidden", 4, false},
+                                        {"doors", 5, true}};
+    EXPECT_EQ(cad.Layers(), layers);
+    // Red by layer (as 0x00BBGGRR), colour 3 and colour 5.
+    EXPECT_EQ(std::tuple(tops[0]->LayerId(), tops[2]->LayerId(), tops[0]->Pen().Color,
+                         tops[1]->Pen().Color, tops[3]->Pen().Color),
+              std::tuple(3, 4, 0x0000FFu, 0x00FF00u, 0xFF0000u));
 }
 
 INSTANTIATE_TEST_SUITE_P(Versions, DxfImport, ::testing::Values("R12", "R2000", "R2018"));
@@ -281,19 +282,16 @@ TEST(DxfRoundTrip, WriterOutputReadsBackToTheSameGeometry)
 {
     TMyCAD source;
     source.resize(640, 480);
-    auto add = [&](TDrawTool tool, std::initializer_list<TMyPoint> points) {
-        source.AddShapeByCode(tool, {}, std::span(points.begin(), points.size()), 0, {});
-    };
-    add(TDrawTool::SpLine, {{48.25f, 48.5f}, {192.125f, 96.75f}});
-    add(TDrawTool::SpPolyLine, {{0, 0}, {96.3f, 0.7f}, {96, 96}});
-    add(TDrawTool::SpRectangle, {{96, 288}, {192, 384}});
-    add(TDrawTool::SpPolygon, {{240, 288}, {336.6f, 288}, {288, 384.1f}});
-    add(TDrawTool::SpElliArc, {{10, 240}, {96, 144}, {192, 250}});
-    add(TDrawTool::SpLineLinkLine, {{384, 48}, {480, 144}});
-    add(TDrawTool::SpEllipse, {{384, 240}, {576, 336}});
-    add(TDrawTool::SpPolyBezier, {{0, 432}, {48, 384}, {144, 480}, {192, 432}});
-    const TMyPoint textBox[] = {{240, 96}, {480, 192}};
-    source.AddShapeByCode(TDrawTool::SpText, {}, textBox, 0, "Gr\u00f6\u00dfe\n\u00b1 2");
+    test::AddByCode(source, TDrawTool::SpLine, {{48.25f, 48.5f}, {192.125f, 96.75f}});
+    test::AddByCode(source, TDrawTool::SpPolyLine, {{0, 0}, {96.3f, 0.7f}, {96, 96}});
+    test::AddByCode(source, TDrawTool::SpRectangle, {{96, 288}, {192, 384}});
+    test::AddByCode(source, TDrawTool::SpPolygon, {{240, 288}, {336.6f, 288}, {288, 384.1f}});
+    test::AddByCode(source, TDrawTool::SpElliArc, {{10, 240}, {96, 144}, {192, 250}});
+    test::AddByCode(source, TDrawTool::SpLineLinkLine, {{384, 48}, {480, 144}});
+    test::AddByCode(source, TDrawTool::SpEllipse, {{384, 240}, {576, 336}});
+    test::AddByCode(source, TDrawTool::SpPolyBezier, {{0, 432}, {48, 384}, {144, 480}, {192, 432}});
+    test::AddByCode(source, TDrawTool::SpText, {{240, 96}, {480, 192}}, 0,
+                    "Gr\u00f6\u00dfe\n\u00b1 2");
     const QByteArray file = source.DxfText(false);
 
     TMyCAD target;
@@ -404,21 +402,46 @@ TEST(DxfParser, DirectDecodingMatchesTheParserLibrary)
     }
 }
 
+// A DXF text of one ENTITIES section holding body.
+QByteArray Entities(const QByteArray &body)
+{
+    return "0\nSECTION\n2\nENTITIES\n" + body + "0\nENDSEC\n0\nEOF\n";
+}
+
+// An import of DXF bytes into a 640 x 480 surface, with at most maxShapes shapes.
+struct TImport
+{
+    explicit TImport(std::int64_t maxShapes = TDxfImportOptions().MaxShapes)
+    {
+        Cad.resize(640, 480);
+        Options.MaxShapes = maxShapes;
+    }
+    bool Run(const QByteArray &data) { return LoadFromDxfData(Cad, data, Report, Options); }
+    // The number of entities skipped for a reason ending in cause.
+    std::int64_t SkippedFor(const QString &cause) const
+    {
+        std::int64_t count = 0;
+        for (const auto &[reason, times] : Report.Skipped)
+            count += reason.endsWith(cause) ? times : 0;
+        return count;
+    }
+
+    TMyCAD Cad;
+    TDxfImportReport Report;
+    TDxfImportOptions Options;
+};
+
 // Text values: UTF-8 or the 8-bit code page, escapes and the special codes of TEXT.
 TEST(DxfText, EncodingsAndCodes)
 {
-    TMyCAD cad;
-    cad.resize(640, 480);
-    const QByteArray data =
-        "0\nSECTION\n2\nENTITIES\n"
-        "0\nTEXT\n8\n0\n10\n1\n20\n1\n40\n3\n1\n45%%d \xe9 %%c5 %%uA\n"
-        "0\nTEXT\n8\n0\n10\n1\n20\n9\n40\n3\n1\nna\xc3\xafve \\U+2300\n"
-        "0\nMTEXT\n8\n0\n10\n1\n20\n20\n40\n3\n1\n{\\fArial;A}\\PB \\U+00E9 \\S1^2;\n"
-        "0\nENDSEC\n0\nEOF\n";
-    TDxfImportReport report;
-    ASSERT_TRUE(LoadFromDxfData(cad, data, report)) << report.Error.toStdString();
-    ASSERT_EQ(cad.GetShapesCount(), 3);
-    auto lines = [&](int no) { return static_cast<TMyText *>(cad.GetShapeByNo(no))->Lines(); };
+    TImport in;
+    ASSERT_TRUE(in.Run(
+        Entities("0\nTEXT\n8\n0\n10\n1\n20\n1\n40\n3\n1\n45%%d \xe9 %%c5 %%uA\n"
+                 "0\nTEXT\n8\n0\n10\n1\n20\n9\n40\n3\n1\nna\xc3\xafve \\U+2300\n"
+                 "0\nMTEXT\n8\n0\n10\n1\n20\n20\n40\n3\n1\n{\\fArial;A}\\PB \\U+00E9 \\S1^2;\n")))
+        << in.Report.Error.toStdString();
+    ASSERT_EQ(in.Cad.GetShapesCount(), 3);
+    auto lines = [&](int no) { return static_cast<TMyText *>(in.Cad.GetShapeByNo(no))->Lines(); };
     EXPECT_EQ(lines(0), QStringList{"45\u00b0 \u00e9 \u23005 A"});
     EXPECT_EQ(lines(1), QStringList{"na\u00efve \u2300"});
     EXPECT_EQ(lines(2), (QStringList{"A", "B \u00e9 1/2"}));
@@ -428,71 +451,66 @@ TEST(DxfText, EncodingsAndCodes)
 // crash, a hang or an allocation by a count the file cannot hold.
 TEST(DxfDamaged, ErrorsAndPartialImports)
 {
-    TMyCAD cad;
-    cad.resize(640, 480);
-    TDxfImportReport report;
+    TImport in;
     const std::pair<QByteArray, const char *> refused[] = {
         {"", "not a DXF file"},
         {"hello world\n", "not a DXF file"},
         {QByteArray("AutoCAD Binary DXF\r\n\x1a\0", 22) + QByteArray(100, '\x01'), "binary DXF"},
     };
     for (const auto &[data, reason] : refused) {
-        EXPECT_FALSE(LoadFromDxfData(cad, data, report));
-        EXPECT_TRUE(report.Error.contains(QLatin1String(reason))) << report.Error.toStdString();
-        EXPECT_EQ(cad.LastError(), report.Error);
+        EXPECT_FALSE(in.Run(data));
+        EXPECT_TRUE(in.Report.Error.contains(QLatin1String(reason)))
+            << in.Report.Error.toStdString();
+        EXPECT_EQ(in.Cad.LastError(), in.Report.Error);
     }
 
-    const QByteArray lines = "0\nSECTION\n2\nENTITIES\n"
-                             "0\nLINE\n8\n0\n10\n1\n20\n2\n11\n3\n21\n4\n"
-                             "0\nLINE\n8\n0\n10\n5\n20\n6\n11\n7\n21\n8\n"
-                             "0\nWIPEOUT\n8\n0\n"
-                             "0\nENDSEC\n0\nEOF\n";
-    ASSERT_TRUE(LoadFromDxfData(cad, lines, report)) << report.Error.toStdString();
-    EXPECT_EQ(cad.GetShapesCount(), 2);
-    EXPECT_EQ(report.Skipped.at("WIPEOUT: entity type not supported"), 1);
+    const QByteArray lines = Entities("0\nLINE\n8\n0\n10\n1\n20\n2\n11\n3\n21\n4\n"
+                                      "0\nLINE\n8\n0\n10\n5\n20\n6\n11\n7\n21\n8\n"
+                                      "0\nWIPEOUT\n8\n0\n");
+    ASSERT_TRUE(in.Run(lines)) << in.Report.Error.toStdString();
+    EXPECT_EQ(in.Cad.GetShapesCount(), 2);
+    EXPECT_EQ(in.Report.Skipped.at("WIPEOUT: entity type not supported"), 1);
     // Cut after the first LINE: that line is imported, the report says the file is cut.
-    const QByteArray cut = lines.left(lines.indexOf("0\nLINE", 30));
-    EXPECT_FALSE(LoadFromDxfData(cad, cut, report));
-    EXPECT_TRUE(report.Error.contains(QLatin1String("EOF marker")));
-    EXPECT_EQ(cad.GetShapesCount(), 1);
+    EXPECT_FALSE(in.Run(lines.left(lines.indexOf("0\nLINE", 30))));
+    EXPECT_TRUE(in.Report.Error.contains(QLatin1String("EOF marker")));
+    EXPECT_EQ(in.Cad.GetShapesCount(), 1);
     // Every cut of the file gives an answer, whatever is left.
     for (qsizetype n = 0; n < lines.size(); ++n)
-        (void)LoadFromDxfData(cad, lines.left(n), report);
+        (void)in.Run(lines.left(n));
 
     // Absurd counts: a polyline that announces two billion vertices, an insert array of two
     // billion columns, a block that inserts itself.
-    const QByteArray hostile =
-        "0\nSECTION\n2\nBLOCKS\n"
-        "0\nBLOCK\n2\nSELF\n10\n0\n20\n0\n"
-        "0\nLINE\n8\n0\n10\n0\n20\n0\n11\n1\n21\n1\n"
-        "0\nINSERT\n2\nSELF\n10\n1\n20\n0\n"
-        "0\nENDBLK\n0\nENDSEC\n"
-        "0\nSECTION\n2\nENTITIES\n"
-        "0\nLWPOLYLINE\n8\n0\n90\n2147483647\n70\n0\n10\n0\n20\n0\n10\n5\n20\n5\n"
-        "0\nINSERT\n2\nMISSING\n10\n0\n20\n0\n"
-        "0\nINSERT\n2\nSELF\n10\n0\n20\n0\n70\n2147483647\n71\n2\n44\n3\n45\n3\n"
-        "0\nENDSEC\n0\nEOF\n";
-    TDxfImportOptions options;
-    options.MaxShapes = 500;
-    EXPECT_TRUE(LoadFromDxfData(cad, hostile, report, options)) << report.Error.toStdString();
-    EXPECT_LE(cad.GetShapesCount(), 500 + 64); // a group per nesting level may finish
-    EXPECT_EQ(report.Skipped.count("INSERT: the block it names is not defined"), 1u);
-    EXPECT_GE(report.Skipped["INSERT: blocks nested too deeply (or inserting themselves)"], 1);
-    EXPECT_GE(report.Skipped["INSERT: the drawing reached the shape limit"] +
-                  report.Skipped["LINE: the drawing reached the shape limit"],
+    in.Options.MaxShapes = 500;
+    EXPECT_TRUE(in.Run("0\nSECTION\n2\nBLOCKS\n"
+                       "0\nBLOCK\n2\nSELF\n10\n0\n20\n0\n"
+                       "0\nLINE\n8\n0\n10\n0\n20\n0\n11\n1\n21\n1\n"
+                       "0\nINSERT\n2\nSELF\n10\n1\n20\n0\n"
+                       "0\nENDBLK\n0\nENDSEC\n" +
+                       Entities("0\nLWPOLYLINE\n8\n0\n90\n2147483647\n70\n0\n10\n0\n20\n0\n10\n5\n"
+                                "20\n5\n"
+                                "0\nINSERT\n2\nMISSING\n10\n0\n20\n0\n"
+                                "0\nINSERT\n2\nSELF\n10\n0\n20\n0\n70\n2147483647\n71\n2\n44\n3\n"
+                                "45\n3\n")))
+        << in.Report.Error.toStdString();
+    EXPECT_LE(in.Cad.GetShapesCount(), 500 + 64); // a group per nesting level may finish
+    EXPECT_EQ(in.Report.Skipped.count("INSERT: the block it names is not defined"), 1u);
+    EXPECT_GE(in.Report.Skipped["INSERT: blocks nested too deeply (or inserting themselves)"], 1);
+    EXPECT_GE(in.Report.Skipped["INSERT: the drawing reached the shape limit"] +
+                  in.Report.Skipped["LINE: the drawing reached the shape limit"],
               1);
-    EXPECT_TRUE(report.Lines().join('\n').contains(QLatin1String("entities skipped")));
+    EXPECT_TRUE(in.Report.Lines().join('\n').contains(QLatin1String("entities skipped")));
 
     // A polyline of 3000 arcs would be 3000 shapes and more: beyond the limit it is skipped.
-    QByteArray arcs = "0\nSECTION\n2\nENTITIES\n0\nLWPOLYLINE\n8\n0\n90\n3000\n70\n0\n";
+    QByteArray arcs = "0\nLWPOLYLINE\n8\n0\n90\n3000\n70\n0\n";
     for (int i = 0; i < 3000; ++i)
         arcs += "10\n" + QByteArray::number(i) + "\n20\n0\n42\n0.5\n";
-    arcs += "0\nLINE\n8\n0\n10\n0\n20\n0\n11\n1\n21\n1\n0\nENDSEC\n0\nEOF\n";
-    EXPECT_TRUE(LoadFromDxfData(cad, arcs, report, options)) << report.Error.toStdString();
-    EXPECT_EQ(cad.GetShapesCount(), 0);
-    EXPECT_EQ(report.Skipped["POLYLINE: the drawing reached the shape limit"], 1);
-    EXPECT_EQ(report.Skipped["LINE: the drawing reached the shape limit"], 1);
-    EXPECT_EQ(report.SkippedCount(), 2);
+    EXPECT_TRUE(in.Run(Entities(arcs + "0\nLINE\n8\n0\n10\n0\n20\n0\n11\n1\n21\n1\n")))
+        << in.Report.Error.toStdString();
+    EXPECT_EQ(in.Cad.GetShapesCount(), 0);
+    EXPECT_EQ(in.Report.Skipped, (std::map<QString, std::int64_t>{
+                                     {"LINE: the drawing reached the shape limit", 1},
+                                     {"POLYLINE: the drawing reached the shape limit", 1}}));
+    EXPECT_EQ(in.Report.SkippedCount(), 2);
 }
 
 // Blocks that insert each other twice over and draw nothing make no shapes, so the shape
@@ -500,32 +518,26 @@ TEST(DxfDamaged, ErrorsAndPartialImports)
 // rows of an empty block. The import visits a bounded number of entities and says so.
 TEST(DxfDamaged, BlocksThatExpandWithoutDrawing)
 {
-    const QByteArray data = "0\nSECTION\n2\nBLOCKS\n"
-                            "0\nBLOCK\n2\nTWICE\n10\n0\n20\n0\n"
-                            "0\nINSERT\n2\nTWICE\n10\n1\n20\n0\n"
-                            "0\nINSERT\n2\nTWICE\n10\n2\n20\n0\n"
-                            "0\nENDBLK\n"
-                            "0\nBLOCK\n2\nEMPTY\n10\n0\n20\n0\n0\nENDBLK\n0\nENDSEC\n"
-                            "0\nSECTION\n2\nENTITIES\n"
-                            "0\nINSERT\n2\nEMPTY\n10\n0\n20\n0\n70\n3\n71\n1000000\n"
-                            "0\nINSERT\n2\nTWICE\n10\n0\n20\n0\n"
-                            "0\nLINE\n8\n0\n10\n0\n20\n0\n11\n1\n21\n1\n"
-                            "0\nENDSEC\n0\nEOF\n";
-    TMyCAD cad;
-    cad.resize(640, 480);
-    TDxfImportReport report;
-    TDxfImportOptions options;
-    options.MaxShapes = 1000;
-    EXPECT_TRUE(LoadFromDxfData(cad, data, report, options)) << report.Error.toStdString();
-    EXPECT_EQ(cad.GetShapesCount(), 0);
-    EXPECT_GE(report.Skipped["INSERT: its block has nothing that could be imported"], 1);
-    EXPECT_GE(report.Skipped[QStringLiteral(
+    TImport in(1000);
+    EXPECT_TRUE(in.Run("0\nSECTION\n2\nBLOCKS\n"
+                       "0\nBLOCK\n2\nTWICE\n10\n0\n20\n0\n"
+                       "0\nINSERT\n2\nTWICE\n10\n1\n20\n0\n"
+                       "0\nINSERT\n2\nTWICE\n10\n2\n20\n0\n"
+                       "0\nENDBLK\n"
+                       "0\nBLOCK\n2\nEMPTY\n10\n0\n20\n0\n0\nENDBLK\n0\nENDSEC\n" +
+                       Entities("0\nINSERT\n2\nEMPTY\n10\n0\n20\n0\n70\n3\n71\n1000000\n"
+                                "0\nINSERT\n2\nTWICE\n10\n0\n20\n0\n"
+                                "0\nLINE\n8\n0\n10\n0\n20\n0\n11\n1\n21\n1\n")))
+        << in.Report.Error.toStdString();
+    EXPECT_EQ(in.Cad.GetShapesCount(), 0);
+    EXPECT_GE(in.Report.Skipped["INSERT: its block has nothing that could be imported"], 1);
+    EXPECT_GE(in.Report.Skipped[QStringLiteral(
                   "INSERT: the blocks expand to more entities than the import visits")],
               1);
-    EXPECT_EQ(report.Skipped["LINE: the drawing reached the shape limit"], 1);
+    EXPECT_EQ(in.Report.Skipped["LINE: the drawing reached the shape limit"], 1);
     // Visits stop at twice the shape limit and some; each is skipped at most twice (as an
     // entity and as an insert whose block gave nothing).
-    EXPECT_LE(report.SkippedCount(), 2 * (2 * 1000 + 10000) + 10);
+    EXPECT_LE(in.Report.SkippedCount(), 2 * (2 * 1000 + 10000) + 10);
 
     // A block of one spline with thousands of control points that inserts itself twice:
     // few shapes, but each costs thousands of points, so the points made stop the copies.
@@ -534,20 +546,14 @@ TEST(DxfDamaged, BlocksThatExpandWithoutDrawing)
     for (int i = 0; i < 3000; ++i)
         spline += "10\n" + QByteArray::number(i) + "\n20\n" + QByteArray::number(i % 7) + "\n";
     spline += "0\nINSERT\n2\nLONG\n10\n0\n20\n0\n0\nINSERT\n2\nLONG\n10\n5\n20\n0\n"
-              "0\nENDBLK\n0\nENDSEC\n0\nSECTION\n2\nENTITIES\n"
-              "0\nINSERT\n2\nLONG\n10\n0\n20\n0\n0\nENDSEC\n0\nEOF\n";
-    TMyCAD curves;
-    curves.resize(640, 480);
-    options.MaxShapes = 20000;
-    EXPECT_TRUE(LoadFromDxfData(curves, spline, report, options)) << report.Error.toStdString();
-    std::int64_t stopped = 0;
-    for (const auto &[reason, count] : report.Skipped)
-        stopped +=
-            reason.endsWith(": the blocks expand to more points than the import makes") ? count : 0;
-    EXPECT_GE(stopped, 1);
+              "0\nENDBLK\n0\nENDSEC\n";
+    TImport curves(20000);
+    EXPECT_TRUE(curves.Run(spline + Entities("0\nINSERT\n2\nLONG\n10\n0\n20\n0\n")))
+        << curves.Report.Error.toStdString();
+    EXPECT_GE(curves.SkippedFor(": the blocks expand to more points than the import makes"), 1);
     // Points stop at 64 for each point of the file, 16 for each shape of the limit and
     // 100,000 more: some 68 copies of the spline's 8,992 points, each with a group.
-    EXPECT_LE(curves.GetShapesCount(), 2 * ((64 * 3007 + 16 * 20000 + 100000) / 8992 + 2));
+    EXPECT_LE(curves.Cad.GetShapesCount(), 2 * ((64 * 3007 + 16 * 20000 + 100000) / 8992 + 2));
 }
 
 // The files in the fuzz seeds, including every input a fuzzer found slow or fatal: each
@@ -563,14 +569,10 @@ TEST(DxfDamaged, SeedFilesAnswer)
     }
     ASSERT_GE(files.size(), 6);
     for (const QString &name : files) {
-        TMyCAD cad;
-        cad.resize(640, 480);
-        TDxfImportReport report;
-        TDxfImportOptions options;
-        options.MaxShapes = 20000;
-        const bool ok = LoadFromDxf(cad, name, report, options);
-        EXPECT_TRUE(ok || !report.Error.isEmpty()) << name.toStdString();
-        EXPECT_LE(cad.GetShapesCount(), 20000 + 64) << name.toStdString();
+        TImport in(20000);
+        const bool ok = LoadFromDxf(in.Cad, name, in.Report, in.Options);
+        EXPECT_TRUE(ok || !in.Report.Error.isEmpty()) << name.toStdString();
+        EXPECT_LE(in.Cad.GetShapesCount(), 20000 + 64) << name.toStdString();
     }
 }
 
@@ -584,8 +586,7 @@ TEST(DxfDamaged, RandomMutationsOfAGoodFile)
     std::mt19937 random(2024);
     const QByteArray replacements[] = {"2147483647", "-2147483648", "1e308",  "nan",    "",  "x",
                                        "0",          "SECTION",     "INSERT", "ENDBLK", "-1"};
-    TMyCAD cad;
-    cad.resize(640, 480);
+    TImport in(20000);
     for (int run = 0; run < 300; ++run) {
         QList<QByteArray> lines = good;
         for (int edits = 1 + int(random() % 8); edits > 0; --edits) {
@@ -609,11 +610,7 @@ TEST(DxfDamaged, RandomMutationsOfAGoodFile)
                         char(random());
             }
         }
-        TDxfImportReport report;
-        TDxfImportOptions options;
-        options.MaxShapes = 20000;
-        const bool ok = LoadFromDxfData(cad, lines.join('\n'), report, options);
-        EXPECT_TRUE(ok || !report.Error.isEmpty()) << run;
+        EXPECT_TRUE(in.Run(lines.join('\n')) || !in.Report.Error.isEmpty()) << run;
     }
 }
 
@@ -627,15 +624,11 @@ TEST(DxfUnits, InsUnitsAndMeasurement)
         {"9\n$MEASUREMENT\n70\n1\n", 1},
     };
     for (const auto &[header, mm] : cases) {
-        TMyCAD cad;
-        cad.resize(640, 480);
-        const QByteArray data = "0\nSECTION\n2\nHEADER\n" + header +
-                                "0\nENDSEC\n0\nSECTION\n2\nENTITIES\n"
-                                "0\nLINE\n8\n0\n10\n0\n20\n0\n11\n0.1\n21\n0\n0\nENDSEC\n0\nEOF\n";
-        TDxfImportReport report;
-        ASSERT_TRUE(LoadFromDxfData(cad, data, report));
-        EXPECT_DOUBLE_EQ(report.UnitToMm, mm);
-        EXPECT_NEAR(cad.GetShapeByNo(0)->Points()[1].X, 0.1 * mm * F, 1e-3);
+        TImport in;
+        ASSERT_TRUE(in.Run("0\nSECTION\n2\nHEADER\n" + header + "0\nENDSEC\n" +
+                           Entities("0\nLINE\n8\n0\n10\n0\n20\n0\n11\n0.1\n21\n0\n")));
+        EXPECT_DOUBLE_EQ(in.Report.UnitToMm, mm);
+        EXPECT_NEAR(in.Cad.GetShapeByNo(0)->Points()[1].X, 0.1 * mm * F, 1e-3);
     }
 }
 
@@ -648,6 +641,14 @@ QByteArray SavedUnheard(TMyCAD &cad)
     const QByteArray data = test::Saved(cad);
     cad.SetOnProgress(handler);
     return data;
+}
+
+// What a cancelled import must leave as it was: the bytes, undo steps, selection and next
+// free identities.
+auto State(TMyCAD &cad)
+{
+    return std::tuple(SavedUnheard(cad), cad.UndoRedoShapeList().size(), cad.WorkingShapes(),
+                      cad.ShapeIdCounter(), cad.LayerIdCounter());
 }
 
 // A drawing with its own layer, shapes, a group, undo steps and a selection.
@@ -668,14 +669,12 @@ void MakeOwnDrawing(TMyCAD &cad)
 // the import with the drawing, its layers and its undo steps as they were.
 TEST(DxfImport, ParseReportsAsItReadsAndACancelInsideLeavesTheDrawing)
 {
-    QByteArray data = "0\nSECTION\n2\nENTITIES\n";
+    QByteArray lines;
     for (int i = 0; i < 20000; ++i)
-        data += QString("0\nLINE\n8\nparts\n10\n%1\n20\n%2\n11\n%3\n21\n%2\n")
-                    .arg(i % 100)
-                    .arg(i / 100)
-                    .arg(i % 100 + 0.5)
-                    .toLatin1();
-    data += "0\nENDSEC\n0\nEOF\n";
+        lines += QString::asprintf("0\nLINE\n8\nparts\n10\n%d\n20\n%d\n11\n%d.5\n21\n%d\n", i % 100,
+                                   i / 100, i % 100, i / 100)
+                     .toLatin1();
+    const QByteArray data = Entities(lines);
 
     std::vector<std::int64_t> done;
     std::size_t cancelAt = 0;
@@ -699,18 +698,15 @@ TEST(DxfImport, ParseReportsAsItReadsAndACancelInsideLeavesTheDrawing)
 
     TMyCAD cad;
     MakeOwnDrawing(cad);
-    const QByteArray before = SavedUnheard(cad);
-    const std::size_t undoSteps = cad.UndoRedoShapeList().size();
+    const auto before = State(cad);
     cad.SetOnProgress(handler);
     done.clear();
     cancelAt = 2;
     EXPECT_FALSE(LoadFromDxfData(cad, data, report));
-    EXPECT_TRUE(report.Cancelled);
-    EXPECT_EQ(report.ShapesCreated, 0);
-    EXPECT_FALSE(cad.LastError().isEmpty());
-    EXPECT_EQ(done.size(), cancelAt);
-    EXPECT_EQ(cad.UndoRedoShapeList().size(), undoSteps);
-    EXPECT_EQ(SavedUnheard(cad), before);
+    EXPECT_EQ(
+        std::tuple(report.Cancelled, report.ShapesCreated, cad.LastError().isEmpty(), done.size()),
+        std::tuple(true, 0, false, cancelAt));
+    EXPECT_EQ(State(cad), before);
 }
 
 // Thirty INSERTs of a 2 x 5 array of a block of 61 entities, on a layer of the table beside
@@ -774,13 +770,7 @@ TEST(DxfImport, CancelDuringTheBuildLeavesTheDrawing)
         EXPECT_EQ(SavedUnheard(probe), imported);
     }
     EXPECT_EQ(heard, all);
-    ASSERT_FALSE(all.empty());
-    EXPECT_EQ(all.front(), std::make_pair(std::int64_t(0), whole));
-    EXPECT_EQ(all.back(), std::make_pair(whole, whole));
-    for (std::size_t i = 1; i < all.size(); ++i) {
-        EXPECT_GE(all[i].first, all[i - 1].first) << i;
-        EXPECT_EQ(all[i].second, whole);
-    }
+    test::ExpectSteadyProgress(all, whole);
     // The parse is the first half of the scale.
     const auto firstBuild = std::size_t(
         std::find_if(all.begin(), all.end(), [&](auto r) { return r.first > whole / 2; }) -
@@ -788,27 +778,19 @@ TEST(DxfImport, CancelDuringTheBuildLeavesTheDrawing)
     ASSERT_EQ(firstBuild, 2u);
     ASSERT_GE(all.size() - firstBuild, 4u);
 
-    const QByteArray before = SavedUnheard(cad);
-    const std::size_t undoSteps = cad.UndoRedoShapeList().size();
-    const std::vector<TMyShape *> selected = cad.WorkingShapes();
-    const std::int32_t nextShape = cad.ShapeIdCounter(), nextLayer = cad.LayerIdCounter();
+    const auto before = State(cad);
     const std::size_t reports = all.size();
     for (const std::size_t at :
          {std::size_t(1), firstBuild + 1, (firstBuild + reports) / 2 + 1, reports}) {
         all.clear();
         cancelAt = at;
         EXPECT_FALSE(LoadFromDxfData(cad, data, report)) << at;
-        EXPECT_EQ(all.size(), at);
-        EXPECT_TRUE(report.Cancelled);
-        EXPECT_EQ(report.ShapesCreated, 0);
-        EXPECT_EQ(report.EntitiesRead, 0);
-        EXPECT_EQ(report.Error, "the import was cancelled");
-        EXPECT_EQ(cad.LastError(), "the import was cancelled");
-        EXPECT_EQ(SavedUnheard(cad), before) << at;
-        EXPECT_EQ(cad.UndoRedoShapeList().size(), undoSteps);
-        EXPECT_EQ(cad.WorkingShapes(), selected);
-        EXPECT_EQ(cad.ShapeIdCounter(), nextShape);
-        EXPECT_EQ(cad.LayerIdCounter(), nextLayer);
+        EXPECT_EQ(
+            std::tuple(all.size(), report.Cancelled, report.ShapesCreated, report.EntitiesRead),
+            std::tuple(at, true, 0, 0));
+        EXPECT_EQ(std::tuple(report.Error, cad.LastError()),
+                  std::tuple("the import was cancelled", "the import was cancelled"));
+        EXPECT_EQ(State(cad), before) << at;
     }
     cancelAt = 0;
     ASSERT_TRUE(LoadFromDxfData(cad, data, report));

@@ -15,25 +15,25 @@ from ezdxf import disassemble, path
 from ezdxf.enums import TextEntityAlignment
 
 
+# The list each entity type read back goes to, and what is listed of it.
+AUDITED = {
+    "LINE": ("lines", lambda e: [e.dxf.start.x, e.dxf.start.y, e.dxf.end.x, e.dxf.end.y]),
+    "POLYLINE": ("vertices", lambda e: [[v.dxf.location.x, v.dxf.location.y] for v in e.vertices]),
+    "ARC": ("arcs", lambda e: [e.dxf.center.x, e.dxf.center.y, e.dxf.radius, e.dxf.start_angle,
+                               e.dxf.end_angle]),
+    "CIRCLE": ("circles", lambda e: [e.dxf.center.x, e.dxf.center.y, e.dxf.radius]),
+    "TEXT": ("texts", lambda e: [e.dxf.insert.x, e.dxf.insert.y, e.dxf.height, e.dxf.rotation,
+                                 e.dxf.text]),
+}
+
+
 def audit(name):
     doc = ezdxf.readfile(name)
-    auditor = doc.audit()
-    out = {"errors": len(auditor.errors), "lines": [], "vertices": [], "arcs": [], "circles": [],
-           "texts": []}
+    out = {"errors": len(doc.audit().errors)} | {key: [] for key, _ in AUDITED.values()}
     for e in doc.modelspace():
-        t = e.dxftype()
-        if t == "LINE":
-            out["lines"].append([e.dxf.start.x, e.dxf.start.y, e.dxf.end.x, e.dxf.end.y])
-        elif t == "POLYLINE":
-            out["vertices"].append([[v.dxf.location.x, v.dxf.location.y] for v in e.vertices])
-        elif t == "ARC":
-            out["arcs"].append([e.dxf.center.x, e.dxf.center.y, e.dxf.radius,
-                                e.dxf.start_angle, e.dxf.end_angle])
-        elif t == "CIRCLE":
-            out["circles"].append([e.dxf.center.x, e.dxf.center.y, e.dxf.radius])
-        elif t == "TEXT":
-            out["texts"].append([e.dxf.insert.x, e.dxf.insert.y, e.dxf.height,
-                                 e.dxf.rotation, e.dxf.text])
+        if e.dxftype() in AUDITED:
+            key, listed = AUDITED[e.dxftype()]
+            out[key].append(listed(e))
     print(json.dumps(out))
 
 
@@ -83,14 +83,11 @@ def sample(version, name):
     ring = [(350, 60, 0, 0, 1), (370, 60, 0, 0, 1)]
     slot = [(0, 0, 0, 0, 0), (20, 0, 0, 0, 1), (20, 8, 0, 0, 0), (0, 8, 0, 0, 1)]
     round_block = doc.blocks.new("ROUND")
-    if version == "R12":
-        msp.add_polyline2d(mixed, format="xyseb")
-        msp.add_polyline2d(ring, format="xyseb", close=True)
-        round_block.add_polyline2d(slot, format="xyseb", close=True)
-    else:
-        msp.add_lwpolyline(mixed, format="xyseb")
-        msp.add_lwpolyline(ring, format="xyseb", close=True)
-        round_block.add_lwpolyline(slot, format="xyseb", close=True)
+    polyline = "add_polyline2d" if version == "R12" else "add_lwpolyline"
+    getattr(msp, polyline)(mixed, format="xyseb")
+    getattr(msp, polyline)(ring, format="xyseb", close=True)
+    getattr(round_block, polyline)(slot, format="xyseb", close=True)
+    if version != "R12":
         # Half an ellipse (an arc shape) and a quarter turn of one (Bezier pieces).
         msp.add_ellipse((400, 90), major_axis=(12, 5), ratio=0.4, start_param=0.4,
                         end_param=0.4 + math.pi)
@@ -105,8 +102,7 @@ def sample(version, name):
     outer = doc.blocks.new("OUTER")
     outer.add_blockref("INNER", (10, 0), dxfattribs={"xscale": 2, "yscale": 1,
                                                       "rotation": 45})
-    outer.add_lwpolyline([(0, 0), (10, 0), (10, 5)]) if version != "R12" else \
-        outer.add_polyline2d([(0, 0), (10, 0), (10, 5)])
+    getattr(outer, polyline)([(0, 0), (10, 0), (10, 5)])
     msp.add_blockref("OUTER", (50, 150), dxfattribs={"rotation": 30, "xscale": 1.5,
                                                       "yscale": 1.5, "color": 6,
                                                       "layer": "walls"})
@@ -148,10 +144,8 @@ def random_drawing(seed, count, name):
         elif k == 4:
             pts = [(x + rnd.uniform(-20, 20), y + rnd.uniform(-20, 20), 0, 0, rnd.choice([0, 0, rnd.uniform(-3, 3)]))
                    for _ in range(rnd.randrange(1, 7))]
-            if doc.dxfversion > "AC1009":
-                space.add_lwpolyline(pts, format="xyseb", close=rnd.random() < 0.5, dxfattribs=a)
-            else:
-                space.add_polyline2d(pts, format="xyseb", close=rnd.random() < 0.5, dxfattribs=a)
+            add = space.add_lwpolyline if doc.dxfversion > "AC1009" else space.add_polyline2d
+            add(pts, format="xyseb", close=rnd.random() < 0.5, dxfattribs=a)
         elif k == 5:
             text = space.add_text(rnd.choice(["A", "%%d 1", "x y ", "\\U+00e9"]), dxfattribs=dict(
                 a, height=rnd.uniform(0.5, 9), rotation=rnd.uniform(-400, 400)))

@@ -88,15 +88,14 @@ TEST(Block, GrowsTheDrawingNeverShrinksItAndTakesTheSettings)
         EXPECT_EQ(cad.size(), after);
         ASSERT_EQ(cad.GetShapesCount(), 4);
         // Named shapes become "A" + identity, the unnamed one stays unnamed.
-        EXPECT_EQ(cad.GetShapeByNo(0)->Name(), QStringLiteral("A0"));
-        EXPECT_EQ(cad.GetShapeByNo(1)->Name(), QString());
-        EXPECT_EQ(cad.GetShapeByNo(2)->Name(), QStringLiteral("Shape2"));
-        EXPECT_EQ(cad.GetShapeByNo(3)->ClassName(), QStringLiteral("TMyEllipse"));
+        EXPECT_EQ(std::tuple(cad.GetShapeByNo(0)->Name(), cad.GetShapeByNo(1)->Name(),
+                             cad.GetShapeByNo(2)->Name(), cad.GetShapeByNo(3)->ClassName()),
+                  std::tuple("A0", "", "Shape2", "TMyEllipse"));
         // One step for both added shapes and the name the first shape had.
         ASSERT_EQ(cad.UndoRedoShapeList().size(), 3u);
         EXPECT_EQ(cad.UndoRedoShapeList().front().Step, cad.UndoRedoShapeList().back().Step);
-        EXPECT_EQ(cad.WorkingShapes().size(), 2u);
-        EXPECT_TRUE(cad.MemoryShapes().empty());
+        EXPECT_EQ(std::tuple(cad.WorkingShapes().size(), cad.MemoryShapes().size()),
+                  std::tuple(2u, 0u));
         cad.PopFromUndoRedoShapeList();
         ASSERT_EQ(cad.GetShapesCount(), 2);
         EXPECT_EQ(cad.GetShapeByNo(0)->Name(), firstName);
@@ -107,13 +106,11 @@ TEST(Block, GrowsTheDrawingNeverShrinksItAndTakesTheSettings)
     cad.SetZoom(2.0);
     cad.UserData().AddKeyandValue(QStringLiteral("own"), QStringLiteral("value"));
     ASSERT_TRUE(LoadBlock(cad, ThreeLayerBlock(10, 10), TBlockLayerMode::Merge));
-    EXPECT_EQ(cad.Zoom(), 1.0);
-    EXPECT_EQ(cad.ColorOfBackGround(), TColor(0x00FFEE));
-    EXPECT_EQ(cad.TheUNIT(), TUnits::cm);
-    EXPECT_EQ(cad.Tag(), 31);
-    EXPECT_EQ(cad.UserData().GetCount(), 2);
-    EXPECT_EQ(cad.MemoryShapes().size(), 4u); // not yet in the drawing
-    EXPECT_EQ(cad.GetShapesCount(), 0);
+    EXPECT_EQ(std::tuple(cad.Zoom(), cad.ColorOfBackGround(), cad.TheUNIT(), cad.Tag(),
+                         cad.UserData().GetCount()),
+              std::tuple(1.0, TColor(0x00FFEE), TUnits::cm, 31, 2));
+    // Not yet in the drawing.
+    EXPECT_EQ(std::tuple(cad.MemoryShapes().size(), cad.GetShapesCount()), std::tuple(4u, 0));
 }
 
 TEST(Block, ImportMapsLayersByPlaceAndMergeUsesTheCurrentLayer)
@@ -148,14 +145,15 @@ TEST(Block, OlderLayoutsAreReadAsSuchAndDamagedBlocksInsertNothing)
     ASSERT_TRUE(LoadBlock(cad, old.Data(), TBlockLayerMode::Merge))
         << cad.LastError().toStdString();
     EXPECT_EQ(cad.DiskFileVersion(), QStringLiteral("XP.e"));
-    EXPECT_EQ(cad.Tag(), 6); // no drawing Tag before XP.h
     ASSERT_EQ(cad.MemoryShapes().size(), 1u);
-    EXPECT_EQ(cad.MemoryShapes()[0]->MultiInfo().size(), 2);
-    EXPECT_EQ(cad.MemoryShapes()[0]->LogHeight(), 10); // the log fields came with XP.h
+    // No drawing Tag before XP.h; the log fields came with XP.h too.
+    EXPECT_EQ(std::tuple(cad.Tag(), cad.MemoryShapes()[0]->MultiInfo().size(),
+                         cad.MemoryShapes()[0]->LogHeight()),
+              std::tuple(6, 2, 10));
     ASSERT_TRUE(cad.PasteforBlock());
     // The stored relations lead outside the block and are dropped.
-    EXPECT_TRUE(cad.GetShapeByNo(0)->ChildShapes().empty());
-    EXPECT_TRUE(cad.GetShapeByNo(0)->LinkShapes().empty());
+    EXPECT_TRUE(cad.GetShapeByNo(0)->ChildShapes().empty() &&
+                cad.GetShapeByNo(0)->LinkShapes().empty());
 
     const QByteArray block = ThreeLayerBlock(10, 10);
     for (qsizetype n = 0; n < block.size(); n += 7) {
@@ -168,19 +166,15 @@ TEST(Block, OlderLayoutsAreReadAsSuchAndDamagedBlocksInsertNothing)
     const QString foreign = dir.filePath(QStringLiteral("foreign"));
     ASSERT_TRUE(test::WriteFile(foreign, QByteArray(300, 'x')));
     EXPECT_FALSE(cad.AddBlockfromZEDAFile(foreign, TBlockLayerMode::Merge));
-    EXPECT_EQ(cad.GetShapesCount(), 1);
-    EXPECT_EQ(cad.UndoRedoShapeList().size(), 1u);
-    EXPECT_FALSE(cad.IsLoading());
+    EXPECT_EQ(std::tuple(cad.GetShapesCount(), cad.UndoRedoShapeList().size(), cad.IsLoading()),
+              std::tuple(1, 1u, false));
 }
 
 TEST(Block, LibraryEntryIsPlacedAsOneCombine)
 {
     TMyCAD source;
-    const TMyPoint box[] = {{10, 10}, {50, 30}}, mark[] = {{48, 18}, {52, 22}};
-    TMyShape *rect =
-        source.GetShapeByID(source.AddShapeByCode(TDrawTool::SpRectangle, {}, box, 0, {}));
-    TMyShape *point =
-        source.GetShapeByID(source.AddShapeByCode(TDrawTool::SpLinkPoint, {}, mark, 0, {}));
+    TMyShape *rect = test::AddByCode(source, TDrawTool::SpRectangle, {{10, 10}, {50, 30}});
+    TMyShape *point = test::AddByCode(source, TDrawTool::SpLinkPoint, {{48, 18}, {52, 22}});
     point->LinkPoints() = {{50, 20}};
     TUserData data;
     data.AddKeyandValue(QStringLiteral("part"), QStringLiteral("valve"));
@@ -197,13 +191,12 @@ TEST(Block, LibraryEntryIsPlacedAsOneCombine)
     const TMyShape *member = cad.GetShapeByNo(1);
     const TMyShape *combine = cad.GetShapeByNo(2);
     const TMyPointArray corners{{50, 25}, {90, 25}, {90, 45}, {50, 45}};
-    EXPECT_EQ(combine->ClassName(), QStringLiteral("TMyCombine"));
-    EXPECT_EQ(combine->Name(), QStringLiteral("Shape2"));
-    EXPECT_EQ(combine->Points(), corners);
-    EXPECT_EQ(combine->LinkPoints(), (TMyPointArray{{90, 35}}));
-    EXPECT_EQ(combine->UserData().GetValueByKey(QStringLiteral("part")), QStringLiteral("valve"));
+    EXPECT_EQ(std::tuple(combine->ClassName(), combine->Name(),
+                         combine->UserData().GetValueByKey(QStringLiteral("part"))),
+              std::tuple("TMyCombine", "Shape2", "valve"));
+    EXPECT_EQ(std::tuple(combine->Points(), combine->LinkPoints(), member->Points()),
+              std::tuple(corners, TMyPointArray{{90, 35}}, corners));
     EXPECT_EQ(member->ParentNo(), 2);
-    EXPECT_EQ(member->Points(), corners);
     EXPECT_EQ(cad.WorkingShapes(), (std::vector<TMyShape *>{cad.GetShapeByNo(2)}));
     EXPECT_EQ(cad.UndoRedoShapeList().size(), 2u);
     cad.PopFromUndoRedoShapeList();
@@ -244,7 +237,7 @@ TEST(Block, CancelledOrDamagedBlocksLeaveTheDrawingAsItWas)
         probe.SetOnProgress(all.Handler(&probe));
         ASSERT_TRUE(probe.AddBlockfromZEDAFile(path, TBlockLayerMode::Import));
         EXPECT_EQ(probe.GetShapesCount(), ManyShapes);
-        test::ExpectSteadyProgress(all, ManyShapes);
+        test::ExpectSteadyProgress(all.Calls, ManyShapes);
         reports = all.Calls.size();
     }
     for (const std::size_t at : {std::size_t(1), reports / 2, reports}) {
@@ -252,13 +245,10 @@ TEST(Block, CancelledOrDamagedBlocksLeaveTheDrawingAsItWas)
         log.CancelAt = at;
         cad.SetOnProgress(log.Handler(&cad));
         EXPECT_FALSE(cad.AddBlockfromZEDAFile(path, TBlockLayerMode::Import)) << at;
-        EXPECT_EQ(log.Calls.size(), at);
+        EXPECT_EQ(std::tuple(log.Calls.size(), cad.IsLoading(), cad.MemoryShapes().size(),
+                             cad.size(), cad.Zoom(), cad.UndoRedoShapeList().size()),
+                  std::tuple(at, false, 0u, size, 2.0, undoSteps));
         EXPECT_TRUE(cad.LastError().contains(QStringLiteral("cancel")));
-        EXPECT_FALSE(cad.IsLoading());
-        EXPECT_TRUE(cad.MemoryShapes().empty());
-        EXPECT_EQ(cad.size(), size);
-        EXPECT_EQ(cad.Zoom(), 2.0);
-        EXPECT_EQ(cad.UndoRedoShapeList().size(), undoSteps);
         EXPECT_EQ(Saved(cad), before);
     }
     cad.SetOnProgress({});
@@ -270,9 +260,8 @@ TEST(Block, CancelledOrDamagedBlocksLeaveTheDrawingAsItWas)
     EXPECT_EQ(Saved(cad), before);
 
     ASSERT_TRUE(cad.AddBlockfromZEDAFile(path, TBlockLayerMode::Import));
-    EXPECT_EQ(cad.GetShapesCount(), ManyShapes + 1);
-    EXPECT_EQ(cad.ColorOfBackGround(), 0x123456u);
-    EXPECT_EQ(cad.Tag(), 77);
+    EXPECT_EQ(std::tuple(cad.GetShapesCount(), cad.ColorOfBackGround(), cad.Tag()),
+              std::tuple(ManyShapes + 1, 0x123456u, 77));
 }
 
 // Reading a library entry reports its shapes to the library's handler; a cancel at any
@@ -296,7 +285,7 @@ TEST(Block, CancelledLibraryEntriesPlaceNothing)
     std::int32_t width = 0, height = 0;
     ASSERT_TRUE(lib.GetCmbShape(QStringLiteral("many"), true, links, data, read, width, height));
     EXPECT_EQ(read.size(), std::size_t(ManyShapes));
-    test::ExpectSteadyProgress(all, ManyShapes);
+    test::ExpectSteadyProgress(all.Calls, ManyShapes);
 
     TMyCAD cad;
     const TMyPoint box[] = {{10, 10}, {50, 30}};
@@ -308,12 +297,10 @@ TEST(Block, CancelledLibraryEntriesPlaceNothing)
         lib.SetOnProgress(log.Handler(&lib.Drawing()));
         EXPECT_FALSE(
             lib.GetCmbShape(QStringLiteral("many"), true, links, data, read, width, height));
-        EXPECT_TRUE(read.empty());
-        EXPECT_TRUE(lib.LastError().contains(QStringLiteral("cancel")));
+        EXPECT_TRUE(read.empty() && lib.LastError().contains(QStringLiteral("cancel")));
         log.Calls.clear();
         EXPECT_FALSE(AddUserDefineShapefromLib(lib, QStringLiteral("many"), 5, 5, cad)) << at;
-        EXPECT_EQ(log.Calls.size(), at);
-        EXPECT_EQ(cad.UndoRedoShapeList().size(), 1u);
+        EXPECT_EQ(std::tuple(log.Calls.size(), cad.UndoRedoShapeList().size()), std::tuple(at, 1u));
         EXPECT_EQ(Saved(cad), before);
         EXPECT_EQ(lib.Buffer(), library);
     }

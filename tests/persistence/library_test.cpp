@@ -4,6 +4,7 @@
 // damaged input and the preview picture.
 #include "common/files.h"
 #include "recordfixture.h"
+#include "surface/documenthelpers.h"
 
 #include <tessal/persistence/library.h>
 #include <tessal/shapes/link.h>
@@ -58,6 +59,13 @@ std::unique_ptr<TMyShape> Filled(TMyCAD &cad, const char *className, const TMyPo
     return shape;
 }
 
+// A one-shape entry.
+bool AppendOne(TLibManager &lib, const QString &name, TMyShape *shape, const TUserData &data = {})
+{
+    TMyShape *const list[] = {shape};
+    return lib.AppendNewShape(name, list, data);
+}
+
 const TMyPointArray Box2030 = {{20, 30}, {120, 30}, {120, 80}, {20, 80}};
 const TMyPointArray Unit = {{0, 0}, {1, 0}, {1, 1}, {0, 1}};
 
@@ -92,34 +100,29 @@ TEST(Library, OneEntryByteForByteAndBackAtNominalSize)
     auto rect = Filled(cad, "TMyRectangle", Box2030, {}, {70, 55});
     TUserData data;
     data.AddKeyandValue("owner", "me");
-    TMyShape *list[] = {rect.get()};
-    ASSERT_TRUE(lib.AppendNewShape("Door", list, data));
+    ASSERT_TRUE(AppendOne(lib, "Door", rect.get(), data));
 
     Bytes body = Bytes().I32(100).I32(50).I32(1).Text("owner").Text("me").I32(1);
     body.Fixed("TMyRectangle", 16).Append(Record(Unit, {}, {0.5f, 0.5f}));
     EXPECT_EQ(lib.Buffer(), Bytes().Raw("ZEDALIBX.j").Append(Entry("Door", body)).Data());
     // The caller's shape is left as it was.
-    EXPECT_EQ(rect->Name(), QStringLiteral("Shape7"));
-    EXPECT_EQ(rect->Points(), Box2030);
-    EXPECT_EQ(rect->TextPoint(), (TMyPoint{70, 55}));
+    EXPECT_EQ(std::tuple(rect->Name(), rect->Points(), rect->TextPoint()),
+              std::tuple("Shape7", Box2030, TMyPoint{70, 55}));
 
     Read r = Get(lib, "Door");
     ASSERT_TRUE(r.Ok) << lib.LastError().toStdString();
-    EXPECT_EQ(r.Width, 100);
-    EXPECT_EQ(r.Height, 50);
-    EXPECT_EQ(r.Data.GetValueByKey("owner"), QStringLiteral("me"));
     ASSERT_EQ(r.List.size(), 1u);
-    EXPECT_EQ(r.List[0]->ClassName(), QStringLiteral("TMyRectangle"));
-    EXPECT_EQ(r.List[0]->Points(), (TMyPointArray{{0, 0}, {100, 0}, {100, 50}, {0, 50}}));
-    EXPECT_EQ(r.List[0]->TextPoint(), (TMyPoint{50, 25}));
-    EXPECT_TRUE(r.List[0]->Name().isEmpty());
-    EXPECT_EQ(r.List[0]->Tag(), 99);
+    EXPECT_EQ(std::tuple(r.Width, r.Height, r.Data.GetValueByKey("owner")),
+              std::tuple(100, 50, "me"));
+    const TMyShape &read = *r.List[0];
+    EXPECT_EQ(
+        std::tuple(read.ClassName(), read.Name(), read.Points(), read.TextPoint(), read.Tag()),
+        std::tuple("TMyRectangle", "", TMyPointArray{{0, 0}, {100, 0}, {100, 50}, {0, 50}},
+                   TMyPoint{50, 25}, 99));
 
     // An unknown name leaves every output empty.
     Read missing = Get(lib, "Window");
-    EXPECT_FALSE(missing.Ok);
-    EXPECT_TRUE(missing.List.empty());
-    EXPECT_EQ(missing.Width, 0);
+    EXPECT_EQ(std::tuple(missing.Ok, missing.List.size(), missing.Width), std::tuple(false, 0u, 0));
     EXPECT_FALSE(lib.LastError().isEmpty());
 
     QTemporaryDir dir;
@@ -135,8 +138,7 @@ TEST(Library, BoxLeavesOutLinkPointsAndRoundsHalfToEven)
     // A link point alone: a box of no size, stored as 1 x 1 from the origin.
     auto mark = Filled(cad, "TMyLinkPoint", {{125, 50}, {135, 50}, {135, 60}, {125, 60}},
                        {{130, 55}}, {0, 0});
-    TMyShape *only[] = {mark.get()};
-    ASSERT_TRUE(lib.AppendNewShape("Pin", only, {}));
+    ASSERT_TRUE(AppendOne(lib, "Pin", mark.get()));
     Bytes pinBody = Bytes().I32(1).I32(1).I32(0).I32(1).Fixed("TMyLinkPoint", 16);
     pinBody.Append(Record(mark->Points(), {{130, 55}}, {0, 0}));
     pinBody.U8(static_cast<TMyLinkPoint &>(*mark).Size());
@@ -148,10 +150,9 @@ TEST(Library, BoxLeavesOutLinkPointsAndRoundsHalfToEven)
     ASSERT_TRUE(lib.AppendNewShape("Plug", both, {}));
     Read r = Get(lib, "Plug", true);
     ASSERT_TRUE(r.Ok) << lib.LastError().toStdString();
-    EXPECT_EQ(r.Width, 100);
-    EXPECT_EQ(r.Height, 50);
-    ASSERT_EQ(r.List.size(), 1u); // the link point went to the link points
-    EXPECT_EQ(r.Links, (TMyPointArray{{110, 25}}));
+    // The link point went to the link points.
+    EXPECT_EQ(std::tuple(r.Width, r.Height, r.List.size(), r.Links),
+              std::tuple(100, 50, 1u, TMyPointArray{{110, 25}}));
     EXPECT_EQ(Get(lib, "Plug").List.size(), 2u);
 
     // 2.5 rounds to 2, 0.5 to 0 and then up to 1; 3.5 rounds to 4.
@@ -159,10 +160,8 @@ TEST(Library, BoxLeavesOutLinkPointsAndRoundsHalfToEven)
         Filled(cad, "TMyRectangle", {{0, 0}, {2.5f, 0}, {2.5f, 0.5f}, {0, 0.5f}}, {}, {0, 0});
     auto odd =
         Filled(cad, "TMyRectangle", {{0, 0}, {3.5f, 0}, {3.5f, 3.5f}, {0, 3.5f}}, {}, {0, 0});
-    TMyShape *s1[] = {small.get()};
-    TMyShape *s2[] = {odd.get()};
-    ASSERT_TRUE(lib.AppendNewShape("Small", s1, {}));
-    ASSERT_TRUE(lib.AppendNewShape("Odd", s2, {}));
+    ASSERT_TRUE(AppendOne(lib, "Small", small.get()));
+    ASSERT_TRUE(AppendOne(lib, "Odd", odd.get()));
     EXPECT_EQ(EntryBytes(lib, "Small").mid(10, 8), Bytes().I32(2).I32(1).Data());
     EXPECT_EQ(EntryBytes(lib, "Odd").mid(8, 8), Bytes().I32(4).I32(4).Data());
 }
@@ -200,9 +199,7 @@ TEST(Library, TagTestsAndRecordVersions)
     std::int64_t position = 5;
     ASSERT_TRUE(lib.LoadFromBuffer("ZEDALIB"));
     EXPECT_TRUE(lib.ReadLibTag(length, position).isEmpty());
-    EXPECT_EQ(length, 0);
-    EXPECT_EQ(position, -1);
-    EXPECT_EQ(lib.GetcmbShapesCount(), 0);
+    EXPECT_EQ(std::tuple(length, position, lib.GetcmbShapesCount()), std::tuple(0, -1, 0));
 
     // A ".3" library: extended coordinates, no user data block.
     const Bytes body =
@@ -210,9 +207,8 @@ TEST(Library, TagTestsAndRecordVersions)
     ASSERT_TRUE(lib.LoadFromBuffer(Bytes().Raw("ZEDALIBX.3").Append(Entry("Old", body))));
     Read r = Get(lib, "Old");
     ASSERT_TRUE(r.Ok) << lib.LastError().toStdString();
-    EXPECT_EQ(r.List[0]->Points(), (TMyPointArray{{3, 8}, {20, -12}, {20, 80}, {3, 80}}));
-    EXPECT_EQ(r.List[0]->TextPoint(), (TMyPoint{6, 16}));
-    EXPECT_EQ(r.Data.GetCount(), 0);
+    EXPECT_EQ(std::tuple(r.List[0]->Points(), r.List[0]->TextPoint(), r.Data.GetCount()),
+              std::tuple(TMyPointArray{{3, 8}, {20, -12}, {20, 80}, {3, 80}}, TMyPoint{6, 16}, 0));
 }
 
 TEST(Library, UpgradeChainRewritesHandBuiltOldLibraries)
@@ -240,20 +236,15 @@ TEST(Library, UpgradeChainRewritesHandBuiltOldLibraries)
         // Stored at 2 x 4, the points spread over (3, -12)-(20, 80): a box of 17 x 92.
         Read r = Get(lib, "A");
         ASSERT_TRUE(r.Ok) << lib.LastError().toStdString();
-        EXPECT_EQ(r.Width, 17);
-        EXPECT_EQ(r.Height, 92);
+        EXPECT_EQ(std::tuple(r.Width, r.Height), std::tuple(17, 92));
         const TMyShape &s = *r.List[0];
-        const TMyPointArray want = {{0, 20}, {17, 0}, {17, 92}, {0, 92}};
-        for (std::size_t i = 0; i < want.size(); ++i) {
-            EXPECT_NEAR(s.Points()[i].X, want[i].X, 1e-4);
-            EXPECT_NEAR(s.Points()[i].Y, want[i].Y, 1e-4);
-        }
-        EXPECT_TRUE(s.Name().isEmpty());
-        EXPECT_EQ(s.Tag(), 99);
-        EXPECT_EQ(s.UserData().GetCount(), layout >= Layout::XP8 ? 2 : 0);
-        EXPECT_EQ(s.IsFlipHorz(), layout >= Layout::XP9); // flips since XP.9
-        EXPECT_EQ(Get(lib, "B").Width, 8);                // 8.5 rounds to even
-        EXPECT_EQ(Get(lib, "B").List[0]->ShapeId(), 8);
+        test::ExpectNear(s.Points(), {{0, 20}, {17, 0}, {17, 92}, {0, 92}});
+        // User data since XP.8, flips since XP.9.
+        EXPECT_EQ(std::tuple(s.Name(), s.Tag(), s.UserData().GetCount(), s.IsFlipHorz()),
+                  std::tuple("", 99, layout >= Layout::XP8 ? 2 : 0, layout >= Layout::XP9));
+        // 8.5 rounds to even.
+        EXPECT_EQ(std::tuple(Get(lib, "B").Width, Get(lib, "B").List[0]->ShapeId()),
+                  std::tuple(8, 8));
     }
 }
 
@@ -265,16 +256,13 @@ TEST(Library, EditsKeepTheOtherEntriesByteIdentical)
     for (const char *name : {"A", "B", "C"}) {
         keep.push_back(Filled(cad, "TMyRectangle", Box2030, {}, {0, 0}));
         keep.back()->SetTag(name[0]);
-        TMyShape *list[] = {keep.back().get()};
-        ASSERT_TRUE(lib.AppendNewShape(name, list, {}));
+        ASSERT_TRUE(AppendOne(lib, name, keep.back().get()));
     }
     const QByteArray a = EntryBytes(lib, "A"), b = EntryBytes(lib, "B"), c = EntryBytes(lib, "C");
     const QByteArray tag = "ZEDALIBX.j";
 
     ASSERT_TRUE(lib.RenameCmbShapeName("B", "Bee"));
-    const QByteArray bee = "\x03"
-                           "Bee" +
-                           b.mid(2);
+    const QByteArray bee = "\3Bee" + b.mid(2);
     EXPECT_EQ(lib.Buffer(), tag + a + bee + c);
     ASSERT_TRUE(lib.MoveCmbShapeBeforeByName("C", "A"));
     EXPECT_EQ(lib.Buffer(), tag + c + a + bee);
@@ -290,7 +278,7 @@ TEST(Library, EditsKeepTheOtherEntriesByteIdentical)
     ASSERT_TRUE(lib.InsertNewShape(pos, "A", list, {}));
     EXPECT_EQ(lib.Buffer(), tag + c + a + bee);
     ASSERT_TRUE(lib.RepalceExistShape("Bee", list, {}));
-    EXPECT_EQ(lib.Buffer(), tag + c + a + "\x03" + "Bee" + a.mid(2));
+    EXPECT_EQ(lib.Buffer(), tag + c + a + "\3Bee" + a.mid(2));
 
     // Refusals leave the buffer alone.
     const QByteArray before = lib.Buffer();
@@ -310,11 +298,10 @@ TEST(Library, DamagedLibrariesAreAnsweredFalse)
     TMyCAD cad;
     TLibManager good;
     auto rect = Filled(cad, "TMyRectangle", Box2030, {}, {0, 0});
-    TMyShape *list[] = {rect.get()};
     TUserData data;
     data.AddKeyandValue("k", "v");
-    ASSERT_TRUE(good.AppendNewShape("A", list, data));
-    ASSERT_TRUE(good.AppendNewShape("B", list, data));
+    ASSERT_TRUE(AppendOne(good, "A", rect.get(), data));
+    ASSERT_TRUE(AppendOne(good, "B", rect.get(), data));
     const QByteArray whole = good.Buffer();
     const qsizetype second = 10 + EntryBytes(good, "A").size();
 
@@ -368,27 +355,21 @@ TEST(Library, PreviewScalesTheEntryIntoTheImage)
     TLibManager lib;
     auto rect = cad.CreateShapeByName(QStringLiteral("TMyRectangle"));
     rect->Points() = Box2030;
-    TBrush brush;
-    brush.Color = clRed;
-    rect->SetBrush(brush);
-    TMyShape *list[] = {rect.get()};
-    ASSERT_TRUE(lib.AppendNewShape("R", list, {}));
+    rect->SetBrush(TBrush{clRed, TBrushStyle::bsSolid, {}});
+    ASSERT_TRUE(AppendOne(lib, "R", rect.get()));
     // 100 x 50 into 54 x 54 less the margin: 50 x 25, centred at rows 14.5 to 39.5.
     TBitmap bitmap;
     ASSERT_TRUE(lib.GetCmbShapeImage("R", bitmap, 54, 54));
     ASSERT_EQ(bitmap.Width(), 54);
-    EXPECT_EQ(bitmap.Pixel(27, 27), clRed);
-    EXPECT_EQ(bitmap.Pixel(10, 20), clRed);
-    EXPECT_EQ(bitmap.Pixel(27, 10), clWhite);
-    EXPECT_EQ(bitmap.Pixel(27, 44), clWhite);
-    EXPECT_EQ(bitmap.Pixel(0, 27), clWhite);
+    EXPECT_EQ(std::tuple(bitmap.Pixel(27, 27), bitmap.Pixel(10, 20), bitmap.Pixel(27, 10),
+                         bitmap.Pixel(27, 44), bitmap.Pixel(0, 27)),
+              std::tuple(clRed, clRed, clWhite, clWhite, clWhite));
     EXPECT_FALSE(lib.GetCmbShapeImage("S", bitmap, 54, 54));
 
     // A 1 x 1 entry scaled up a hundredfold, within the image asked for.
     auto mark = cad.CreateShapeByName(QStringLiteral("TMyLinkPoint"));
     mark->Points() = {{0, 0}, {1, 0}, {1, 1}, {0, 1}};
-    TMyShape *pin[] = {mark.get()};
-    ASSERT_TRUE(lib.AppendNewShape("Pin", pin, {}));
+    ASSERT_TRUE(AppendOne(lib, "Pin", mark.get()));
     EXPECT_EQ(lib.GetCmbShapeImage("Pin", QSize(104, 104)).size(), QSize(104, 104));
 }
 

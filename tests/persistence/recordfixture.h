@@ -36,10 +36,7 @@ inline void FillBaseFields(TMyShape &shape)
     shape.SetTextPoint({3.0f, 4.0f});
     shape.SetTag(99);
     shape.SetAngleValue(float(std::numbers::pi / 2));
-    TBrush brush;
-    brush.Color = 0x123456;
-    brush.Style = TBrushStyle::bsCross;
-    shape.SetBrush(brush);
+    shape.SetBrush(TBrush{0x123456, TBrushStyle::bsCross, {}});
     shape.SetCaption(QStringLiteral("Cap"));
     shape.SetColorBegin(0x0000FF);
     shape.SetColorEnd(0x00FF00);
@@ -53,12 +50,7 @@ inline void FillBaseFields(TMyShape &shape)
     shape.SetFont(font);
     shape.SetGradientStyle(TGradientStyle::gsLinearH);
     shape.SetInfo(QStringLiteral("Info"));
-    TPen pen;
-    pen.Color = 0x445566;
-    pen.Mode = TPenMode::pmXor;
-    pen.Style = TPenStyle::psDash;
-    pen.Width = 3;
-    shape.SetPen(pen);
+    shape.SetPen(TPen{0x445566, TPenMode::pmXor, TPenStyle::psDash, 3});
     shape.UserData().SetUserDataRecord({{"k1", "v1"}, {"k2", "v2"}});
     shape.SetFlipFlags(true, false);
     shape.SetMultiInfo({QStringLiteral("m1"), QStringLiteral("m2")});
@@ -182,14 +174,15 @@ struct TProgressLog
 };
 
 // Reports start at 0, end at the total, never go back, and come often enough to show.
-inline void ExpectSteadyProgress(const TProgressLog &log, std::int64_t total)
+inline void ExpectSteadyProgress(const std::vector<std::pair<std::int64_t, std::int64_t>> &calls,
+                                 std::int64_t total)
 {
-    ASSERT_GE(log.Calls.size(), 3u);
-    EXPECT_EQ(log.Calls.front(), std::make_pair(std::int64_t(0), total));
-    EXPECT_EQ(log.Calls.back(), std::make_pair(total, total));
-    for (std::size_t i = 1; i < log.Calls.size(); ++i) {
-        EXPECT_GE(log.Calls[i].first, log.Calls[i - 1].first);
-        EXPECT_EQ(log.Calls[i].second, total);
+    ASSERT_GE(calls.size(), 3u);
+    EXPECT_EQ(calls.front(), std::make_pair(std::int64_t(0), total));
+    EXPECT_EQ(calls.back(), std::make_pair(total, total));
+    for (std::size_t i = 1; i < calls.size(); ++i) {
+        EXPECT_GE(calls[i].first, calls[i - 1].first) << i;
+        EXPECT_EQ(calls[i].second, total);
     }
 }
 

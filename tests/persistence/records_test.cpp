@@ -156,10 +156,8 @@ TEST(ShapeRecords, OldestLayoutHasNoCoordinatesTagOrAngle)
     cad.SetDiskFileVersion(QStringLiteral("XP.2"));
     auto rect = Make<TMyRectangle>(cad, "TMyRectangle");
     EXPECT_TRUE(test::LoadAll(*rect, BaseRecord(Layout::XP2)));
-    EXPECT_EQ(rect->Points(), TMyPointArray(4));
-    EXPECT_EQ(rect->LinkPoints(), TMyPointArray(1));
-    EXPECT_EQ(rect->Tag(), 0);
-    EXPECT_EQ(rect->Angle(), 0.0f);
+    EXPECT_EQ(std::tuple(rect->Points(), rect->LinkPoints(), rect->Tag(), rect->Angle()),
+              std::tuple(TMyPointArray(4), TMyPointArray(1), 0, 0.0f));
     EXPECT_EQ(rect->Caption(), QStringLiteral("Cap"));
     EXPECT_EQ(rect->Pen().Color, 0x445566u);
 
@@ -169,47 +167,41 @@ TEST(ShapeRecords, OldestLayoutHasNoCoordinatesTagOrAngle)
     auto unknown = Make<TMyRectangle>(other, "TMyRectangle");
     EXPECT_TRUE(test::LoadAll(*unknown, BaseRecord(Layout::Common)));
     EXPECT_EQ(unknown->Info(), QStringLiteral("Info"));
-    EXPECT_EQ(unknown->GetPointsCount(), 4);
-    EXPECT_EQ(unknown->TextPoint().X, 0.0f);
+    EXPECT_EQ(std::tuple(unknown->GetPointsCount(), unknown->TextPoint().X), std::tuple(4, 0.0f));
 }
 
 TEST(ShapeRecords, SubclassPartsFollowTheirVersionGates)
 {
     TMyCAD cad;
     cad.SetLinkLineDrawStyle(TLinkLineDrawStyle::lldsFree);
+    // Arrows (ALeft), then the connector's ends; the draw style came with XP.5.
+    const Bytes link =
+        BaseRecord(Layout::XP3to5).I32(20).U8(15).U8(2).U8(1).I32(4).I32(0).I32(6).I32(1);
     cad.SetDiskFileVersion(QStringLiteral("XP.4"));
-    auto link = Make<TMyLinkLine>(cad, "TMyLinkLine");
-    EXPECT_TRUE(test::LoadAll(
-        *link, BaseRecord(Layout::XP3to5).I32(20).U8(15).U8(2).U8(1).I32(4).I32(0).I32(6).I32(1)));
-    EXPECT_EQ(link->LinkLineDrawStyle(), TLinkLineDrawStyle::lldsFree);
-    EXPECT_EQ(link->EndSpNo(), 6);
-    EXPECT_EQ(link->ArrowStyle(), TArrowStyle::ALeft);
-
+    auto unstyled = Make<TMyLinkLine>(cad, "TMyLinkLine");
+    EXPECT_TRUE(test::LoadAll(*unstyled, link));
+    EXPECT_EQ(
+        std::tuple(unstyled->LinkLineDrawStyle(), unstyled->EndSpNo(), unstyled->ArrowStyle()),
+        std::tuple(TLinkLineDrawStyle::lldsFree, 6, TArrowStyle::ALeft));
     cad.SetDiskFileVersion(QStringLiteral("XP.5"));
     auto styled = Make<TMyLinkLine>(cad, "TMyLinkLine");
-    EXPECT_TRUE(test::LoadAll(
-        *styled,
-        BaseRecord(Layout::XP3to5).I32(20).U8(15).U8(2).U8(1).I32(4).I32(0).I32(6).I32(1).U8(0)));
+    EXPECT_TRUE(test::LoadAll(*styled, Bytes(link).U8(0)));
     EXPECT_EQ(styled->LinkLineDrawStyle(), TLinkLineDrawStyle::lldsHV);
 
     cad.SetDiskFileVersion(QStringLiteral("XP.8"));
     auto image = Make<TMyImage>(cad, "TMyImage");
     EXPECT_TRUE(test::LoadAll(*image, BaseRecord(Layout::XP8).I64(0)));
     EXPECT_EQ(image->Brightness(), 0);
-
     cad.SetDiskFileVersion(QStringLiteral("XP.9"));
     auto adjusted = Make<TMyImage>(cad, "TMyImage");
     EXPECT_TRUE(
         test::LoadAll(*adjusted, BaseRecord(Layout::XP9).I64(0).I32(30).I32(-4).U8(1).U8(1).U8(1)));
-    EXPECT_EQ(adjusted->Contrast(), -4);
-    EXPECT_TRUE(adjusted->GrayScale());
-    EXPECT_EQ(adjusted->TransparentMode(), TTransparentMode::tmAuto);
+    EXPECT_EQ(std::tuple(adjusted->Contrast(), adjusted->GrayScale(), adjusted->TransparentMode()),
+              std::tuple(-4, true, TTransparentMode::tmAuto));
 
     auto text = Make<TMyText>(cad, "TMyText");
     EXPECT_TRUE(test::LoadAll(*text, BaseRecord(Layout::XP9).U8(1).U8(0)));
-    EXPECT_TRUE(text->IsBorder());
-    EXPECT_TRUE(text->Lines().isEmpty());
-
+    EXPECT_TRUE(text->IsBorder() && text->Lines().isEmpty());
     cad.SetDiskFileVersion(QStringLiteral("XP.a"));
     auto lines = Make<TMyText>(cad, "TMyText");
     EXPECT_TRUE(test::LoadAll(
@@ -222,24 +214,21 @@ TEST(ShapeRecords, ShortOrImpossibleRecordsThrow)
 {
     TMyCAD cad;
     const QByteArray full = BaseRecord(Layout::XPj).I32(25).U8(12).U8(3).U8(3);
-    for (int length = 0; length < full.size(); ++length) {
-        auto line = Make<TMyLine>(cad, "TMyLine");
-        EXPECT_THROW(test::LoadAll(*line, full.left(length)), TStreamError) << length;
-    }
+    for (int length = 0; length < full.size(); ++length)
+        EXPECT_THROW(test::LoadAll(*Make<TMyLine>(cad, "TMyLine"), full.left(length)), TStreamError)
+            << length;
     // A child count the stream cannot hold fails before anything is allocated.
-    auto rect = Make<TMyRectangle>(cad, "TMyRectangle");
     const Bytes huge = Bytes().Text("a").I32(1).I32(1).I32(0).I32(-1).I32(INT32_MAX);
-    EXPECT_THROW(test::LoadAll(*rect, huge), TStreamError);
+    EXPECT_THROW(test::LoadAll(*Make<TMyRectangle>(cad, "TMyRectangle"), huge), TStreamError);
     // A pen too wide to draw is refused.
     QByteArray wide = BaseRecord(Layout::XPj);
     const qsizetype width = wide.indexOf("Info") + 4 + 4 + 2;
     ASSERT_EQ(wide.mid(width, 4), Bytes().I32(3).Data());
     wide.replace(width, 4, Bytes().I32(40000).Data());
-    auto pen = Make<TMyRectangle>(cad, "TMyRectangle");
-    EXPECT_THROW(test::LoadAll(*pen, wide), TStreamError);
+    EXPECT_THROW(test::LoadAll(*Make<TMyRectangle>(cad, "TMyRectangle"), wide), TStreamError);
     // An arrow style beyond the list is refused rather than stored.
-    auto line = Make<TMyLine>(cad, "TMyLine");
-    EXPECT_THROW(test::LoadAll(*line, BaseRecord(Layout::XPj).I32(25).U8(12).U8(3).U8(4)),
+    EXPECT_THROW(test::LoadAll(*Make<TMyLine>(cad, "TMyLine"),
+                               BaseRecord(Layout::XPj).I32(25).U8(12).U8(3).U8(4)),
                  TStreamError);
 }
 
@@ -260,9 +249,7 @@ TEST(ShapeRecords, BrushPatternWinsOverStoredColourAndStyle)
 
     auto copy = Make<TMyRectangle>(cad, "TMyRectangle");
     EXPECT_TRUE(test::LoadAll(*copy, bytes));
-    EXPECT_EQ(TBitmap(copy->Brush().Bitmap), pattern);
-    EXPECT_EQ(copy->Brush().Color, cad.Brush().Color);
-    EXPECT_EQ(copy->Brush().Style, cad.Brush().Style);
+    EXPECT_EQ(copy->Brush(), (TBrush{cad.Brush().Color, cad.Brush().Style, pattern.Image()}));
 }
 
 // Random values in every base field: texts up to 255 characters, the longest a record keeps

@@ -68,11 +68,8 @@ TEST(Ruler, LabelsNeverOverlapAtAnyZoomOrUnit)
             ruler.SetUnit(TUnits(u));
             for (double zoom : {0.05, 0.1, 0.25, 0.5, 1.0, 2.0, 4.0, 8.0, 16.0, 64.0}) {
                 ruler.SetZoom(zoom);
-                SCOPED_TRACE(QStringLiteral("orientation %1 unit %2 zoom %3")
-                                 .arg(int(o))
-                                 .arg(u)
-                                 .arg(zoom)
-                                 .toStdString());
+                SCOPED_TRACE(::testing::Message()
+                             << "orientation " << int(o) << " unit " << u << " zoom " << zoom);
                 const auto ticks = ruler.Ticks();
                 std::vector<QRect> labels;
                 for (const TRulerTick &t : ticks)
@@ -133,26 +130,23 @@ TEST(Ruler, MarkersFollowTheMouseOverTheSurface)
 {
     TRig rig;
     // The rulers start where the scroll area starts, so surface and ruler pixels agree.
-    QTest::mouseMove(rig.Cad, QPoint(30, 40));
-    EXPECT_TRUE(WaitFor([&] { return rig.H()->Marker() == 30; })) << rig.H()->Marker();
-    EXPECT_EQ(rig.V()->Marker(), 40);
-    QTest::mouseMove(rig.Cad, QPoint(75, 12));
-    EXPECT_TRUE(WaitFor([&] { return rig.H()->Marker() == 75; }));
-    EXPECT_EQ(rig.V()->Marker(), 12);
+    for (const QPoint at : {QPoint(30, 40), QPoint(75, 12)}) {
+        QTest::mouseMove(rig.Cad, at);
+        EXPECT_TRUE(WaitFor([&] { return rig.H()->Marker() == at.x(); })) << rig.H()->Marker();
+        EXPECT_EQ(rig.V()->Marker(), at.y());
+    }
     // Leaving the surface removes the markers.
     QEvent leave(QEvent::Leave);
     QApplication::sendEvent(rig.Cad, &leave);
-    EXPECT_EQ(rig.H()->Marker(), -1);
-    EXPECT_EQ(rig.V()->Marker(), -1);
+    EXPECT_EQ(std::pair(rig.H()->Marker(), rig.V()->Marker()), std::pair(-1, -1));
 }
 
 TEST(Ruler, FollowsScrollingZoomUnitAndAxisDirection)
 {
     TRig rig;
-    EXPECT_EQ(rig.H()->Origin(), 0);
-    EXPECT_EQ(rig.V()->Origin(), 0);
-    EXPECT_EQ(rig.H()->Unit(), TUnits::mm);
-    EXPECT_EQ(rig.H()->PixelsPerInch(), rig.Cad->logicalDpiX());
+    EXPECT_EQ(
+        std::tuple(rig.H()->Origin(), rig.V()->Origin(), rig.H()->Unit(), rig.H()->PixelsPerInch()),
+        std::tuple(0, 0, TUnits::mm, rig.Cad->logicalDpiX()));
 
     rig.Scroll->horizontalScrollBar()->setValue(100);
     rig.Scroll->verticalScrollBar()->setValue(30);
@@ -183,10 +177,8 @@ TEST(Ruler, CornerClickSwitchesTheSurfaceUnit)
     TRig rig;
     TMyRulerCorner *corner = rig.Frame->Corner();
     QTest::mouseClick(corner, Qt::LeftButton);
-    EXPECT_EQ(rig.Cad->TheUNIT(), TUnits::cm);
-    EXPECT_EQ(corner->Unit(), TUnits::cm);
-    EXPECT_EQ(rig.H()->Unit(), TUnits::cm);
-    EXPECT_EQ(rig.V()->Unit(), TUnits::cm);
+    EXPECT_EQ(std::tuple(rig.Cad->TheUNIT(), corner->Unit(), rig.H()->Unit(), rig.V()->Unit()),
+              std::tuple(TUnits::cm, TUnits::cm, TUnits::cm, TUnits::cm));
     QTest::mouseClick(corner, Qt::RightButton);
     EXPECT_EQ(rig.Cad->TheUNIT(), TUnits::cm);
     for (int i = 0; i < 4; ++i)

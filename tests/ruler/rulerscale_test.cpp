@@ -47,15 +47,9 @@ std::string Describe(const std::vector<TRulerTick> &ticks, std::size_t count)
 
 TEST(RulerScale, StepsAreTheSmallestOneTwoFiveThatFitTheLabels)
 {
-    struct TCase
-    {
-        TUnits Unit;
-        double Zoom;
-        double Major;
-        int Divisions;
-    };
-    // Pixels per unit and the first step reaching 40 pixels, worked out by hand:
-    const TCase cases[] = {
+    // Unit, zoom, major step and divisions. Pixels per unit and the first step reaching 40
+    // pixels, worked out by hand:
+    const std::tuple<TUnits, double, double, int> cases[] = {
         {TUnits::pixel, 1, 50, 10},    // 1 px/unit: 20 < 40 <= 50; 50/10 = 5 px
         {TUnits::pixel, 0.1, 500, 10}, // 0.1: 200 -> 20 px, 500 -> 50; tenths 5 px
         {TUnits::mm, 1, 20, 10},       // 3.78: 10 mm = 37.8 < 40, 20 mm = 75.6; 2 mm = 7.6
@@ -64,15 +58,14 @@ TEST(RulerScale, StepsAreTheSmallestOneTwoFiveThatFitTheLabels)
         {TUnits::cm, 2, 1, 10},        // 75.6: 0.5 cm = 37.8, 1 cm = 75.6; 0.1 cm = 7.6
         {TUnits::m, 8, 0.002, 10},     // 30236: 1 mm = 30.2, 2 mm = 60.5; 0.2 mm = 6.0
     };
-    for (const TCase &c : cases) {
-        SCOPED_TRACE(int(c.Unit));
-        SCOPED_TRACE(c.Zoom);
+    for (const auto &[unit, zoom, major, divisions] : cases) {
+        SCOPED_TRACE(::testing::Message() << "unit " << int(unit) << " at zoom " << zoom);
         TRulerSteps steps;
-        Ticks(c.Unit, c.Zoom, 0, false, 0, 10, &steps);
-        EXPECT_NEAR(steps.Major, c.Major, c.Major * 1e-9);
-        EXPECT_EQ(steps.Divisions, c.Divisions);
-        EXPECT_NEAR(steps.Minor, c.Major / c.Divisions, c.Major * 1e-9);
-        EXPECT_EQ(steps.Medium, c.Divisions % 2 == 0 && c.Divisions >= 4);
+        Ticks(unit, zoom, 0, false, 0, 10, &steps);
+        EXPECT_NEAR(steps.Major, major, major * 1e-9);
+        EXPECT_EQ(steps.Divisions, divisions);
+        EXPECT_NEAR(steps.Minor, major / divisions, major * 1e-9);
+        EXPECT_EQ(steps.Medium, divisions % 2 == 0 && divisions >= 4);
     }
     // A label that needs more room at larger steps pushes the step up.
     // 50 px < 50 / 2 + 30; 100 px >= 100 / 2 + 30.
@@ -82,11 +75,9 @@ TEST(RulerScale, StepsAreTheSmallestOneTwoFiveThatFitTheLabels)
     // Only divisions at least minMinorPixels apart are used: a 100 step at 1 px/unit splits
     // into tenths (10 px) only when 10 px suffice, else fifths (20 px), else halves.
     const auto hundred = [](double) { return 100.0; };
-    EXPECT_EQ(ChooseRulerSteps(1, hundred, 10).Divisions, 10);
-    EXPECT_EQ(ChooseRulerSteps(1, hundred, 15).Divisions, 5);
+    for (const auto &[minor, divisions] : {std::pair(10, 10), {15, 5}, {30, 2}, {60, 1}})
+        EXPECT_EQ(ChooseRulerSteps(1, hundred, minor).Divisions, divisions) << minor;
     EXPECT_FALSE(ChooseRulerSteps(1, hundred, 15).Medium);
-    EXPECT_EQ(ChooseRulerSteps(1, hundred, 30).Divisions, 2);
-    EXPECT_EQ(ChooseRulerSteps(1, hundred, 60).Divisions, 1);
 }
 
 TEST(RulerScale, TickPositionsRoundToTheNearestPixel)
@@ -122,19 +113,17 @@ TEST(RulerScale, ReversedAndNegativeScales)
               "0|100 5 10 15 20 25- 30 35 40 45 50|50 55 60 65 70 75- 80 85 90 95 100|0");
     // Left of the origin the values are negative.
     const auto negative = Ticks(TUnits::pixel, 1, 60, false, 0, 70);
-    EXPECT_EQ(negative.front().Pos, 0);
-    EXPECT_EQ(negative.front().Value, -60);
+    EXPECT_EQ(std::pair(negative.front().Pos, negative.front().Value), std::pair(0, -60.0));
     EXPECT_EQ(Describe(negative, 3), "0 5 10|-50");
 }
 
 TEST(RulerScale, LabelsAndDegenerateScales)
 {
-    EXPECT_EQ(RulerLabel(-1e-12, 1), QStringLiteral("0"));
-    EXPECT_EQ(RulerLabel(-0.001, 0.01), QStringLiteral("0.00"));
-    EXPECT_EQ(RulerLabel(0.30000000000000004, 0.1), QStringLiteral("0.3"));
-    EXPECT_EQ(RulerLabel(-20, 10), QStringLiteral("-20"));
-    EXPECT_EQ(RulerLabel(0.05, 0.05), QStringLiteral("0.05"));
-    EXPECT_EQ(RulerLabel(2.5, 0.5), QStringLiteral("2.5"));
+    const std::tuple<double, double, const char *> labels[] = {
+        {-1e-12, 1, "0"}, {-0.001, 0.01, "0.00"}, {0.30000000000000004, 0.1, "0.3"},
+        {-20, 10, "-20"}, {0.05, 0.05, "0.05"},   {2.5, 0.5, "2.5"}};
+    for (const auto &[value, step, text] : labels)
+        EXPECT_EQ(RulerLabel(value, step).toStdString(), text) << value << " by " << step;
     for (double ppu : {0.0, -1.0, std::nan(""), HUGE_VAL}) {
         const TRulerSteps s = ChooseRulerSteps(
             ppu, [](double) { return 40.0; }, 4);
