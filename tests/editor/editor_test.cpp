@@ -47,10 +47,7 @@ TEST_F(EditorTest, PaletteDrawUndoSaveAndReopen)
     EXPECT_FALSE(m_Window->isWindowModified());
 
     // A damaged file: the reason is shown and the open drawing stays as it is.
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
-    file.resize(file.size() - 30);
-    file.close();
+    ASSERT_TRUE(WriteFile(path, ReadFile(path).chopped(30)));
     m_Window->NewDrawing();
     DrawRectangle({10, 10}, {50, 50});
     EXPECT_TRUE(Refusal([&] { return m_Window->OpenFile(path); }).contains("cannot be read"));
