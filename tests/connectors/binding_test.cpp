@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Connector ends: binding and unbinding with the connector lists, end positions read live
-// from link points, the orientation rule, switching the drawing style, and drawing.
+// from link points, the orientation rule, switching the drawing style, and drawing. Link
+// marks and junctions: placement by one click, their link point, and their pictures at two
+// zooms.
 #include "connectorhost.h"
 
 #include <tessal/shapes/shapetools.h>
@@ -105,18 +107,14 @@ TEST_F(ConnectorBinding, EndsReadTheLinkPointsLiveElseTheOwnPoints)
 
 TEST(ConnectorOrientation, IsLineHVCountsTiesAsHorizontal)
 {
-    struct TCase
-    {
-        TMyPoint A, B;
-        std::int32_t Expected;
-    };
-    const TCase cases[] = {
+    // {from, to, 1 horizontal or 2 vertical}
+    const std::tuple<TMyPoint, TMyPoint, std::int32_t> cases[] = {
         {{0, 0}, {5, 5}, 1},         {{0, 0}, {5, 6}, 2}, {{0, 0}, {-6, 5}, 1},
         {{3, 3}, {3, 3}, 1},         {{0, 0}, {0, 1}, 2}, {{10, 0}, {0, -10}, 1},
         {{0, 0}, {0.5f, -0.75f}, 2},
     };
-    for (const TCase &c : cases)
-        EXPECT_EQ(TMyLinkLine::IsLineHV(c.A, c.B), c.Expected) << c.B.X << "," << c.B.Y;
+    for (auto [a, b, expected] : cases)
+        EXPECT_EQ(TMyLinkLine::IsLineHV(a, b), expected) << b.X << "," << b.Y;
 }
 
 TEST_F(ConnectorBinding, StyleSwitchKeepsTheEndsOrRoutesBetweenThem)
@@ -158,12 +156,12 @@ TEST(ConnectorDraw, RouteBetweenBoundEndsWithEndDotsAndArrowHead)
 
     QImage image = Painted(*link, 300, 200);
     for (int x = 82; x < 178; ++x)
-        ASSERT_EQ(PixelAt(image, x, 70), 0x0000FFu) << x;
+        ASSERT_EQ(PixelAt(image, x, 70), kBlue) << x;
     // The end dots reach two pixels above and below each end; the bare line does not.
     for (int x : {80, 180})
         for (int y : {68, 72})
-            EXPECT_EQ(PixelAt(image, x, y), 0x0000FFu) << x << "," << y;
-    EXPECT_EQ(PixelAt(image, 130, 68), 0xFFFFFFu);
+            EXPECT_EQ(PixelAt(image, x, y), kBlue) << x << "," << y;
+    EXPECT_EQ(PixelAt(image, 130, 68), kWhite);
 
     // B moves down: the route leaves A to the right, turns down and comes in level with B's
     // link point. A head on the last point replaces the dot there.
@@ -178,10 +176,96 @@ TEST(ConnectorDraw, RouteBetweenBoundEndsWithEndDotsAndArrowHead)
     EXPECT_TRUE(route[1].X > 80 + RouteStep - 1 && route[1].X < 180 - RouteStep + 1);
     const int legX = int(route[1].X);
     for (int y = 75; y < 125; ++y)
-        ASSERT_EQ(PixelAt(image, legX, y), 0x0000FFu) << y;
+        ASSERT_EQ(PixelAt(image, legX, y), kBlue) << y;
     // A 30-pixel head of 10 degrees each side opens about 5 pixels from the line at its base.
-    EXPECT_EQ(PixelAt(image, 155, 126), 0x0000FFu);
-    EXPECT_EQ(PixelAt(image, 180, 128), 0xFFFFFFu);
+    EXPECT_EQ(PixelAt(image, 155, 126), kBlue);
+    EXPECT_EQ(PixelAt(image, 180, 128), kWhite);
+}
+
+TEST(LinkMark, OneClickPlacesTheSquareAndTheLinkPoint)
+{
+    TClassHost host;
+    host.ZoomValue = 2;
+    TMyLinkPoint mark(&host);
+    mark.AddPointByMouse({50, 60});
+    // Size 8 screen pixels at zoom 2: 4 document units about the click.
+    EXPECT_EQ(mark.Points(), (TMyPointArray{{23, 28}, {27, 28}, {27, 32}, {23, 32}}));
+    EXPECT_EQ(mark.LinkPoints(), (TMyPointArray{{25, 30}}));
+    EXPECT_TRUE(mark.IsDrawingFinished(Qt::LeftButton, {50, 60}));
+    mark.AddPointByMouse({80, 90});
+    EXPECT_EQ(mark.GetPointsCount() + mark.GetLinkPointsCount(), 5);
+
+    // Corners set by code get their link point once the drawing is finished.
+    TMyLinkPoint byCode(&host);
+    MakeBox(byCode, 10, 20, 18, 28);
+    TPoint end{};
+    byCode.Drawed({}, end);
+    byCode.Drawed({}, end);
+    EXPECT_EQ(byCode.LinkPoints(), (TMyPointArray{{14, 24}}));
+}
+
+// The two diagonals, each covering its start pixel but not its end pixel; they share the
+// centre pixel. Placed at zoom 1 and drawn at zoom 1 and 2.
+TEST(LinkMark, DiagonalsAtTwoZooms)
+{
+    TClassHost host;
+    host.HostPen.Color = clBlue;
+    host.HostBrush.Color = clRed;
+    host.HostBrush.Style = TBrushStyle::bsSolid;
+    TMyLinkPoint mark(&host);
+    mark.AddPointByMouse({50, 50});
+
+    // Which end pixel a line heading down to the left covers is the canvas's business; the
+    // pixels between the ends are the mark's. The red brush never shows.
+    for (int z : {1, 2}) {
+        host.ZoomValue = z;
+        const QImage image = Painted(mark);
+        const int lo = 46 * z, n = 8 * z;
+        EXPECT_EQ(CountPixels(image, image.rect(), kBlue), 2 * n - 1) << z;
+        for (int i = 0; i < n; ++i) {
+            EXPECT_EQ(PixelAt(image, lo + i, lo + i), kBlue) << z << " " << i;
+            EXPECT_TRUE(i == 0 || PixelAt(image, lo + n - i, lo + i) == kBlue) << z << " " << i;
+        }
+        EXPECT_EQ(PixelAt(image, lo + n, lo + n), kWhite) << z;
+        EXPECT_EQ(CountPixels(image, image.rect(), kRed), 0);
+    }
+    host.ZoomValue = 1;
+    const QImage one = Painted(mark);
+    for (TPoint p : {TPoint{50, 46}, TPoint{50, 52}, TPoint{46, 50}})
+        EXPECT_EQ(PixelAt(one, p.X, p.Y), kWhite) << p.X << "," << p.Y;
+}
+
+// A ring of diameter Size and a filled dot of half that diameter, both in the pen colour,
+// scaled with the zoom.
+TEST(JunctionMark, RingAndDotAtTwoZooms)
+{
+    TClassHost host;
+    host.HostPen.Color = clBlue;
+    TMyLineLinkLine junction(&host);
+    junction.SetSize(20);
+    junction.AddPointByMouse({50, 50});
+    EXPECT_EQ(junction.LinkPoints(), (TMyPointArray{{50, 50}}));
+
+    for (int zoom : {1, 2}) {
+        host.ZoomValue = zoom;
+        const QImage image = Painted(junction);
+        const int c = 50 * zoom, outer = 10 * zoom, inner = 5 * zoom;
+        // Dot: solid out to just inside its radius.
+        for (int d = 0; d < inner - 1; ++d) {
+            EXPECT_EQ(PixelAt(image, c + d, c), kBlue) << zoom << " dot " << d;
+            EXPECT_EQ(PixelAt(image, c, c - d), kBlue) << zoom << " dot " << d;
+        }
+        // Between dot and ring: white.
+        for (int d = inner + 1; d < outer - 2; ++d) {
+            EXPECT_EQ(PixelAt(image, c + d, c), kWhite) << zoom << " gap " << d;
+            EXPECT_EQ(PixelAt(image, c, c + d), kWhite) << zoom << " gap " << d;
+        }
+        // The ring's left and top extremes lie on the box's left and top edges.
+        EXPECT_EQ(PixelAt(image, c - outer, c), kBlue) << zoom;
+        EXPECT_EQ(PixelAt(image, c, c - outer), kBlue) << zoom;
+        EXPECT_EQ(PixelAt(image, c - outer - 1, c), kWhite) << zoom;
+        EXPECT_EQ(PixelAt(image, c + outer + 1, c), kWhite) << zoom;
+    }
 }
 
 } // namespace

@@ -12,8 +12,6 @@
 namespace tessal::test {
 namespace {
 
-constexpr unsigned kRedPixel = 0xFF0000;
-
 struct TDiagram
 {
     TMyCAD Cad;
@@ -43,6 +41,10 @@ struct TDiagram
     }
 };
 
+// Each test starts from that diagram.
+class CadConnectors : public ::testing::Test, public TDiagram
+{};
+
 bool RouteEnters(const TMyPointArray &route, float l, float t, float r, float b)
 {
     for (std::size_t i = 1; i < route.size(); ++i)
@@ -51,20 +53,19 @@ bool RouteEnters(const TMyPointArray &route, float l, float t, float r, float b)
     return false;
 }
 
-TEST(CadConnectors, RoutesGoRoundClosedShapesOnlyWhileAskedTo)
+TEST_F(CadConnectors, RoutesGoRoundClosedShapesOnlyWhileAskedTo)
 {
-    TDiagram d;
-    TMyLinkLine *link = d.Connect(d.A, 0, d.B, 0);
+    TMyLinkLine *link = Connect(A, 0, B, 0);
     EXPECT_EQ(link->Points(), (TMyPointArray{{80, 70}, {220, 70}}));
 
     // A link mark and a plain line on the way are no obstacles; a rectangle is.
-    AddByCode(d.Cad, TDrawTool::SpLinkPoint, {{120, 66}, {128, 74}});
-    AddByCode(d.Cad, TDrawTool::SpLine, {{140, 20}, {140, 120}});
+    AddByCode(Cad, TDrawTool::SpLinkPoint, {{120, 66}, {128, 74}});
+    AddByCode(Cad, TDrawTool::SpLine, {{140, 20}, {140, 120}});
     link->UpdateRoute();
     EXPECT_EQ(link->Points(), (TMyPointArray{{80, 70}, {220, 70}}));
 
-    TMyShape *wall = d.Box(160, 50, 180, 110);
-    d.Cad.ChangeLinkShapes(link);
+    TMyShape *wall = Box(160, 50, 180, 110);
+    Cad.ChangeLinkShapes(link);
     ASSERT_TRUE(Alternates(link->Points()));
     EXPECT_FALSE(RouteEnters(link->Points(), 160, 50, 180, 110));
     EXPECT_EQ(link->Points().front(), (TMyPoint{80, 70}));
@@ -72,7 +73,7 @@ TEST(CadConnectors, RoutesGoRoundClosedShapesOnlyWhileAskedTo)
 
     // A switched-off avoidance and hidden shapes let the route through.
     for (bool around : {false, true}) {
-        d.Cad.SetLinklineAroundShape(around);
+        Cad.SetLinklineAroundShape(around);
         wall->SetVisible(!around);
         link->UpdateRoute();
         EXPECT_EQ(link->Points(), (TMyPointArray{{80, 70}, {220, 70}})) << around;
@@ -81,20 +82,19 @@ TEST(CadConnectors, RoutesGoRoundClosedShapesOnlyWhileAskedTo)
     // The straight style is the line between the ends whatever lies between.
     wall->SetVisible(true);
     link->SetLinkLineDrawStyle(TLinkLineDrawStyle::lldsFree);
-    EXPECT_EQ(d.Cad.GetPath(*link, {80, 70}, {220, 70}),
+    EXPECT_EQ(Cad.GetPath(*link, {80, 70}, {220, 70}),
               (std::vector<TMyPoint>{{80, 70}, {220, 70}}));
 }
 
-TEST(CadConnectors, ConnectorsFollowMovedShapesAndGroups)
+TEST_F(CadConnectors, ConnectorsFollowMovedShapesAndGroups)
 {
-    TDiagram d;
-    TMyLinkLine *link = d.Connect(d.A, 0, d.B, 1);
-    TMyLinkLine *loose = d.Connect(d.A, 1, d.B, 0);
+    TMyLinkLine *link = Connect(A, 0, B, 1);
+    TMyLinkLine *loose = Connect(A, 1, B, 0);
     loose->RemoveSrcLink();
     const TMyPointArray looseBefore = loose->Points();
 
-    d.A->DragChangeValuedxdy(0, 100);
-    d.Cad.ChangeLinkShapes(d.A);
+    A->DragChangeValuedxdy(0, 100);
+    Cad.ChangeLinkShapes(A);
     ASSERT_TRUE(Alternates(link->Points()));
     EXPECT_EQ(link->Points().front(), (TMyPoint{80, 170}));
     EXPECT_EQ(link->Points().back(), (TMyPoint{250, 100}));
@@ -102,74 +102,71 @@ TEST(CadConnectors, ConnectorsFollowMovedShapesAndGroups)
     EXPECT_EQ(loose->Points(), looseBefore);
 
     // Through a group: the member moved, the group is told.
-    TMyShape *members[] = {d.B};
-    TMyShape *group = d.Cad.GetShapeByID(d.Cad.GroupShapes(members, false));
+    TMyShape *members[] = {B};
+    TMyShape *group = Cad.GetShapeByID(Cad.GroupShapes(members, false));
     ASSERT_NE(group, nullptr);
-    d.B->DragChangeValuedxdy(40, 0);
-    d.Cad.ChangeLinkShapes(group);
+    B->DragChangeValuedxdy(40, 0);
+    Cad.ChangeLinkShapes(group);
     EXPECT_EQ(link->Points().back(), (TMyPoint{290, 100}));
     EXPECT_TRUE(Alternates(link->Points()));
     EXPECT_EQ(loose->Points().back(), (TMyPoint{260, 70}));
 }
 
-TEST(CadConnectors, LinkPointUnderTheMouseIsFoundAndHighlighted)
+TEST_F(CadConnectors, LinkPointUnderTheMouseIsFoundAndHighlighted)
 {
-    TDiagram d;
-    d.Cad.grab();
-    TCanvas *screen = d.Cad.ScreenCanvas();
+    Cad.grab();
+    TCanvas *screen = Cad.ScreenCanvas();
     ASSERT_NE(screen, nullptr);
     screen->Flush();
-    const QImage before = d.Cad.ScreenImage().copy();
+    const QImage before = Cad.ScreenImage().copy();
 
     // The shape number and link point found at p, or {-1, -1}.
-    const auto found = [&d](TPoint p) {
+    const auto found = [this](TPoint p) {
         std::int32_t no = 7, id = 7;
-        const bool hit = d.Cad.InWhichShapeWhichHotLinkId(p, no, id);
+        const bool hit = Cad.InWhichShapeWhichHotLinkId(p, no, id);
         EXPECT_EQ(hit, no >= 0);
         return std::pair{no, id};
     };
-    const auto noOf = [&d](TMyShape *s) { return d.Cad.GetShapeNoInMyShapes(s); };
+    const auto noOf = [this](TMyShape *s) { return Cad.GetShapeNoInMyShapes(s); };
     // Within the 5-pixel square of B's second link point (250, 100).
-    EXPECT_EQ(found({254, 96}), std::pair(noOf(d.B), 1));
+    EXPECT_EQ(found({254, 96}), std::pair(noOf(B), 1));
     screen->Flush();
-    EXPECT_GT(CountPixels(d.Cad.ScreenImage(), QRect(243, 93, 15, 15), kRedPixel), 20);
+    EXPECT_GT(CountPixels(Cad.ScreenImage(), QRect(243, 93, 15, 15), kRed), 20);
 
     // Off the squares: nothing, and the highlight goes.
     EXPECT_EQ(found({256, 100}), std::pair(-1, -1));
     screen->Flush();
-    EXPECT_TRUE(ImagesEqual(d.Cad.ScreenImage(), before));
+    EXPECT_TRUE(ImagesEqual(Cad.ScreenImage(), before));
 
     // The topmost of two shapes sharing a link point wins; a hidden layer's shapes are
     // passed over.
-    TMyShape *top = d.Box(60, 60, 90, 90);
+    TMyShape *top = Box(60, 60, 90, 90);
     top->LinkPoints() = {{10, 10}, {80, 70}};
     EXPECT_EQ(found({80, 70}), std::pair(noOf(top), 1));
-    top->SetLayerId(d.Cad.NewLayer(QStringLiteral("Hidden"), false));
-    EXPECT_EQ(found({80, 70}), std::pair(noOf(d.A), 0));
+    top->SetLayerId(Cad.NewLayer(QStringLiteral("Hidden"), false));
+    EXPECT_EQ(found({80, 70}), std::pair(noOf(A), 0));
 
     // Switching the highlight off restores the screen; a second time does nothing.
     for (int twice = 0; twice < 2; ++twice) {
-        d.Cad.ClearAllLinkHot();
+        Cad.ClearAllLinkHot();
         screen->Flush();
-        EXPECT_TRUE(ImagesEqual(d.Cad.ScreenImage(), before)) << twice;
+        EXPECT_TRUE(ImagesEqual(Cad.ScreenImage(), before)) << twice;
     }
 }
 
-TEST(CadConnectors, MainShapeOfAPressIsTheLinkPointElseTheNearestOneOfTheShapeHit)
+TEST_F(CadConnectors, MainShapeOfAPressIsTheLinkPointElseTheNearestOneOfTheShapeHit)
 {
-    TDiagram d;
     std::int32_t id = 7;
     // (45, 50) is inside A, nearer its top link point (50, 40) than its side one (80, 70).
-    for (auto [p, shape, point] : {std::tuple{TPoint{251, 99}, d.B, 1},
-                                   {TPoint{45, 50}, d.A, 1},
-                                   {TPoint{75, 90}, d.A, 0},
-                                   {TPoint{150, 150}, nullptr, -1}}) {
-        EXPECT_EQ(d.Cad.GetMainShape(p, id), shape) << p.X << "," << p.Y;
+    const std::tuple<TPoint, TMyShape *, int> presses[] = {
+        {{251, 99}, B, 1}, {{45, 50}, A, 1}, {{75, 90}, A, 0}, {{150, 150}, nullptr, -1}};
+    for (auto [p, shape, point] : presses) {
+        EXPECT_EQ(Cad.GetMainShape(p, id), shape) << p.X << "," << p.Y;
         EXPECT_EQ(id, point) << p.X << "," << p.Y;
     }
     // A shape without link points is not a place to start from.
-    d.Box(140, 140, 160, 160);
-    EXPECT_EQ(d.Cad.GetMainShape({150, 150}, id), nullptr);
+    Box(140, 140, 160, 160);
+    EXPECT_EQ(Cad.GetMainShape({150, 150}, id), nullptr);
 }
 
 } // namespace

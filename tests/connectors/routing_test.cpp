@@ -111,14 +111,10 @@ TRouteEnd BoundEnd(TMyPoint at, TRouteBox box)
 
 TEST(ConnectorRouting, LeavesThroughTheMagicSideAndOneStepBeyond)
 {
-    struct TCase
-    {
-        TMyPoint At;
-        TMyPoint Second; // where the first segment ends when nothing else is in the way
-    };
     // Box (0, 0)-(200, 100); the end is far to the right, level with nothing in particular.
+    // {end on the box, where the first segment ends when nothing else is in the way}
     const TRouteBox box{0, 0, 200, 100};
-    const TCase cases[] = {
+    const std::pair<TMyPoint, TMyPoint> cases[] = {
         {{200, 30}, {215, 30}},   // right side
         {{0, 80}, {-15, 80}},     // left side
         {{60, 0}, {60, -15}},     // top side
@@ -127,30 +123,28 @@ TEST(ConnectorRouting, LeavesThroughTheMagicSideAndOneStepBeyond)
         {{100, 10}, {100, -15}},  // inside, nearest the top
         {{0, 0}, {-15, 0}},       // a corner: left wins the tie
     };
-    for (const TCase &c : cases) {
+    for (auto [at, second] : cases) {
         TRouteRequest request;
-        request.Start = BoundEnd(c.At, box);
+        request.Start = BoundEnd(at, box);
         request.End = {{600, 400}, std::nullopt, {600, 400}};
         const std::vector<TMyPoint> route = RouteOrthogonal(request);
-        ASSERT_TRUE(Alternates(route)) << c.At.X << "," << c.At.Y;
-        EXPECT_EQ(route.front(), c.At);
+        ASSERT_TRUE(Alternates(route)) << at.X << "," << at.Y;
+        EXPECT_EQ(route.front(), at);
         EXPECT_EQ(route.back(), (TMyPoint{600, 400}));
         // The first segment runs out through the side, at least one step beyond it.
-        const TMyPoint second = route[1];
-        if (c.Second.Y == c.At.Y) {
-            EXPECT_EQ(second.Y, c.At.Y) << c.At.X << "," << c.At.Y;
-            EXPECT_GE((second.X - c.At.X) * (c.Second.X - c.At.X),
-                      (c.Second.X - c.At.X) * (c.Second.X - c.At.X));
+        const TMyPoint got = route[1];
+        if (second.Y == at.Y) {
+            EXPECT_EQ(got.Y, at.Y) << at.X << "," << at.Y;
+            EXPECT_GE((got.X - at.X) * (second.X - at.X), (second.X - at.X) * (second.X - at.X));
         } else {
-            EXPECT_EQ(second.X, c.At.X) << c.At.X << "," << c.At.Y;
-            EXPECT_GE((second.Y - c.At.Y) * (c.Second.Y - c.At.Y),
-                      (c.Second.Y - c.At.Y) * (c.Second.Y - c.At.Y));
+            EXPECT_EQ(got.X, at.X) << at.X << "," << at.Y;
+            EXPECT_GE((got.Y - at.Y) * (second.Y - at.Y), (second.Y - at.Y) * (second.Y - at.Y));
         }
-        EXPECT_EQ(ExitDirection(box, request.Start.Corner, c.At),
-                  c.Second.X < 0     ? Tdirections::dLeft
-                  : c.Second.X > 200 ? Tdirections::dRight
-                  : c.Second.Y < 0   ? Tdirections::dTop
-                                     : Tdirections::dbottom);
+        EXPECT_EQ(ExitDirection(box, request.Start.Corner, at),
+                  second.X < 0     ? Tdirections::dLeft
+                  : second.X > 200 ? Tdirections::dRight
+                  : second.Y < 0   ? Tdirections::dTop
+                                   : Tdirections::dbottom);
     }
 }
 
@@ -232,11 +226,8 @@ TEST(ConnectorRouting, FreeStyleIsTheStraightLineAndMergingDropsCollinearPoints)
     link.SetLinkLineDrawStyle(TLinkLineDrawStyle::lldsFree);
     EXPECT_EQ(link.ComputeRoute({1, 2}, {30, 70}, {}), (std::vector<TMyPoint>{{1, 2}, {30, 70}}));
 
-    struct TCase
-    {
-        std::vector<TMyPoint> In, Out;
-    };
-    const TCase cases[] = {
+    // {points, merged}
+    const std::pair<std::vector<TMyPoint>, std::vector<TMyPoint>> cases[] = {
         {{{0, 0}, {5, 0}, {10, 0}, {10, 5}, {10, 5}, {10, 10}}, {{0, 0}, {10, 0}, {10, 10}}},
         // Doubling back along a line leaves the far point of the way.
         {{{0, 0}, {10, 0}, {5, 0}, {5, 5}}, {{0, 0}, {5, 0}, {5, 5}}},
@@ -246,10 +237,10 @@ TEST(ConnectorRouting, FreeStyleIsTheStraightLineAndMergingDropsCollinearPoints)
         // Slanted chains are left alone.
         {{{0, 0}, {3, 4}, {6, 8}}, {{0, 0}, {3, 4}, {6, 8}}},
     };
-    for (const TCase &c : cases) {
-        std::vector<TMyPoint> points = c.In;
+    for (const auto &c : cases) {
+        std::vector<TMyPoint> points = c.first;
         MergePoints(points);
-        EXPECT_EQ(points, c.Out) << &c - cases;
+        EXPECT_EQ(points, c.second) << &c - cases;
     }
     link.Points() = {{0, 0}, {0, 5}, {0, 9}, {4, 9}, {8, 9}};
     link.MergePoints();

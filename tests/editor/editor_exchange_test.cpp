@@ -4,6 +4,7 @@
 // menu with the commands that apply, and progress dialogs whose Cancel keeps the drawing
 // and the file.
 #include "editorfixture.h"
+#include "surface/documenthelpers.h"
 
 #include <tessal/shapes/text.h>
 
@@ -16,27 +17,6 @@ using namespace tessal::test;
 
 namespace {
 
-QByteArray Contents(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-bool Write(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
-
-void ExpectPoints(const TMyShape *shape, const TMyPointArray &expected)
-{
-    ASSERT_EQ(shape->Points().size(), expected.size()) << shape->ClassName().toStdString();
-    for (std::size_t i = 0; i < expected.size(); ++i) {
-        EXPECT_NEAR(shape->Points()[i].X, expected[i].X, 1e-3) << i;
-        EXPECT_NEAR(shape->Points()[i].Y, expected[i].Y, 1e-3) << i;
-    }
-}
-
 // Two lines and an entity the reader does not take.
 const QByteArray TwoLines = "0\nSECTION\n2\nENTITIES\n"
                             "0\nLINE\n8\nWalls\n10\n10\n20\n20\n11\n30\n21\n20\n"
@@ -44,27 +24,25 @@ const QByteArray TwoLines = "0\nSECTION\n2\nENTITIES\n"
                             "0\nWIPEOUT\n8\n0\n"
                             "0\nENDSEC\n0\nEOF\n";
 
-// Cancels every progress dialog of the window as soon as it shows, as an impatient user.
-class TCanceller
+// Runs act while every progress dialog of the window is cancelled as soon as it shows, as
+// by an impatient user: act fails after exactly one cancel, and the status bar says so.
+template <class Act>
+void ExpectCancelled(QMainWindow *window, Act act)
 {
-public:
-    explicit TCanceller(QWidget *window)
-    {
-        QObject::connect(&m_Timer, &QTimer::timeout, [this, window] {
-            auto *dialog = window->findChild<QProgressDialog *>();
-            if (dialog && dialog->isVisible()) {
-                ++m_Cancels;
-                dialog->cancel();
-            }
-        });
-        m_Timer.start(0);
-    }
-    int Cancels() const { return m_Cancels; }
-
-private:
-    QTimer m_Timer;
-    int m_Cancels = 0;
-};
+    int cancels = 0;
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, [&cancels, window] {
+        auto *dialog = window->findChild<QProgressDialog *>();
+        if (dialog && dialog->isVisible()) {
+            ++cancels;
+            dialog->cancel();
+        }
+    });
+    timer.start(0);
+    EXPECT_FALSE(act());
+    EXPECT_EQ(cancels, 1);
+    EXPECT_TRUE(window->statusBar()->currentMessage().contains("cancelled"));
+}
 
 } // namespace
 
@@ -79,16 +57,14 @@ TEST_F(EditorTest, DxfExportReadsBackAndImportShowsItsReport)
     ASSERT_TRUE(m_Window->ExportDxf(plain, false));
     ASSERT_TRUE(m_Window->ExportDxf(outlines, true));
     // The text is a TEXT entity in one, glyph outlines in the other.
-    EXPECT_TRUE(Contents(plain).contains("\r\nTEXT\r\n"));
-    EXPECT_FALSE(Contents(outlines).contains("\r\nTEXT\r\n"));
-    EXPECT_GT(Contents(outlines).count("\r\nLWPOLYLINE\r\n") + Contents(outlines).count("POLYLINE"),
+    EXPECT_TRUE(ReadFile(plain).contains("\r\nTEXT\r\n"));
+    EXPECT_FALSE(ReadFile(outlines).contains("\r\nTEXT\r\n"));
+    EXPECT_GT(ReadFile(outlines).count("\r\nLWPOLYLINE\r\n") + ReadFile(outlines).count("POLYLINE"),
               2);
-    {
-        // Writing into a folder that is not there says why and leaves nothing behind.
-        TBoxAnswer answer(QMessageBox::Ok);
-        EXPECT_FALSE(m_Window->ExportDxf(m_Dir.filePath("no/x.dxf"), false));
-        EXPECT_TRUE(answer.Text().contains("cannot be written"));
-    }
+    // Writing into a folder that is not there says why and leaves nothing behind.
+    EXPECT_TRUE(Refusal([&] {
+                    return m_Window->ExportDxf(m_Dir.filePath("no/x.dxf"), false);
+                }).contains("cannot be written"));
     if (!MainWindow::CanImportDxf())
         GTEST_SKIP() << "this build reads no DXF files";
 
@@ -102,15 +78,15 @@ TEST_F(EditorTest, DxfExportReadsBackAndImportShowsItsReport)
         EXPECT_TRUE(answer.InformativeText().contains("shapes created: 2"));
     }
     EXPECT_EQ(m_Cad()->GetShapesCount(), 2);
-    ExpectPoints(m_Cad()->GetShapeByNo(0),
-                 {{100, 120}, {260, 120}, {260, 200}, {100, 200}, {100, 120}});
+    ExpectNear(m_Cad()->GetShapeByNo(0)->Points(),
+               {{100, 120}, {260, 120}, {260, 200}, {100, 200}, {100, 120}});
     EXPECT_TRUE(m_Window->FileName().isEmpty());
     EXPECT_TRUE(m_Window->isWindowModified());
     EXPECT_FALSE(m_Window->findChild<QAction *>("undo")->isEnabled());
 
     // Skipped entities are counted with their reasons; the file's layer comes along.
     const QString lines = m_Dir.filePath("lines.dxf");
-    ASSERT_TRUE(Write(lines, TwoLines));
+    ASSERT_TRUE(WriteFile(lines, TwoLines));
     {
         TBoxAnswer answer(QMessageBox::Ok);
         ASSERT_TRUE(m_Window->ImportDxf(lines));
@@ -135,7 +111,7 @@ TEST_F(EditorTest, DamagedDxfLeavesTheDrawingUntouched)
 
     // Cut after the first line: the reader would import that line and stop.
     const QString cut = m_Dir.filePath("cut.dxf");
-    ASSERT_TRUE(Write(cut, TwoLines.left(TwoLines.indexOf("0\nLINE", 30))));
+    ASSERT_TRUE(WriteFile(cut, TwoLines.left(TwoLines.indexOf("0\nLINE", 30))));
     // The reader's own reasons for refusing are its tests'; here the window's answer.
     const std::pair<QString, const char *> cases[] = {
         {cut, "EOF marker"},
@@ -240,29 +216,19 @@ TEST_F(EditorTest, CancelledLoadAndSaveKeepTheDrawingAndTheFile)
     }
     const QString path = m_Dir.filePath("big.tsd");
     ASSERT_TRUE(m_Window->Save(path));
-    const QByteArray saved = Contents(path);
+    const QByteArray saved = ReadFile(path);
     m_Window->SetProgressDelay(0);
-    {
-        // A cancelled save keeps the old file and the drawing's unsaved state.
-        m_Cad()->DeleteShapeById(m_Cad()->GetShapeByNo(0)->ShapeId(), true);
-        m_Window->NoteChange();
-        ASSERT_TRUE(m_Window->isWindowModified());
-        TCanceller canceller(m_Window.get());
-        EXPECT_FALSE(m_Window->Save(path));
-        EXPECT_EQ(canceller.Cancels(), 1);
-        EXPECT_EQ(Contents(path), saved);
-        EXPECT_TRUE(m_Window->isWindowModified());
-        EXPECT_TRUE(m_Window->statusBar()->currentMessage().contains("cancelled"));
-    }
+    // A cancelled save keeps the old file and the drawing's unsaved state.
+    m_Cad()->DeleteShapeById(m_Cad()->GetShapeByNo(0)->ShapeId(), true);
+    m_Window->NoteChange();
+    ASSERT_TRUE(m_Window->isWindowModified());
+    ExpectCancelled(m_Window.get(), [&] { return m_Window->Save(path); });
+    EXPECT_EQ(ReadFile(path), saved);
+    EXPECT_TRUE(m_Window->isWindowModified());
 
     m_Window->NewDrawing();
     DrawRectangle({40, 40}, {120, 90});
-    {
-        TCanceller canceller(m_Window.get());
-        EXPECT_FALSE(m_Window->OpenFile(path));
-        EXPECT_EQ(canceller.Cancels(), 1);
-    }
-    EXPECT_TRUE(m_Window->statusBar()->currentMessage().contains("cancelled"));
+    ExpectCancelled(m_Window.get(), [&] { return m_Window->OpenFile(path); });
     ASSERT_EQ(m_Cad()->GetShapesCount(), 1);
     EXPECT_EQ(Box(m_Cad()->GetShapeByNo(0)), QRectF(QPointF(40, 40), QPointF(120, 90)));
     EXPECT_TRUE(m_Window->FileName().isEmpty());
@@ -274,12 +240,9 @@ TEST_F(EditorTest, CancelledLoadAndSaveKeepTheDrawingAndTheFile)
         TMyCAD big;
         ASSERT_TRUE(big.LoadFromFile(path));
         const QString dxf = m_Dir.filePath("big.dxf");
-        ASSERT_TRUE(Write(dxf, big.DxfText(false)));
+        ASSERT_TRUE(WriteFile(dxf, big.DxfText(false)));
         ASSERT_GT(QFileInfo(dxf).size(), 2 << 20) << "several slices of the parser";
-        TCanceller canceller(m_Window.get());
-        EXPECT_FALSE(m_Window->ImportDxf(dxf));
-        EXPECT_EQ(canceller.Cancels(), 1);
-        EXPECT_TRUE(m_Window->statusBar()->currentMessage().contains("cancelled"));
+        ExpectCancelled(m_Window.get(), [&] { return m_Window->ImportDxf(dxf); });
         ASSERT_EQ(m_Cad()->GetShapesCount(), 1);
         EXPECT_TRUE(m_Window->FileName().isEmpty());
     }
@@ -299,15 +262,11 @@ TEST_F(EditorTest, BlocksAndSavesThatFailKeepWhatWasThere)
 
     // A damaged block: the reason, and the drawing as it was (that the surface takes
     // nothing of a damaged block, byte for byte, is the block reader's test).
-    QByteArray damaged = Contents(path);
-    damaged.chop(30);
     const QString cut = m_Dir.filePath("cut.tsd");
-    ASSERT_TRUE(Write(cut, damaged));
-    {
-        TBoxAnswer answer(QMessageBox::Ok);
-        EXPECT_FALSE(m_Window->InsertBlockFile(cut, true));
-        EXPECT_TRUE(answer.Text().startsWith("cut.tsd cannot be read: "));
-    }
+    ASSERT_TRUE(WriteFile(cut, ReadFile(path).chopped(30)));
+    EXPECT_TRUE(Refusal([&] {
+                    return m_Window->InsertBlockFile(cut, true);
+                }).startsWith("cut.tsd cannot be read: "));
     EXPECT_EQ(m_Cad()->GetShapesCount(), 1);
     EXPECT_FALSE(m_Window->isWindowModified());
 
@@ -320,17 +279,12 @@ TEST_F(EditorTest, BlocksAndSavesThatFailKeepWhatWasThere)
 
     // Saving into a folder that refuses writing says why and keeps the old file. Whoever
     // may write anywhere (root) cannot see this refusal.
-    const QByteArray before = Contents(path);
+    const QByteArray before = ReadFile(path);
     DrawRectangle({200, 40}, {260, 90});
     QFile::setPermissions(m_Dir.path(), QFile::ReadOwner | QFile::ExeOwner);
-    QFile probe(m_Dir.filePath("probe"));
-    const bool refused = !probe.open(QIODevice::WriteOnly);
-    probe.remove();
-    if (refused) {
-        TBoxAnswer answer(QMessageBox::Ok);
-        EXPECT_FALSE(m_Window->Save(path));
-        EXPECT_TRUE(answer.Text().contains("cannot be saved"));
-        EXPECT_EQ(Contents(path), before);
+    if (!WriteFile(m_Dir.filePath("probe"), "x")) {
+        EXPECT_TRUE(Refusal([&] { return m_Window->Save(path); }).contains("cannot be saved"));
+        EXPECT_EQ(ReadFile(path), before);
         EXPECT_TRUE(m_Window->isWindowModified());
     }
     QFile::setPermissions(m_Dir.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);

@@ -47,20 +47,14 @@ TEST_F(EditorTest, PaletteDrawUndoSaveAndReopen)
     EXPECT_FALSE(m_Window->isWindowModified());
 
     // A damaged file: the reason is shown and the open drawing stays as it is.
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
-    file.resize(file.size() - 30);
-    file.close();
+    ASSERT_TRUE(WriteFile(path, ReadFile(path).chopped(30)));
     m_Window->NewDrawing();
     DrawRectangle({10, 10}, {50, 50});
-    TBoxAnswer answer(QMessageBox::Ok);
-    EXPECT_FALSE(m_Window->OpenFile(path));
-    EXPECT_TRUE(answer.Text().contains("cannot be read"));
+    EXPECT_TRUE(Refusal([&] { return m_Window->OpenFile(path); }).contains("cannot be read"));
     EXPECT_EQ(m_Cad()->GetShapesCount(), 1);
     // A failed save keeps the old file and says why.
-    TBoxAnswer saveAnswer(QMessageBox::Ok);
-    EXPECT_FALSE(m_Window->Save(m_Dir.filePath("missing/x.tsd")));
-    EXPECT_TRUE(saveAnswer.Text().contains("cannot be saved"));
+    const QString missing = m_Dir.filePath("missing/x.tsd");
+    EXPECT_TRUE(Refusal([&] { return m_Window->Save(missing); }).contains("cannot be saved"));
 }
 
 TEST_F(EditorTest, CommandsLayersZoomAndTheUnsavedGuard)
@@ -145,18 +139,14 @@ TEST_F(EditorTest, ExportsEveryFormatAndPrints)
     EXPECT_EQ(QSvgRenderer(m_Dir.filePath("p.svg")).viewBox().size(), page);
     ASSERT_TRUE(m_Window->ExportTo(m_Dir.filePath("p.pdf"), false));
     EXPECT_EQ(Head(m_Dir.filePath("p.pdf"), 5), QByteArray("%PDF-"));
-    const bool wmf = m_Window->Cad()->SaveToWmf(m_Dir.filePath("probe.wmf"));
-    if (wmf) {
+    if (m_Window->Cad()->SaveToWmf(m_Dir.filePath("probe.wmf"))) {
         ASSERT_TRUE(m_Window->ExportTo(m_Dir.filePath("p.wmf"), false));
         EXPECT_EQ(Head(m_Dir.filePath("p.wmf"), 4), QByteArray("\xD7\xCD\xC6\x9A", 4));
     }
     // The selection: nothing selected is said, a selected shape is written alone.
     m_Cad()->ClearWorkingShapes();
-    {
-        TBoxAnswer answer(QMessageBox::Ok);
-        EXPECT_FALSE(m_Window->ExportTo(m_Dir.filePath("s.png"), true));
-        EXPECT_EQ(answer.Text(), "Nothing is selected.");
-    }
+    EXPECT_EQ(Refusal([&] { return m_Window->ExportTo(m_Dir.filePath("s.png"), true); }),
+              "Nothing is selected.");
     m_Window->SelectAll();
     ASSERT_TRUE(m_Window->ExportTo(m_Dir.filePath("s.png"), true));
     EXPECT_LT(QImage(m_Dir.filePath("s.png")).width(), 200);
@@ -172,15 +162,8 @@ TEST_F(EditorTest, LibraryEntriesArePreviewedAndInserted)
 {
     TLibraryPanel *library = m_Window->Library();
     const QString garbage = m_Dir.filePath("garbage.tsl");
-    QFile file(garbage);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("not a library at all");
-    file.close();
-    {
-        TBoxAnswer answer(QMessageBox::Ok);
-        EXPECT_FALSE(library->OpenLibrary(garbage));
-        EXPECT_TRUE(answer.Text().contains("cannot be read"));
-    }
+    ASSERT_TRUE(WriteFile(garbage, "not a library at all"));
+    EXPECT_TRUE(Refusal([&] { return library->OpenLibrary(garbage); }).contains("cannot be read"));
     EXPECT_EQ(library->List()->count(), 0);
     ASSERT_TRUE(
         library->OpenLibrary(QStringLiteral(TESSAL_TEST_DATA_DIR "/libraries/two_shapes.tsl")));
@@ -198,12 +181,8 @@ TEST_F(EditorTest, LibraryEntriesArePreviewedAndInserted)
     ASSERT_EQ(library->List()->item(0)->text(), "Door");
     ASSERT_TRUE(library->InsertEntry("Door"));
     EXPECT_EQ(m_Cad()->GetShapesCount(), before + 2);
-    {
-        // An entry of connection points only has nothing to insert, and says so.
-        TBoxAnswer answer(QMessageBox::Ok);
-        EXPECT_FALSE(library->InsertEntry("Pin"));
-        EXPECT_TRUE(answer.Text().contains("no shapes"));
-    }
+    // An entry of connection points only has nothing to insert, and says so.
+    EXPECT_TRUE(Refusal([&] { return library->InsertEntry("Pin"); }).contains("no shapes"));
     EXPECT_EQ(m_Window->UndoText(), "&Undo Add");
     EXPECT_TRUE(m_Window->isWindowModified());
     // Centred on the middle of the view: the door's 100 x 50 box around it.
@@ -240,17 +219,16 @@ TEST_F(EditorTest, DroppedDrawingOpensAndTheContextMenuOffersTheCommands)
     ASSERT_TRUE(m_Window->Save(path));
     m_Window->NewDrawing();
 
-    auto *data = new QMimeData;
-    data->setUrls({QUrl::fromLocalFile(path)});
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(path)});
     const QPoint at(400, 300);
-    QDragEnterEvent enter(at, Qt::CopyAction, data, Qt::LeftButton, Qt::NoModifier);
+    QDragEnterEvent enter(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(m_Window.get(), &enter);
     EXPECT_TRUE(enter.isAccepted());
-    QDropEvent drop(at, Qt::CopyAction, data, Qt::LeftButton, Qt::NoModifier);
+    QDropEvent drop(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(m_Window.get(), &drop);
     QTRY_COMPARE(m_Window->FileName(), QFileInfo(path).absoluteFilePath());
     EXPECT_EQ(m_Cad()->GetShapesCount(), 1);
-    delete data;
 
     // A right click on the surface opens the shape commands.
     QStringList offered;
@@ -265,8 +243,6 @@ TEST_F(EditorTest, DroppedDrawingOpensAndTheContextMenuOffersTheCommands)
     QContextMenuEvent menu(QContextMenuEvent::Mouse, QPoint(60, 60),
                            m_Cad()->mapToGlobal(QPoint(60, 60)));
     QApplication::sendEvent(m_Cad(), &menu);
-    EXPECT_TRUE(offered.contains("&Group"));
-    EXPECT_TRUE(offered.contains("Com&bine into a Block"));
-    EXPECT_TRUE(offered.contains("Bring to &Front"));
-    EXPECT_TRUE(offered.contains("Cu&t"));
+    for (const char *command : {"&Group", "Com&bine into a Block", "Bring to &Front", "Cu&t"})
+        EXPECT_TRUE(offered.contains(command)) << command;
 }

@@ -3,6 +3,7 @@
 // watchdog against unexpected ones, and mouse drags on the surface.
 #pragma once
 
+#include "common/files.h"
 #include "layersdock.h"
 #include "librarydock.h"
 #include "mainwindow.h"
@@ -66,6 +67,16 @@ private:
     }
     std::shared_ptr<QStringList> m_Seen = std::make_shared<QStringList>();
 };
+
+// Runs act, which must fail and say why in a message box; the text of the box, answered
+// with OK.
+template <class Act>
+QString Refusal(Act act)
+{
+    TBoxAnswer answer(QMessageBox::Ok);
+    EXPECT_FALSE(act());
+    return answer.Text();
+}
 
 class EditorTest : public ::testing::Test
 {
@@ -137,8 +148,7 @@ inline QRectF Box(const TMyShape *shape)
 
 inline QByteArray Head(const QString &path, int n)
 {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.read(n) : QByteArray();
+    return ReadFile(path).left(n);
 }
 
 } // namespace tessal::test

@@ -48,20 +48,38 @@ struct TScene
     }
 };
 
-// The command runs once with the drawing saved before; it must have recorded exactly one
-// step, and taking that step back must give the same bytes.
-template <typename Command>
-void ExpectOneStepTakenBackExactly(TMyCAD &cad, Command command)
+// Each command's tests start from that drawing.
+class TSceneTest : public ::testing::Test, public TScene
+{};
+using Merge = TSceneTest;
+using Break = TSceneTest;
+using Close = TSceneTest;
+using SameSize = TSceneTest;
+
+// Made before a command with the drawing saved: TakeBack() asks that the command recorded
+// exactly one step and that taking that step back gives the same bytes.
+class TOneStep
 {
-    const QByteArray before = Saved(cad);
-    const std::int32_t steps = StepCount(cad);
-    ASSERT_TRUE(command());
-    ASSERT_EQ(StepCount(cad), steps + 1);
-    EXPECT_NE(Saved(cad), before);
-    cad.PopFromUndoRedoShapeList();
-    EXPECT_TRUE(RelationsValid(cad));
-    EXPECT_TRUE(SameBytes(Saved(cad), before));
-}
+public:
+    explicit TOneStep(TMyCAD &cad)
+        : m_Cad(cad)
+        , m_Before(Saved(cad))
+        , m_Steps(StepCount(cad))
+    {}
+    void TakeBack()
+    {
+        ASSERT_EQ(StepCount(m_Cad), m_Steps + 1);
+        EXPECT_NE(Saved(m_Cad), m_Before);
+        m_Cad.PopFromUndoRedoShapeList();
+        EXPECT_TRUE(RelationsValid(m_Cad));
+        EXPECT_TRUE(SameBytes(Saved(m_Cad), m_Before));
+    }
+
+private:
+    TMyCAD &m_Cad;
+    const QByteArray m_Before;
+    const std::int32_t m_Steps;
+};
 
 // A refused command changes no byte and records nothing.
 template <typename Command>
@@ -78,9 +96,8 @@ void ExpectRefused(TMyCAD &cad, Command command)
 
 // The end look-up of a drawn line: only plain lines look, only the first or last handle of
 // a plain line or polyline counts, in list order, in screen pixels at the zoom.
-TEST(Merge, LookUpFindsLineEndsUnderTheDroppedEnd)
+TEST_F(Merge, LookUpFindsLineEndsUnderTheDroppedEnd)
 {
-    TMyCAD cad;
     cad.SetZoom(2);
     AddByCode(cad, TDrawTool::SpPolygon, {{50, 50}, {90, 50}, {90, 90}});
     TMyShape *a = AddByCode(cad, TDrawTool::SpLine, {{0, 0}, {50, 50}});
@@ -116,24 +133,21 @@ TEST(Merge, LookUpFindsLineEndsUnderTheDroppedEnd)
 // The joined chain for each pair of merged ends: the first shape runs into its merged end,
 // the line's inner points follow, the second shape runs out of its merged end; the heads at
 // the outer ends stay.
-TEST(Merge, JoinedChainsAndHeads)
+TEST(MergeEnds, JoinedChainsAndHeads)
 {
     // The joined chain is the first part, the drawn line's inner point (150, 50), the second.
-    struct TCase
-    {
-        std::int32_t startPoint, endPoint;
-        TArrowStyle firstStyle, secondStyle, style;
-        TMyPointArray first, second;
-    };
+    // {merged point of the first, of the second, their heads, the joined head, the parts}
     using enum TArrowStyle;
-    const TCase cases[] = {
-        {1, 0, ARight, ALeft, ADouble, {{0, 0}, {100, 0}}, {{200, 0}, {300, 0}, {300, 100}}},
-        {0, 2, ARight, ARight, ALeft, {{100, 0}, {0, 0}}, {{300, 100}, {300, 0}, {200, 0}}},
-        {0, 0, ALeft, ANone, ARight, {{100, 0}, {0, 0}}, {{200, 0}, {300, 0}, {300, 100}}},
-        {1, 2, ANone, ALeft, ANone, {{0, 0}, {100, 0}}, {{300, 100}, {300, 0}, {200, 0}}},
-    };
-    for (const TCase &c : cases) {
-        SCOPED_TRACE(c.startPoint * 10 + c.endPoint);
+    using P = TMyPointArray;
+    const std::tuple<std::int32_t, std::int32_t, TArrowStyle, TArrowStyle, TArrowStyle, P, P>
+        cases[] = {
+            {1, 0, ARight, ALeft, ADouble, {{0, 0}, {100, 0}}, {{200, 0}, {300, 0}, {300, 100}}},
+            {0, 2, ARight, ARight, ALeft, {{100, 0}, {0, 0}}, {{300, 100}, {300, 0}, {200, 0}}},
+            {0, 0, ALeft, ANone, ARight, {{100, 0}, {0, 0}}, {{200, 0}, {300, 0}, {300, 100}}},
+            {1, 2, ANone, ALeft, ANone, {{0, 0}, {100, 0}}, {{300, 100}, {300, 0}, {200, 0}}},
+        };
+    for (const auto &[startPoint, endPoint, firstStyle, secondStyle, style, head, tail] : cases) {
+        SCOPED_TRACE(startPoint * 10 + endPoint);
         TScene scene;
         TMyCAD &cad = scene.cad;
         auto *first = AddByCode<TMyLine>(cad, TDrawTool::SpLine, {{0, 0}, {100, 0}});
@@ -141,70 +155,60 @@ TEST(Merge, JoinedChainsAndHeads)
         auto *second =
             AddByCode<TMyLine>(cad, TDrawTool::SpPolyLine, {{200, 0}, {300, 0}, {300, 100}});
         AddRectangle(cad, 500, 500, 510, 510);
-        first->SetArrowStyle(c.firstStyle);
+        first->SetArrowStyle(firstStyle);
         TPen pen;
         pen.Color = clRed;
         pen.Width = 3;
         first->SetPen(pen);
-        second->SetArrowStyle(c.secondStyle);
+        second->SetArrowStyle(secondStyle);
         const std::int32_t ids[] = {first->ShapeId(), second->ShapeId()};
 
         auto drawn = cad.CreateShapeBySpTool(TDrawTool::SpLine);
         auto *line = static_cast<TMyLine *>(drawn.get());
         line->Points() = {{1, 1}, {150, 50}, {199, 1}};
-        line->SetStartMerge(ids[0], c.startPoint);
-        line->SetEndMerge(ids[1], c.endPoint);
+        line->SetStartMerge(ids[0], startPoint);
+        line->SetEndMerge(ids[1], endPoint);
         const std::int32_t count = cad.GetShapesCount();
-        TMyShape *merged = nullptr;
-        ExpectOneStepTakenBackExactly(cad, [&] {
-            merged = cad.CreateAndDelete(line);
-            if (!merged)
-                return false;
-            EXPECT_EQ(merged->ClassName(), "TMyPolyLine");
-            TMyPointArray expected = c.first;
-            expected.push_back({150, 50});
-            expected.insert(expected.end(), c.second.begin(), c.second.end());
-            EXPECT_EQ(merged->Points(), expected);
-            EXPECT_EQ(static_cast<TMyLine *>(merged)->ArrowStyle(), c.style);
-            EXPECT_EQ(merged->Pen().Color, clRed);
-            EXPECT_EQ(cad.GetShapesCount(), count - 1);
-            EXPECT_EQ(cad.GetShapeNoInMyShapes(merged), count - 2);
-            EXPECT_EQ(merged->Name(), QString("Shape%1").arg(merged->ShapeId()));
-            EXPECT_EQ(cad.GetShapeByID(ids[0]), nullptr);
-            EXPECT_EQ(cad.GetShapeByID(ids[1]), nullptr);
-            EXPECT_EQ(cad.WorkingShapes(), std::vector<TMyShape *>{merged});
-            EXPECT_TRUE(RelationsValid(cad));
-            return true;
-        });
+        TOneStep step(cad);
+        TMyShape *merged = cad.CreateAndDelete(line);
+        ASSERT_NE(merged, nullptr);
+        EXPECT_EQ(merged->ClassName(), "TMyPolyLine");
+        TMyPointArray expected = head;
+        expected.push_back({150, 50});
+        expected.insert(expected.end(), tail.begin(), tail.end());
+        EXPECT_EQ(merged->Points(), expected);
+        EXPECT_EQ(static_cast<TMyLine *>(merged)->ArrowStyle(), style);
+        EXPECT_EQ(merged->Pen().Color, clRed);
+        EXPECT_EQ(cad.GetShapesCount(), count - 1);
+        EXPECT_EQ(cad.GetShapeNoInMyShapes(merged), count - 2);
+        EXPECT_EQ(merged->Name(), QString("Shape%1").arg(merged->ShapeId()));
+        EXPECT_EQ(cad.GetShapeByID(ids[0]), nullptr);
+        EXPECT_EQ(cad.GetShapeByID(ids[1]), nullptr);
+        EXPECT_EQ(cad.WorkingShapes(), std::vector<TMyShape *>{merged});
+        EXPECT_TRUE(RelationsValid(cad));
+        step.TakeBack();
     }
 }
 
 // A line already in the drawing goes with the two shapes, and all three come back.
-TEST(Merge, LineInTheDrawingIsReplacedToo)
+TEST_F(Merge, LineInTheDrawingIsReplacedToo)
 {
-    TScene scene;
-    TMyCAD &cad = scene.cad;
     AddByCode(cad, TDrawTool::SpPolyLine, {{0, 0}, {50, 0}, {100, 0}});
-    scene.AddNeighbours();
+    AddNeighbours();
     AddByCode(cad, TDrawTool::SpLine, {{100, 100}, {200, 100}});
     auto *line = AddByCode<TMyLine>(cad, TDrawTool::SpLine, {{100, 1}, {101, 99}});
     ASSERT_NE(cad.GetMergeShape(line, true, {100, 1}), nullptr);
     ASSERT_NE(cad.GetMergeShape(line, false, {101, 99}), nullptr);
-    ExpectOneStepTakenBackExactly(cad, [&] {
-        TMyShape *merged = cad.CreateAndDelete(line);
-        if (!merged)
-            return false;
-        EXPECT_EQ(merged->Points(),
-                  (TMyPointArray{{0, 0}, {50, 0}, {100, 0}, {100, 100}, {200, 100}}));
-        EXPECT_EQ(cad.GetShapesCount(), 6);
-        return true;
-    });
+    TOneStep step(cad);
+    TMyShape *merged = cad.CreateAndDelete(line);
+    ASSERT_NE(merged, nullptr);
+    EXPECT_EQ(merged->Points(), (TMyPointArray{{0, 0}, {50, 0}, {100, 0}, {100, 100}, {200, 100}}));
+    EXPECT_EQ(cad.GetShapesCount(), 6);
+    step.TakeBack();
 }
 
-TEST(Merge, RefusedJoins)
+TEST_F(Merge, RefusedJoins)
 {
-    TScene scene;
-    TMyCAD &cad = scene.cad;
     auto *first = AddByCode<TMyLine>(cad, TDrawTool::SpLine, {{0, 0}, {100, 0}});
     auto *second = AddByCode<TMyLine>(cad, TDrawTool::SpPolyLine, {{200, 0}, {300, 0}, {300, 100}});
     auto *polygon = AddByCode(cad, TDrawTool::SpPolygon, {{0, 50}, {50, 50}, {50, 90}});
@@ -250,7 +254,7 @@ TEST(Merge, RefusedJoins)
 
 // Breaking at an inner point: the shape keeps the first part and the head at its start,
 // the new piece of the same class sits just above it with the rest and the far head.
-TEST(Break, AtAnInnerPoint)
+TEST(BreakEachLineKind, AtAnInnerPoint)
 {
     for (TDrawTool tool : {TDrawTool::SpLine, TDrawTool::SpPolyLine, TDrawTool::SpFreeLine}) {
         SCOPED_TRACE(int(tool));
@@ -261,85 +265,71 @@ TEST(Break, AtAnInnerPoint)
         scene.AddNeighbours();
         chain->SetArrowStyle(TArrowStyle::ADouble);
         chain->UserData().AddKeyandValue("key", "value");
-        TMyShape *piece = nullptr;
-        ExpectOneStepTakenBackExactly(cad, [&] {
-            piece = cad.BreakLine(chain, 2);
-            if (!piece)
-                return false;
-            EXPECT_EQ(chain->Points(), (TMyPointArray{{0, 0}, {10, 0}, {10, 10}}));
-            EXPECT_EQ(piece->Points(), (TMyPointArray{{10, 10}, {20, 10}, {20, 30}}));
-            EXPECT_EQ(piece->ClassName(), chain->ClassName());
-            EXPECT_EQ(chain->ArrowStyle(), TArrowStyle::ARight);
-            EXPECT_EQ(static_cast<TMyLine *>(piece)->ArrowStyle(), TArrowStyle::ALeft);
-            EXPECT_EQ(cad.GetShapeNoInMyShapes(piece), cad.GetShapeNoInMyShapes(chain) + 1);
-            EXPECT_EQ(piece->LayerId(), chain->LayerId());
-            EXPECT_EQ(piece->UserData().GetCount(), 1);
-            EXPECT_EQ(piece->CenterPoint(), (TMyPoint{15, 20}));
-            EXPECT_EQ(cad.CurrentShape(), piece);
-            const auto &list = cad.UndoRedoShapeList();
-            EXPECT_EQ(list[list.size() - 2].Action, ACT_CHANGE);
-            EXPECT_EQ(list.back().Action, ACT_ADD);
-            EXPECT_TRUE(RelationsValid(cad));
-            return true;
-        });
+        TOneStep step(cad);
+        TMyShape *piece = cad.BreakLine(chain, 2);
+        ASSERT_NE(piece, nullptr);
+        EXPECT_EQ(chain->Points(), (TMyPointArray{{0, 0}, {10, 0}, {10, 10}}));
+        EXPECT_EQ(piece->Points(), (TMyPointArray{{10, 10}, {20, 10}, {20, 30}}));
+        EXPECT_EQ(piece->ClassName(), chain->ClassName());
+        EXPECT_EQ(chain->ArrowStyle(), TArrowStyle::ARight);
+        EXPECT_EQ(static_cast<TMyLine *>(piece)->ArrowStyle(), TArrowStyle::ALeft);
+        EXPECT_EQ(cad.GetShapeNoInMyShapes(piece), cad.GetShapeNoInMyShapes(chain) + 1);
+        EXPECT_EQ(piece->LayerId(), chain->LayerId());
+        EXPECT_EQ(piece->UserData().GetCount(), 1);
+        EXPECT_EQ(piece->CenterPoint(), (TMyPoint{15, 20}));
+        EXPECT_EQ(cad.CurrentShape(), piece);
+        const auto &list = cad.UndoRedoShapeList();
+        EXPECT_EQ(list[list.size() - 2].Action, ACT_CHANGE);
+        EXPECT_EQ(list.back().Action, ACT_ADD);
+        EXPECT_TRUE(RelationsValid(cad));
+        step.TakeBack();
     }
 }
 
 // A member of a group breaks within the group: the piece joins it.
-TEST(Break, MemberPieceJoinsTheGroup)
+TEST_F(Break, MemberPieceJoinsTheGroup)
 {
-    TScene scene;
-    TMyCAD &cad = scene.cad;
     TMyShape *chain = AddByCode(cad, TDrawTool::SpPolyLine, {{0, 0}, {10, 0}, {10, 10}});
     TMyShape *other = AddRectangle(cad, 50, 50, 60, 60);
     TMyShape *const members[] = {chain, other};
     TMyShape *group = cad.GetShapeByID(cad.GroupShapes(members, true));
-    ExpectOneStepTakenBackExactly(cad, [&] {
-        TMyShape *piece = cad.BreakLine(chain, 1);
-        if (!piece)
-            return false;
-        EXPECT_EQ(cad.GetRootParentShape(piece), group);
-        EXPECT_EQ(group->ChildShapes().size(), 3u);
-        EXPECT_EQ(cad.WorkingShapes(), std::vector<TMyShape *>{group});
-        return true;
-    });
+    TOneStep step(cad);
+    TMyShape *piece = cad.BreakLine(chain, 1);
+    ASSERT_NE(piece, nullptr);
+    EXPECT_EQ(cad.GetRootParentShape(piece), group);
+    EXPECT_EQ(group->ChildShapes().size(), 3u);
+    EXPECT_EQ(cad.WorkingShapes(), std::vector<TMyShape *>{group});
+    step.TakeBack();
 }
 
 // By a point: the nearest point of the hit segment starts the second piece (zoom 2, so the
 // screen click is halved); at an inner point it is the same as BreakLine; the ends of the
 // chain and clicks beside it are refused.
-TEST(Break, ByAPointOnASegment)
+TEST_F(Break, ByAPointOnASegment)
 {
-    TScene scene;
-    TMyCAD &cad = scene.cad;
     cad.SetZoom(2);
     TMyShape *line = AddByCode(cad, TDrawTool::SpLine, {{0, 0}, {100, 0}});
-    scene.AddNeighbours();
+    AddNeighbours();
     TMyShape *poly = AddByCode(cad, TDrawTool::SpPolyLine, {{0, 50}, {40, 50}, {40, 90}});
-    ExpectOneStepTakenBackExactly(cad, [&] {
-        TMyShape *piece = cad.BreakLineByAPoint(line, {101, 5});
-        if (!piece)
-            return false;
-        EXPECT_EQ(line->Points(), (TMyPointArray{{0, 0}, {50.5f, 0}}));
-        EXPECT_EQ(piece->Points(), (TMyPointArray{{50.5f, 0}, {100, 0}}));
-        return true;
-    });
-    ExpectOneStepTakenBackExactly(cad, [&] {
-        TMyShape *piece = cad.BreakLineByAPoint(poly, {83, 100});
-        if (!piece)
-            return false;
-        EXPECT_EQ(poly->Points(), (TMyPointArray{{0, 50}, {40, 50}}));
-        EXPECT_EQ(piece->Points(), (TMyPointArray{{40, 50}, {40, 90}}));
-        return true;
-    });
+    // {shape, click, its points after, the piece's points}
+    const std::tuple<TMyShape *, TPoint, TMyPointArray, TMyPointArray> cases[] = {
+        {line, {101, 5}, {{0, 0}, {50.5f, 0}}, {{50.5f, 0}, {100, 0}}},
+        {poly, {83, 100}, {{0, 50}, {40, 50}}, {{40, 50}, {40, 90}}},
+    };
+    for (const auto &[shape, click, kept, rest] : cases) {
+        TOneStep step(cad);
+        TMyShape *piece = cad.BreakLineByAPoint(shape, click);
+        ASSERT_NE(piece, nullptr);
+        EXPECT_EQ(shape->Points(), kept);
+        EXPECT_EQ(piece->Points(), rest);
+        step.TakeBack();
+    }
     for (TPoint beside : {TPoint{-3, 2}, TPoint{200, 2}, TPoint{100, 12}, TPoint{80, 181}})
         ExpectRefused(cad, [&] { return cad.BreakLineByAPoint(poly, beside) != nullptr; });
 }
 
-TEST(Break, RefusedShapesAndPoints)
+TEST_F(Break, RefusedShapesAndPoints)
 {
-    TScene scene;
-    TMyCAD &cad = scene.cad;
     TMyShape *poly = AddByCode(cad, TDrawTool::SpPolyLine, {{0, 0}, {10, 0}, {10, 10}});
     for (std::int32_t index : {-1, 0, 2, 3})
         ExpectRefused(cad, [&] { return cad.BreakLine(poly, index) != nullptr; });
@@ -359,9 +349,8 @@ TEST(Break, RefusedShapesAndPoints)
 }
 
 // The topmost breakable shape under the point, whatever lies above it.
-TEST(Break, WhichShapeBreaksAtAPoint)
+TEST_F(Break, WhichShapeBreaksAtAPoint)
 {
-    TMyCAD cad;
     TMyShape *low = AddByCode(cad, TDrawTool::SpPolyLine, {{0, 0}, {100, 0}});
     TMyShape *high = AddByCode(cad, TDrawTool::SpLine, {{0, 2}, {100, 2}});
     AddByCode(cad, TDrawTool::SpPolygon, {{0, -20}, {100, -20}, {50, 40}});
@@ -374,10 +363,8 @@ TEST(Break, WhichShapeBreaksAtAPoint)
 
 // The polygon takes the polyline's place, identity, name, look, group and connectors; one
 // take-back makes it the polyline again.
-TEST(Close, PolylineBecomesPolygonInPlace)
+TEST_F(Close, PolylineBecomesPolygonInPlace)
 {
-    TScene scene;
-    TMyCAD &cad = scene.cad;
     TMyShape *poly = AddByCode(cad, TDrawTool::SpPolyLine, {{0, 0}, {40, 0}, {40, 30}});
     TMyShape *other = AddRectangle(cad, 100, 0, 110, 10);
     TMyShape *const members[] = {poly, other};
@@ -391,38 +378,35 @@ TEST(Close, PolylineBecomesPolygonInPlace)
     const QString name = poly->Name();
     const auto relations = Snapshot(cad)[id];
     cad.SetWorkingShapes(std::vector<TMyShape *>{cad.GetShapeByID(groupId)});
-    ExpectOneStepTakenBackExactly(cad, [&] {
-        TMyShape *closed = cad.ClosePolygon(poly);
-        if (!closed)
-            return false;
-        EXPECT_EQ(closed->ClassName(), "TMyPolygon");
-        EXPECT_EQ(closed->Points(), (TMyPointArray{{0, 0}, {40, 0}, {40, 30}, {0, 0}}));
-        EXPECT_EQ(cad.GetShapeNoInMyShapes(closed), no);
-        EXPECT_EQ(closed->ShapeId(), id);
-        EXPECT_EQ(closed->Name(), name);
-        EXPECT_EQ(closed->Brush().Color, clBlue);
-        auto state = Snapshot(cad)[id];
-        state.Class = relations.Class;
-        state.Points = relations.Points;
-        EXPECT_EQ(state, relations);
-        EXPECT_TRUE(RelationsValid(cad));
-        return true;
-    });
+    TOneStep step(cad);
+    TMyShape *closed = cad.ClosePolygon(poly);
+    ASSERT_NE(closed, nullptr);
+    EXPECT_EQ(closed->ClassName(), "TMyPolygon");
+    EXPECT_EQ(closed->Points(), (TMyPointArray{{0, 0}, {40, 0}, {40, 30}, {0, 0}}));
+    EXPECT_EQ(cad.GetShapeNoInMyShapes(closed), no);
+    EXPECT_EQ(closed->ShapeId(), id);
+    EXPECT_EQ(closed->Name(), name);
+    EXPECT_EQ(closed->Brush().Color, clBlue);
+    auto state = Snapshot(cad)[id];
+    state.Class = relations.Class;
+    state.Points = relations.Points;
+    EXPECT_EQ(state, relations);
+    EXPECT_TRUE(RelationsValid(cad));
+    step.TakeBack();
     EXPECT_EQ(cad.GetShapeByID(id)->ClassName(), "TMyPolyLine");
 
     // A polyline that already ends on its start is not given another closing point.
     // The selection follows the new object.
     TMyShape *ring = AddByCode(cad, TDrawTool::SpPolyLine, {{0, 0}, {9, 0}, {9, 9}, {0, 0}});
-    TMyShape *closed = cad.ClosePolygon(ring);
+    closed = cad.ClosePolygon(ring);
     ASSERT_NE(closed, nullptr);
     EXPECT_EQ(closed->GetPointsCount(), 4);
     EXPECT_EQ(cad.WorkingShapes(), std::vector<TMyShape *>{closed});
     EXPECT_EQ(cad.CurrentShape(), closed);
 }
 
-TEST(Close, RefusedShapes)
+TEST_F(Close, RefusedShapes)
 {
-    TMyCAD cad;
     TMyShape *flat = AddByCode(cad, TDrawTool::SpPolyLine, {{0, 0}, {10, 0}, {0, 0}, {10, 0}});
     ExpectRefused(cad, [&] { return cad.ClosePolygon(flat) != nullptr; });
     for (TDrawTool tool : {TDrawTool::SpLine, TDrawTool::SpPolygon, TDrawTool::SpFreeLine}) {
@@ -438,29 +422,23 @@ TEST(Close, RefusedShapes)
 // Widths 10 and 30 become 20 each about their boxes' middles; a polyline stretches along
 // the page's x axis whatever its angle; a turned rectangle scales evenly; a group stretches
 // with its members; connectors follow.
-TEST(SameSize, AverageWidthAndHeight)
+TEST_F(SameSize, AverageWidthAndHeight)
 {
-    TScene scene;
-    TMyCAD &cad = scene.cad;
     TMyShape *narrow = AddRectangle(cad, 0, 0, 10, 40);
     TMyShape *wide = AddRectangle(cad, 100, 0, 130, 10);
     TMyShape *const pair[] = {narrow, wide};
-    ExpectOneStepTakenBackExactly(cad, [&] {
-        cad.SetWorkingShapes(pair);
-        if (!cad.AverageWidth())
-            return false;
-        ExpectNear(narrow->Points(), {{-5, 0}, {15, 0}, {15, 40}, {-5, 40}});
-        ExpectNear(wide->Points(), {{105, 0}, {125, 0}, {125, 10}, {105, 10}});
-        return true;
-    });
-    ExpectOneStepTakenBackExactly(cad, [&] {
-        cad.SetWorkingShapes(pair);
-        if (!cad.AverageHeight())
-            return false;
-        ExpectNear(narrow->Points(), {{0, 7.5f}, {10, 7.5f}, {10, 32.5f}, {0, 32.5f}});
-        ExpectNear(wide->Points(), {{100, -7.5f}, {130, -7.5f}, {130, 17.5f}, {100, 17.5f}});
-        return true;
-    });
+    TOneStep width(cad);
+    cad.SetWorkingShapes(pair);
+    ASSERT_TRUE(cad.AverageWidth());
+    ExpectNear(narrow->Points(), {{-5, 0}, {15, 0}, {15, 40}, {-5, 40}});
+    ExpectNear(wide->Points(), {{105, 0}, {125, 0}, {125, 10}, {105, 10}});
+    width.TakeBack();
+    TOneStep height(cad);
+    cad.SetWorkingShapes(pair);
+    ASSERT_TRUE(cad.AverageHeight());
+    ExpectNear(narrow->Points(), {{0, 7.5f}, {10, 7.5f}, {10, 32.5f}, {0, 32.5f}});
+    ExpectNear(wide->Points(), {{100, -7.5f}, {130, -7.5f}, {130, 17.5f}, {100, 17.5f}});
+    height.TakeBack();
 
     TMyShape *poly = AddByCode(cad, TDrawTool::SpPolyLine, {{0, 100}, {40, 120}, {20, 140}});
     poly->SetAngleValue(0.5f);
@@ -471,33 +449,29 @@ TEST(SameSize, AverageWidthAndHeight)
     TMyShape *b = AddRectangle(cad, 320, 100, 330, 130);
     TMyShape *const ab[] = {a, b};
     TMyShape *group = cad.GetShapeByID(cad.GroupShapes(ab, true));
-    TMyLinkLine *link = AddRoutedConnector(cad, scene.cad.GetShapeByNo(0), a);
+    TMyLinkLine *link = AddRoutedConnector(cad, cad.GetShapeByNo(0), a);
     const TMyPointArray route = link->Points();
     TMyShape *const four[] = {poly, turned, group};
-    ExpectOneStepTakenBackExactly(cad, [&] {
-        cad.SetWorkingShapes(four);
-        if (!cad.AverageWidth())
-            return false;
-        // Widths 40, 10 and 30: 80/3 each.
-        const float w = 80.0f / 3;
-        ExpectNear(poly->Points(), {{20 - w / 2, 100}, {20 + w / 2, 120}, {20, 140}});
-        ExpectNear(turned->Points(), {{205 - w / 2, 110 - w},
-                                      {205 + w / 2, 110 - w},
-                                      {205 + w / 2, 110 + w},
-                                      {205 - w / 2, 110 + w}});
-        const float f = w / 30;
-        ExpectNear(
-            a->Points(),
-            {{315 - 15 * f, 100}, {315 - 5 * f, 100}, {315 - 5 * f, 110}, {315 - 15 * f, 110}});
-        EXPECT_NEAR(group->GetWidth(), w, 1e-4);
-        EXPECT_NE(link->Points(), route);
-        return true;
-    });
+    TOneStep step(cad);
+    cad.SetWorkingShapes(four);
+    ASSERT_TRUE(cad.AverageWidth());
+    // Widths 40, 10 and 30: 80/3 each.
+    const float w = 80.0f / 3;
+    ExpectNear(poly->Points(), {{20 - w / 2, 100}, {20 + w / 2, 120}, {20, 140}});
+    ExpectNear(turned->Points(), {{205 - w / 2, 110 - w},
+                                  {205 + w / 2, 110 - w},
+                                  {205 + w / 2, 110 + w},
+                                  {205 - w / 2, 110 + w}});
+    const float f = w / 30;
+    ExpectNear(a->Points(),
+               {{315 - 15 * f, 100}, {315 - 5 * f, 100}, {315 - 5 * f, 110}, {315 - 15 * f, 110}});
+    EXPECT_NEAR(group->GetWidth(), w, 1e-4);
+    EXPECT_NE(link->Points(), route);
+    step.TakeBack();
 }
 
-TEST(SameSize, RefusedSelections)
+TEST_F(SameSize, RefusedSelections)
 {
-    TMyCAD cad;
     TMyShape *a = AddRectangle(cad, 0, 0, 10, 10);
     TMyShape *b = AddRectangle(cad, 20, 0, 50, 10);
     TMyShape *vertical = AddByCode(cad, TDrawTool::SpLine, {{60, 0}, {60, 50}});

@@ -16,8 +16,8 @@
 #include <QPlainTextEdit>
 #include <QSpinBox>
 #include <QTemporaryDir>
-
 #include <QToolButton>
+
 #include <memory>
 
 using namespace tessal;
@@ -194,18 +194,17 @@ TEST(InspectorDialogs, FontsConvertBothWays)
     font.Color = clRed;
     const QFont q = ToQFont(font);
     EXPECT_EQ(q.family(), "DejaVu Sans");
-    EXPECT_EQ(q.pointSize(), 14);
-    EXPECT_TRUE(q.italic());
-    EXPECT_TRUE(q.strikeOut());
-    EXPECT_FALSE(q.bold());
+    // {size, italic, struck out, bold}
+    EXPECT_EQ(std::tuple(q.pointSize(), q.italic(), q.strikeOut(), q.bold()),
+              std::tuple(14, true, true, false));
     EXPECT_EQ(FromQFont(q, font), font);
     QFont bold = q;
     bold.setBold(true);
     bold.setPointSize(20);
-    const TFont back = FromQFont(bold, font);
-    EXPECT_EQ(back.Size(), 20);
-    EXPECT_EQ(back.Style, fsBold | fsItalic | fsStrikeOut);
-    EXPECT_EQ(back.Color, clRed);
+    TFont back = font;
+    back.SetSize(20);
+    back.Style = fsBold | fsItalic | fsStrikeOut;
+    EXPECT_EQ(FromQFont(bold, font), back);
 }
 
 TEST(InspectorDialogs, MenusAreEditedInPlaceFromTheGrid)

@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QComboBox>
 #include <QElapsedTimer>
 #include <QLineEdit>
 #include <QTest>
@@ -38,9 +39,7 @@ struct TDoc
     QWidget Window;
     TMyCAD *Cad;
     TComponentInspector *Inspector;
-    std::int32_t IdA;
-    std::int32_t IdB;
-    std::int32_t IdL;
+    std::int32_t IdA, IdB, IdL;
 
     TDoc()
         : Cad(new TMyCAD(&Window))
@@ -106,14 +105,28 @@ inline QWidget *OpenEditor(TInspectorGrid *grid, const QString &path)
                : view->viewport()->findChild<QWidget *>(QString(), Qt::FindDirectChildrenOnly);
 }
 
+// Types text over an open line edit and presses Enter; the view commits on its next turn.
+inline void TypeOver(QLineEdit *line, const QString &text)
+{
+    QTest::keyClick(line, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(line, text);
+    QTest::keyClick(line, Qt::Key_Return);
+    QApplication::processEvents();
+}
+
 // Types text over a cell's line edit and presses Enter.
 inline void TypeInto(TInspectorGrid *grid, const QString &path, const QString &text)
 {
     auto *line = qobject_cast<QLineEdit *>(OpenEditor(grid, path));
     ASSERT_TRUE(line) << path.toStdString();
-    QTest::keyClick(line, Qt::Key_A, Qt::ControlModifier);
-    QTest::keyClicks(line, text);
-    QTest::keyClick(line, Qt::Key_Return);
+    TypeOver(line, text);
+}
+
+// Picks the entry after the current one of an open combo box editor and presses Enter.
+inline void PickNext(QComboBox *combo)
+{
+    QTest::keyClick(combo, Qt::Key_Down);
+    QTest::keyClick(combo, Qt::Key_Return);
     QApplication::processEvents();
 }
 

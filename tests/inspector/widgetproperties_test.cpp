@@ -164,17 +164,13 @@ void Walk(QObject *object)
 TEST(WidgetProperties, EveryPublishedPropertyReadsBackWhatWasWritten)
 {
     TMyCAD cad;
-    Walk(&cad);
-    TMyRuler horizontal(Qt::Horizontal);
-    Walk(&horizontal);
-    TMyRuler vertical(Qt::Vertical);
-    Walk(&vertical);
+    TMyRuler horizontal(Qt::Horizontal), vertical(Qt::Vertical);
     TMyRulerCorner corner;
-    Walk(&corner);
     TInspectorGrid grid;
-    Walk(&grid);
     TComponentInspector inspector;
-    Walk(&inspector);
+    for (QObject *object :
+         std::initializer_list<QObject *>{&cad, &horizontal, &vertical, &corner, &grid, &inspector})
+        Walk(object);
 }
 
 TEST(WidgetProperties, RulersRefuseValuesTheyCannotShow)

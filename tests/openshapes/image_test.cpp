@@ -39,8 +39,7 @@ TBitmap Picture()
 std::unique_ptr<TMyImage> ImageShape(TClassHost &host)
 {
     auto image = std::make_unique<TMyImage>(&host);
-    image->Points() = {{40, 40}, {120, 40}, {120, 80}, {40, 80}};
-    image->SetCenterPoint({80, 60});
+    MakeBox(*image, 40, 40, 120, 80);
     image->SetBitmap(Picture());
     return image;
 }
@@ -49,6 +48,12 @@ std::unique_ptr<TMyImage> ImageShape(TClassHost &host)
 unsigned ShownCell(const QImage &image, int cx, int cy, double z)
 {
     return PixelAt(image, int((50 + 20 * cx) * z), int((50 + 20 * cy) * z));
+}
+
+// The colour the shape shows now in the middle of cell (cx, cy), over green, at zoom 1.
+unsigned Shown(TMyShape &shape, int cx, int cy)
+{
+    return ShownCell(Painted(shape, 300, 300, kGreen), cx, cy, 1);
 }
 
 TEST(ImagePaint, PictureIsStretchedIntoTheBoxAtTwoZoomsAndNothingOutside)
@@ -95,12 +100,12 @@ TEST(ImageAdjust, BrightnessAndGreyChangeTheShownCopyNeverTheOriginal)
     TClassHost host;
     auto shape = ImageShape(host);
     shape->SetBrightness(40);
-    EXPECT_EQ(ShownCell(Painted(*shape, 300, 300), 0, 0, 1), 0xF08C28u); // C8 64 00 each +40
+    EXPECT_EQ(Shown(*shape, 0, 0), 0xF08C28u); // C8 64 00 each +40
     EXPECT_EQ(shape->Bitmap(), Picture());
 
     shape->SetBrightness(0);
     shape->SetGrayScale(true);
-    EXPECT_EQ(ShownCell(Painted(*shape, 300, 300), 0, 0, 1), 0x646464u); // (200 + 100 + 0) / 3
+    EXPECT_EQ(Shown(*shape, 0, 0), 0x646464u); // (200 + 100 + 0) / 3
 
     shape->SetGrayScale(false);
     shape->SetContrast(255);
@@ -115,26 +120,22 @@ TEST(ImageAdjust, TransparentColourAutoFromTheBottomLeftOrFixed)
     auto shape = ImageShape(host);
     shape->SetTransparent(true);
     EXPECT_EQ(shape->TransparentKey(), ToTColor(kCells[1][0]));
-    QImage image = Painted(*shape, 300, 300, kGreen);
-    EXPECT_EQ(ShownCell(image, 0, 1, 1), kGreen);
-    EXPECT_EQ(ShownCell(image, 1, 1, 1), kCells[1][1]);
+    EXPECT_EQ(Shown(*shape, 0, 1), kGreen);
+    EXPECT_EQ(Shown(*shape, 1, 1), kCells[1][1]);
 
     // The key is taken from the adjusted copy, so it follows the brightness.
     shape->SetBrightness(16);
     EXPECT_EQ(shape->TransparentKey(), ToTColor(0x909090));
-    image = Painted(*shape, 300, 300, kGreen);
-    EXPECT_EQ(ShownCell(image, 0, 1, 1), kGreen);
+    EXPECT_EQ(Shown(*shape, 0, 1), kGreen);
     shape->SetBrightness(0);
 
     shape->SetTransparentMode(TTransparentMode::tmFixed);
     shape->SetTransparentColor(ToTColor(kCells[0][2]));
-    image = Painted(*shape, 300, 300, kGreen);
-    EXPECT_EQ(ShownCell(image, 2, 0, 1), kGreen);
-    EXPECT_EQ(ShownCell(image, 0, 1, 1), kCells[1][0]);
+    EXPECT_EQ(Shown(*shape, 2, 0), kGreen);
+    EXPECT_EQ(Shown(*shape, 0, 1), kCells[1][0]);
 
     shape->SetTransparent(false);
-    image = Painted(*shape, 300, 300, kGreen);
-    EXPECT_EQ(ShownCell(image, 2, 0, 1), kCells[0][2]);
+    EXPECT_EQ(Shown(*shape, 2, 0), kCells[0][2]);
 }
 
 TEST(ImageAdjust, FlipsMirrorThePicture)
@@ -142,16 +143,14 @@ TEST(ImageAdjust, FlipsMirrorThePicture)
     TClassHost host;
     auto shape = ImageShape(host);
     shape->FlipHoriz();
-    QImage image = Painted(*shape, 300, 300);
+    for (int x = 0; x < 4; ++x)
+        EXPECT_EQ(Shown(*shape, x, 0), kCells[0][3 - x]) << x;
     shape->FlipVert();
-    const QImage both = Painted(*shape, 300, 300);
-    for (int x = 0; x < 4; ++x) {
-        EXPECT_EQ(ShownCell(image, x, 0, 1), kCells[0][3 - x]) << x;
-        EXPECT_EQ(ShownCell(both, x, 0, 1), kCells[1][3 - x]) << x;
-    }
+    for (int x = 0; x < 4; ++x)
+        EXPECT_EQ(Shown(*shape, x, 0), kCells[1][3 - x]) << x;
     shape->FlipHoriz();
     shape->FlipVert();
-    EXPECT_EQ(ShownCell(Painted(*shape, 300, 300), 0, 0, 1), kCells[0][0]);
+    EXPECT_EQ(Shown(*shape, 0, 0), kCells[0][0]);
     EXPECT_EQ(shape->Bitmap(), Picture());
 }
 
@@ -160,12 +159,11 @@ TEST(ImagePaint, BorderInThePenAndAnEmptyImageShowsItsOutline)
     TClassHost host;
     host.HostPen.Color = clRed;
     auto shape = ImageShape(host);
-    QImage image = Painted(*shape, 300, 300);
-    EXPECT_EQ(PixelAt(image, 50, 40), kCells[0][0]);
+    EXPECT_EQ(PixelAt(Painted(*shape, 300, 300), 50, 40), kCells[0][0]);
     shape->SetBorder(true);
-    image = Painted(*shape, 300, 300);
+    QImage image = Painted(*shape, 300, 300);
     EXPECT_EQ(PixelAt(image, 60, 40), 0xFF0000u);
-    EXPECT_EQ(ShownCell(image, 0, 0, 1), kCells[0][0]);
+    EXPECT_EQ(Shown(*shape, 0, 0), kCells[0][0]);
 
     TMyImage empty(&host);
     empty.Points() = {{40, 40}, {120, 40}, {120, 80}, {40, 80}};

@@ -46,23 +46,20 @@ TEST(RuleLineTicks, CountAndSpacingBySideAtTwoZooms)
 {
     for (double z : {1.0, 2.0}) {
         const int y = int(100 * z), x0 = int(20 * z), step = int(10 * z);
-        struct TCase
-        {
-            TTickStyle Style;
-            bool Above, Below;
-        } cases[] = {{TTickStyle::tsBoth, true, true},
-                     {TTickStyle::tsTop, true, false},
-                     {TTickStyle::tsBottom, false, true},
-                     {TTickStyle::tsNone, false, false}};
-        for (const TCase &c : cases) {
+        // {style, ticks above, ticks below}
+        const std::tuple<TTickStyle, bool, bool> cases[] = {{TTickStyle::tsBoth, true, true},
+                                                            {TTickStyle::tsTop, true, false},
+                                                            {TTickStyle::tsBottom, false, true},
+                                                            {TTickStyle::tsNone, false, false}};
+        for (auto [style, above, below] : cases) {
             TClassHost host;
             host.ZoomValue = z;
-            auto rule = Ruler(host, {20, 100}, {120, 100}, c.Style);
+            auto rule = Ruler(host, {20, 100}, {120, 100}, style);
             const QImage image = Painted(*rule, 400, 400);
-            const int s = int(c.Style);
+            const int s = int(style);
             // Rows 3 off the line cross every tick, rows 6 off only the long ones.
             for (int off : {-6, -3, 3, 6}) {
-                const bool side = off < 0 ? c.Above : c.Below;
+                const bool side = off < 0 ? above : below;
                 const auto ticks =
                     std::abs(off) == 3 ? Expected(x0, step, 11) : Expected(x0, 5 * step, 3);
                 EXPECT_EQ(InkRuns(image, y + off, false), side ? ticks : std::vector<int>{})

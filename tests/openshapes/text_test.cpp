@@ -22,8 +22,7 @@ std::unique_ptr<TMyText> TextBox(TClassHost &host, float l, float t, float r, fl
                                  const QStringList &lines)
 {
     auto text = std::make_unique<TMyText>(&host);
-    text->Points() = {{l, t}, {r, t}, {r, b}, {l, b}};
-    text->SetCenterPoint({(l + r) / 2, (t + b) / 2});
+    MakeBox(*text, l, t, r, b);
     TFont font;
     font.SetSize(12);
     font.Color = clBlack;

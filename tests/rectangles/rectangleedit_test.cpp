@@ -1,25 +1,16 @@
 // SPDX-License-Identifier: MIT
-// Drawing a rectangle with the mouse, its computed points and resizing by its handles.
+// Drawing a rectangle with the mouse, its computed points, resizing by its handles, and the
+// area and side-length texts of rectangles and ellipses, byte for byte.
 #include "shapes/testhost.h"
 
 #include <tessal/shapes/rectangle.h>
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <numbers>
-#include <random>
 
 namespace tessal::test {
 namespace {
-
-constexpr double kPi = std::numbers::pi;
-
-void ExpectNear(TMyPoint actual, TMyPoint expected, double tolerance, const char *what)
-{
-    EXPECT_NEAR(actual.X, expected.X, tolerance) << what;
-    EXPECT_NEAR(actual.Y, expected.Y, tolerance) << what;
-}
 
 TEST(RectangleCreation, CornerOrderFollowsTheDragFromEachDirection)
 {
@@ -75,9 +66,11 @@ TEST(RectanglePoints, SideMiddlesAndZeroPointFollowTheRotation)
     const TMyPoint turned[] = {{130, 70}, {100, 130}, {70, 70}, {100, 10}};
     for (int i = 0; i < 4; ++i)
         EXPECT_EQ(r->GetPoint(4 + i), upright[i]) << i;
-    r->RotateChangeValueByAngle({100, 70}, kPi / 2);
-    for (int i = 0; i < 4; ++i)
-        ExpectNear(r->GetPoint(4 + i), turned[i], 1e-3, "side middle");
+    r->RotateChangeValueByAngle({100, 70}, std::numbers::pi / 2);
+    for (int i = 0; i < 4; ++i) {
+        EXPECT_NEAR(r->GetPoint(4 + i).X, turned[i].X, 1e-3) << i;
+        EXPECT_NEAR(r->GetPoint(4 + i).Y, turned[i].Y, 1e-3) << i;
+    }
     EXPECT_FLOAT_EQ(r->GetMyWidth(), 120);
     EXPECT_FLOAT_EQ(r->GetMyHeight(), 60);
 }
@@ -86,14 +79,10 @@ TEST(RectangleResize, CornerAndSideHandlesOfAnUprightRectangle)
 {
     TTestHost host;
     const TMyPointArray kSame = {{20, 20}, {60, 20}, {60, 40}, {20, 40}};
-    struct TCase
-    {
-        int Hot;
-        TMyPoint To;
-        TMyPointArray Expected;
-    } cases[] = {
-        // Every handle of turned rectangles is dragged at random below; here exact values
-        // upright. Corner 2 to a new place: its neighbours follow on one axis each.
+    // {handle, mouse, corners after}
+    const std::tuple<int, TMyPoint, TMyPointArray> cases[] = {
+        // Every handle of turned rectangles is dragged at random with the previews; here exact
+        // values upright. Corner 2 to a new place: its neighbours follow on one axis each.
         {2, {80, 50}, {{20, 20}, {80, 20}, {80, 50}, {20, 50}}},
         // Side handles move their side across only; the other coordinate of the mouse is
         // ignored.
@@ -109,104 +98,76 @@ TEST(RectangleResize, CornerAndSideHandlesOfAnUprightRectangle)
         // Reaching the opposite side exactly is allowed (the tests are inclusive).
         {5, {20, 30}, {{20, 20}, {20, 20}, {20, 40}, {20, 40}}},
     };
-    for (const TCase &c : cases) {
+    for (const auto &[hot, to, expected] : cases) {
         auto r = DrawnBy<TMyRectangle>(host, {20, 20}, {60, 40});
-        r->SetCurrentHot(c.Hot);
-        r->SizeChangeValue({0, 0}, c.To);
-        EXPECT_EQ(r->Points(), c.Expected) << "hot " << c.Hot << " to " << c.To.X << "," << c.To.Y;
-        const TMyRect box = GetPointsLTRB(c.Expected);
+        r->SetCurrentHot(hot);
+        r->SizeChangeValue({0, 0}, to);
+        EXPECT_EQ(r->Points(), expected) << "hot " << hot << " to " << to.X << "," << to.Y;
+        const TMyRect box = GetPointsLTRB(expected);
         EXPECT_EQ(r->CenterPoint(),
                   (TMyPoint{(box.Left + box.Right) / 2, (box.Top + box.Bottom) / 2}));
     }
 }
 
-// Side of the opposite corner o that p lies on, per axis, inclusive.
-bool SameSide(float p, float target, float o)
+TEST(RectangleInfo, AreaTextPerUnitIsStoredAsInfo)
 {
-    return (double(p) - o) * (double(target) - o) >= 0;
+    TTestHost host;
+    auto r = DrawnBy<TMyRectangle>(host, {10, 10}, {110, 60}); // 100 x 50
+    auto e = DrawnBy<TMyEllipse>(host, {10, 10}, {110, 60});
+    // {unit, ratio, rectangle's text, ellipse's text}
+    const std::tuple<TUnits, double, const char *, const char *> cases[] = {
+        // No blank before the suffix; the number is right-aligned in 9 characters.
+        {TUnits::pixel, 1, "Area=  5000.00pixel(s)2", "Area=  3926.99pixel(s)2"},
+        {TUnits::pixel, 2, "Area= 20000.00pixel(s)2", "Area= 15707.96pixel(s)2"},
+        // 5000 / 96^2 square inches = 350.02 mm2 at 96 pixels per inch.
+        {TUnits::mm, 1, "Area=   350.02mm2", "Area=   274.91mm2"},
+        {TUnits::cm, 1, "Area=     3.50cm2", "Area=     2.75cm2"},
+        {TUnits::dm, 1, "Area=     0.04dm2", "Area=     0.03dm2"},
+        {TUnits::m, 2, "Area=     0.00m2", "Area=     0.00m2"},
+        {TUnits::inch, 1, "Area=     0.54inch2", "Area=     0.43inch2"},
+    };
+    for (auto [unit, ratio, rectangle, ellipse] : cases) {
+        host.Unit = unit;
+        host.RatioValue = ratio;
+        EXPECT_EQ(r->GetInfo(), QLatin1String(rectangle));
+        EXPECT_EQ(r->Info(), QLatin1String(rectangle));
+        EXPECT_EQ(e->GetInfo(), QLatin1String(ellipse));
+        EXPECT_EQ(e->Info(), QLatin1String(ellipse));
+    }
+    // The area is the shape's own, not its turned bounding box's, and ignores the zoom.
+    host.Unit = TUnits::pixel;
+    host.RatioValue = 1;
+    host.ZoomValue = 3;
+    r->RotateChangeValueByAngle(r->GetCenterPoint(), 0.5);
+    EXPECT_EQ(r->GetInfo(), QLatin1String("Area=  5000.00pixel(s)2"));
 }
 
-// Every handle of random turned rectangles dragged to random places: either nothing
-// changes (and the target lies beyond the opposite corner) or the result is a rectangle of
-// the same angle whose far side or corner stayed where it was; the Sizing preview always
-// shows exactly the rectangle the resize produces.
-TEST(RectangleResize, RandomDragsStayRectanglesAndMatchTheirPreview)
+// The width and the height of the box spanned by two screen points, with the kept
+// oddities: cm, dm and m still say "mm", and "inch" is a tenth-inch count.
+TEST(RectangleInfo, SideLengthTextsPerUnit)
 {
-    TTestHost host(300, 300);
-    std::mt19937 rng(20240611);
-    std::uniform_real_distribution<float> coord(60, 240);
-    std::uniform_real_distribution<float> angle(-3.1f, 3.1f);
-    std::uniform_int_distribution<int> hot(0, 7), target(20, 280);
-    int refused = 0, accepted = 0;
-    for (int n = 0; n < 300; ++n) {
-        const TPoint p0{int(coord(rng)), int(coord(rng))}, p2{int(coord(rng)), int(coord(rng))};
-        if (std::abs(p0.X - p2.X) < 4 || std::abs(p0.Y - p2.Y) < 4)
-            continue;
-        auto r = DrawnBy<TMyRectangle>(host, p0, p2);
-        const float a = angle(rng);
-        r->RotateChangeValueByAngle(r->GetCenterPoint(), a);
-        const TMyPoint c = r->GetCenterPoint();
-        const TMyPointArray before = r->Points();
-        const int h = hot(rng);
-        const int m = h % 4;
-        const TPoint to{target(rng), target(rng)};
-        // Upright frame: the moved corner, the opposite corner and the target.
-        const TMyPoint pm = RotateAPoint(before[m], c, -a);
-        const TMyPoint po = RotateAPoint(before[(m + 2) % 4], c, -a);
-        const TMyPoint tu = RotateAPoint(PtToMyPt(to), c, -a);
-        if (std::abs(tu.X - po.X) < 0.05f || std::abs(tu.Y - po.Y) < 0.05f)
-            continue; // too close to the boundary for float rounding to decide
-
-        TMyRectangle copy(&host);
-        copy.Assign(*r);
-        copy.SetCurrentHot(h);
-        r->SetCurrentHot(h);
-        const QImage preview = Drawn(
-            [&](TCanvas &canvas) {
-                r->Sizing(canvas, {0, 0}, to);
-            },
-            300, 300);
-        r->SizeChangeValue({0, 0}, PtToMyPt(to));
-        const QImage result = Drawn(
-            [&](TCanvas &canvas) {
-                std::array<TPoint, 4> pts;
-                for (int i = 0; i < 4; ++i)
-                    pts[std::size_t(i)] = MyPtToPt(r->GetPointInZoom(i));
-                r->DrawRectangle(canvas, pts);
-            },
-            300, 300);
-        EXPECT_TRUE(ImagesEqual(preview, result)) << "case " << n << " hot " << h;
-
-        const bool expectAccepted = SameSide(pm.X, tu.X, po.X) && SameSide(pm.Y, tu.Y, po.Y);
-        if (!expectAccepted) {
-            ++refused;
-            EXPECT_EQ(r->Points(), before) << "case " << n;
-            continue;
-        }
-        ++accepted;
-        EXPECT_FLOAT_EQ(r->Angle(), copy.Angle());
-        TMyPoint u[4];
-        for (int i = 0; i < 4; ++i)
-            u[i] = RotateAPoint(r->Points()[std::size_t(i)], c, -a);
-        const double tol = 0.02;
-        for (int i = 0; i < 4; ++i) // sides alternately horizontal and vertical
-            EXPECT_NEAR(i % 2 ? u[i].X : u[i].Y, i % 2 ? u[(i + 1) % 4].X : u[(i + 1) % 4].Y, tol)
-                << "case " << n << " side " << i;
-        // The corner or side across from the handle stays.
-        for (int k : {2, 3}) {
-            if (h < 4 && k == 3)
-                break;
-            const std::size_t f = std::size_t((m + k) % 4);
-            ExpectNear(r->Points()[f], before[f], tol, "fixed corner");
-        }
-        if (h < 4)
-            ExpectNear(r->Points()[std::size_t(m)], PtToMyPt(to), tol, "dragged corner");
-        else
-            ExpectNear(u[m], h == 4 || h == 6 ? TMyPoint{pm.X, tu.Y} : TMyPoint{tu.X, pm.Y}, tol,
-                       "dragged side");
+    TTestHost host;
+    TMyRectangle r(&host);
+    // {unit, zoom, ratio, text}
+    const std::tuple<TUnits, double, double, const char *> cases[] = {
+        {TUnits::pixel, 1, 1, "m=   100.00 pixel(s)\rn=    50.00pixel(s)"},
+        {TUnits::pixel, 2, 1, "m=    50.00 pixel(s)\rn=    25.00pixel(s)"},
+        {TUnits::mm, 1, 1, "m=    26.46 mm\rn=    13.23mm"},
+        {TUnits::mm, 2, 3, "m=    39.69 mm\rn=    19.84mm"},
+        {TUnits::cm, 1, 1, "m=     2.65 mm\rn=     1.32mm"},
+        {TUnits::dm, 1, 1, "m=     0.26 mm\rn=     0.13mm"},
+        {TUnits::m, 1, 1, "m=     0.03 mm\rn=     0.01mm"},
+        {TUnits::inch, 1, 1, "m=    10.42 in\rn=     5.21in"},
+    };
+    for (auto [unit, zoom, ratio, text] : cases) {
+        host.Unit = unit;
+        host.ZoomValue = zoom;
+        host.RatioValue = ratio;
+        // From (110, 60) to (10, 10): m runs along the first point's row, n up the
+        // second point's column; the direction does not matter.
+        EXPECT_EQ(r.GetLengthByUnit({110, 60}, {10, 10}), QLatin1String(text));
+        EXPECT_EQ(r.GetLengthByUnit({10, 10}, {110, 60}), QLatin1String(text));
     }
-    EXPECT_GT(refused, 20);
-    EXPECT_GT(accepted, 60);
 }
 
 } // namespace

@@ -98,25 +98,23 @@ TEST(RectangleHandles, DrawHotShowsTheHandlesInUseAndTheTextDiamond)
     r->SetTextPoint({70, 100});
     r->SetInfo("label");
     constexpr unsigned corners = 0x0F, vertical = 0x50, horizontal = 0xA0;
-    struct TCase
-    {
-        bool SideHot, Horizontal, Vertical;
-        TActionTools State;
-        unsigned Drawn;
-    } cases[] = {
-        {true, true, true, TActionTools::dtSelecting, corners | vertical | horizontal},
-        {true, false, true, TActionTools::dtSelecting, corners | vertical},
-        {true, true, false, TActionTools::dtSelecting, corners | horizontal},
-        {false, true, true, TActionTools::dtSelecting, corners},
-        {true, true, true, TActionTools::dtRotating, corners},
-        {true, true, true, TActionTools::dtRotateSelecting, corners},
+    // {side hot, horizontal, vertical, state, handles drawn}
+    using A = TActionTools;
+    const std::tuple<bool, bool, bool, A, unsigned> cases[] = {
+        {true, true, true, A::dtSelecting, corners | vertical | horizontal},
+        {true, false, true, A::dtSelecting, corners | vertical},
+        {true, true, false, A::dtSelecting, corners | horizontal},
+        {false, true, true, A::dtSelecting, corners},
+        {true, true, true, A::dtRotating, corners},
+        {true, true, true, A::dtRotateSelecting, corners},
     };
-    for (const TCase &c : cases) {
-        r->SetShowSideHot(c.SideHot);
-        r->SetShowHorizontalSideHot(c.Horizontal);
-        r->SetShowVerticalSideHot(c.Vertical);
-        host.Action = c.State;
-        EXPECT_EQ(DrawnHandles(*r), std::make_pair(c.Drawn, true)) << &c - cases;
+    for (auto [side, hor, ver, state, drawn] : cases) {
+        r->SetShowSideHot(side);
+        r->SetShowHorizontalSideHot(hor);
+        r->SetShowVerticalSideHot(ver);
+        host.Action = state;
+        EXPECT_EQ(DrawnHandles(*r), std::make_pair(drawn, true))
+            << side << hor << ver << int(state);
     }
     // The surface's HotShow switches every handle off.
     host.Action = TActionTools::dtSelecting;
@@ -155,23 +153,19 @@ TEST(RectangleHitTest, InsideTheTurnedOutlineOnly)
     auto r = DrawnBy<TMyRectangle>(host, {40, 40}, {160, 80});
     QImage image = WhiteImage();
     TCanvas canvas(&image);
-    const std::tuple<int, int, bool> hits[] = {
-        {100, 60, true}, {60, 75, true}, {41, 41, true}, {39, 60, false}, {100, 85, false},
+    // {turned an eighth, x, y, hit}. Turned, (139, 99) is 55 out along the long axis (half
+    // length 60): inside. (60, 75) is inside the upright rectangle but 39 off the long axis
+    // (half width 20): outside.
+    const std::tuple<bool, int, int, bool> hits[] = {
+        {false, 100, 60, true}, {false, 60, 75, true},   {false, 41, 41, true},
+        {false, 39, 60, false}, {false, 100, 85, false}, {true, 100, 60, true},
+        {true, 139, 99, true},  {true, 60, 75, false},   {true, 45, 45, false},
     };
-    for (auto [x, y, hit] : hits)
-        EXPECT_EQ(r->IsClickedMe(canvas, {x, y}), hit) << x << "," << y;
-
-    r->RotateChangeValueByAngle({100, 60}, kPi / 4);
-    // (139, 99) is 55 out along the long axis (half length 60): inside. (60, 75) is inside
-    // the upright rectangle but 39 off the long axis (half width 20): outside.
-    const std::tuple<int, int, bool> hits2[] = {
-        {100, 60, true},
-        {139, 99, true},
-        {60, 75, false},
-        {45, 45, false},
-    };
-    for (auto [x, y, hit] : hits2)
-        EXPECT_EQ(r->IsClickedMe(canvas, {x, y}), hit) << x << "," << y;
+    for (auto [turned, x, y, hit] : hits) {
+        if (turned && r->Angle() == 0)
+            r->RotateChangeValueByAngle({100, 60}, kPi / 4);
+        EXPECT_EQ(r->IsClickedMe(canvas, {x, y}), hit) << turned << " " << x << "," << y;
+    }
     // A hollow rectangle is hit anywhere inside too: the region ignores the brush.
     TBrush hollow = r->Brush();
     hollow.Style = TBrushStyle::bsClear;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Rectangles and ellipses on the canvas: filled outlines pixel by pixel, info text, and the
-// rubber-band previews of drawing, dragging and rotating.
+// rubber-band previews of drawing, dragging, resizing and rotating. Groups and combined
+// shapes: nothing of their own on the canvas but the info text, and hit inside their box or
+// on any member.
 #include "shapes/testhost.h"
 
 #include <tessal/geometry/canvasmodes.h>
@@ -9,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <numbers>
+#include <random>
 
 namespace tessal::test {
 namespace {
@@ -24,7 +27,34 @@ void BlueOnRed(TTestHost &host, int penWidth = 1)
     host.HostBrush.Style = TBrushStyle::bsSolid;
 }
 
-void ExpectPixels(const QImage &image, std::initializer_list<std::tuple<int, int, unsigned>> px)
+void ExpectNear(TMyPoint actual, TMyPoint expected, double tolerance, const char *what)
+{
+    EXPECT_NEAR(actual.X, expected.X, tolerance) << what;
+    EXPECT_NEAR(actual.Y, expected.Y, tolerance) << what;
+}
+
+// What draw puts on a 300 x 300 image.
+template <class Draw>
+QImage Drawn300(Draw draw)
+{
+    return Drawn(draw, 300, 300);
+}
+
+// The shape's outline as DrawRectangle draws it from its corners, on a 300 x 300 image.
+QImage Outline(TMyRectangle &shape)
+{
+    return Drawn300([&](TCanvas &canvas) {
+        std::array<TPoint, 4> pts;
+        for (int i = 0; i < 4; ++i)
+            pts[std::size_t(i)] = MyPtToPt(shape.GetPointInZoom(i));
+        shape.DrawRectangle(canvas, pts);
+    });
+}
+
+// {x, y, colour} of single pixels.
+using TPixels = std::initializer_list<std::tuple<int, int, unsigned>>;
+
+void ExpectPixels(const QImage &image, TPixels px)
 {
     for (auto [x, y, rgb] : px)
         EXPECT_EQ(PixelAt(image, x, y), rgb) << x << "," << y;
@@ -36,16 +66,11 @@ TEST(RectanglePaint, UprightAndTurnedOutlineAndFill)
     BlueOnRed(host);
     auto r = DrawnBy<TMyRectangle>(host, {100, 60}, {20, 20});
     const QImage image = Painted(*r);
-    ExpectPixels(image, {{60, 20, kBlue},
-                         {100, 40, kBlue},
-                         {60, 60, kBlue},
-                         {20, 40, kBlue},
-                         {20, 20, kBlue},
-                         {100, 60, kBlue},
-                         {60, 18, kWhite},
-                         {102, 40, kWhite},
-                         {60, 62, kWhite},
-                         {18, 40, kWhite}});
+    const TPixels outline = {
+        {60, 20, kBlue},  {100, 40, kBlue}, {60, 60, kBlue},   {20, 40, kBlue},  {20, 20, kBlue},
+        {100, 60, kBlue}, {60, 18, kWhite}, {102, 40, kWhite}, {60, 62, kWhite}, {18, 40, kWhite},
+    };
+    ExpectPixels(image, outline);
     EXPECT_EQ(CountPixels(image, QRect(22, 22, 77, 37), kRed), 77 * 37);
 
     BlueOnRed(host, 3);
@@ -152,34 +177,17 @@ TEST(ShapePreview, DragAndRotatePreviewsMatchTheEditedShape)
     host.ZoomValue = 2;
     auto r = DrawnBy<TMyRectangle>(host, {60, 60}, {180, 140});
     r->RotateChangeValueByAngle(r->GetCenterPoint(), 0.3);
-    auto outline = [](TMyRectangle &shape) {
-        return Drawn(
-            [&](TCanvas &canvas) {
-                std::array<TPoint, 4> pts;
-                for (int i = 0; i < 4; ++i)
-                    pts[std::size_t(i)] = MyPtToPt(shape.GetPointInZoom(i));
-                shape.DrawRectangle(canvas, pts);
-            },
-            300, 300);
-    };
-    const QImage dragPreview = Drawn(
-        [&](TCanvas &canvas) {
-            r->Draging(canvas, {10, 10}, {37, 2});
-        },
-        300, 300);
-    const QImage turnPreview = Drawn(
-        [&](TCanvas &canvas) {
-            r->Rotating(canvas, {150, 120}, 0.7);
-        },
-        300, 300);
+    const auto drag = [&](TCanvas &canvas) { r->Draging(canvas, {10, 10}, {37, 2}); };
+    const auto turn = [&](TCanvas &canvas) { r->Rotating(canvas, {150, 120}, 0.7); };
+    const QImage dragPreview = Drawn300(drag), turnPreview = Drawn300(turn);
     TMyRectangle moved(&host), turned(&host);
     moved.Assign(*r);
     turned.Assign(*r);
     moved.DragChangeValue({10, 10}, {37, 2});
     turned.RotateChangeValueByAngle({75, 60}, 0.7);
-    EXPECT_TRUE(ImagesEqual(dragPreview, outline(moved)));
-    EXPECT_TRUE(ImagesEqual(turnPreview, outline(turned)));
-    EXPECT_FALSE(ImagesEqual(dragPreview, outline(*r)));
+    EXPECT_TRUE(ImagesEqual(dragPreview, Outline(moved)));
+    EXPECT_TRUE(ImagesEqual(turnPreview, Outline(turned)));
+    EXPECT_FALSE(ImagesEqual(dragPreview, Outline(*r)));
 
     host.ZoomValue = 1;
     auto e = DrawnBy<TMyEllipse>(host, {20, 20}, {100, 60});
@@ -190,14 +198,153 @@ TEST(ShapePreview, DragAndRotatePreviewsMatchTheEditedShape)
     });
     // Black on the moved extremes; white on the unmoved bottom point, inside (no fill) and
     // at the moved box's corner.
-    ExpectPixels(image, {{90, 110, kBlack},
-                         {130, 90, kBlack},
-                         {90, 70, kBlack},
-                         {50, 90, kBlack},
-                         {60, 60, kWhite},
-                         {90, 90, kWhite},
-                         {52, 72, kWhite}});
+    const TPixels draggedOutline = {
+        {90, 110, kBlack}, {130, 90, kBlack}, {90, 70, kBlack}, {50, 90, kBlack},
+        {60, 60, kWhite},  {90, 90, kWhite},  {52, 72, kWhite},
+    };
+    ExpectPixels(image, draggedOutline);
     EXPECT_EQ(e->Points()[0], (TMyPoint{20, 20})); // previews change nothing
+}
+
+// Side of the opposite corner o that p lies on, per axis, inclusive.
+bool SameSide(float p, float target, float o)
+{
+    return (double(p) - o) * (double(target) - o) >= 0;
+}
+
+// Every handle of random turned rectangles dragged to random places: either nothing
+// changes (and the target lies beyond the opposite corner) or the result is a rectangle of
+// the same angle whose far side or corner stayed where it was; the Sizing preview always
+// shows exactly the rectangle the resize produces.
+TEST(RectangleResize, RandomDragsStayRectanglesAndMatchTheirPreview)
+{
+    TTestHost host(300, 300);
+    std::mt19937 rng(20240611);
+    std::uniform_real_distribution<float> coord(60, 240);
+    std::uniform_real_distribution<float> angle(-3.1f, 3.1f);
+    std::uniform_int_distribution<int> hot(0, 7), target(20, 280);
+    int refused = 0, accepted = 0;
+    for (int n = 0; n < 300; ++n) {
+        const TPoint p0{int(coord(rng)), int(coord(rng))}, p2{int(coord(rng)), int(coord(rng))};
+        if (std::abs(p0.X - p2.X) < 4 || std::abs(p0.Y - p2.Y) < 4)
+            continue;
+        auto r = DrawnBy<TMyRectangle>(host, p0, p2);
+        const float a = angle(rng);
+        r->RotateChangeValueByAngle(r->GetCenterPoint(), a);
+        const TMyPoint c = r->GetCenterPoint();
+        const TMyPointArray before = r->Points();
+        const int h = hot(rng);
+        const int m = h % 4;
+        const TPoint to{target(rng), target(rng)};
+        // Upright frame: the moved corner, the opposite corner and the target.
+        const TMyPoint pm = RotateAPoint(before[m], c, -a);
+        const TMyPoint po = RotateAPoint(before[(m + 2) % 4], c, -a);
+        const TMyPoint tu = RotateAPoint(PtToMyPt(to), c, -a);
+        if (std::abs(tu.X - po.X) < 0.05f || std::abs(tu.Y - po.Y) < 0.05f)
+            continue; // too close to the boundary for float rounding to decide
+
+        TMyRectangle copy(&host);
+        copy.Assign(*r);
+        copy.SetCurrentHot(h);
+        r->SetCurrentHot(h);
+        const QImage preview = Drawn300([&](TCanvas &canvas) { r->Sizing(canvas, {0, 0}, to); });
+        r->SizeChangeValue({0, 0}, PtToMyPt(to));
+        EXPECT_TRUE(ImagesEqual(preview, Outline(*r))) << "case " << n << " hot " << h;
+
+        const bool expectAccepted = SameSide(pm.X, tu.X, po.X) && SameSide(pm.Y, tu.Y, po.Y);
+        if (!expectAccepted) {
+            ++refused;
+            EXPECT_EQ(r->Points(), before) << "case " << n;
+            continue;
+        }
+        ++accepted;
+        EXPECT_FLOAT_EQ(r->Angle(), copy.Angle());
+        TMyPoint u[4];
+        for (int i = 0; i < 4; ++i)
+            u[i] = RotateAPoint(r->Points()[std::size_t(i)], c, -a);
+        const double tol = 0.02;
+        for (int i = 0; i < 4; ++i) // sides alternately horizontal and vertical
+            EXPECT_NEAR(i % 2 ? u[i].X : u[i].Y, i % 2 ? u[(i + 1) % 4].X : u[(i + 1) % 4].Y, tol)
+                << "case " << n << " side " << i;
+        // The corner or side across from the handle stays.
+        for (int k : {2, 3}) {
+            if (h < 4 && k == 3)
+                break;
+            const std::size_t f = std::size_t((m + k) % 4);
+            ExpectNear(r->Points()[f], before[f], tol, "fixed corner");
+        }
+        if (h < 4)
+            ExpectNear(r->Points()[std::size_t(m)], PtToMyPt(to), tol, "dragged corner");
+        else
+            ExpectNear(u[m], h == 4 || h == 6 ? TMyPoint{pm.X, tu.Y} : TMyPoint{tu.X, pm.Y}, tol,
+                       "dragged side");
+    }
+    EXPECT_GT(refused, 20);
+    EXPECT_GT(accepted, 60);
+}
+
+// A member whose hit test reaches beyond the group's box, as a line's tolerance band does.
+class TProbe : public TMyShape
+{
+public:
+    using TMyShape::TMyShape;
+    TRect HitArea;
+    int Asked = 0;
+    bool IsClickedMe(TCanvas &, TPoint p) override
+    {
+        ++Asked;
+        return HitArea.Contains(p);
+    }
+};
+
+struct TGroupFixture
+{
+    TTestHost Host;
+    TProbe *Probe = nullptr;
+    std::unique_ptr<TMyGroup> Group;
+
+    explicit TGroupFixture(bool combine)
+        : Group(combine ? std::make_unique<TMyCombine>(&Host) : std::make_unique<TMyGroup>(&Host))
+    {
+        Host.HostBrush.Color = clRed;
+        Host.Add(DrawnBy<TMyRectangle>(Host, {20, 20}, {60, 50}));
+        Probe = static_cast<TProbe *>(Host.Add(std::make_unique<TProbe>(&Host)));
+        Probe->Points() = {{80, 40}, {120, 80}};
+        Probe->HitArea = TRect(78, 38, 123, 83);
+        // The group's corners are the members' common box, 20,20 .. 120,80.
+        Group->AddPointByMouse({20, 20});
+        Group->AddPointByMouse({120, 80});
+        Group->ChildShapes() = {0, 1, 7}; // 7 names no shape: skipped
+    }
+};
+
+// Plain groups and combined shapes alike: nothing of their own on the canvas but the info
+// text; hit inside their box or on any member, and never through themselves.
+TEST(Group, DrawsOnlyItsInfoAndIsHitInsideItsBoxOrOnAMember)
+{
+    for (bool combine : {false, true}) {
+        SCOPED_TRACE(combine);
+        TGroupFixture f(combine);
+        EXPECT_TRUE(AllWhite(Painted(*f.Group)));
+        f.Group->SetTextPoint({70, 100});
+        f.Group->SetInfo("G");
+        const QImage image = Painted(*f.Group);
+        EXPECT_FALSE(AllWhite(image, QRect(55, 90, 30, 20)));
+        EXPECT_TRUE(AllWhite(image, QRect(0, 0, 200, 85)));
+
+        TCanvas &canvas = *f.Host.ScreenCanvas();
+        EXPECT_TRUE(f.Group->IsClickedMe(canvas, {70, 70})); // box, between the members
+        EXPECT_TRUE(f.Group->IsClickedMe(canvas, {30, 30}));
+        // Outside the box but within the probe member's reach.
+        EXPECT_TRUE(f.Group->IsClickedMe(canvas, {121, 81}));
+        EXPECT_GT(f.Probe->Asked, 0);
+        EXPECT_FALSE(f.Group->IsClickedMe(canvas, {124, 81}));
+        EXPECT_FALSE(f.Group->IsClickedMe(canvas, {10, 10}));
+        f.Host.Add(std::unique_ptr<TMyShape>(f.Group.release()));
+        TMyShape *group = f.Host.Shapes.back().get();
+        group->ChildShapes() = {2, 0};
+        EXPECT_FALSE(group->IsClickedMe(canvas, {150, 150}));
+    }
 }
 
 } // namespace
