@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <numeric>
 
 namespace tessal {
 
@@ -292,8 +293,7 @@ void TMyCAD::BringToFront(TMyShape *shape, bool record)
         TMyShape *const one[] = {shape};
         PushtoUndoRedoShapeList(one, 0, ACT_BRINGTOFRONT);
     }
-    while (TMyShape *next = GetNextSingleorRootShape(GetShapeNoInMyShapes(shape)))
-        SwapShape(shape, next);
+    RotateToEnd(shape, true);
     DocumentChanged();
 }
 
@@ -305,8 +305,7 @@ void TMyCAD::SendToBack(TMyShape *shape, bool record)
         TMyShape *const one[] = {shape};
         PushtoUndoRedoShapeList(one, 0, ACT_SENDTOBACK);
     }
-    while (TMyShape *prev = GetPrevSingleorRootShape(GetShapeNoInMyShapes(shape)))
-        SwapShape(shape, prev);
+    RotateToEnd(shape, false);
     DocumentChanged();
 }
 
@@ -334,6 +333,40 @@ void TMyCAD::SendToBackByStep(TMyShape *shape, bool record)
     if (TMyShape *prev = GetPrevSingleorRootShape(GetShapeNoInMyShapes(shape)))
         SwapShape(shape, prev);
     DocumentChanged();
+}
+
+// The shape is exchanged with each top-level shape above it (toFront) or below it in turn,
+// as far as they go: it takes the place of the last of them and each of them the place of
+// the one before, while group members stay where they are. One renumbering does what the
+// chain of exchanges would, instead of one for every shape passed.
+void TMyCAD::RotateToEnd(TMyShape *shape, bool toFront)
+{
+    const std::int32_t from = GetShapeNoInMyShapes(shape);
+    const auto count = std::int32_t(m_Shapes.size());
+    std::vector<std::int32_t> places;
+    for (std::int32_t i = toFront ? from + 1 : 0; i < (toFront ? count : from); ++i)
+        if (m_Shapes[std::size_t(i)]->ParentNo() == -1)
+            places.push_back(i);
+    if (places.empty())
+        return;
+    places.insert(toFront ? places.begin() : places.end(), from);
+    std::vector<std::int32_t> newNo(m_Shapes.size());
+    std::iota(newNo.begin(), newNo.end(), 0);
+    const std::size_t last = places.size() - 1;
+    std::vector<std::unique_ptr<TMyShape>> moving(places.size());
+    for (std::size_t i = 0; i <= last; ++i) {
+        const std::size_t to = toFront ? (i == 0 ? last : i - 1) : (i == last ? 0 : i + 1);
+        newNo[std::size_t(places[i])] = places[to];
+        moving[i] = std::move(m_Shapes[std::size_t(places[i])]);
+    }
+    for (std::size_t i = 0; i <= last; ++i)
+        m_Shapes[std::size_t(newNo[std::size_t(places[i])])] = std::move(moving[i]);
+    ShapesRenumbered();
+    RenumberRelations([&newNo](std::int32_t n) {
+        return n >= 0 && std::size_t(n) < newNo.size() ? newNo[std::size_t(n)] : n;
+    });
+    for (const auto &each : m_Shapes)
+        std::sort(each->ChildShapes().begin(), each->ChildShapes().end());
 }
 
 // Child lists are kept ascending, which an exchange of two numbers can upset.

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <numbers>
+#include <random>
 
 using namespace tessal;
 using namespace tessal::test;
@@ -239,6 +240,40 @@ TEST(Commands, StackingOrderAmongRoots)
     cad.PopFromUndoRedoShapeList(); // a one step back
     cad.PopFromUndoRedoShapeList(); // f one step up
     EXPECT_EQ(OrderOfIds(cad), original);
+}
+
+// Bringing a shape to the front or sending it to the back leaves the drawing that exchanging
+// it with each top-level shape on its way leaves, order and relations: random drawings with
+// nested groups, connectors and locked shapes, top-level shapes and members moved both ways.
+TEST(Commands, RestackingToAnEndEqualsTheExchangesOnTheWay)
+{
+    for (unsigned seed = 1; seed <= 30; ++seed) {
+        TMyCAD direct, stepwise;
+        for (TMyCAD *cad : {&direct, &stepwise}) {
+            std::mt19937 same(seed);
+            BuildRandomDrawing(*cad, same);
+        }
+        std::mt19937 rng(seed + 100);
+        for (int k = 0; k < 6; ++k) {
+            const auto no = std::int32_t(rng() % std::uint32_t(direct.GetShapesCount()));
+            const bool front = rng() % 2 == 0;
+            if (front)
+                direct.BringToFront(direct.GetShapeByNo(no), false);
+            else
+                direct.SendToBack(direct.GetShapeByNo(no), false);
+            TMyShape *shape = stepwise.GetShapeByNo(no);
+            const auto next = [&] {
+                const std::int32_t at = stepwise.GetShapeNoInMyShapes(shape);
+                return front ? stepwise.GetNextSingleorRootShape(at)
+                             : stepwise.GetPrevSingleorRootShape(at);
+            };
+            while (TMyShape *other = next())
+                stepwise.SwapShape(shape, other);
+            ASSERT_TRUE(RelationsValid(direct)) << "seed " << seed;
+            ASSERT_EQ(OrderOfIds(direct), OrderOfIds(stepwise)) << "seed " << seed;
+            ASSERT_EQ(Snapshot(direct), Snapshot(stepwise)) << "seed " << seed;
+        }
+    }
 }
 
 TEST(Commands, SwapKeepsConnectorsAndGroupsOnTheirShapes)

@@ -400,34 +400,6 @@ TEST(Document, LayerEditsAndShapesOnLayers)
     EXPECT_EQ(cad.GetShapesCount(), 0);
 }
 
-namespace {
-
-// Rectangles, connectors between them, groups (some nested) and locked shapes.
-void BuildRandomDrawing(TMyCAD &cad, std::mt19937 &rng)
-{
-    std::uniform_real_distribution<float> at(0, 500);
-    std::vector<TMyShape *> boxes;
-    for (int i = 0; i < 24; ++i) {
-        const float x = at(rng), y = at(rng);
-        boxes.push_back(AddRectangle(cad, x, y, x + 40, y + 30));
-    }
-    for (int i = 0; i < 8; ++i)
-        AddConnector(cad, boxes[rng() % boxes.size()], boxes[rng() % boxes.size()]);
-    for (int i = 0; i < 6; ++i) {
-        std::vector<TMyShape *> members;
-        for (TMyShape *box : {boxes[rng() % boxes.size()], boxes[rng() % boxes.size()]}) {
-            TMyShape *root = cad.GetRootParentShape(box);
-            if (std::find(members.begin(), members.end(), root) == members.end())
-                members.push_back(root);
-        }
-        cad.GroupShapes(members, false);
-    }
-    for (int i = 0; i < 3; ++i)
-        boxes[rng() % boxes.size()]->SetLockedFlag(true);
-}
-
-} // namespace
-
 // Deleting a selection at once leaves the drawing that deleting its shapes one after the
 // other leaves, the way a handler of the deletions sees them: random drawings, random
 // selections of top-level shapes, members and connectors.

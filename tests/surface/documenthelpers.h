@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <array>
 #include <map>
+#include <random>
 #include <span>
 #include <vector>
 
@@ -199,6 +200,30 @@ inline ::testing::AssertionResult SameBytes(const QByteArray &now, const QByteAr
            << "sizes " << now.size() << " and " << expected.size() << ", first difference at " << at
            << ": " << now.mid(at, 24).toHex(' ').toStdString() << " instead of "
            << expected.mid(at, 24).toHex(' ').toStdString();
+}
+
+// Rectangles, connectors between them, groups (some nested) and locked shapes.
+inline void BuildRandomDrawing(TMyCAD &cad, std::mt19937 &rng)
+{
+    std::uniform_real_distribution<float> at(0, 500);
+    std::vector<TMyShape *> boxes;
+    for (int i = 0; i < 24; ++i) {
+        const float x = at(rng), y = at(rng);
+        boxes.push_back(AddRectangle(cad, x, y, x + 40, y + 30));
+    }
+    for (int i = 0; i < 8; ++i)
+        AddConnector(cad, boxes[rng() % boxes.size()], boxes[rng() % boxes.size()]);
+    for (int i = 0; i < 6; ++i) {
+        std::vector<TMyShape *> members;
+        for (TMyShape *box : {boxes[rng() % boxes.size()], boxes[rng() % boxes.size()]}) {
+            TMyShape *root = cad.GetRootParentShape(box);
+            if (std::find(members.begin(), members.end(), root) == members.end())
+                members.push_back(root);
+        }
+        cad.GroupShapes(members, false);
+    }
+    for (int i = 0; i < 3; ++i)
+        boxes[rng() % boxes.size()]->SetLockedFlag(true);
 }
 
 // Whatever the index answers for the squares of the given sides laid every step over area
