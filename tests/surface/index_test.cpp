@@ -424,6 +424,17 @@ TEST(ShapeIndex, PressCandidatesComeFromTheTopAndCoverTheReach)
             }
             check();
         }
+        // A shape the index never held is passed over; once more than a quarter of the
+        // slots are empty, the index asks to be made again.
+        owned.push_back(cad.CreateShapeByName(QStringLiteral("TMyLine")));
+        TMyShape *const stranger[] = {owned.back().get()};
+        index.Remove(stranger);
+        EXPECT_EQ(index.Count(), std::int32_t(entries.size()));
+        std::vector<TMyShape *> quarter;
+        for (std::size_t k = 0; k < entries.size() / 4; ++k)
+            quarter.push_back(const_cast<TMyShape *>(entries[k].Shape));
+        index.Remove(quarter);
+        EXPECT_TRUE(index.IsStale());
         EXPECT_GT(seen, 2000) << "the presses must meet shapes for the check to mean anything";
     }
 }
