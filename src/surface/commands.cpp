@@ -250,7 +250,19 @@ void TMyCAD::Align(std::int32_t edge)
     }
     for (TMyShape *shape : shapes)
         ChangeLinkShapes(shape);
-    DocumentChanged();
+    CommandChangedGeometry(shapes);
+}
+
+// The index takes the changed shapes (with their members) in one by one, or is made again
+// when they are a large part of the drawing. Connectors that followed them report
+// themselves as they are routed again.
+void TMyCAD::CommandChangedGeometry(std::span<TMyShape *const> shapes)
+{
+    if (shapes.size() > std::size_t(GetShapesCount() / 8))
+        ShapesRenumbered();
+    for (TMyShape *shape : shapes)
+        ShapeGeometryChanged(shape);
+    Invalidate();
 }
 
 void TMyCAD::AlignLeft()
@@ -411,7 +423,7 @@ void TMyCAD::FlipShape(TMyShape *shape, bool horizontal)
     TMyShape *const one[] = {shape};
     PushtoUndoRedoShapeList(one, 0, ACT_CHANGE);
     FlipTree(shape, horizontal, 0);
-    DocumentChanged();
+    CommandChangedGeometry(one);
 }
 
 void TMyCAD::FlipHoriz(TMyShape *shape)
@@ -438,7 +450,13 @@ void TMyCAD::Rotate(TMyShape *shape, float angle)
         m_OnShapeCodeRotating(this, shape, angle);
     shape->SetAngle(angle);
     ChangeLinkShapes(shape);
-    DocumentChanged();
+    if (m_OnShapeCodeRotating) {
+        // The handler may have changed anything.
+        DocumentChanged();
+        return;
+    }
+    TMyShape *const one[] = {shape};
+    CommandChangedGeometry(one);
 }
 
 float TMyCAD::Tilt(TMyShape *shape, TMyPoint centre, TMyPoint from, TMyPoint to, bool constrained)
