@@ -346,7 +346,7 @@ public:
 
 protected:
     double Zoom() const { return m_Host->Zoom(); }
-    void Repaint() const { m_Host->RequestRepaint(); }
+    void Repaint() { m_Host->ShapeChanged(*this); }
     // The plain setters' pattern: nothing for an equal value, else store and, when the value
     // shows, ask for a repaint.
     template <typename T>

@@ -89,6 +89,13 @@ public:
 
     // Requests a repaint later; never paints at once.
     virtual void RequestRepaint() = 0;
+    // The shape's own state changed through one of its setters (points, pen, texts, a flip):
+    // a repaint is due, and whatever the host keeps about the shape is out of date.
+    virtual void ShapeChanged(TMyShape &shape)
+    {
+        (void)shape;
+        RequestRepaint();
+    }
     // Turns the shape together with its group to the absolute angle (radians) about the
     // centre of its root group, or its own centre when ungrouped.
     virtual void RotateShapeTo(TMyShape *shape, double angle) = 0;

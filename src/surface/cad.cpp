@@ -66,7 +66,14 @@ void TMyCAD::RotateShapeTo(TMyShape *shape, double angle)
     TMyShape *root = GetRootParentShape(shape);
     const double delta = angle - shape->Angle();
     RotateTree(root, root->GetCenterPoint(), delta, 0);
-    DocumentChanged();
+    ShapeGeometryChanged(root);
+    Invalidate();
+}
+
+void TMyCAD::ShapeChanged(TMyShape &shape)
+{
+    ShapeGeometryChanged(&shape);
+    Invalidate();
 }
 
 // Depth guards against a corrupt group whose child list leads back to an ancestor: no

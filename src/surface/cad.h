@@ -917,6 +917,7 @@ public:
     std::int32_t ScreenPixelsPerInch() const override { return logicalDpiX(); }
     // A shape asking to be repainted may have changed any of its geometry.
     void RequestRepaint() override { DocumentChanged(); }
+    void ShapeChanged(TMyShape &shape) override;
     void RotateShapeTo(TMyShape *shape, double angle) override;
     void LockShape(TMyShape *shape, bool locked) override;
     THotHighlight &HotHighlight() override { return m_HotHighlight; }

@@ -386,6 +386,11 @@ void TMyCAD::ShapeGeometryChanged(TMyShape *shape)
 {
     if (!shape || !m_Index || m_Index->IsStale())
         return;
+    // Code that sets a property of every shape of a big drawing reports each one.
+    if (m_Index->ChangesSinceRebuild() > std::max<std::int64_t>(4096, m_Index->Count() / 64)) {
+        m_Index->MarkStale();
+        return;
+    }
     TMyShape *root = GetRootParentShape(shape);
     const std::int32_t no = m_Index->NumberOf(root);
     if (no < 0) {

@@ -54,6 +54,7 @@ void TShapeIndex::Rebuild(std::vector<TEntry> entries, double zoom)
     m_Press.reset();
     m_Entries = std::move(entries);
     m_Removed.clear();
+    m_Changes = 0;
     m_Slots.clear();
     m_Slots.reserve(m_Entries.size());
     std::vector<TTree::TValue> values;
@@ -100,6 +101,7 @@ void TShapeIndex::Replace(std::int32_t no, const TShapeExtent &extent)
 void TShapeIndex::ReplaceSlot(std::int32_t slot, const TShapeExtent &extent)
 {
     const auto i = std::size_t(slot);
+    ++m_Changes;
     const TIndexCandidate item{slot, m_Entries[i].Connector};
     if (m_Entries[i].Extent.Indexed) {
         m_Tree->Tree.remove(TTree::TValue(TTree::Box(PaddedBox(m_Entries[i].Extent)), item));

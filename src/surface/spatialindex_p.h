@@ -87,6 +87,9 @@ public:
     void Remove(std::span<TMyShape *const> shapes);
     static constexpr std::size_t RemovedKept = 64;
     void MarkStale() { m_Stale = true; }
+    // Entries changed one by one since the last rebuild; past a share of the whole, a
+    // rebuild costs less than taking in more of them singly.
+    std::int64_t ChangesSinceRebuild() const { return m_Changes; }
     bool IsStale() const { return m_Stale; }
 
     double Zoom() const { return m_Zoom; }
@@ -135,6 +138,7 @@ private:
     double m_TreeZoom = 1.0;
     std::int32_t m_MaxPad = 0;
     bool m_Stale = true;
+    std::int64_t m_Changes = 0;
 };
 
 } // namespace tessal

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The spatial index against a plain scan of the shape list, on random drawings that change.
+#include "documenthelpers.h"
 #include "rendertestshapes.h"
 
 #include <tessal/shapes/line.h>
@@ -175,6 +176,13 @@ TEST(ShapeIndex, AnswersWhatTheScanAnswersThroughReportedChanges)
     shape->SetPen(TPen{clRed, TPenMode::pmCopy, TPenStyle::psSolid, 40});
     EXPECT_TRUE(has(TRect(520, 104, 530, 106)));
     drawing.ExpectAgreement(20);
+    // A turn through a member's setter turns its whole group about the group's centre.
+    const std::int32_t group = member->ParentNo();
+    const TRect before = cad.ShapeScreenRect(cad.GetShapeByNo(group));
+    member->SetAngle(1.2f);
+    const TRect after = cad.ShapeScreenRect(cad.GetShapeByNo(group));
+    ASSERT_NE(before, after);
+    EXPECT_TRUE(IndexAgreesWithTheScan(cad, before.United(after), 4, {3}));
     // The layer's visibility is read at query time.
     cad.Invalidate();
     drawing.ExpectAgreement(10);
