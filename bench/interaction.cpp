@@ -3,7 +3,8 @@
 // that selects what lies under it (a hit test through the spatial index against
 // QGraphicsScene::itemAt with its BSP tree), and the feedback of one mouse move while 1 or
 // 1,000 selected shapes are dragged (against moving the same selected items and repainting),
-// and likewise the whole-drawing drag, zoom steps, rubber bands and deletions.
+// and likewise the whole-drawing drag, zoom steps, bringing to the front, rubber bands and
+// deletions.
 // The ratios of the medians are printed at the end.
 #include <tessal/shapes/shape.h>
 #include <tessal/surface/cad.h>
@@ -342,6 +343,36 @@ void BM_SceneDelete(benchmark::State &state)
     }
 }
 
+// Bringing a shape picked at random to the front, with the repaint, against raising an
+// item above all others.
+void BM_TessalRestack(benchmark::State &state)
+{
+    const auto &items = ItemsOf(int(state.range(0)));
+    TTessalWorld world(items);
+    world.cad->repaint();
+    std::mt19937 rng(8);
+    for (auto _ : state) {
+        const auto no = std::int32_t(rng() % std::uint32_t(world.cad->GetShapesCount()));
+        world.cad->BringToFront(world.cad->GetShapeByNo(no), true);
+        world.cad->repaint();
+        QCoreApplication::processEvents();
+    }
+}
+
+void BM_SceneRestack(benchmark::State &state)
+{
+    const auto &items = ItemsOf(int(state.range(0)));
+    TSceneWorld world(items);
+    const QList<QGraphicsItem *> all = world.scene->items(Qt::AscendingOrder);
+    std::mt19937 rng(8);
+    qreal top = 0;
+    for (auto _ : state) {
+        all[qsizetype(rng() % std::uint32_t(all.size()))]->setZValue(++top);
+        world.view->viewport()->repaint();
+        QCoreApplication::processEvents();
+    }
+}
+
 // Rubber bands of 400 x 300 pixels over the drawing, each started on paper that no shape
 // takes (on a dense drawing the press would otherwise drag what it hits).
 struct TBand
@@ -455,6 +486,8 @@ BENCHMARK(BM_SceneDelete)
     ->Arg(100)
     ->Repetitions(Repetitions)
     ->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_TessalRestack)->Arg(1000000)->Repetitions(Repetitions)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_SceneRestack)->Arg(1000000)->Repetitions(Repetitions)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_TessalBand)->Arg(1000000)->Repetitions(Repetitions)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_SceneBand)->Arg(1000000)->Repetitions(Repetitions)->Unit(benchmark::kMicrosecond);
 
@@ -468,6 +501,7 @@ void PrintRatios(const tessal::bench::TTimesReporter &times)
                               {"BM_TessalWholeDragMove", "BM_SceneWholeDragMove", "1000000"},
                               {"BM_TessalZoom", "BM_SceneZoom", "1000000"},
                               {"BM_TessalBand", "BM_SceneBand", "1000000"},
+                              {"BM_TessalRestack", "BM_SceneRestack", "1000000"},
                               {"BM_TessalDelete", "BM_SceneDelete", "1"},
                               {"BM_TessalDelete", "BM_SceneDelete", "100"}};
     for (const auto &pair : pairs) {

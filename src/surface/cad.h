@@ -1210,7 +1210,7 @@ private:
     // negative answer removes the reference. Each shape also stores its place in the list,
     // in the same pass: on a big drawing every touch of a shape is a cache miss.
     void RenumberRelations(const std::function<std::int32_t(std::int32_t)> &map);
-    void RotateToEnd(TMyShape *shape, bool toFront);
+    bool RotateToEnd(TMyShape *shape, bool toFront);
     void CommandChangedGeometry(std::span<TMyShape *const> shapes);
     void ForgetShape(const TMyShape *shape);
     void RemoveLayerAt(std::int32_t no);

@@ -3,6 +3,7 @@
 // and turning.
 #include <tessal/surface/cad.h>
 #include <tessal/surface/grouping_p.h>
+#include <tessal/surface/spatialindex_p.h>
 
 #include <tessal/shapes/link.h>
 #include <tessal/shapes/rectangle.h>
@@ -305,8 +306,10 @@ void TMyCAD::BringToFront(TMyShape *shape, bool record)
         TMyShape *const one[] = {shape};
         PushtoUndoRedoShapeList(one, 0, ACT_BRINGTOFRONT);
     }
-    RotateToEnd(shape, true);
-    DocumentChanged();
+    if (RotateToEnd(shape, true))
+        Invalidate();
+    else
+        DocumentChanged();
 }
 
 void TMyCAD::SendToBack(TMyShape *shape, bool record)
@@ -351,7 +354,10 @@ void TMyCAD::SendToBackByStep(TMyShape *shape, bool record)
 // as far as they go: it takes the place of the last of them and each of them the place of
 // the one before, while group members stay where they are. One renumbering does what the
 // chain of exchanges would, instead of one for every shape passed.
-void TMyCAD::RotateToEnd(TMyShape *shape, bool toFront)
+//
+// True when the spatial index was kept: when every shape above goes one place down, the
+// shape leaves the index and joins it again at the top.
+bool TMyCAD::RotateToEnd(TMyShape *shape, bool toFront)
 {
     const std::int32_t from = GetShapeNoInMyShapes(shape);
     const auto count = std::int32_t(m_Shapes.size());
@@ -360,8 +366,16 @@ void TMyCAD::RotateToEnd(TMyShape *shape, bool toFront)
         if (m_Shapes[std::size_t(i)]->ParentNo() == -1)
             places.push_back(i);
     if (places.empty())
-        return;
+        return true;
     places.insert(toFront ? places.begin() : places.end(), from);
+    const bool keepIndex =
+        toFront && places.size() == std::size_t(count - from) && m_Index && !m_Index->IsStale();
+    if (keepIndex) {
+        TMyShape *const one[] = {shape};
+        m_Index->Remove(one);
+    } else {
+        ShapesRenumbered();
+    }
     std::vector<std::int32_t> newNo(m_Shapes.size());
     std::iota(newNo.begin(), newNo.end(), 0);
     const std::size_t last = places.size() - 1;
@@ -373,12 +387,12 @@ void TMyCAD::RotateToEnd(TMyShape *shape, bool toFront)
     }
     for (std::size_t i = 0; i <= last; ++i)
         m_Shapes[std::size_t(newNo[std::size_t(places[i])])] = std::move(moving[i]);
-    ShapesRenumbered();
     RenumberRelations([&newNo](std::int32_t n) {
         return n >= 0 && std::size_t(n) < newNo.size() ? newNo[std::size_t(n)] : n;
     });
     for (const auto &each : m_Shapes)
         std::sort(each->ChildShapes().begin(), each->ChildShapes().end());
+    return keepIndex;
 }
 
 // Child lists are kept ascending, which an exchange of two numbers can upset.
