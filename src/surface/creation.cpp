@@ -150,7 +150,7 @@ TMyShape *TMyCAD::CreateAddShapeByName(const QString &className, const TMyShape 
     shape->SetCaption(name);
     if (!AddShape(shape.get(), false, false))
         return nullptr;
-    DocumentChanged();
+    Invalidate();
     return shape.release();
 }
 
@@ -171,9 +171,14 @@ std::int32_t TMyCAD::FinishShapeByCode(std::unique_ptr<TMyShape> shape, const QS
     PushtoUndoRedoShapeList(one, 0, ACT_ADD);
     m_WorkingShapes = {added};
     m_CurrentShape = added;
-    if (m_OnShapeAdded)
+    if (m_OnShapeAdded) {
         m_OnShapeAdded(this, added, GetShapesCount());
-    DocumentChanged();
+        // The handler may have changed anything.
+        DocumentChanged();
+    } else {
+        // The index takes in appended shapes at its next query.
+        Invalidate();
+    }
     return id;
 }
 

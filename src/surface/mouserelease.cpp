@@ -272,7 +272,7 @@ void TMouseMachine::FinishShape()
         cad.m_OnShapeAdded(&cad, shape, cad.GetShapesCount());
     cad.PushtoUndoRedoShapeList(std::span<TMyShape *const>(&shape, 1), 0, ACT_ADD);
     SetCurrent(nullptr);
-    FinishDrawingTool();
+    FinishDrawingTool(true);
 }
 
 // A plain line dropped with both ends on the ends of two other lines joins them into one
@@ -294,21 +294,29 @@ bool TMouseMachine::JoinLines()
         return false;
     m_Building.reset();
     SetCurrent(nullptr);
-    FinishDrawingTool();
+    FinishDrawingTool(false);
     return true;
 }
 
 // After a finished shape: back to selecting when the control asks for it, and one repaint.
-void TMouseMachine::FinishDrawingTool()
+// A shape only appended is taken in by the index at its next query; event handlers may have
+// changed anything.
+void TMouseMachine::FinishDrawingTool(bool appendedOnly)
 {
     TMyCAD &cad = m_Cad;
+    bool handled = cad.m_OnShapeAdded != nullptr;
     if (cad.m_ReturnToSelecting) {
-        if (cad.m_OnActionToolToSelecting)
+        if (cad.m_OnActionToolToSelecting) {
             cad.m_OnActionToolToSelecting(&cad);
+            handled = true;
+        }
         cad.m_ActionTool = m_Saved;
         cad.m_ShapeTool = TDrawTool::SpSelecting;
     }
-    cad.DocumentChanged();
+    if (appendedOnly && !handled)
+        cad.Invalidate();
+    else
+        cad.DocumentChanged();
 }
 
 // ---- Selecting ----
