@@ -239,16 +239,17 @@ std::int32_t TMyCAD::PopFromUndoRedoShapeList()
     std::vector<TMyShape *> regroup;
     const TUndoRecord *formerGroup = nullptr;
     std::vector<const TUndoRecord *> restore;
-    // Changes of state tell the index what they change; anything else (shapes that go, come
-    // back, regroup or change places) has it made again.
-    bool statesOnly = true;
+    // Changes of state, taken-back additions and new places tell the index what they change
+    // (or have it made again themselves); shapes that come back or regroup have it made
+    // again here.
+    bool indexKept = true;
     // Added shapes that follow one another in the step go together.
     std::vector<std::int32_t> added;
     for (std::size_t i = m_UndoList.size(); i-- > first;) {
         const TUndoRecord &record = m_UndoList[i];
         const std::int32_t id = record.Copy->ShapeId();
-        statesOnly = statesOnly &&
-                     (record.Scope != TUndoRecord::TScope::Whole || record.Action == ACT_CHANGE);
+        indexKept = indexKept && (record.Scope != TUndoRecord::TScope::Whole ||
+                                  (record.Action != ACT_DELETE && record.Action != ACT_UNGROUP));
         const bool adds = record.Scope == TUndoRecord::TScope::Whole && record.Action == ACT_ADD;
         if (!adds)
             DeleteAdded(added);
@@ -284,7 +285,7 @@ std::int32_t TMyCAD::PopFromUndoRedoShapeList()
     if (!restore.empty())
         RestoreShapes(restore);
     m_UndoList.erase(m_UndoList.begin() + std::ptrdiff_t(first), m_UndoList.end());
-    if (statesOnly)
+    if (indexKept)
         Invalidate();
     else
         DocumentChanged();
