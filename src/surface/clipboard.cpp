@@ -236,10 +236,13 @@ std::vector<TMyShape *> TMyCAD::PlaceShapes(std::vector<std::unique_ptr<TMyShape
         if (shape->ParentNo() == -1)
             m_WorkingShapes.push_back(shape);
     m_CurrentShape = m_WorkingShapes.empty() ? nullptr : m_WorkingShapes.back();
-    if (m_OnShapeAdded)
+    if (m_OnShapeAdded) {
         for (TMyShape *shape : placed)
             m_OnShapeAdded(this, shape, GetShapesCount());
-    DocumentChanged();
+        DocumentChanged(); // the handler may have changed anything
+    } else {
+        Invalidate(); // the index takes in appended shapes at its next query
+    }
     return placed;
 }
 
