@@ -166,7 +166,12 @@ std::int32_t TMyCAD::GroupShapesAs(std::span<TMyShape *const> shapes, bool recor
     }
     m_WorkingShapes = {added};
     m_CurrentShape = added;
-    DocumentChanged();
+    // The members leave the index, which takes in the appended group at its next query.
+    if (m_Index && !m_Index->IsStale())
+        for (TMyShape *root : roots)
+            if (const std::int32_t member = m_Index->NumberOf(root); member >= 0)
+                m_Index->Replace(member, TShapeExtent{});
+    Invalidate();
     return id;
 }
 
@@ -197,13 +202,19 @@ void TMyCAD::UnGroupShape(TMyShape *group, bool record)
         TMyShape *const one[] = {group};
         PushtoUndoRedoShapeList(one, 0, ACT_UNGROUP);
     }
+    std::vector<TMyShape *> members;
     for (std::int32_t member : group->ChildShapes())
-        if (TMyShape *shape = GetShapeByNo(member); shape && shape->ParentNo() == no)
+        if (TMyShape *shape = GetShapeByNo(member); shape && shape->ParentNo() == no) {
             shape->SetParentNo(-1);
+            members.push_back(shape);
+        }
     group->ChildShapes().clear();
     DeleteShapeById(group->ShapeId(), false);
     m_Ungrouping = false;
-    DocumentChanged();
+    // The former members join the index as shapes of their own.
+    for (TMyShape *member : members)
+        ShapeGeometryChanged(member);
+    Invalidate();
 }
 
 // ---- Alignment ----
