@@ -170,7 +170,7 @@ bool TShapeIndex::KeepTreeAtZoom(double zoom)
 
 void TShapeIndex::SetExtentInPlace(std::int32_t no, const TShapeExtent &extent)
 {
-    m_Entries[std::size_t(SlotOf(no))].Extent = extent;
+    m_Entries[std::size_t(m_Removed.empty() ? no : SlotOf(no))].Extent = extent;
 }
 
 // At a smaller zoom than the tree's, a pad covers more of the document than the tree's box

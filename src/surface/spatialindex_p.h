@@ -94,7 +94,10 @@ public:
 
     double Zoom() const { return m_Zoom; }
     std::int32_t Count() const { return std::int32_t(m_Entries.size() - m_Removed.size()); }
-    const TEntry &Entry(std::int32_t no) const { return m_Entries[std::size_t(SlotOf(no))]; }
+    const TEntry &Entry(std::int32_t no) const
+    {
+        return m_Entries[std::size_t(m_Removed.empty() ? no : SlotOf(no))];
+    }
     // The widest pad of any entry, or cap when one reaches it.
     std::int32_t LargestPad(std::int32_t cap) const;
     // The number of an entry's shape, -1 when the shape is not in the index.
