@@ -103,6 +103,22 @@ TEST(DrawingFile, SizeIsStoredUnzoomedAndLoadsAtZoomOne)
     EXPECT_EQ(other.size(), QSize(500, 400));
 }
 
+// The background picture, how it is laid and the ratio come back from a file.
+TEST(DrawingFile, BackgroundPictureModeAndRatioComeBack)
+{
+    TMyCAD cad;
+    TBitmap picture(3, 2);
+    picture.Fill(clRed);
+    picture.SetPixel(2, 1, clBlue);
+    cad.SetBkBitmap(picture);
+    cad.SetBkBitmapMode(TBkBitmapMode::Stretch);
+    cad.SetRatio(2.5);
+    TMyCAD other;
+    ASSERT_TRUE(Load(other, test::Saved(cad)));
+    EXPECT_EQ(std::tuple(other.BkBitmap(), other.BkBitmapMode(), other.Ratio()),
+              std::tuple(picture, TBkBitmapMode::Stretch, 2.5));
+}
+
 // A file written by hand: two layers, the second stored with visibility 2, and a shape
 // whose identity is 41.
 TEST(DrawingFile, LoadRestoresLayersIdentitiesAndNextFreeNumbers)
