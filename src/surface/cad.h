@@ -864,6 +864,7 @@ public:
     // ShapesRenumbered after the list's order or length or the group relations changed.
     void ShapeGeometryChanged(TMyShape *shape);
     void ShapesRenumbered();
+    void ShapeJoinedGroup(TMyShape *member);
 
     // ---- Export ----
     // Draws the part page (control pixels) of the document on canvas, page's top-left corner

@@ -411,12 +411,12 @@ bool TMyCAD::InsertShape(TMyShape *shape, std::int32_t no, bool noIdCount)
         return false;
     no = std::clamp(no, 0, count);
     if (no < count) {
-        RenumberRelations([no, count](std::int32_t n) { return n >= no && n < count ? n + 1 : n; });
         std::rotate(m_Shapes.begin() + no, m_Shapes.end() - 1, m_Shapes.end());
+        RenumberRelations([no, count](std::int32_t n) { return n >= no && n < count ? n + 1 : n; });
         ShapesRenumbered();
+    } else {
+        shape->SetShapeNo(count);
     }
-    for (std::size_t i = std::size_t(no); i < m_Shapes.size(); ++i)
-        m_Shapes[i]->SetShapeNo(std::int32_t(i));
     return true;
 }
 

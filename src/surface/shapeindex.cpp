@@ -406,6 +406,16 @@ void TMyCAD::ShapeGeometryChanged(TMyShape *shape)
     m_Index->Replace(no, TExtentBuilder(*this, measure).Of(root));
 }
 
+// The shape became a member: it leaves the index, and its new group is measured again.
+void TMyCAD::ShapeJoinedGroup(TMyShape *member)
+{
+    if (!m_Index || m_Index->IsStale())
+        return;
+    if (const std::int32_t no = m_Index->NumberOf(member); no >= 0)
+        m_Index->Replace(no, TShapeExtent{});
+    ShapeGeometryChanged(member);
+}
+
 void TMyCAD::ShapesRenumbered()
 {
     if (m_Index)

@@ -239,17 +239,12 @@ std::int32_t TMyCAD::PopFromUndoRedoShapeList()
     std::vector<TMyShape *> regroup;
     const TUndoRecord *formerGroup = nullptr;
     std::vector<const TUndoRecord *> restore;
-    // Changes of state, taken-back additions and new places tell the index what they change
-    // (or have it made again themselves); shapes that come back or regroup have it made
-    // again here.
-    bool indexKept = true;
+
     // Added shapes that follow one another in the step go together.
     std::vector<std::int32_t> added;
     for (std::size_t i = m_UndoList.size(); i-- > first;) {
         const TUndoRecord &record = m_UndoList[i];
         const std::int32_t id = record.Copy->ShapeId();
-        indexKept = indexKept && (record.Scope != TUndoRecord::TScope::Whole ||
-                                  (record.Action != ACT_DELETE && record.Action != ACT_UNGROUP));
         const bool adds = record.Scope == TUndoRecord::TScope::Whole && record.Action == ACT_ADD;
         if (!adds)
             DeleteAdded(added);
@@ -285,10 +280,8 @@ std::int32_t TMyCAD::PopFromUndoRedoShapeList()
     if (!restore.empty())
         RestoreShapes(restore);
     m_UndoList.erase(m_UndoList.begin() + std::ptrdiff_t(first), m_UndoList.end());
-    if (indexKept)
-        Invalidate();
-    else
-        DocumentChanged();
+    // Every operation above tells the index what it changed, or has it made again.
+    Invalidate();
     return step - 1;
 }
 
@@ -505,9 +498,18 @@ void TMyCAD::RestoreShapes(const std::vector<const TUndoRecord *> &records)
             } else if (TMyShape *child = live(childId); child && !child->HasParentShape()) {
                 child->SetParentNo(no);
                 shape->ChildShapes().push_back(GetShapeNoInMyShapes(child));
+                ShapeJoinedGroup(child);
             }
         }
         std::sort(shape->ChildShapes().begin(), shape->ChildShapes().end());
+    }
+    // Each shape entered the index on its own; those that are members leave it again and
+    // their groups are measured with them.
+    for (TMyShape *shape : restored) {
+        if (shape->HasParentShape())
+            ShapeJoinedGroup(shape);
+        else
+            ShapeGeometryChanged(shape);
     }
 }
 

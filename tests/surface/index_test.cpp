@@ -280,7 +280,8 @@ TEST(ShapeIndex, CommandsReportTheirChanges)
         agree(step);
     }
     // A removal changes the extent of shapes that stay: a locked member outlives its group
-    // as a shape of its own, and a group that loses a member shrinks.
+    // as a shape of its own, and a group that loses a member shrinks (and grows again when
+    // the deletion is taken back).
     const auto box = [&](float x) {
         const TMyPoint corners[] = {{x, 950}, {x + 40, 990}};
         return cad.GetShapeByID(cad.AddShapeByCode(TDrawTool::SpRectangle, {}, corners, 0, {}));
@@ -294,21 +295,26 @@ TEST(ShapeIndex, CommandsReportTheirChanges)
     const TRect row(0, 900, 900, 1000);
     ASSERT_EQ(cad.ShapesInRect(row), cad.ShapesInRectLinear(row));
     cad.DeleteShapeById(firstGroup, false);
-    cad.DeleteShapeById(second[1]->ShapeId(), false);
+    cad.DeleteShapeById(second[1]->ShapeId(), true);
     ASSERT_EQ(first[0]->ParentNo(), -1);
-    for (const int x : {50, 250, 450, 650, 760})
-        EXPECT_EQ(cad.ShapesInRect({x, 900, x + 100, 1000}),
-                  cad.ShapesInRectLinear({x, 900, x + 100, 1000}))
-            << x;
+    // Taken back, the member comes back into its group, which grows again.
+    for (const bool undone : {false, true}) {
+        if (undone)
+            cad.PopFromUndoRedoShapeList();
+        for (const int x : {50, 250, 450, 650, 760})
+            EXPECT_EQ(cad.ShapesInRect({x, 900, x + 100, 1000}),
+                      cad.ShapesInRectLinear({x, 900, x + 100, 1000}))
+                << x << (undone ? " undone" : "");
+    }
 
     // Moved without telling the surface, then only repainted: the index keeps its boxes.
-    TMyShape *shape = cad.GetShapeByNo(cad.GetShapesCount() - 1);
+    TMyShape *shape = first[0];
     const TRect before = cad.ShapeScreenRect(shape);
     for (std::int32_t i = 0; i < shape->GetPointsCount(); ++i)
         shape->SetPoint(i, {shape->GetPoint(i).X + 2000, shape->GetPoint(i).Y});
     cad.Invalidate();
     const std::vector<std::int32_t> stale = cad.ShapesInRect(before);
-    EXPECT_NE(std::find(stale.begin(), stale.end(), cad.GetShapesCount() - 1), stale.end());
+    EXPECT_NE(std::find(stale.begin(), stale.end(), cad.GetShapeNoInMyShapes(shape)), stale.end());
     cad.DocumentChanged();
     EXPECT_EQ(cad.ShapesInRect(before), cad.ShapesInRectLinear(before));
 }
