@@ -167,10 +167,8 @@ std::int32_t TMyCAD::GroupShapesAs(std::span<TMyShape *const> shapes, bool recor
     m_WorkingShapes = {added};
     m_CurrentShape = added;
     // The members leave the index, which takes in the appended group at its next query.
-    if (m_Index && !m_Index->IsStale())
-        for (TMyShape *root : roots)
-            if (const std::int32_t member = m_Index->NumberOf(root); member >= 0)
-                m_Index->Replace(member, TShapeExtent{});
+    for (TMyShape *root : roots)
+        ShapeJoinedGroup(root);
     Invalidate();
     return id;
 }
