@@ -204,14 +204,14 @@ TRouteEnd TMyLinkLine::RouteEndAt(TMyPoint at, std::int32_t shapeNo) const
 }
 
 std::vector<TMyPoint> TMyLinkLine::ComputeRoute(TMyPoint start, TMyPoint end,
-                                                std::span<const TRouteBox> obstacles) const
+                                                const TObstacleFinder &obstacles) const
 {
     if (m_LinkLineDrawStyle == TLinkLineDrawStyle::lldsFree)
         return {start, end};
     TRouteRequest request;
     request.Start = RouteEndAt(start, m_StartSpNo);
     request.End = RouteEndAt(end, m_EndSpNo);
-    request.Obstacles.assign(obstacles.begin(), obstacles.end());
+    request.FindObstacles = obstacles;
     return RouteOrthogonal(request);
 }
 

@@ -6,7 +6,6 @@
 #include <tessal/shapes/rectangle.h>
 #include <tessal/shapes/routing.h>
 
-#include <span>
 #include <vector>
 
 namespace tessal {
@@ -90,9 +89,9 @@ public:
     std::vector<TMyPoint> GetPath(TMyPoint start, TMyPoint end) const;
     // The connector's own share of that computation: the two ends with the boxes and magic
     // points of the shapes they are bound to, routed around obstacles (screen boxes that the
-    // host chose). lldsFree answers start and end.
+    // host finds by area; none without a finder). lldsFree answers start and end.
     std::vector<TMyPoint> ComputeRoute(TMyPoint start, TMyPoint end,
-                                       std::span<const TRouteBox> obstacles) const;
+                                       const TObstacleFinder &obstacles) const;
     // Stores the host's route between the live ends as the points, moves the caption anchor
     // to the middle of the route and clears the re-route flag. Nothing while a free end has
     // no point of its own to start from.

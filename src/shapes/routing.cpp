@@ -3,6 +3,8 @@
 // turn penalty, and the merging of collinear points.
 #include <tessal/shapes/routing.h>
 
+#include <tessal/shapes/routecrossings_p.h>
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -146,12 +148,15 @@ std::vector<double> Axis(double anchor, double target, double lo, double hi)
 class TLatticeSearch
 {
 public:
+    // soft holds the bound boxes that are only avoided where possible; the other shapes
+    // come from the request, as far as they meet the lattice.
     TLatticeSearch(const TEndPlan &start, const TEndPlan &end, std::vector<TRouteBox> hard,
-                   std::vector<TRouteBox> soft)
+                   std::vector<TRouteBox> soft, const TRouteRequest &request)
         : m_Start(start)
         , m_End(end)
         , m_Hard(std::move(hard))
-        , m_Soft(std::move(soft))
+        , m_BoundSoft(std::move(soft))
+        , m_Request(request)
     {}
 
     // The lattice nodes from the start stub to the end stub, or nothing.
@@ -159,19 +164,24 @@ public:
 
 private:
     bool BuildLattice();
+    // The boxes to avoid where possible that may meet area, with their clearance.
+    std::vector<TRouteBox> SoftMeeting(const TRouteBox &area) const;
     double Heuristic(std::size_t node) const;
     double Terminal(int dir) const;
-    // The cost of the step from node a to node b, infinite when a bound box is in the way.
-    double StepCost(TXY a, TXY b) const;
+    // The cost of the step from node to its neighbour in direction dir, infinite when a
+    // bound box is in the way.
+    double StepCost(std::size_t node, std::size_t next, int dir) const;
     TXY At(std::size_t node) const { return {m_Xs[node % m_Xs.size()], m_Ys[node / m_Xs.size()]}; }
     std::vector<TXY> Path(std::size_t state) const;
 
     TEndPlan m_Start;
     TEndPlan m_End;
     std::vector<TRouteBox> m_Hard;
-    std::vector<TRouteBox> m_Soft;
+    std::vector<TRouteBox> m_BoundSoft;
+    const TRouteRequest &m_Request;
     std::vector<double> m_Xs;
     std::vector<double> m_Ys;
+    TEdgeCrossings m_Crossings;
     std::size_t m_Goal = 0;
     std::vector<double> m_Cost;
     std::vector<std::int64_t> m_From;
@@ -189,20 +199,41 @@ bool TLatticeSearch::BuildLattice()
     for (const TRouteBox &b : m_Hard)
         grow(b);
     region = Inflated(region, Margin);
+    const auto small = [&region] {
+        const double xCount = (region.Right - region.Left) / RouteStep + 3;
+        const double yCount = (region.Bottom - region.Top) / RouteStep + 3;
+        return xCount * yCount <= double(MaxLatticeNodes);
+    };
+    // Widening only makes it larger: a region too large already asks for no shapes.
+    if (!small())
+        return false;
     // Shapes lying across the region widen it, so that the search can go round them.
     const TRouteBox core = region;
-    for (const TRouteBox &b : m_Soft) {
+    for (const TRouteBox &b : SoftMeeting(core)) {
         if (b.Right > core.Left && b.Left < core.Right && b.Bottom > core.Top &&
             b.Top < core.Bottom)
             grow(Inflated(b, RouteStep));
     }
-    const double xCount = (region.Right - region.Left) / RouteStep + 3;
-    const double yCount = (region.Bottom - region.Top) / RouteStep + 3;
-    if (!(xCount * yCount <= double(MaxLatticeNodes)))
+    if (!small())
         return false;
     m_Xs = Axis(m_Start.Stub.X, m_End.Stub.X, region.Left, region.Right);
     m_Ys = Axis(m_Start.Stub.Y, m_End.Stub.Y, region.Top, region.Bottom);
+    // No step leaves the lattice, so no other box can be in one's way.
+    const TRouteBox lattice{m_Xs.front(), m_Ys.front(), m_Xs.back(), m_Ys.back()};
+    m_Crossings = TEdgeCrossings(m_Xs, m_Ys, SoftMeeting(lattice));
     return true;
+}
+
+std::vector<TRouteBox> TLatticeSearch::SoftMeeting(const TRouteBox &area) const
+{
+    std::vector<TRouteBox> soft = m_BoundSoft;
+    const std::vector<TRouteBox> found = m_Request.FindObstacles
+                                             ? m_Request.FindObstacles(Inflated(area, Clearance))
+                                             : m_Request.Obstacles;
+    soft.reserve(soft.size() + found.size());
+    for (const TRouteBox &b : found)
+        soft.push_back(Inflated(b, Clearance));
+    return soft;
 }
 
 double TLatticeSearch::Heuristic(std::size_t node) const
@@ -220,16 +251,23 @@ double TLatticeSearch::Terminal(int dir) const
     return dir == m_End.Dir ? 100 * TurnPenalty : TurnPenalty;
 }
 
-double TLatticeSearch::StepCost(TXY a, TXY b) const
+double TLatticeSearch::StepCost(std::size_t node, std::size_t next, int dir) const
 {
+    const TXY a = At(node), b = At(next);
     for (const TRouteBox &box : m_Hard)
         if (Crosses(box, a, b))
             return Infinity;
     const double length = std::abs(b.X - a.X) + std::abs(b.Y - a.Y);
+    // The step is counted from its left or upper node.
+    const std::size_t from =
+        dir == int(Tdirections::dLeft) || dir == int(Tdirections::dTop) ? next : node;
+    const std::size_t i = from % m_Xs.size(), j = from / m_Xs.size();
+    const bool level = dir == int(Tdirections::dLeft) || dir == int(Tdirections::dRight);
+    const std::int32_t crossings = level ? m_Crossings.Level(i, j) : m_Crossings.Upright(i, j);
+    // Added one box at a time, so that the sum does not depend on how it is counted.
     double cost = length;
-    for (const TRouteBox &box : m_Soft)
-        if (Crosses(box, a, b))
-            cost += ObstacleFactor * length;
+    for (std::int32_t k = 0; k < crossings; ++k)
+        cost += ObstacleFactor * length;
     return cost;
 }
 
@@ -290,7 +328,7 @@ std::optional<std::vector<TXY>> TLatticeSearch::Run()
             if (ni < 0 || nj < 0 || ni >= std::int64_t(nx) || nj >= std::int64_t(ny))
                 continue;
             const std::size_t nextNode = std::size_t(nj) * nx + std::size_t(ni);
-            double cost = StepCost(At(node), At(nextNode));
+            double cost = StepCost(node, nextNode, next);
             if (dir != NoDirection && next != dir)
                 cost += TurnPenalty;
             const std::size_t nextState = nextNode * 5 + std::size_t(next);
@@ -355,13 +393,11 @@ std::vector<TMyPoint> RouteOrthogonal(const TRouteRequest &request)
         const bool holdsStub = InsideOpen(b, start.Stub) || InsideOpen(b, end.Stub);
         (holdsStub ? soft : hard).push_back(b);
     }
-    for (const TRouteBox &b : request.Obstacles)
-        soft.push_back(Inflated(b, Clearance));
 
     std::vector<TXY> middle;
     if (start.Stub == end.Stub)
         middle = {start.Stub};
-    else if (auto found = TLatticeSearch(start, end, hard, soft).Run())
+    else if (auto found = TLatticeSearch(start, end, hard, soft, request).Run())
         middle = std::move(*found);
     else
         middle = PlainRoute(start, end);

@@ -5,6 +5,7 @@
 #include <tessal/geometry/mypoint.h>
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -38,12 +39,19 @@ struct TRouteEnd
     TMyPoint Corner;
 };
 
+// The boxes of the shapes to avoid that meet area (screen pixels, edges included). It may
+// answer more: the search passes over boxes outside its lattice.
+using TObstacleFinder = std::function<std::vector<TRouteBox>(const TRouteBox &area)>;
+
 struct TRouteRequest
 {
     TRouteEnd Start;
     TRouteEnd End;
     // Boxes of other shapes, avoided where a way round exists.
     std::vector<TRouteBox> Obstacles;
+    // Where the other shapes are many (a whole drawing), they are asked for by area
+    // instead, and Obstacles is not read: only the few near the search matter.
+    TObstacleFinder FindObstacles;
 };
 
 // The lattice step of the search, and how far a route leaves a bound shape before it may

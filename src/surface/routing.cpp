@@ -10,6 +10,7 @@
 
 #include <QImage>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -33,6 +34,18 @@ TRouteBox ScreenBox(const TMyShape &shape, double zoom)
     const TMyPoint lt = shape.GetLeftTop();
     const TMyPoint rb = shape.GetRightBottom();
     return {lt.X * zoom, lt.Y * zoom, rb.X * zoom, rb.Y * zoom};
+}
+
+// The control pixels that hold area, a pixel to spare on each side, within what a rectangle
+// can hold. An area that is not a number asks for everything.
+TRect ControlRectAround(const TRouteBox &area)
+{
+    static constexpr double limit = 1 << 30;
+    const auto clamp = [](double v, double fallback) {
+        return std::int32_t(std::isnan(v) ? fallback : std::clamp(v, -limit, limit));
+    };
+    return TRect(clamp(std::floor(area.Left) - 1, -limit), clamp(std::floor(area.Top) - 1, -limit),
+                 clamp(std::ceil(area.Right) + 1, limit), clamp(std::ceil(area.Bottom) + 1, limit));
 }
 
 // The link point whose 5-pixel square holds p, as InWhichLinkHot finds it, but without
@@ -93,21 +106,27 @@ void FollowShape(TMyCAD &cad, TMyShape *shape, std::int32_t depth)
 
 std::vector<TMyPoint> TMyCAD::GetPath(const TMyLinkLine &line, TMyPoint start, TMyPoint end) const
 {
-    std::vector<TRouteBox> obstacles;
-    if (m_LinklineAroundShape && line.LinkLineDrawStyle() == TLinkLineDrawStyle::lldsHV) {
-        // The bound shapes are the route's own business; their groups hold them.
-        const TMyShape *own[2] = {GetRootParentShape(line.GetStartShape()),
-                                  GetRootParentShape(line.GetEndShape())};
-        for (const auto &shape : m_Shapes) {
-            if (shape->HasParentShape() || shape.get() == own[0] || shape.get() == own[1])
+    if (!m_LinklineAroundShape || line.LinkLineDrawStyle() != TLinkLineDrawStyle::lldsHV)
+        return line.ComputeRoute(start, end, {});
+    // The bound shapes are the route's own business; their groups hold them.
+    const TMyShape *own[2] = {GetRootParentShape(line.GetStartShape()),
+                              GetRootParentShape(line.GetEndShape())};
+    // The search asks only for the shapes near it, which the index finds; it is a cache of
+    // the list, so bringing it up to date changes nothing this const call promises.
+    auto *self = const_cast<TMyCAD *>(this);
+    return line.ComputeRoute(start, end, [self, own](const TRouteBox &area) {
+        std::vector<TRouteBox> obstacles;
+        for (const std::int32_t no : self->IndexedShapesNear(ControlRectAround(area))) {
+            const TMyShape &shape = *self->m_Shapes[std::size_t(no)];
+            if (&shape == own[0] || &shape == own[1] || shape.HasParentShape())
                 continue;
-            if (!shape->Visible() || !IsVisibleLayerByID(shape->LayerId()) ||
-                shape->GetPointsCount() == 0 || !IsObstacleKind(*shape))
+            if (!shape.Visible() || !self->IsVisibleLayerByID(shape.LayerId()) ||
+                shape.GetPointsCount() == 0 || !IsObstacleKind(shape))
                 continue;
-            obstacles.push_back(ScreenBox(*shape, m_Zoom));
+            obstacles.push_back(ScreenBox(shape, self->m_Zoom));
         }
-    }
-    return line.ComputeRoute(start, end, obstacles);
+        return obstacles;
+    });
 }
 
 void TMyCAD::ChangeLinkShapes(TMyShape *shape)

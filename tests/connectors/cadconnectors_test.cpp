@@ -5,9 +5,13 @@
 #include "connectorhost.h"
 #include "surface/documenthelpers.h"
 
+#include <tessal/shapes/polyline.h>
+
 #include <tessal/surface/cad.h>
 
 #include <gtest/gtest.h>
+
+#include <random>
 
 namespace tessal::test {
 namespace {
@@ -84,6 +88,68 @@ TEST_F(CadConnectors, RoutesGoRoundClosedShapesOnlyWhileAskedTo)
     link->SetLinkLineDrawStyle(TLinkLineDrawStyle::lldsFree);
     EXPECT_EQ(Cad.GetPath(*link, {80, 70}, {220, 70}),
               (std::vector<TMyPoint>{{80, 70}, {220, 70}}));
+}
+
+// The surface asks its index for the shapes near a route; the route is the one that every
+// visible top-level closed shape of the drawing as an obstacle gives, at several zooms and
+// while shapes move.
+TEST_F(CadConnectors, ObstaclesFromTheIndexGiveTheRouteOfTheWholeDrawing)
+{
+    std::mt19937 rng(8080);
+    auto in = [&rng](float lo, float hi) { return std::uniform_real_distribution(lo, hi)(rng); };
+    const TDrawTool tools[] = {TDrawTool::SpRectangle, TDrawTool::SpEllipse, TDrawTool::SpLine,
+                               TDrawTool::SpLinkPoint, TDrawTool::SpPolygon};
+    std::vector<TMyShape *> shapes;
+    for (int i = 0; i < 500; ++i) {
+        const float x = in(-50, 400), y = in(-50, 300), w = in(4, 40), h = in(4, 40);
+        const TMyPoint points[] = {{x, y}, {x + w, y + h}, {x, y + h}};
+        const TDrawTool tool = tools[i % 5];
+        TMyShape *shape =
+            AddByCode(Cad, tool, std::span(points, tool == TDrawTool::SpPolygon ? 3 : 2));
+        ASSERT_NE(shape, nullptr) << i;
+        shape->SetVisible(i % 13 != 0);
+        shapes.push_back(shape);
+    }
+    const std::int32_t hidden = Cad.NewLayer(QStringLiteral("Hidden"), false);
+    for (std::size_t i = 0; i < shapes.size(); i += 17)
+        shapes[i]->SetLayerId(hidden);
+    TMyShape *members[] = {shapes[10], shapes[11]};
+    ASSERT_NE(Cad.GroupShapes(members, false), -1);
+    TMyLinkLine *link = Connect(A, 0, B, 0);
+
+    const auto obstacle = [this](const TMyShape &s) {
+        if (s.HasParentShape() || &s == A || &s == B || !s.Visible() ||
+            !Cad.IsVisibleLayerByID(s.LayerId()) || dynamic_cast<const TMyLinkLine *>(&s) ||
+            dynamic_cast<const TMyLinkPoint *>(&s))
+            return false;
+        return !dynamic_cast<const TMyLine *>(&s) || dynamic_cast<const TMyPolygon *>(&s);
+    };
+    const TObstacleFinder scan = [&](const TRouteBox &) {
+        std::vector<TRouteBox> boxes;
+        const double z = Cad.Zoom();
+        for (std::int32_t no = 0; no < Cad.GetShapesCount(); ++no) {
+            const TMyShape &s = *Cad.GetShapeByNo(no);
+            const TMyPoint lt = s.GetLeftTop(), rb = s.GetRightBottom();
+            if (obstacle(s))
+                boxes.push_back({lt.X * z, lt.Y * z, rb.X * z, rb.Y * z});
+        }
+        return boxes;
+    };
+    int detours = 0;
+    for (const double zoom : {1.0, 1.5, 0.5, 3.0}) {
+        Cad.SetZoom(zoom);
+        for (int k = 0; k < 25; ++k) {
+            TMyShape *moved = shapes[std::size_t(rng() % shapes.size())];
+            moved->DragChangeValuedxdy(in(-30, 30), in(-30, 30));
+            const TMyPoint start = link->GetStartPoint();
+            const TMyPoint end = {in(200, 300) * float(zoom), in(20, 120) * float(zoom)};
+            const std::vector<TMyPoint> route = Cad.GetPath(*link, start, end);
+            ASSERT_EQ(route, link->ComputeRoute(start, end, scan)) << zoom << " " << k;
+            detours += route != link->ComputeRoute(start, end, {});
+        }
+    }
+    // The drawing is dense enough that most routes have something to go round.
+    EXPECT_GT(detours, 50);
 }
 
 TEST_F(CadConnectors, ConnectorsFollowMovedShapesAndGroups)

@@ -3,8 +3,13 @@
 // stubs, going round obstacles, junction ends, the lattice, and merging collinear points.
 #include "connectorhost.h"
 
+#include <tessal/shapes/routecrossings_p.h>
+
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
+#include <limits>
 #include <random>
 
 namespace tessal::test {
@@ -217,6 +222,95 @@ TEST(ConnectorRouting, JunctionEndsHaveNoSideLinkMarksDo)
     ASSERT_TRUE(Alternates(toMark->Points()));
     EXPECT_LT(toMark->Points()[1].X, 100);
     EXPECT_EQ(toMark->Points().back(), (TMyPoint{300, 200}));
+}
+
+// The counts summed from each box's ranges against the box-by-box rule: a step runs
+// through a box when it passes its open interior. Edges fall on lattice lines, boxes are
+// thinner than a step or inverted, and some have an edge that is not a number or is
+// infinite.
+TEST(ConnectorRouting, StepCrossingCountsEqualTheBoxByBoxRule)
+{
+    std::mt19937 rng(424242);
+    auto in = [&rng](int lo, int hi) { return std::uniform_int_distribution(lo, hi)(rng); };
+    const auto edge = [&](const std::vector<double> &axis) {
+        const int pick = in(0, 9);
+        if (pick == 0)
+            return std::nan("");
+        if (pick == 1)
+            return (in(0, 1) ? -1 : 1) * std::numeric_limits<double>::infinity();
+        if (pick < 5)
+            return axis[std::size_t(in(0, int(axis.size()) - 1))];
+        return double(in(-20, 220)) + in(0, 3) / 4.0;
+    };
+    const auto crosses = [](const TRouteBox &b, double x0, double y0, double x1, double y1) {
+        if (y0 == y1)
+            return b.Top < y0 && y0 < b.Bottom && std::max(x0, x1) > b.Left &&
+                   std::min(x0, x1) < b.Right;
+        return b.Left < x0 && x0 < b.Right && std::max(y0, y1) > b.Top &&
+               std::min(y0, y1) < b.Bottom;
+    };
+    for (int round = 0; round < 200; ++round) {
+        std::vector<double> xs, ys;
+        for (auto *axis : {&xs, &ys}) {
+            double at = in(-10, 10);
+            for (int k = in(1, 14); k > 0; --k, at += in(1, 30))
+                axis->push_back(at);
+        }
+        std::vector<TRouteBox> boxes(std::size_t(in(0, 40)));
+        for (TRouteBox &b : boxes)
+            b = {edge(xs), edge(ys), edge(xs), edge(ys)};
+        const TEdgeCrossings counts(xs, ys, boxes);
+        for (std::size_t j = 0; j < ys.size(); ++j)
+            for (std::size_t i = 0; i < xs.size(); ++i) {
+                int level = 0, upright = 0;
+                for (const TRouteBox &b : boxes) {
+                    level += i + 1 < xs.size() && crosses(b, xs[i], ys[j], xs[i + 1], ys[j]);
+                    upright += j + 1 < ys.size() && crosses(b, xs[i], ys[j], xs[i], ys[j + 1]);
+                }
+                if (i + 1 < xs.size()) {
+                    ASSERT_EQ(counts.Level(i, j), level) << round << " " << i << "," << j;
+                }
+                if (j + 1 < ys.size()) {
+                    ASSERT_EQ(counts.Upright(i, j), upright) << round << " " << i << "," << j;
+                }
+            }
+    }
+}
+
+// Obstacles asked for by area give the route that the whole list gives, whatever else and
+// in whatever order the finder answers.
+TEST(ConnectorRouting, ObstaclesFoundByAreaGiveTheRouteOfTheWholeList)
+{
+    std::mt19937 rng(99);
+    auto in = [&rng](int lo, int hi) { return std::uniform_int_distribution(lo, hi)(rng); };
+    for (int round = 0; round < 150; ++round) {
+        const auto [a, b] = SeparatedBoxes(rng);
+        TRouteRequest request;
+        const TRouteBox boxA{double(a.L), double(a.T), double(a.R), double(a.B)};
+        const TRouteBox boxB{double(b.L), double(b.T), double(b.R), double(b.B)};
+        request.Start = BoundEnd(LinkPointIn(a, rng), boxA);
+        request.End = BoundEnd(LinkPointIn(b, rng), boxB);
+        for (int k = in(0, 800); k > 0; --k) {
+            const int l = in(-300, 1000), t = in(-300, 1000);
+            request.Obstacles.push_back(
+                {double(l), double(t), double(l + in(5, 90)), double(t + in(5, 90))});
+        }
+        const std::vector<TMyPoint> whole = RouteOrthogonal(request);
+        std::vector<TRouteBox> all;
+        std::swap(all, request.Obstacles);
+        request.FindObstacles = [&](const TRouteBox &area) {
+            std::vector<TRouteBox> found;
+            for (const TRouteBox &o : all)
+                if (o.Right >= area.Left && o.Left <= area.Right && o.Bottom >= area.Top &&
+                    o.Top <= area.Bottom)
+                    found.push_back(o);
+            // More than asked for, in another order.
+            found.insert(found.begin(), {-5000, -5000, -4000, -4000});
+            std::shuffle(found.begin(), found.end(), rng);
+            return found;
+        };
+        ASSERT_EQ(RouteOrthogonal(request), whole) << "round " << round;
+    }
 }
 
 TEST(ConnectorRouting, FreeStyleIsTheStraightLineAndMergingDropsCollinearPoints)
