@@ -152,6 +152,85 @@ TEST_F(CadConnectors, ObstaclesFromTheIndexGiveTheRouteOfTheWholeDrawing)
     EXPECT_GT(detours, 50);
 }
 
+// The look-ups under the mouse take their candidates from the index; they answer what a
+// scan of every shape from the top down answers, group members, hidden shapes, hidden
+// layers, connectors and a zoom included.
+TEST_F(CadConnectors, LookUpsUnderTheMouseAnswerWhatTheScanAnswers)
+{
+    std::mt19937 rng(31337);
+    auto in = [&rng](float lo, float hi) { return std::uniform_real_distribution(lo, hi)(rng); };
+    std::vector<TMyShape *> shapes;
+    for (int i = 0; i < 300; ++i) {
+        const float x = in(0, 300), y = in(0, 200), w = in(4, 50), h = in(4, 50);
+        const TMyPoint points[] = {{x, y}, {x + w, y + h}};
+        const TDrawTool tool = i % 4 == 3 ? TDrawTool::SpLinkLine
+                               : i % 4    ? TDrawTool::SpRectangle
+                                          : TDrawTool::SpLine;
+        TMyShape *shape = AddByCode(Cad, tool, points);
+        // Link points on the outline, inside, and some way out.
+        for (int k = int(rng() % 3); k > 0; --k)
+            shape->AddLinkPoint({x + in(-8, w + 8), y + in(-8, h + 8)});
+        shapes.push_back(shape);
+    }
+    for (std::size_t i = 0; i + 3 < shapes.size(); i += 40) {
+        TMyShape *members[] = {shapes[i + 1], shapes[i + 2]};
+        ASSERT_NE(Cad.GroupShapes(members, false), -1);
+    }
+    const std::int32_t hidden = Cad.NewLayer(QStringLiteral("Hidden"), false);
+    for (std::size_t i = 5; i < shapes.size(); i += 23)
+        shapes[i]->SetLayerId(hidden);
+    for (std::size_t i = 4; i < shapes.size(); i += 11)
+        shapes[i]->SetVisible(false);
+
+    QImage scratch(1, 1, QImage::Format_RGB32);
+    TCanvas canvas(&scratch);
+    const auto shown = [this](const TMyShape &s) {
+        return s.Visible() && Cad.IsVisibleLayerByID(s.LayerId()) &&
+               !dynamic_cast<const TMyLinkLine *>(&s);
+    };
+    // The topmost shown shape with a link point whose square holds p, and that point.
+    const auto hotScan = [&](TPoint p) {
+        for (std::int32_t no = Cad.GetShapesCount() - 1; no >= 0; --no) {
+            const TMyShape &s = *Cad.GetShapeByNo(no);
+            for (std::int32_t k = 0; shown(s) && k < s.GetLinkPointsCount(); ++k) {
+                const TPoint c = MyPtToPt(s.GetLinkPointInZoom(k));
+                if (std::abs(p.X - c.X) <= 5 && std::abs(p.Y - c.Y) <= 5)
+                    return std::pair{no, k};
+            }
+        }
+        return std::pair{-1, -1};
+    };
+    const auto hitScan = [&](TPoint p) -> TMyShape * {
+        for (std::int32_t no = Cad.GetShapesCount() - 1; no >= 0; --no) {
+            TMyShape *s = Cad.GetShapeByNo(no);
+            if (shown(*s) && s->GetLinkPointsCount() > 0 && s->IsClickedMe(canvas, p))
+                return s;
+        }
+        return nullptr;
+    };
+    int hot = 0, hits = 0;
+    for (const double zoom : {1.0, 1.7}) {
+        Cad.SetZoom(zoom);
+        for (int k = 0; k < 400; ++k) {
+            const TPoint p{std::int32_t(in(-10, 360) * zoom), std::int32_t(in(-10, 260) * zoom)};
+            std::int32_t no = 7, id = 7;
+            Cad.InWhichShapeWhichHotLinkId(p, no, id);
+            const std::pair want = hotScan(p);
+            ASSERT_EQ(std::pair(no, id), want) << zoom << " " << p.X << "," << p.Y;
+            hot += no >= 0;
+            std::int32_t startId = 7;
+            TMyShape *start = Cad.GetMainShape(p, startId);
+            if (want.first < 0) {
+                ASSERT_EQ(start, hitScan(p)) << zoom << " " << p.X << "," << p.Y;
+                hits += start != nullptr;
+            }
+        }
+    }
+    // Both kinds of answer came up often enough to mean something.
+    EXPECT_GT(hot, 60);
+    EXPECT_GT(hits, 60);
+}
+
 TEST_F(CadConnectors, ConnectorsFollowMovedShapesAndGroups)
 {
     TMyLinkLine *link = Connect(A, 0, B, 1);
