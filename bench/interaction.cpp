@@ -3,9 +3,9 @@
 // that selects what lies under it (a hit test through the spatial index against
 // QGraphicsScene::itemAt with its BSP tree), and the feedback of one mouse move while 1 or
 // 1,000 selected shapes are dragged (against moving the same selected items and repainting),
-// and likewise the whole-drawing drag, zoom steps, bringing to the front, rubber bands and
-// deletions.
-// The ratios of the medians are printed at the end.
+// and likewise a shape dragged with its connector, the whole-drawing drag, zoom steps, bringing to
+// the front, rubber bands and deletions. The ratios of the medians are printed at the end.
+#include <tessal/shapes/link.h>
 #include <tessal/shapes/shape.h>
 #include <tessal/surface/cad.h>
 
@@ -260,6 +260,70 @@ void BM_SceneWholeDragMove(benchmark::State &state)
     }
 }
 
+// A move while dragging a shape bound by a connector to another, the shapes of the drawing
+// all around: the connector's route is worked out again round the shapes near it, as the
+// feedback shows it. Against moving an item and setting a line item between it and the
+// other (a straight line, no search at all), and repainting.
+constexpr QRectF ConnectedFrom(400, 400, 60, 60);
+constexpr QRectF ConnectedTo(700, 440, 60, 60);
+
+void BM_TessalConnectedDrag(benchmark::State &state)
+{
+    TTessalWorld world(ItemsOf(int(state.range(0))));
+    TMyCAD &cad = *world.cad;
+    std::vector<TMyShape *> ends;
+    for (const QRectF &box : {ConnectedFrom, ConnectedTo}) {
+        const TMyPoint corners[] = {{float(box.left()), float(box.top())},
+                                    {float(box.right()), float(box.bottom())}};
+        TMyShape *shape =
+            cad.GetShapeByID(cad.AddShapeByCode(TDrawTool::SpRectangle, {}, corners, 0, {}));
+        shape->AddLinkPoint({float(box.center().x()), float(box.center().y())});
+        ends.push_back(shape);
+    }
+    const TMyPoint line[] = {ends[0]->GetLinkPoint(0), ends[1]->GetLinkPoint(0)};
+    auto *link = dynamic_cast<TMyLinkLine *>(
+        cad.GetShapeByID(cad.AddShapeByCode(TDrawTool::SpLinkLine, {}, line, 0, {})));
+    link->SetLinkLineDrawStyle(TLinkLineDrawStyle::lldsHV);
+    link->CreateSrcLink(ends[0]->ShapeId(), 0);
+    link->CreateDestLink(ends[1]->ShapeId(), 0);
+    cad.SetLiveConnectors(true);
+    cad.SetWorkingShapes(std::span(ends.data(), 1));
+    cad.repaint();
+    const QPoint grip = ConnectedFrom.center().toPoint();
+    cad.MouseDown(TMouseButton::mbLeft, ssLeft, grip.x(), grip.y());
+    int step = 0;
+    for (auto _ : state) {
+        const int d = 5 + (step++ % 20);
+        cad.MouseMove(ssLeft, grip.x() + d, grip.y() + d);
+        QCoreApplication::processEvents(); // the touched rectangles are shown
+    }
+    cad.CancelGesture();
+    state.counters["route points"] = double(link->GetPointsCount());
+}
+
+void BM_SceneConnectedDrag(benchmark::State &state)
+{
+    // The two boxes and the connector are items of the scene from the start, as the items
+    // of the drawing are.
+    std::vector<TItem> items = ItemsOf(int(state.range(0)));
+    items.push_back({0, ConnectedFrom});
+    items.push_back({0, ConnectedTo});
+    items.push_back({2, QRectF(ConnectedFrom.center(), ConnectedTo.center())});
+    TSceneWorld world(items);
+    const QList<QGraphicsItem *> all = world.scene->items(Qt::AscendingOrder);
+    QGraphicsItem *from = all[all.size() - 3];
+    auto *link = dynamic_cast<QGraphicsLineItem *>(all.back());
+    from->setSelected(true);
+    QCoreApplication::processEvents();
+    int step = 0;
+    for (auto _ : state) {
+        const double d = (step++ % 2) ? 1 : -1;
+        from->moveBy(d, d);
+        link->setLine(QLineF(from->sceneBoundingRect().center(), ConnectedTo.center()));
+        QCoreApplication::processEvents(); // the view repaints what moved
+    }
+}
+
 // A step of the zoom and the repaint of the view it gives, the control inside a scroll area
 // as an editor holds it, against a view given the same scale. The steps stay within a factor
 // of two of each other and of the first zoom.
@@ -474,6 +538,14 @@ BENCHMARK(BM_SceneWholeDragMove)
     ->Arg(1000000)
     ->Repetitions(Repetitions)
     ->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_TessalConnectedDrag)
+    ->Arg(1000000)
+    ->Repetitions(Repetitions)
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_SceneConnectedDrag)
+    ->Arg(1000000)
+    ->Repetitions(Repetitions)
+    ->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_TessalZoom)->Arg(1000000)->Repetitions(Repetitions)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_SceneZoom)->Arg(1000000)->Repetitions(Repetitions)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_TessalDelete)
@@ -499,6 +571,7 @@ void PrintRatios(const tessal::bench::TTimesReporter &times)
                               {"BM_TessalDragMove", "BM_SceneDragMove", "1"},
                               {"BM_TessalDragMove", "BM_SceneDragMove", "1000"},
                               {"BM_TessalWholeDragMove", "BM_SceneWholeDragMove", "1000000"},
+                              {"BM_TessalConnectedDrag", "BM_SceneConnectedDrag", "1000000"},
                               {"BM_TessalZoom", "BM_SceneZoom", "1000000"},
                               {"BM_TessalBand", "BM_SceneBand", "1000000"},
                               {"BM_TessalRestack", "BM_SceneRestack", "1000000"},

@@ -64,6 +64,17 @@ void TMouseMachine::DrawRoutes(TCanvas &canvas, const std::vector<std::vector<TP
             canvas.Polyline(route);
 }
 
+// A pixel-wide pen covers the pixel right and below each point; two more on every side
+// leave room for the pen's ends and joins.
+TRect TMouseMachine::RoutesRect(const std::vector<std::vector<TPoint>> &routes)
+{
+    TRect rect;
+    for (const std::vector<TPoint> &route : routes)
+        for (const TPoint p : route)
+            rect = rect.United(TRect(p.X, p.Y, p.X + 1, p.Y + 1).Inflated(2, 2));
+    return rect;
+}
+
 // A resized shape's link points are where a copy of it, resized the same way, has them.
 TMouseMachine::TEndMove TMouseMachine::ResizeEndMove(TMyShape *shape, TMyPoint handle, TPoint to)
 {

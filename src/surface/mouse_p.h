@@ -160,6 +160,8 @@ private:
     void CollectLiveLinks(const std::vector<TMyShape *> &moved);
     std::vector<std::vector<TPoint>> LiveRoutes(const TEndMove &move) const;
     static void DrawRoutes(TCanvas &canvas, const std::vector<std::vector<TPoint>> &routes);
+    // The pixels DrawRoutes can touch.
+    static TRect RoutesRect(const std::vector<std::vector<TPoint>> &routes);
     TEndMove ResizeEndMove(TMyShape *shape, TMyPoint handle, TPoint to);
 
     // Shared helpers.

@@ -225,8 +225,7 @@ void TMouseMachine::MoveResizing(TShiftState shift, TPoint p)
             CollectLiveLinks({shape});
         if (const TEndMove move = ResizeEndMove(shape, ResizeHandlePosition(*shape, m_Start), p))
             routes = LiveRoutes(move);
-        if (!routes.empty())
-            touched = TRect(0, 0, m_Cad.width(), m_Cad.height());
+        touched = touched.United(RoutesRect(routes));
     }
     m_Feedback.Show(
         [shape, from, p, routes = std::move(routes)](TCanvas &c) {
@@ -302,8 +301,7 @@ void TMouseMachine::MoveDragging(TPoint p)
         routes = LiveRoutes([dx, dy](const TMyLinkLine &, bool, TMyPoint now) {
             return TMyPoint{now.X + dx, now.Y + dy};
         });
-        if (!routes.empty())
-            touched = TRect(0, 0, m_Cad.width(), m_Cad.height());
+        touched = touched.United(RoutesRect(routes));
     }
     const std::shared_ptr<const TXorPicture> picture = DragPicture(shapes);
     const TPoint offset{p.X - m_Start.X, p.Y - m_Start.Y};
@@ -387,8 +385,7 @@ void TMouseMachine::MoveRotating(TPoint p)
         routes = LiveRoutes([centre, angle](const TMyLinkLine &, bool, TMyPoint now) {
             return RotateAPoint(now, centre, float(angle));
         });
-        if (!routes.empty())
-            touched = TRect(0, 0, m_Cad.width(), m_Cad.height());
+        touched = touched.United(RoutesRect(routes));
     }
     m_Feedback.Show(
         [&cad, shape, centre, angle, routes = std::move(routes)](TCanvas &c) {

@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QPaintEvent>
 #include <QStringList>
 
 #include <random>
@@ -461,8 +462,19 @@ TEST(MouseGestures, DragFeedbackEqualsOutlinesDrawnInXor)
 
 // With LiveConnectors the route of a connector bound to a dragged shape is part of the
 // feedback: the screen shows more than the outline alone, and Escape still restores it.
+// Each move updates the widget where the screen image changed, and not all of it.
 TEST(MouseGestures, LiveConnectorsFollowInTheFeedback)
 {
+    struct TPaintSpy : QObject
+    {
+        QRegion Painted;
+        bool eventFilter(QObject *, QEvent *e) override
+        {
+            if (e->type() == QEvent::Paint)
+                Painted += static_cast<QPaintEvent *>(e)->region();
+            return false;
+        }
+    };
     QImage shown[2];
     for (const bool live : {false, true}) {
         TMouseSurface s;
@@ -477,8 +489,25 @@ TEST(MouseGestures, LiveConnectorsFollowInTheFeedback)
         const QImage before = s.cad.ScreenImage().copy();
         const QPoint origin = s.cad.ScreenOrigin();
         s.Press({130, 120});
-        s.Move({130, 170});
-        s.Move({140, 220});
+        TPaintSpy spy;
+        s.cad.installEventFilter(&spy);
+        for (const QPoint to : {QPoint(130, 170), QPoint(140, 220)}) {
+            const QImage earlier = s.cad.ScreenImage().copy();
+            spy.Painted = {};
+            s.Move(to);
+            QCoreApplication::processEvents();
+            const QImage &now = s.cad.ScreenImage();
+            int unshown = 0;
+            for (int y = 0; y < now.height(); ++y)
+                for (int x = 0; x < now.width(); ++x)
+                    unshown += earlier.pixel(x, y) != now.pixel(x, y) &&
+                               !spy.Painted.contains(QPoint(x, y) + origin);
+            EXPECT_EQ(unshown, 0) << live << " " << to.x() << "," << to.y();
+            EXPECT_LT(spy.Painted.boundingRect().width() * spy.Painted.boundingRect().height(),
+                      now.width() * now.height() / 4)
+                << live;
+        }
+        s.cad.removeEventFilter(&spy);
         shown[live] = s.cad.ScreenImage().copy();
         QTest::keyClick(&s.cad, Qt::Key_Escape);
         EXPECT_TRUE(SameOnScreen(before, origin, s.cad)) << live;
