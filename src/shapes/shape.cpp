@@ -284,6 +284,15 @@ void TMyShape::SetTag(std::int32_t tag)
     StoreAndRepaint(m_Tag, tag, false);
 }
 
+void TMyShape::SetShapeId(std::int32_t id)
+{
+    if (id == m_ShapeId)
+        return;
+    m_ShapeId = id;
+    if (m_Host)
+        m_Host->ShapeIdChanged(*this);
+}
+
 void TMyShape::SetVisible(bool visible)
 {
     StoreAndRepaint(m_Visible, visible);

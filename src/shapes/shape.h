@@ -328,7 +328,7 @@ public:
     std::int32_t CurrentHot() const { return m_CurrentHot; }
     void SetCurrentHot(std::int32_t hot) { m_CurrentHot = hot; }
     std::int32_t ShapeId() const { return m_ShapeId; }
-    void SetShapeId(std::int32_t id) { m_ShapeId = id; }
+    void SetShapeId(std::int32_t id);
     std::int32_t ShapeNo() const { return m_ShapeNo; }
     void SetShapeNo(std::int32_t no) { m_ShapeNo = no; }
 

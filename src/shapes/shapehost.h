@@ -96,6 +96,8 @@ public:
         (void)shape;
         RequestRepaint();
     }
+    // The shape's identity changed; a host that finds shapes by identity must look again.
+    virtual void ShapeIdChanged(TMyShape &shape) { (void)shape; }
     // Turns the shape together with its group to the absolute angle (radians) about the
     // centre of its root group, or its own centre when ungrouped.
     virtual void RotateShapeTo(TMyShape *shape, double angle) = 0;

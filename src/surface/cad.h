@@ -40,6 +40,7 @@ class BinaryStream;
 class TMyShape;
 class TMyLinkLine;
 class TShapeIndex;       // spatial index of the shapes (private to the surface)
+class TIdPlaces;         // places of the identities in the list (private to the surface)
 class TPressCursor;      // the candidates of a press, from the index (private to the surface)
 class TMouseMachine;     // the gesture state machine (private to the surface)
 struct TDrawingSettings; // a drawing file's settings, read before they are applied
@@ -919,6 +920,7 @@ public:
     // A shape asking to be repainted may have changed any of its geometry.
     void RequestRepaint() override { DocumentChanged(); }
     void ShapeChanged(TMyShape &shape) override;
+    void ShapeIdChanged(TMyShape &shape) override;
     void RotateShapeTo(TMyShape *shape, double angle) override;
     void LockShape(TMyShape *shape, bool locked) override;
     THotHighlight &HotHighlight() override { return m_HotHighlight; }
@@ -1201,6 +1203,8 @@ private:
     RegroupedByRemoval(const std::vector<TMyShape *> &shapes,
                        const std::unordered_set<const TMyShape *> &gone) const;
     void ShapesRemoved();
+    // The list changed other than by an append: look-ups by identity look again.
+    void ForgetIdPlaces() const;
     void RemoveShapeTree(TMyShape *shape, bool honourLocks);
     // Moves shapes (with their members) by dx, dy zoomed pixels and lets their connectors
     // follow; not recorded.
@@ -1424,6 +1428,8 @@ private:
     bool m_GridDrawing = false;
     std::vector<std::int32_t> m_DrawList;
     std::unique_ptr<TShapeIndex> m_Index;
+    // Filled by look-ups, which are const.
+    mutable std::unique_ptr<TIdPlaces> m_IdPlaces;
 
     // The mouse machine (mouse_p.h): gesture state, feedback on the screen image.
     friend class TMouseMachine;

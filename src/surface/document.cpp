@@ -3,6 +3,7 @@
 // the working shapes.
 #include <tessal/surface/cad.h>
 #include <tessal/surface/grouping_p.h>
+#include <tessal/surface/idplaces_p.h>
 #include <tessal/surface/mouse_p.h>
 
 #include <tessal/platform/message.h>
@@ -96,10 +97,30 @@ std::unordered_map<std::int32_t, TMyShape *> TMyCAD::ShapesById() const
 
 std::int32_t TMyCAD::GetShapeNoById(std::int32_t id) const
 {
+    if (!m_IdPlaces)
+        m_IdPlaces = std::make_unique<TIdPlaces>();
+    if (const std::int32_t no = m_IdPlaces->Find(m_Shapes, id); no >= 0)
+        return no;
+    // Not in the table: a shape that is gone, or an identity far beyond the others.
     for (std::size_t i = 0; i < m_Shapes.size(); ++i)
         if (m_Shapes[i]->ShapeId() == id)
             return std::int32_t(i);
     return -1;
+}
+
+void TMyCAD::ForgetIdPlaces() const
+{
+    if (m_IdPlaces)
+        m_IdPlaces->Forget();
+}
+
+// A shape not yet in the list (being made, or read) is none of the table's business. A
+// listed shape knows its place; looking further would search the list for every shape made.
+void TMyCAD::ShapeIdChanged(TMyShape &shape)
+{
+    const std::int32_t no = shape.ShapeNo();
+    if (no >= 0 && no < GetShapesCount() && m_Shapes[std::size_t(no)].get() == &shape)
+        ForgetIdPlaces();
 }
 
 std::int32_t TMyCAD::GetShapeNoInMyShapes(const TMyShape *shape) const
@@ -277,6 +298,7 @@ void TMyCAD::RemoveShapes(const std::vector<TMyShape *> &shapes)
     if (m_Index && !m_Index->IsStale())
         m_Index->Remove(shapes);
     std::erase_if(m_Shapes, [&gone](const auto &shape) { return gone.contains(shape.get()); });
+    ForgetIdPlaces();
     RenumberRelations([&newNo](std::int32_t n) {
         return n >= 0 && std::size_t(n) < newNo.size() ? newNo[std::size_t(n)] : -1;
     });

@@ -418,6 +418,7 @@ void TMyCAD::ShapeJoinedGroup(TMyShape *member)
 
 void TMyCAD::ShapesRenumbered()
 {
+    ForgetIdPlaces();
     if (m_Index)
         m_Index->MarkStale();
 }

@@ -70,12 +70,40 @@ TEST(Document, IdentitiesNamesAndLookUps)
     EXPECT_EQ(cad.GetShapeByID(5), nullptr);
     EXPECT_EQ(cad.GetShapeByID(-1), nullptr);
 
+    // Identities set by hand on listed shapes: the first in list order wins a duplicate,
+    // the one left behind is no longer found, and one far beyond the rest is found too.
+    ASSERT_EQ(cad.GetShapeNoById(4), 2);
+    cad.GetShapeByNo(0)->SetShapeId(4);
+    EXPECT_EQ(cad.GetShapeNoById(4), 0);
+    EXPECT_EQ(cad.GetShapeNoById(0), -1);
+    cad.GetShapeByNo(0)->SetShapeId(1 << 30);
+    EXPECT_EQ(cad.GetShapeNoById(4), 2);
+    EXPECT_EQ(cad.GetShapeNoById(1 << 30), 0);
+    cad.GetShapeByNo(0)->SetShapeId(0);
+    EXPECT_TRUE(IdsAgreeWithTheScan(cad));
+
     EXPECT_FALSE(cad.RenameShapeName(QStringLiteral("Shape0"), QStringLiteral("Shape0")));
     EXPECT_FALSE(cad.RenameShapeName(QStringLiteral("Shape0"), QStringLiteral("Shape2")));
     EXPECT_FALSE(cad.RenameShapeName(QStringLiteral("Nope"), QStringLiteral("Door")));
     EXPECT_EQ(first->Name(), QStringLiteral("Shape0"));
     EXPECT_TRUE(cad.RenameShapeName(QStringLiteral("Shape0"), QStringLiteral("Door")));
     EXPECT_EQ(cad.GetShapeByName(QStringLiteral("Door")), first);
+
+    // Identities 0 5 4 5: after a reorder, and after a deletion, the second 5 stands where
+    // the first 5 was found before, with the first below it.
+    cad.GetShapeByNo(1)->SetShapeId(5);
+    ASSERT_EQ(cad.GetShapeNoById(5), 1);
+    cad.SendToBack(cad.GetShapeByNo(3), false);
+    cad.BringToFront(cad.GetShapeByNo(1), false); // 5 5 4 0
+    EXPECT_EQ(cad.GetShapeNoById(5), 0);
+    cad.GetShapeByNo(2)->SetShapeId(5);
+    cad.SendToBack(cad.GetShapeByNo(3), false); // 0 5 5 5
+    ASSERT_EQ(cad.GetShapeNoById(5), 1);
+    TMyShape *const bottom[] = {cad.GetShapeByNo(0)};
+    cad.SetWorkingShapes(bottom);
+    cad.DeleteSelectedShapes();
+    cad.AddShapeByCode(TDrawTool::SpRectangle, {}, box, 0, {}); // the list as long as before
+    EXPECT_EQ(cad.GetShapeNoById(5), 0);
 }
 
 TEST(Document, AddShapeByCodePoints)

@@ -226,6 +226,23 @@ inline void BuildRandomDrawing(TMyCAD &cad, std::mt19937 &rng)
         boxes[rng() % boxes.size()]->SetLockedFlag(true);
 }
 
+// Every identity from -1 to two past the counter is found where a search of the list from
+// its start finds it first.
+inline ::testing::AssertionResult IdsAgreeWithTheScan(const TMyCAD &cad)
+{
+    for (std::int32_t id = -1; id <= cad.ShapeIdCounter() + 1; ++id) {
+        std::int32_t first = -1;
+        for (std::int32_t no = 0; first < 0 && no < cad.GetShapesCount(); ++no)
+            if (cad.GetShapeByNo(no)->ShapeId() == id)
+                first = no;
+        if (cad.GetShapeNoById(id) != first)
+            return ::testing::AssertionFailure()
+                   << "identity " << id << " at " << cad.GetShapeNoById(id) << ", first at "
+                   << first;
+    }
+    return ::testing::AssertionSuccess();
+}
+
 // Whatever the index answers for the squares of the given sides laid every step over area
 // (control pixels), a plain scan of the list answers too: the shapes a command, gesture or
 // undo changed told the index themselves.

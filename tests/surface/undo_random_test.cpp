@@ -253,6 +253,7 @@ void RunSome(RandomUse &u, int count, std::deque<QByteArray> &before)
             const bool any = !before.empty();
             EXPECT_EQ(u.Undo(), any ? std::int32_t(before.size()) - 2 : -1);
             ASSERT_TRUE(IndexAgreesWithTheScan(u.m_Cad, {-150, -150, 350, 350}, 100, {40, 200}));
+            ASSERT_TRUE(IdsAgreeWithTheScan(u.m_Cad));
             if (any) {
                 ASSERT_TRUE(SameBytes(u.Canonical(), Canonical(before.back())))
                     << "taking back a step of " << u.m_Steps.back();
@@ -269,6 +270,7 @@ void RunSome(RandomUse &u, int count, std::deque<QByteArray> &before)
         op.run(u);
         ASSERT_TRUE(RelationsValid(u.m_Cad));
         ASSERT_TRUE(IndexAgreesWithTheScan(u.m_Cad, {-150, -150, 350, 350}, 100, {40, 200}));
+        ASSERT_TRUE(IdsAgreeWithTheScan(u.m_Cad));
         if (NewestRecord(u.m_Cad) == newest) {
             ASSERT_TRUE(SameBytes(u.Canonical(), Canonical(now)))
                 << "a command that recorded nothing changed shapes";
