@@ -223,8 +223,9 @@ bool TMyLine::LookUpMergeShape(bool atStart, TMyPoint point)
 {
     std::int32_t shapeId = -1;
     std::int32_t pointNo = -1;
-    for (std::int32_t no = 0; TMyShape *shape = Host()->GetShapeByNo(no); ++no) {
-        if (shape == this)
+    for (const std::int32_t no : Host()->ShapesNear(point, Host()->HotSize() + 1)) {
+        TMyShape *shape = Host()->GetShapeByNo(no);
+        if (!shape || shape == this)
             continue;
         const QString name = shape->ClassName();
         if (name != QLatin1String("TMyLine") && name != QLatin1String("TMyPolyLine"))
@@ -237,6 +238,9 @@ bool TMyLine::LookUpMergeShape(bool atStart, TMyPoint point)
             break;
         }
     }
+    // A highlight shown before goes when no end is hot here.
+    if (shapeId < 0)
+        HighlightHot(-1, {});
     if (atStart)
         SetStartMerge(shapeId, pointNo);
     else

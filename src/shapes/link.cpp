@@ -19,6 +19,16 @@ TMyShape *TShapeHost::GetShapeByID(std::int32_t id) const
     return nullptr;
 }
 
+std::vector<std::int32_t> TShapeHost::ShapesNear(TMyPoint p, std::int32_t reach) const
+{
+    (void)p;
+    (void)reach;
+    std::vector<std::int32_t> all;
+    for (std::int32_t no = 0; GetShapeByNo(no); ++no)
+        all.push_back(no);
+    return all;
+}
+
 std::vector<TMyPoint> TShapeHost::GetPath(const TMyLinkLine &line, TMyPoint start,
                                           TMyPoint end) const
 {

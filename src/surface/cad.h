@@ -556,6 +556,8 @@ public:
     // the other visible top-level shapes (connectors and link marks excepted) where it can.
     std::vector<TMyPoint> GetPath(const TMyLinkLine &line, TMyPoint start,
                                   TMyPoint end) const override;
+    // The shapes of the trees of the top-level shapes the index finds near p.
+    std::vector<std::int32_t> ShapesNear(TMyPoint p, std::int32_t reach) const override;
     // Lets the connectors bound to the shape (and to its group members) follow it: their
     // routes are recomputed and stored at once. A connector given itself is re-routed too.
     void ChangeLinkShapes(TMyShape *shape);
@@ -857,6 +859,8 @@ public:
     // Every top-level shape whose extent may meet rect (control pixels), on any layer,
     // hidden ones included, in list order; the caller applies its own exact test.
     std::vector<std::int32_t> IndexedShapesNear(const TRect &rect);
+    // Every shape of the trees of the top-level shapes numbered roots, each once, ascending.
+    std::vector<std::int32_t> TreesOf(const std::vector<std::int32_t> &roots) const;
     // The control pixels that the shape (with its group) can paint.
     TRect ShapeScreenRect(TMyShape *shape) const;
     // Keeping the spatial index current. A full Invalidate() rebuilds it before the next

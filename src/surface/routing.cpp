@@ -2,7 +2,7 @@
 // TMyCAD and connectors: the route computation with the document's shapes as obstacles,
 // connectors following moved shapes, and finding link points under the mouse.
 #include <tessal/surface/cad.h>
-#include <tessal/surface/mouse_p.h>
+#include <tessal/surface/pressgrid_p.h>
 
 #include <tessal/geometry/geometry.h>
 #include <tessal/shapes/link.h>
@@ -75,19 +75,6 @@ std::int32_t NearestLinkPoint(const TMyShape &shape, TPoint p)
     return nearest;
 }
 
-// Every shape of the trees of the top-level shapes numbered roots, each once, by number from
-// the top of the list down: the order in which the look-ups under the mouse try them.
-std::vector<std::int32_t> TreesTopDown(const TMyCAD &cad, const std::vector<std::int32_t> &roots)
-{
-    std::vector<std::int32_t> numbers;
-    for (const std::int32_t root : roots)
-        ForTree(cad, cad.GetShapeByNo(root),
-                [&](const TMyShape *shape) { numbers.push_back(cad.GetShapeNoInMyShapes(shape)); });
-    std::sort(numbers.begin(), numbers.end(), std::greater<>());
-    numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
-    return numbers;
-}
-
 // The connectors of a shape follow it; a group's members are moved with it, so theirs do
 // too. The depth bound stops a corrupt child list that leads back to an ancestor.
 void FollowShape(TMyCAD &cad, TMyShape *shape, std::int32_t depth)
@@ -156,7 +143,9 @@ bool TMyCAD::InWhichShapeWhichHotLinkId(TPoint point, std::int32_t &shapeNo, std
     // A hot square holds the pixels within five of its link point (rounded), and every link
     // point lies in the extent of its top-level shape.
     const TRect around = TRect(point.X, point.Y, point.X + 1, point.Y + 1).Inflated(7, 7);
-    for (const std::int32_t no : TreesTopDown(*this, IndexedShapesNear(around))) {
+    const std::vector<std::int32_t> near = TreesOf(IndexedShapesNear(around));
+    for (auto it = near.rbegin(); it != near.rend(); ++it) {
+        const std::int32_t no = *it;
         TMyShape *shape = m_Shapes[std::size_t(no)].get();
         if (!shape->Visible() || !IsVisibleLayerByID(shape->LayerId()) ||
             dynamic_cast<TMyLinkLine *>(shape))
@@ -190,8 +179,9 @@ TMyShape *TMyCAD::GetMainShape(TPoint point, std::int32_t &linkId)
     std::vector<std::int32_t> roots;
     for (TIndexCandidate candidate; cursor.Next(candidate);)
         roots.push_back(candidate.No);
-    for (const std::int32_t candidate : TreesTopDown(*this, roots)) {
-        TMyShape *shape = m_Shapes[std::size_t(candidate)].get();
+    const std::vector<std::int32_t> near = TreesOf(roots);
+    for (auto it = near.rbegin(); it != near.rend(); ++it) {
+        TMyShape *shape = m_Shapes[std::size_t(*it)].get();
         if (!shape->Visible() || !IsVisibleLayerByID(shape->LayerId()) ||
             shape->GetLinkPointsCount() == 0 || dynamic_cast<TMyLinkLine *>(shape))
             continue;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Which shapes a repaint rectangle needs: the extent of a shape and the spatial index.
 #include <tessal/surface/cad.h>
+#include <tessal/surface/mouse_p.h>
 #include <tessal/surface/spatialindex_p.h>
 
 #include <tessal/shapes/arc.h>
@@ -317,6 +318,32 @@ std::vector<std::int32_t> TMyCAD::ShapesInRect(const TRect &rect)
                !entry.Extent.ScreenRect(z).Intersects(rect);
     });
     return numbers;
+}
+
+std::vector<std::int32_t> TMyCAD::TreesOf(const std::vector<std::int32_t> &roots) const
+{
+    std::vector<std::int32_t> numbers;
+    for (const std::int32_t root : roots)
+        ForTree(*this, GetShapeByNo(root),
+                [&](const TMyShape *shape) { numbers.push_back(GetShapeNoInMyShapes(shape)); });
+    std::sort(numbers.begin(), numbers.end());
+    numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
+    return numbers;
+}
+
+// The index is a cache of the list: bringing it up to date changes nothing this const call
+// promises.
+std::vector<std::int32_t> TMyCAD::ShapesNear(TMyPoint p, std::int32_t reach) const
+{
+    if (std::isnan(p.X) || std::isnan(p.Y))
+        return {}; // no point is within reach of it
+    const auto pixel = [](float v) {
+        constexpr float limit = 1 << 30;
+        return std::int32_t(std::clamp(std::floor(v), -limit, limit));
+    };
+    const std::int32_t x = pixel(p.X), y = pixel(p.Y);
+    const TRect around = TRect(x, y, x + 1, y + 1).Inflated(reach + 1, reach + 1);
+    return TreesOf(const_cast<TMyCAD *>(this)->IndexedShapesNear(around));
 }
 
 void TMyCAD::BeginPressCandidates(TPoint at, TPressCursor &cursor)

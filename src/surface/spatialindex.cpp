@@ -57,6 +57,9 @@ void TShapeIndex::Rebuild(std::vector<TEntry> entries, double zoom)
     m_Changes = 0;
     m_Slots.clear();
     m_Slots.reserve(m_Entries.size());
+    std::fill(m_PadCounts.begin(), m_PadCounts.end(), 0);
+    for (const TEntry &entry : m_Entries)
+        CountPad(entry.Extent.Pad, 1);
     std::vector<TTree::TValue> values;
     values.reserve(m_Entries.size());
     for (std::size_t i = 0; i < m_Entries.size(); ++i) {
@@ -108,6 +111,8 @@ void TShapeIndex::ReplaceSlot(std::int32_t slot, const TShapeExtent &extent)
         if (m_Press)
             m_Press->Drop(slot, PressBox(m_Entries[i].Extent));
     }
+    CountPad(m_Entries[i].Extent.Pad, -1);
+    CountPad(extent.Pad, 1);
     m_Entries[i].Extent = extent;
     if (extent.Indexed) {
         m_MaxPad = std::max(m_MaxPad, extent.Pad);
@@ -121,6 +126,7 @@ void TShapeIndex::Append(const TEntry &entry)
 {
     const auto slot = std::int32_t(m_Entries.size());
     m_Entries.push_back({entry.Shape, TShapeExtent{}, entry.Connector});
+    CountPad(0, 1);
     m_Slots.insert_or_assign(entry.Shape, slot);
     ReplaceSlot(slot, entry.Extent);
 }
@@ -153,10 +159,15 @@ std::int32_t TShapeIndex::NumberOf(const TMyShape *shape) const
 
 std::int32_t TShapeIndex::LargestPad(std::int32_t cap) const
 {
-    std::int32_t pad = 0;
-    for (std::size_t i = 0; i < m_Entries.size() && pad < cap; ++i)
-        pad = std::max(pad, m_Entries[i].Extent.Pad);
+    std::int32_t pad = PadCounted;
+    while (pad > 0 && m_PadCounts[std::size_t(pad)] == 0)
+        --pad;
     return std::min(pad, cap);
+}
+
+void TShapeIndex::CountPad(std::int32_t pad, std::int64_t change)
+{
+    m_PadCounts[std::size_t(std::clamp(pad, 0, PadCounted))] += change;
 }
 
 bool TShapeIndex::KeepTreeAtZoom(double zoom)
@@ -170,7 +181,10 @@ bool TShapeIndex::KeepTreeAtZoom(double zoom)
 
 void TShapeIndex::SetExtentInPlace(std::int32_t no, const TShapeExtent &extent)
 {
-    m_Entries[std::size_t(m_Removed.empty() ? no : SlotOf(no))].Extent = extent;
+    TShapeExtent &entry = m_Entries[std::size_t(m_Removed.empty() ? no : SlotOf(no))].Extent;
+    CountPad(entry.Pad, -1);
+    CountPad(extent.Pad, 1);
+    entry = extent;
 }
 
 // At a smaller zoom than the tree's, a pad covers more of the document than the tree's box

@@ -98,8 +98,9 @@ public:
     {
         return m_Entries[std::size_t(m_Removed.empty() ? no : SlotOf(no))];
     }
-    // The widest pad of any entry, or cap when one reaches it.
+    // The widest pad of any entry, or cap when one reaches it (cap at most PadCounted).
     std::int32_t LargestPad(std::int32_t cap) const;
+    static constexpr std::int32_t PadCounted = 1024;
     // The number of an entry's shape, -1 when the shape is not in the index.
     std::int32_t NumberOf(const TMyShape *shape) const;
     // The query box of a control rectangle: one pixel more on every side, since the tree's
@@ -123,6 +124,9 @@ private:
     std::int32_t SlotOf(std::int32_t no) const;
     std::int32_t NumberAt(std::int32_t slot) const;
     void ReplaceSlot(std::int32_t slot, const TShapeExtent &extent);
+    // Keeps the count of entries by pad, so that a repaint learns the widest without a walk
+    // over every entry.
+    void CountPad(std::int32_t pad, std::int64_t change);
 
     // Deterministic for the tree's zoom, so an entry is removed from the tree with the box it
     // was inserted with.
@@ -140,6 +144,8 @@ private:
     // The zoom the tree's pads were turned into document units at, and the largest pad in it.
     double m_TreeZoom = 1.0;
     std::int32_t m_MaxPad = 0;
+    // Entries (in every slot) by pad, the last count for PadCounted and more.
+    std::vector<std::int64_t> m_PadCounts = std::vector<std::int64_t>(PadCounted + 1, 0);
     bool m_Stale = true;
     std::int64_t m_Changes = 0;
 };

@@ -208,7 +208,19 @@ TEST_F(CadConnectors, LookUpsUnderTheMouseAnswerWhatTheScanAnswers)
         }
         return nullptr;
     };
-    int hot = 0, hits = 0;
+    // The lowest line or polyline with an end whose hot square holds p.
+    const auto endScan = [&](TPoint p) -> TMyShape * {
+        for (std::int32_t no = 0; no < Cad.GetShapesCount(); ++no) {
+            TMyShape *s = Cad.GetShapeByNo(no);
+            const QString name = s->ClassName();
+            if ((name == QLatin1String("TMyLine") || name == QLatin1String("TMyPolyLine")) &&
+                s->InWhichPointHot(PtToMyPt(p)) >= 0)
+                return s;
+        }
+        return nullptr;
+    };
+    const std::unique_ptr<TMyShape> probe = Cad.CreateShapeByName(QStringLiteral("TMyLine"));
+    int hot = 0, hits = 0, ends = 0;
     for (const double zoom : {1.0, 1.7}) {
         Cad.SetZoom(zoom);
         for (int k = 0; k < 400; ++k) {
@@ -224,11 +236,17 @@ TEST_F(CadConnectors, LookUpsUnderTheMouseAnswerWhatTheScanAnswers)
                 ASSERT_EQ(start, hitScan(p)) << zoom << " " << p.X << "," << p.Y;
                 hits += start != nullptr;
             }
+            // A line drawn from p is joined to the end found there.
+            TMyShape *end =
+                Cad.GetMergeShape(static_cast<TMyLine *>(probe.get()), true, PtToMyPt(p));
+            ASSERT_EQ(end, endScan(p)) << zoom << " " << p.X << "," << p.Y;
+            ends += end != nullptr;
         }
     }
     // Both kinds of answer came up often enough to mean something.
     EXPECT_GT(hot, 60);
     EXPECT_GT(hits, 60);
+    EXPECT_GT(ends, 20);
 }
 
 TEST_F(CadConnectors, ConnectorsFollowMovedShapesAndGroups)

@@ -341,7 +341,8 @@ TEST(ShapeIndex, PressCandidatesComeFromTheTopAndCoverTheReach)
         const float x = pos(rng), y = pos(rng);
         const float scale = unit(rng) < 0.03f ? 1500 : 60;
         e.Extent.Box = {x, y, x + unit(rng) * scale, y + unit(rng) * scale};
-        e.Extent.Pad = std::int32_t(rng() % 7);
+        // A few wide pens, some wider than a repaint's margin takes in.
+        e.Extent.Pad = std::int32_t(rng() % 100 == 0 ? 20 + rng() % 300 : rng() % 7);
         e.Extent.Indexed = rng() % 20 != 0;
         e.Connector = rng() % 10 == 0;
         if (rng() % 2) {
@@ -368,6 +369,11 @@ TEST(ShapeIndex, PressCandidatesComeFromTheTopAndCoverTheReach)
         index.Rebuild(entries, zoom);
         std::int64_t seen = 0;
         const auto check = [&] {
+            std::int32_t widest = 0;
+            for (const TShapeIndex::TEntry &e : entries)
+                widest = std::max(widest, e.Extent.Pad);
+            ASSERT_EQ(index.LargestPad(TShapeIndex::PadCounted), widest);
+            ASSERT_EQ(index.LargestPad(100), std::min(widest, 100));
             std::uniform_int_distribution<int> at(-20, int(2000 * zoom) + 20);
             for (int q = 0; q < 150; ++q) {
                 const TPoint p(at(rng), at(rng));
@@ -425,7 +431,12 @@ TEST(ShapeIndex, PressCandidatesComeFromTheTopAndCoverTheReach)
             }
             std::vector<TMyShape *> removed;
             for (int k = 0; k < 40; ++k) {
-                const auto at = entries.begin() + std::ptrdiff_t(rng() % entries.size());
+                // The widest first, so that the widest pad left is another one.
+                const auto at = k == 0 ? std::max_element(entries.begin(), entries.end(),
+                                                          [](const auto &a, const auto &b) {
+                                                              return a.Extent.Pad < b.Extent.Pad;
+                                                          })
+                                       : entries.begin() + std::ptrdiff_t(rng() % entries.size());
                 removed.push_back(const_cast<TMyShape *>(at->Shape));
                 entries.erase(at);
             }
