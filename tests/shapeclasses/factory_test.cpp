@@ -7,6 +7,7 @@
 #include <tessal/shapes/image.h>
 #include <tessal/shapes/link.h>
 #include <tessal/shapes/shapefactory.h>
+#include <tessal/shapes/shapekind.h>
 
 #include <gtest/gtest.h>
 
@@ -152,6 +153,35 @@ const std::map<std::string, TRow> &Rows()
 
 // The shape's own properties come first, in this order, then each class's; the enumerated
 // ones are registered as enumerations (the inspector offers their names).
+// The class test of the scans answers what dynamic_cast answers, for every class in any
+// order and for a class derived from the one asked for, whose answer it remembers per class.
+TEST(ShapeFactory, KindTestAnswersAsTheCast)
+{
+    struct TMyOwnLink : TMyLinkLine
+    {
+        using TMyLinkLine::TMyLinkLine;
+    };
+    TClassHost host;
+    std::vector<std::unique_ptr<TMyShape>> shapes;
+    for (int round = 0; round < 2; ++round)
+        for (const QString &name : ShapeClassNames())
+            shapes.push_back(CreateShapeOfClass(name, &host));
+    shapes.push_back(std::make_unique<TMyOwnLink>(&host));
+    std::swap(shapes.front(), shapes.back());
+    TShapeKind<TMyLinkLine> asLink;
+    TShapeKind<TMyLine> asLine;
+    int links = 0;
+    for (const auto &shape : shapes) {
+        ASSERT_EQ(asLink(shape.get()), dynamic_cast<const TMyLinkLine *>(shape.get()))
+            << shape->ClassName().toStdString();
+        ASSERT_EQ(asLine(shape.get()), dynamic_cast<const TMyLine *>(shape.get()))
+            << shape->ClassName().toStdString();
+        links += asLink(shape.get()) != nullptr;
+    }
+    EXPECT_EQ(links, 3);
+    EXPECT_EQ(asLink(nullptr), nullptr);
+}
+
 TEST(ShapeProperties, EveryPropertyOfEveryClassWritesReadsAndIsCopied)
 {
     TClassHost host;
