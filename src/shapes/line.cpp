@@ -223,7 +223,9 @@ bool TMyLine::LookUpMergeShape(bool atStart, TMyPoint point)
 {
     std::int32_t shapeId = -1;
     std::int32_t pointNo = -1;
-    for (const std::int32_t no : Host()->ShapesNear(point, Host()->HotSize() + 1)) {
+    const float reach = float(Host()->HotSize()) + 1;
+    const TMyRect near{point.X - reach, point.Y - reach, point.X + reach, point.Y + reach};
+    for (const std::int32_t no : Host()->ShapesIn(near)) {
         TMyShape *shape = Host()->GetShapeByNo(no);
         if (!shape || shape == this)
             continue;

@@ -19,10 +19,9 @@ TMyShape *TShapeHost::GetShapeByID(std::int32_t id) const
     return nullptr;
 }
 
-std::vector<std::int32_t> TShapeHost::ShapesNear(TMyPoint p, std::int32_t reach) const
+std::vector<std::int32_t> TShapeHost::ShapesIn(const TMyRect &box) const
 {
-    (void)p;
-    (void)reach;
+    (void)box;
     std::vector<std::int32_t> all;
     for (std::int32_t no = 0; GetShapeByNo(no); ++no)
         all.push_back(no);

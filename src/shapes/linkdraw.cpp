@@ -71,8 +71,9 @@ std::vector<float> TMyLinkLine::Crossings(TMyPoint a, TMyPoint b) const
     const float left = std::min(a.X, b.X) + HopRadius;
     const float right = std::max(a.X, b.X) - HopRadius;
     std::vector<float> xs;
-    for (std::int32_t no = 0; const TMyShape *shape = Host()->GetShapeByNo(no); ++no) {
-        const auto *other = dynamic_cast<const TMyLinkLine *>(shape);
+    // Only connectors with a point on the segment's row between its ends can cross it.
+    for (const std::int32_t no : Host()->ShapesIn({left, a.Y, right, a.Y})) {
+        const auto *other = dynamic_cast<const TMyLinkLine *>(Host()->GetShapeByNo(no));
         if (!other || other == this || !other->Visible() ||
             other->LinkLineDrawStyle() != TLinkLineDrawStyle::lldsHV)
             continue;

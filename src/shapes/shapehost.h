@@ -81,10 +81,10 @@ public:
     // The shape with the identity, nullptr when none. The default searches GetShapeByNo.
     virtual TMyShape *GetShapeByID(std::int32_t id) const;
 
-    // The numbers of the shapes (group members included) that may have a point within reach
-    // pixels of p (screen), ascending; more may be answered, never fewer. The default
-    // answers every shape.
-    virtual std::vector<std::int32_t> ShapesNear(TMyPoint p, std::int32_t reach) const;
+    // The numbers of the shapes (group members included) that may have a point in box
+    // (screen pixels, edges included), ascending; more may be answered, never fewer. The
+    // default answers every shape.
+    virtual std::vector<std::int32_t> ShapesIn(const TMyRect &box) const;
 
     // The orthogonal route of a connector from start to end (screen points). The default
     // routes around the connector's two bound shapes only; a surface also steers round its

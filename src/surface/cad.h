@@ -556,8 +556,8 @@ public:
     // the other visible top-level shapes (connectors and link marks excepted) where it can.
     std::vector<TMyPoint> GetPath(const TMyLinkLine &line, TMyPoint start,
                                   TMyPoint end) const override;
-    // The shapes of the trees of the top-level shapes the index finds near p.
-    std::vector<std::int32_t> ShapesNear(TMyPoint p, std::int32_t reach) const override;
+    // The shapes of the trees of the top-level shapes the index finds in box.
+    std::vector<std::int32_t> ShapesIn(const TMyRect &box) const override;
     // Lets the connectors bound to the shape (and to its group members) follow it: their
     // routes are recomputed and stored at once. A connector given itself is re-routed too.
     void ChangeLinkShapes(TMyShape *shape);

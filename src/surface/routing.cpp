@@ -2,7 +2,7 @@
 // TMyCAD and connectors: the route computation with the document's shapes as obstacles,
 // connectors following moved shapes, and finding link points under the mouse.
 #include <tessal/surface/cad.h>
-#include <tessal/surface/pressgrid_p.h>
+#include <tessal/surface/spatialindex_p.h>
 
 #include <tessal/geometry/geometry.h>
 #include <tessal/shapes/link.h>
@@ -35,18 +35,6 @@ TRouteBox ScreenBox(const TMyShape &shape, double zoom)
     const TMyPoint lt = shape.GetLeftTop();
     const TMyPoint rb = shape.GetRightBottom();
     return {lt.X * zoom, lt.Y * zoom, rb.X * zoom, rb.Y * zoom};
-}
-
-// The control pixels that hold area, a pixel to spare on each side, within what a rectangle
-// can hold. An area that is not a number asks for everything.
-TRect ControlRectAround(const TRouteBox &area)
-{
-    static constexpr double limit = 1 << 30;
-    const auto clamp = [](double v, double fallback) {
-        return std::int32_t(std::isnan(v) ? fallback : std::clamp(v, -limit, limit));
-    };
-    return TRect(clamp(std::floor(area.Left) - 1, -limit), clamp(std::floor(area.Top) - 1, -limit),
-                 clamp(std::ceil(area.Right) + 1, limit), clamp(std::ceil(area.Bottom) + 1, limit));
 }
 
 // The link point whose 5-pixel square holds p, as InWhichLinkHot finds it, but without
@@ -117,7 +105,8 @@ std::vector<TMyPoint> TMyCAD::GetPath(const TMyLinkLine &line, TMyPoint start, T
     auto *self = const_cast<TMyCAD *>(this);
     return line.ComputeRoute(start, end, [self, own](const TRouteBox &area) {
         std::vector<TRouteBox> obstacles;
-        for (const std::int32_t no : self->IndexedShapesNear(ControlRectAround(area))) {
+        for (const std::int32_t no : self->IndexedShapesNear(
+                 ControlRectHolding(area.Left, area.Top, area.Right, area.Bottom))) {
             const TMyShape &shape = *self->m_Shapes[std::size_t(no)];
             if (&shape == own[0] || &shape == own[1] || shape.HasParentShape())
                 continue;

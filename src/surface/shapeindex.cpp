@@ -211,6 +211,22 @@ void TExtentBuilder::AddTextShapeLines(const TMyText &text)
     AddPad(3);
 }
 
+} // namespace
+
+TRect ControlRectHolding(double left, double top, double right, double bottom)
+{
+    if (std::isnan(left) || std::isnan(top) || std::isnan(right) || std::isnan(bottom))
+        return {}; // no point lies there
+    const auto pixel = [](double v) {
+        constexpr double limit = 1 << 30;
+        return std::int32_t(std::clamp(v, -limit, limit));
+    };
+    return TRect(pixel(std::floor(left) - 1), pixel(std::floor(top) - 1),
+                 pixel(std::ceil(right) + 2), pixel(std::ceil(bottom) + 2));
+}
+
+namespace {
+
 // The visible layers of a query, for look-ups by ID without walking the table each time.
 std::vector<std::int32_t> VisibleLayerIds(const std::vector<TLayer> &layers)
 {
@@ -333,17 +349,10 @@ std::vector<std::int32_t> TMyCAD::TreesOf(const std::vector<std::int32_t> &roots
 
 // The index is a cache of the list: bringing it up to date changes nothing this const call
 // promises.
-std::vector<std::int32_t> TMyCAD::ShapesNear(TMyPoint p, std::int32_t reach) const
+std::vector<std::int32_t> TMyCAD::ShapesIn(const TMyRect &box) const
 {
-    if (std::isnan(p.X) || std::isnan(p.Y))
-        return {}; // no point is within reach of it
-    const auto pixel = [](float v) {
-        constexpr float limit = 1 << 30;
-        return std::int32_t(std::clamp(std::floor(v), -limit, limit));
-    };
-    const std::int32_t x = pixel(p.X), y = pixel(p.Y);
-    const TRect around = TRect(x, y, x + 1, y + 1).Inflated(reach + 1, reach + 1);
-    return TreesOf(const_cast<TMyCAD *>(this)->IndexedShapesNear(around));
+    return TreesOf(const_cast<TMyCAD *>(this)->IndexedShapesNear(
+        ControlRectHolding(box.Left, box.Top, box.Right, box.Bottom)));
 }
 
 void TMyCAD::BeginPressCandidates(TPoint at, TPressCursor &cursor)

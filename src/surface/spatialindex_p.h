@@ -43,6 +43,11 @@ struct TShapeExtent
     TRect ScreenRect(double zoom) const;
 };
 
+// The control pixels that hold the box (control pixels, edges included), with a pixel to
+// spare on each side and within what a rectangle can hold; empty when an edge is not a
+// number.
+TRect ControlRectHolding(double left, double top, double right, double bottom);
+
 // The index only narrows the candidates of a query: it answers every shape whose extent
 // might meet the query box, and the caller applies the exact test.
 //

@@ -173,7 +173,7 @@ TEST_F(CadConnectors, LookUpsUnderTheMouseAnswerWhatTheScanAnswers)
         shapes.push_back(shape);
     }
     for (std::size_t i = 0; i + 3 < shapes.size(); i += 40) {
-        TMyShape *members[] = {shapes[i + 1], shapes[i + 2]};
+        TMyShape *members[] = {shapes[i], shapes[i + 1]}; // a line and a rectangle
         ASSERT_NE(Cad.GroupShapes(members, false), -1);
     }
     const std::int32_t hidden = Cad.NewLayer(QStringLiteral("Hidden"), false);
@@ -247,6 +247,39 @@ TEST_F(CadConnectors, LookUpsUnderTheMouseAnswerWhatTheScanAnswers)
     EXPECT_GT(hot, 60);
     EXPECT_GT(hits, 60);
     EXPECT_GT(ends, 20);
+}
+
+// A horizontal segment hops over the vertical segments of other routed connectors that it
+// crosses, found among many shapes: a half circle above the line and a gap in it.
+TEST_F(CadConnectors, HorizontalSegmentsHopOverCrossingConnectors)
+{
+    std::mt19937 rng(5);
+    std::uniform_real_distribution<float> at(0, 360);
+    for (int i = 0; i < 400; ++i) {
+        const float x = at(rng), y = 200 + at(rng) / 4;
+        Box(x, y, x + 8, y + 6);
+    }
+    TMyLinkLine *across = Connect(A, 0, B, 0); // (80, 70) to (220, 70)
+    for (const float x : {130.0f, 170.0f}) {
+        TMyShape *low = Box(x - 10, 150, x + 10, 170);
+        TMyShape *high = Box(x - 10, 0, x + 10, 20);
+        low->LinkPoints() = {{x, 150}};
+        high->LinkPoints() = {{x, 20}};
+        Connect(low, 0, high, 0);
+    }
+    ASSERT_EQ(across->Points(), (TMyPointArray{{80, 70}, {220, 70}}));
+    Cad.grab();
+    const QImage &image = Cad.ScreenImage();
+    for (const int x : {130, 170}) {
+        // The line breaks off before the crossing and the arc rises above it.
+        EXPECT_EQ(CountPixels(image, QRect(x - 3, 70, 2, 1), kWhite), 2) << x;
+        EXPECT_EQ(CountPixels(image, QRect(x + 2, 70, 2, 1), kWhite), 2) << x;
+        EXPECT_GT(CountPixels(image, QRect(x - 4, 65, 3, 4), kBlack), 1) << x;
+        EXPECT_GT(CountPixels(image, QRect(x + 2, 65, 3, 4), kBlack), 1) << x;
+    }
+    // No hop away from the crossings.
+    EXPECT_EQ(CountPixels(image, QRect(100, 70, 20, 1), kBlack), 20);
+    EXPECT_EQ(CountPixels(image, QRect(100, 63, 20, 6), kBlack), 0);
 }
 
 TEST_F(CadConnectors, ConnectorsFollowMovedShapesAndGroups)
