@@ -1207,6 +1207,9 @@ private:
     RegroupedByRemoval(const std::vector<TMyShape *> &shapes,
                        const std::unordered_set<const TMyShape *> &gone) const;
     void ShapesRemoved();
+    // Deletes the shapes (not recorded), locked ones excepted: together, or one by one when
+    // a deletion handler must see each.
+    void DeleteShapesTogether(const std::vector<TMyShape *> &shapes);
     // The list changed other than by an append: look-ups by identity look again.
     void ForgetIdPlaces() const;
     void RemoveShapeTree(TMyShape *shape, bool honourLocks);

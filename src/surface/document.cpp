@@ -382,6 +382,13 @@ void TMyCAD::DeleteSelectedShapes()
             shapes.push_back(shape);
     if (!shapes.empty())
         PushtoUndoRedoShapeList(shapes, std::int32_t(shapes.size()) - 1, ACT_DELETE);
+    DeleteShapesTogether(shapes);
+    ClearWorkingShapes();
+    ShapesRemoved();
+}
+
+void TMyCAD::DeleteShapesTogether(const std::vector<TMyShape *> &shapes)
+{
     if (m_OnShapeDeleted) {
         // A handler sees the document as the deletions before it left it, and may change it:
         // one shape after the other, by identity, since a handler may have removed a later one.
@@ -390,15 +397,13 @@ void TMyCAD::DeleteSelectedShapes()
             ids.push_back(shape->ShapeId());
         for (std::int32_t id : ids)
             DeleteShapeById(id, false);
-    } else {
-        // Removed together, the list is renumbered once rather than once a shape.
-        TDeletion deletion;
-        for (TMyShape *shape : shapes)
-            CollectDeletion(shape, true, deletion, 0);
-        RemoveShapes(deletion.Shapes);
+        return;
     }
-    ClearWorkingShapes();
-    ShapesRemoved();
+    // Removed together, the list is renumbered once rather than once a shape.
+    TDeletion deletion;
+    for (TMyShape *shape : shapes)
+        CollectDeletion(shape, true, deletion, 0);
+    RemoveShapes(deletion.Shapes);
 }
 
 void TMyCAD::DeleteAllShapes()

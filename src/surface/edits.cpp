@@ -221,11 +221,9 @@ TMyShape *TMyCAD::CreateAndDelete(TMyLine *line)
     if (lineInDocument)
         gone.push_back(line);
     RecordEdit(gone, ACT_DELETE, false, true);
-    std::vector<std::int32_t> goneIds;
-    for (const TMyShape *shape : gone)
-        goneIds.push_back(shape->ShapeId());
-    for (std::int32_t id : goneIds)
-        DeleteShapeById(id, false);
+    const bool handlers = m_OnShapeDeleted || m_OnShapeAdded;
+    DeleteShapesTogether(gone);
+    ClearWorkingShapes();
 
     const std::int32_t id = m_ShapeIdCounter;
     merged->SetShapeId(id);
@@ -242,7 +240,11 @@ TMyShape *TMyCAD::CreateAndDelete(TMyLine *line)
     m_CurrentShape = added;
     if (m_OnShapeAdded)
         m_OnShapeAdded(this, added, GetShapesCount());
-    DocumentChanged();
+    // The removals and the append kept the index; a handler may have changed anything.
+    if (handlers)
+        DocumentChanged();
+    else
+        Invalidate();
     return added;
 }
 

@@ -136,7 +136,7 @@ private:
     bool AskForInput(TMyShape *shape);
     void FinishShape();
     bool JoinLines();
-    void FinishDrawingTool(bool appendedOnly);
+    void FinishDrawingTool(bool indexKept);
     void ReleaseRubberBand();
     void ReleaseResizing(TShiftState shift);
     void ReleaseDragging();

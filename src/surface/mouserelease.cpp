@@ -294,14 +294,15 @@ bool TMouseMachine::JoinLines()
         return false;
     m_Building.reset();
     SetCurrent(nullptr);
-    FinishDrawingTool(false);
+    // The join told the index what it removed and appended.
+    FinishDrawingTool(true);
     return true;
 }
 
 // After a finished shape: back to selecting when the control asks for it, and one repaint.
-// A shape only appended is taken in by the index at its next query; event handlers may have
-// changed anything.
-void TMouseMachine::FinishDrawingTool(bool appendedOnly)
+// A shape only appended is taken in by the index at its next query, and removals have told
+// it already (indexKept); event handlers may have changed anything.
+void TMouseMachine::FinishDrawingTool(bool indexKept)
 {
     TMyCAD &cad = m_Cad;
     bool handled = cad.m_OnShapeAdded != nullptr;
@@ -313,7 +314,7 @@ void TMouseMachine::FinishDrawingTool(bool appendedOnly)
         cad.m_ActionTool = m_Saved;
         cad.m_ShapeTool = TDrawTool::SpSelecting;
     }
-    if (appendedOnly && !handled)
+    if (indexKept && !handled)
         cad.Invalidate();
     else
         cad.DocumentChanged();

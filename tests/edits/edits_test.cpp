@@ -551,6 +551,8 @@ TEST(Randomized, EditsOnRandomChainsGoBackExactly)
             }
             }
             ASSERT_TRUE(RelationsValid(cad)) << "operation " << op;
+            ASSERT_TRUE(IndexAgreesWithTheScan(cad, {-50, -50, 650, 650}, 70, {30, 300}))
+                << "operation " << op;
             if (!result) {
                 ASSERT_TRUE(SameBytes(Saved(cad), before));
                 continue;

@@ -166,6 +166,7 @@ TEST(MouseDrawing, ALineDroppedOnTwoLineEndsJoinsThem)
     EXPECT_EQ(joined->ClassName(), QLatin1String("TMyPolyLine"));
     ExpectNear(joined->Points(), {{50, 300}, {150, 300}, {250, 300}, {350, 320}});
     EXPECT_EQ(StepCount(s.cad), 1);
+    EXPECT_TRUE(IndexAgreesWithTheScan(s.cad, {0, 250, 400, 350}, 40, {20, 200}));
     s.cad.PopFromUndoRedoShapeList();
     EXPECT_EQ(Saved(s.cad), before);
 }
