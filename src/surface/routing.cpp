@@ -129,10 +129,9 @@ void TMyCAD::ChangeLinkShapes(TMyShape *shape)
 
 bool TMyCAD::InWhichShapeWhichHotLinkId(TPoint point, std::int32_t &shapeNo, std::int32_t &linkId)
 {
-    // A hot square holds the pixels within five of its link point (rounded), and every link
-    // point lies in the extent of its top-level shape.
-    const TRect around = TRect(point.X, point.Y, point.X + 1, point.Y + 1).Inflated(7, 7);
-    const std::vector<std::int32_t> near = TreesOf(IndexedShapesNear(around));
+    // A hot square holds the pixels within five of its link point (rounded).
+    const float x = float(point.X), y = float(point.Y);
+    const std::vector<std::int32_t> near = ShapesIn({x - 6, y - 6, x + 6, y + 6});
     for (auto it = near.rbegin(); it != near.rend(); ++it) {
         const std::int32_t no = *it;
         TMyShape *shape = m_Shapes[std::size_t(no)].get();

@@ -211,22 +211,6 @@ void TExtentBuilder::AddTextShapeLines(const TMyText &text)
     AddPad(3);
 }
 
-} // namespace
-
-TRect ControlRectHolding(double left, double top, double right, double bottom)
-{
-    if (std::isnan(left) || std::isnan(top) || std::isnan(right) || std::isnan(bottom))
-        return {}; // no point lies there
-    const auto pixel = [](double v) {
-        constexpr double limit = 1 << 30;
-        return std::int32_t(std::clamp(v, -limit, limit));
-    };
-    return TRect(pixel(std::floor(left) - 1), pixel(std::floor(top) - 1),
-                 pixel(std::ceil(right) + 2), pixel(std::ceil(bottom) + 2));
-}
-
-namespace {
-
 // The visible layers of a query, for look-ups by ID without walking the table each time.
 std::vector<std::int32_t> VisibleLayerIds(const std::vector<TLayer> &layers)
 {

@@ -29,6 +29,18 @@ TRect TShapeExtent::ScreenRect(double zoom) const
             px(Box.Bottom) + Pad + 1};
 }
 
+TRect ControlRectHolding(double left, double top, double right, double bottom)
+{
+    if (std::isnan(left) || std::isnan(top) || std::isnan(right) || std::isnan(bottom))
+        return {}; // no point lies there
+    const auto pixel = [](double v) {
+        constexpr double limit = 1 << 30;
+        return std::int32_t(std::clamp(v, -limit, limit));
+    };
+    return TRect(pixel(std::floor(left) - 1), pixel(std::floor(top) - 1),
+                 pixel(std::ceil(right) + 2), pixel(std::ceil(bottom) + 2));
+}
+
 namespace {
 
 // One more pixel than the pad covers the rounding of the zoomed box, so the tree never
