@@ -30,6 +30,10 @@ public:
         m_Known.emplace_back(type, cast != nullptr);
         return cast;
     }
+    T *operator()(TMyShape *shape)
+    {
+        return const_cast<T *>((*this)(static_cast<const TMyShape *>(shape)));
+    }
 
 private:
     // A handful of classes in any drawing.

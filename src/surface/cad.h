@@ -1220,8 +1220,10 @@ private:
     std::unordered_map<std::int32_t, TMyShape *> ShapesById() const;
     // Gives every shape number n in the relations of all shapes the number map(n); a
     // negative answer removes the reference. Each shape also stores its place in the list,
-    // in the same pass: on a big drawing every touch of a shape is a cache miss.
-    void RenumberRelations(const std::function<std::int32_t(std::int32_t)> &map);
+    // in the same pass: on a big drawing every touch of a shape is a cache miss. A map that
+    // changes the order of numbers (reordered) has the child lists sorted again.
+    void RenumberRelations(const std::function<std::int32_t(std::int32_t)> &map,
+                           bool reordered = false);
     bool RotateToEnd(TMyShape *shape, bool toFront);
     void CommandChangedGeometry(std::span<TMyShape *const> shapes);
     void ForgetShape(const TMyShape *shape);

@@ -329,8 +329,10 @@ void TMyCAD::SendToBack(TMyShape *shape, bool record)
         TMyShape *const one[] = {shape};
         PushtoUndoRedoShapeList(one, 0, ACT_SENDTOBACK);
     }
-    RotateToEnd(shape, false);
-    DocumentChanged();
+    if (RotateToEnd(shape, false))
+        Invalidate();
+    else
+        DocumentChanged();
 }
 
 void TMyCAD::BringToFrontByStep(TMyShape *shape, bool record)
@@ -343,7 +345,8 @@ void TMyCAD::BringToFrontByStep(TMyShape *shape, bool record)
     }
     if (TMyShape *next = GetNextSingleorRootShape(GetShapeNoInMyShapes(shape)))
         SwapShape(shape, next);
-    DocumentChanged();
+    else
+        Invalidate();
 }
 
 void TMyCAD::SendToBackByStep(TMyShape *shape, bool record)
@@ -356,7 +359,8 @@ void TMyCAD::SendToBackByStep(TMyShape *shape, bool record)
     }
     if (TMyShape *prev = GetPrevSingleorRootShape(GetShapeNoInMyShapes(shape)))
         SwapShape(shape, prev);
-    DocumentChanged();
+    else
+        Invalidate();
 }
 
 // The shape is exchanged with each top-level shape above it (toFront) or below it in turn,
@@ -364,27 +368,34 @@ void TMyCAD::SendToBackByStep(TMyShape *shape, bool record)
 // the one before, while group members stay where they are. One renumbering does what the
 // chain of exchanges would, instead of one for every shape passed.
 //
-// True when the spatial index was kept: when every shape above goes one place down, the
-// shape leaves the index and joins it again at the top.
+// True when the spatial index was kept: when every other shape on the way is top-level,
+// they all go one place over, and the shape moves within the index to the top or bottom.
 bool TMyCAD::RotateToEnd(TMyShape *shape, bool toFront)
 {
     const std::int32_t from = GetShapeNoInMyShapes(shape);
     const auto count = std::int32_t(m_Shapes.size());
     std::vector<std::int32_t> places;
-    for (std::int32_t i = toFront ? from + 1 : 0; i < (toFront ? count : from); ++i)
+    const std::int32_t end = toFront ? count : from;
+    for (std::int32_t i = toFront ? from + 1 : 0; i < end; ++i) {
+        if (i + 8 < end)
+            __builtin_prefetch(m_Shapes[std::size_t(i + 8)].get());
         if (m_Shapes[std::size_t(i)]->ParentNo() == -1)
             places.push_back(i);
+    }
     if (places.empty())
         return true;
     places.insert(toFront ? places.begin() : places.end(), from);
+    const bool onlyTopLevel = places.size() == std::size_t(toFront ? count - from : from + 1);
     const bool keepIndex =
-        toFront && places.size() == std::size_t(count - from) && m_Index && !m_Index->IsStale();
-    if (keepIndex) {
+        onlyTopLevel && m_Index && !m_Index->IsStale() && (toFront || m_Index->MoveToBottom(shape));
+    if (keepIndex && toFront) {
         TMyShape *const one[] = {shape};
         m_Index->Remove(one);
-    } else {
-        ShapesRenumbered();
     }
+    if (keepIndex)
+        ForgetIdPlaces();
+    else
+        ShapesRenumbered();
     std::vector<std::int32_t> newNo(m_Shapes.size());
     std::iota(newNo.begin(), newNo.end(), 0);
     const std::size_t last = places.size() - 1;
@@ -396,15 +407,16 @@ bool TMyCAD::RotateToEnd(TMyShape *shape, bool toFront)
     }
     for (std::size_t i = 0; i <= last; ++i)
         m_Shapes[std::size_t(newNo[std::size_t(places[i])])] = std::move(moving[i]);
-    RenumberRelations([&newNo](std::int32_t n) {
-        return n >= 0 && std::size_t(n) < newNo.size() ? newNo[std::size_t(n)] : n;
-    });
-    for (const auto &each : m_Shapes)
-        std::sort(each->ChildShapes().begin(), each->ChildShapes().end());
+    RenumberRelations(
+        [&newNo](std::int32_t n) {
+            return n >= 0 && std::size_t(n) < newNo.size() ? newNo[std::size_t(n)] : n;
+        },
+        true);
     return keepIndex;
 }
 
-// Child lists are kept ascending, which an exchange of two numbers can upset.
+// Child lists are kept ascending, which an exchange of two numbers can upset. Shapes the
+// index holds exchange their places in it too.
 void TMyCAD::SwapShape(TMyShape *a, TMyShape *b)
 {
     const std::int32_t na = GetShapeNoInMyShapes(a);
@@ -412,11 +424,14 @@ void TMyCAD::SwapShape(TMyShape *a, TMyShape *b)
     if (na < 0 || nb < 0 || na == nb)
         return;
     std::swap(m_Shapes[std::size_t(na)], m_Shapes[std::size_t(nb)]);
-    ShapesRenumbered();
-    RenumberRelations([na, nb](std::int32_t n) { return n == na ? nb : (n == nb ? na : n); });
-    for (const auto &shape : m_Shapes)
-        std::sort(shape->ChildShapes().begin(), shape->ChildShapes().end());
-    DocumentChanged();
+    if (m_Index && !m_Index->IsStale() && std::max(na, nb) < m_Index->Count()) {
+        m_Index->Swap(na, nb);
+        ForgetIdPlaces();
+    } else {
+        ShapesRenumbered();
+    }
+    RenumberRelations([na, nb](std::int32_t n) { return n == na ? nb : (n == nb ? na : n); }, true);
+    Invalidate();
 }
 
 // ---- Flipping, locking, turning ----

@@ -279,10 +279,11 @@ bool TPressCursor::Next(TIndexCandidate &candidate)
 {
     if (!NextEntered(candidate))
         return false;
-    if (m_Removed) {
-        const auto below = std::lower_bound(m_Removed->begin(), m_Removed->end(), candidate.No);
-        candidate.No -= std::int32_t(below - m_Removed->begin());
-    }
+    std::int32_t below = 0;
+    if (m_Removed)
+        below = std::int32_t(std::lower_bound(m_Removed->begin(), m_Removed->end(), candidate.No) -
+                             m_Removed->begin());
+    candidate.No -= m_First + below;
     return true;
 }
 

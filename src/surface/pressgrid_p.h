@@ -109,10 +109,15 @@ public:
     bool Next(TIndexCandidate &candidate);
     // From now on only connectors are wanted; the others are passed over without a look.
     void ConnectorsOnly();
-    // The numbers the grid holds are those shapes had when entered; removed (ascending, or
-    // null for none) names the numbers taken out of the list since, so that Next hands out
-    // the numbers the shapes have now. The vector must outlive the press.
-    void SkipRemoved(const std::vector<std::int32_t> *removed) { m_Removed = removed; }
+    // The numbers the grid holds are the slots the shapes were entered in; first is the
+    // lowest slot in use and removed (ascending, or null for none) names the slots left empty
+    // above it, so that Next hands out the numbers the shapes have now. The vector must
+    // outlive the press.
+    void Renumber(std::int32_t first, const std::vector<std::int32_t> *removed)
+    {
+        m_First = first;
+        m_Removed = removed;
+    }
 
 private:
     friend class TPressGrid;
@@ -127,6 +132,7 @@ private:
     bool m_ConnectorsOnly = false;
     bool m_HasPending = false;
     TIndexCandidate m_Pending;
+    std::int32_t m_First = 0;
     const std::vector<std::int32_t> *m_Removed = nullptr;
 };
 

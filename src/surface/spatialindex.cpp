@@ -64,7 +64,11 @@ void TShapeIndex::Rebuild(std::vector<TEntry> entries, double zoom)
     m_Zoom = m_TreeZoom = zoom;
     m_MaxPad = 0;
     m_Press.reset();
-    m_Entries = std::move(entries);
+    m_First = BottomRoom;
+    m_Entries.clear();
+    m_Entries.reserve(std::size_t(m_First) + entries.size());
+    m_Entries.resize(std::size_t(m_First));
+    m_Entries.insert(m_Entries.end(), entries.begin(), entries.end());
     m_Removed.clear();
     m_Changes = 0;
     m_Slots.clear();
@@ -74,7 +78,7 @@ void TShapeIndex::Rebuild(std::vector<TEntry> entries, double zoom)
         CountPad(entry.Extent.Pad, 1);
     std::vector<TTree::TValue> values;
     values.reserve(m_Entries.size());
-    for (std::size_t i = 0; i < m_Entries.size(); ++i) {
+    for (auto i = std::size_t(m_First); i < m_Entries.size(); ++i) {
         m_Slots.insert_or_assign(m_Entries[i].Shape, std::int32_t(i));
         if (!m_Entries[i].Extent.Indexed)
             continue;
@@ -90,22 +94,22 @@ void TShapeIndex::Rebuild(std::vector<TEntry> entries, double zoom)
 std::int32_t TShapeIndex::NumberAt(std::int32_t slot) const
 {
     const auto below = std::lower_bound(m_Removed.begin(), m_Removed.end(), slot);
-    return slot - std::int32_t(below - m_Removed.begin());
+    return slot - m_First - std::int32_t(below - m_Removed.begin());
 }
 
-// m_Removed[j] - j live slots lie below the j-th empty one, a count that never falls; the
-// slot of number no lies above every empty slot with at most no live ones below it.
+// m_Removed[j] - m_First - j live slots lie below the j-th empty one, a count that never
+// falls; the slot of number no lies above every empty slot with at most no live ones below.
 std::int32_t TShapeIndex::SlotOf(std::int32_t no) const
 {
     std::size_t low = 0, high = m_Removed.size();
     while (low < high) {
         const std::size_t mid = (low + high) / 2;
-        if (m_Removed[mid] - std::int32_t(mid) <= no)
+        if (m_Removed[mid] - m_First - std::int32_t(mid) <= no)
             low = mid + 1;
         else
             high = mid;
     }
-    return no + std::int32_t(low);
+    return no + m_First + std::int32_t(low);
 }
 
 void TShapeIndex::Replace(std::int32_t no, const TShapeExtent &extent)
@@ -163,6 +167,41 @@ void TShapeIndex::Remove(std::span<TMyShape *const> shapes)
         MarkStale();
 }
 
+bool TShapeIndex::MoveToBottom(const TMyShape *shape)
+{
+    const auto it = m_Slots.find(shape);
+    if (m_First == 0 || it == m_Slots.end())
+        return false;
+    const std::int32_t from = it->second;
+    const TEntry entry = m_Entries[std::size_t(from)];
+    ReplaceSlot(from, TShapeExtent{});
+    m_Entries[std::size_t(from)].Shape = nullptr;
+    m_Removed.insert(std::upper_bound(m_Removed.begin(), m_Removed.end(), from), from);
+    const std::int32_t to = --m_First;
+    m_Entries[std::size_t(to)] = {entry.Shape, TShapeExtent{}, entry.Connector};
+    it->second = to;
+    ReplaceSlot(to, entry.Extent);
+    if (m_Removed.size() > std::max<std::size_t>(RemovedKept, m_Entries.size() / 4))
+        MarkStale();
+    return true;
+}
+
+// Each slot is emptied with the shape it holds, so the tree and the press cells let go of
+// the right entries, and filled with the other shape.
+void TShapeIndex::Swap(std::int32_t a, std::int32_t b)
+{
+    const std::int32_t places[] = {SlotOf(a), SlotOf(b)};
+    const TEntry entries[] = {m_Entries[std::size_t(places[0])], m_Entries[std::size_t(places[1])]};
+    for (int k = 0; k < 2; ++k)
+        ReplaceSlot(places[k], TShapeExtent{});
+    for (int k = 0; k < 2; ++k) {
+        const TEntry &other = entries[1 - k];
+        m_Entries[std::size_t(places[k])] = {other.Shape, TShapeExtent{}, other.Connector};
+        m_Slots.insert_or_assign(other.Shape, places[k]);
+        ReplaceSlot(places[k], other.Extent);
+    }
+}
+
 std::int32_t TShapeIndex::NumberOf(const TMyShape *shape) const
 {
     const auto it = m_Slots.find(shape);
@@ -193,7 +232,7 @@ bool TShapeIndex::KeepTreeAtZoom(double zoom)
 
 void TShapeIndex::SetExtentInPlace(std::int32_t no, const TShapeExtent &extent)
 {
-    TShapeExtent &entry = m_Entries[std::size_t(m_Removed.empty() ? no : SlotOf(no))].Extent;
+    TShapeExtent &entry = m_Entries[std::size_t(SlotOf(no))].Extent;
     CountPad(entry.Pad, -1);
     CountPad(extent.Pad, 1);
     entry = extent;
@@ -212,7 +251,7 @@ TMyRect TShapeIndex::QueryBox(const TRect &rect) const
 void TShapeIndex::Query(const TMyRect &box, std::vector<std::int32_t> &numbers) const
 {
     boxtree::Query(m_Tree->Tree, boxtree::Box(box), [this, &numbers](const TIndexCandidate &c) {
-        numbers.push_back(m_Removed.empty() ? c.No : NumberAt(c.No));
+        numbers.push_back(m_Removed.empty() ? c.No - m_First : NumberAt(c.No));
     });
 }
 
@@ -239,7 +278,7 @@ void TShapeIndex::BeginPress(TPoint at, TPressCursor &cursor)
         m_Press = std::make_unique<TPressGrid>(boxes, indexed, connectors);
     }
     m_Press->Begin({float(at.X / m_Zoom), float(at.Y / m_Zoom)}, cursor);
-    cursor.SkipRemoved(m_Removed.empty() ? nullptr : &m_Removed);
+    cursor.Renumber(m_First, m_Removed.empty() ? nullptr : &m_Removed);
 }
 
 } // namespace tessal

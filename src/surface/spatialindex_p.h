@@ -54,8 +54,10 @@ TRect ControlRectHolding(double left, double top, double right, double bottom);
 // Entries are kept in slots, the shape numbers they had when they were entered. A shape
 // taken out of the list leaves its slot empty, and a slot's shape number is the slot less
 // the empty slots below it: removals keep the order of the others, so no other entry
-// changes, in the tree or in the press cells. Any other change of numbering (an insertion,
-// a new order) needs a rebuild.
+// changes, in the tree or in the press cells. Below the first shape lie BottomRoom unused
+// slots, so that a shape sent to the back takes the one under the lowest in use and leaves
+// its own empty, and the others keep theirs. Any other change of numbering (an insertion,
+// a new order) needs a rebuild, save the exchange of two shapes' places.
 class TShapeIndex
 {
 public:
@@ -91,6 +93,12 @@ public:
     // when a rebuild makes queries cheaper again.
     void Remove(std::span<TMyShape *const> shapes);
     static constexpr std::size_t RemovedKept = 64;
+    // The shape becomes number 0 and the shapes below it go one place up; false (nothing
+    // changed) when it is not in the index or no unused slot is left below.
+    bool MoveToBottom(const TMyShape *shape);
+    static constexpr std::int32_t BottomRoom = 256;
+    // Shapes numbers a and b exchange their places in the list.
+    void Swap(std::int32_t a, std::int32_t b);
     void MarkStale() { m_Stale = true; }
     // Entries changed one by one since the last rebuild; past a share of the whole, a
     // rebuild costs less than taking in more of them singly.
@@ -98,11 +106,11 @@ public:
     bool IsStale() const { return m_Stale; }
 
     double Zoom() const { return m_Zoom; }
-    std::int32_t Count() const { return std::int32_t(m_Entries.size() - m_Removed.size()); }
-    const TEntry &Entry(std::int32_t no) const
+    std::int32_t Count() const
     {
-        return m_Entries[std::size_t(m_Removed.empty() ? no : SlotOf(no))];
+        return std::int32_t(m_Entries.size() - m_Removed.size()) - m_First;
     }
+    const TEntry &Entry(std::int32_t no) const { return m_Entries[std::size_t(SlotOf(no))]; }
     // The widest pad of any entry, or cap when one reaches it (cap at most PadCounted).
     std::int32_t LargestPad(std::int32_t cap) const;
     static constexpr std::int32_t PadCounted = 1024;
@@ -142,7 +150,8 @@ private:
     std::unique_ptr<TTree> m_Tree;
     std::vector<TEntry> m_Entries; // by slot
     std::unordered_map<const TMyShape *, std::int32_t> m_Slots;
-    std::vector<std::int32_t> m_Removed; // the empty slots, ascending
+    std::vector<std::int32_t> m_Removed; // the empty slots above m_First, ascending
+    std::int32_t m_First = 0;            // the slots below are unused
     // Made at the first press after a rebuild, then kept current with the tree.
     std::unique_ptr<TPressGrid> m_Press;
     double m_Zoom = 1.0;

@@ -179,7 +179,7 @@ TEST(ShapeFactory, KindTestAnswersAsTheCast)
         links += asLink(shape.get()) != nullptr;
     }
     EXPECT_EQ(links, 3);
-    EXPECT_EQ(asLink(nullptr), nullptr);
+    EXPECT_EQ(asLink(static_cast<TMyShape *>(nullptr)), nullptr);
 }
 
 TEST(ShapeProperties, EveryPropertyOfEveryClassWritesReadsAndIsCopied)

@@ -245,13 +245,19 @@ TEST(Commands, StackingOrderAmongRoots)
 // Bringing a shape to the front or sending it to the back leaves the drawing that exchanging
 // it with each top-level shape on its way leaves, order and relations: random drawings with
 // nested groups, connectors and locked shapes, top-level shapes and members moved both ways.
+// The spatial index, kept or made again, answers what a scan of the list answers.
 TEST(Commands, RestackingToAnEndEqualsTheExchangesOnTheWay)
 {
+    const auto indexAgrees = [](TMyCAD &cad) {
+        const TRect all(-4000, -4000, 4000, 4000);
+        return cad.ShapesInRect(all) == cad.ShapesInRectLinear(all);
+    };
     for (unsigned seed = 1; seed <= 30; ++seed) {
         TMyCAD direct, stepwise;
         for (TMyCAD *cad : {&direct, &stepwise}) {
             std::mt19937 same(seed);
             BuildRandomDrawing(*cad, same);
+            ASSERT_TRUE(indexAgrees(*cad));
         }
         std::mt19937 rng(seed + 100);
         for (int k = 0; k < 6; ++k) {
@@ -272,6 +278,8 @@ TEST(Commands, RestackingToAnEndEqualsTheExchangesOnTheWay)
             ASSERT_TRUE(RelationsValid(direct)) << "seed " << seed;
             ASSERT_EQ(OrderOfIds(direct), OrderOfIds(stepwise)) << "seed " << seed;
             ASSERT_EQ(Snapshot(direct), Snapshot(stepwise)) << "seed " << seed;
+            ASSERT_TRUE(indexAgrees(direct)) << "seed " << seed;
+            ASSERT_TRUE(indexAgrees(stepwise)) << "seed " << seed;
         }
     }
 }
@@ -303,6 +311,12 @@ TEST(Commands, SwapKeepsConnectorsAndGroupsOnTheirShapes)
     EXPECT_EQ(a->LinkShapes(), (std::vector<std::int32_t>{3}));
     EXPECT_TRUE(RelationsValid(cad));
     EXPECT_EQ(Snapshot(cad), before);
+
+    // A shape added since the index was last asked takes the place of one it holds.
+    const TRect all(-100, -100, 200, 200);
+    ASSERT_EQ(cad.ShapesInRect(all), cad.ShapesInRectLinear(all));
+    cad.SwapShape(AddRectangle(cad, 60, 0, 70, 10), a);
+    EXPECT_EQ(cad.ShapesInRect(all), cad.ShapesInRectLinear(all));
 }
 
 TEST(Commands, FlipLeavesLockedMembersAndConnectors)

@@ -224,6 +224,8 @@ TEST(ShapeIndex, CommandsReportTheirChanges)
         ASSERT_GE(cad.AddShapeByCode(tools[i % 3], QString(), pts, 0, QString()), 0);
     }
     const auto agree = [&](int step) {
+        const TRect all(0, 0, cad.width(), cad.height());
+        ASSERT_EQ(cad.ShapesInRect(all), cad.ShapesInRectLinear(all)) << "step " << step;
         std::uniform_int_distribution<int> at(0, cad.width());
         for (int q = 0; q < 4; ++q) {
             const int l = at(rng);
@@ -441,6 +443,18 @@ TEST(ShapeIndex, PressCandidatesComeFromTheTopAndCoverTheReach)
                 entries.erase(at);
             }
             index.Remove(removed);
+            // Sent to the back, and places exchanged.
+            for (int k = 0; k < 30; ++k) {
+                const auto no = std::ptrdiff_t(rng() % entries.size());
+                ASSERT_TRUE(index.MoveToBottom(entries[std::size_t(no)].Shape));
+                std::rotate(entries.begin(), entries.begin() + no, entries.begin() + no + 1);
+                const auto a = std::int32_t(rng() % entries.size());
+                const auto b = std::int32_t(rng() % entries.size());
+                if (a != b) {
+                    index.Swap(a, b);
+                    std::swap(entries[std::size_t(a)], entries[std::size_t(b)]);
+                }
+            }
             ASSERT_FALSE(index.IsStale());
             ASSERT_EQ(index.Count(), std::int32_t(entries.size()));
             for (std::int32_t no = 0; no < index.Count(); no += 7) {
@@ -449,6 +463,14 @@ TEST(ShapeIndex, PressCandidatesComeFromTheTopAndCoverTheReach)
             }
             check();
         }
+        // Once the room below is used up, a shape sent to the back is left where it is.
+        std::int32_t sent = 0;
+        while (index.MoveToBottom(entries.back().Shape)) {
+            std::rotate(entries.begin(), entries.end() - 1, entries.end());
+            ++sent;
+        }
+        EXPECT_EQ(sent, TShapeIndex::BottomRoom - 4 * 30);
+        check();
         // A shape the index never held is passed over; once more than a quarter of the
         // slots are empty, the index asks to be made again.
         owned.push_back(cad.CreateShapeByName(QStringLiteral("TMyLine")));
