@@ -1203,9 +1203,8 @@ private:
                          std::int32_t depth);
     void DetachLinks(TMyShape *shape);
     void RemoveShapes(const std::vector<TMyShape *> &shapes);
-    std::vector<TMyShape *>
-    RegroupedByRemoval(const std::vector<TMyShape *> &shapes,
-                       const std::unordered_set<const TMyShape *> &gone) const;
+    std::vector<TMyShape *> RegroupedByRemoval(const std::vector<TMyShape *> &shapes,
+                                               const std::vector<bool> &goneByPlace) const;
     void ShapesRemoved();
     // Deletes the shapes (not recorded), locked ones excepted: together, or one by one when
     // a deletion handler must see each.
@@ -1227,6 +1226,9 @@ private:
     bool RotateToEnd(TMyShape *shape, bool toFront);
     void CommandChangedGeometry(std::span<TMyShape *const> shapes);
     void ForgetShape(const TMyShape *shape);
+    // Everything that remembers shapes forgets those for which gone answers true, asking once
+    // for each shape remembered, so that removing many shapes at once stays linear.
+    void ForgetShapes(const std::function<bool(const TMyShape *)> &gone);
     void RemoveLayerAt(std::int32_t no);
     std::int32_t FinishShapeByCode(std::unique_ptr<TMyShape> shape, const QString &caption,
                                    double angle);

@@ -212,9 +212,13 @@ void TMyCAD::RenumberRelations(const std::function<std::int32_t(std::int32_t)> &
     TShapeKind<TMyLinkLine> asLink;
     const std::size_t count = m_Shapes.size();
     for (std::size_t i = 0; i < count; ++i) {
-        // The objects lie apart in memory: the next few are asked for while this one is done.
-        if (i + 8 < count)
-            __builtin_prefetch(m_Shapes[i + 8].get());
+        // The objects lie apart in memory: shapes further on are asked for while this one is
+        // done, at both ends (the class, and the relation lists).
+        if (i + 16 < count) {
+            TMyShape *ahead = m_Shapes[i + 16].get();
+            __builtin_prefetch(ahead);
+            __builtin_prefetch(&ahead->ChildShapes());
+        }
         TMyShape *shape = m_Shapes[i].get();
         shape->SetShapeNo(std::int32_t(i));
         if (shape->ParentNo() >= 0)
@@ -294,18 +298,26 @@ void TMyCAD::RemoveShapes(const std::vector<TMyShape *> &shapes)
 {
     if (shapes.empty())
         return;
-    const std::unordered_set<const TMyShape *> gone(shapes.begin(), shapes.end());
+    // The list is gone through by place: a set asked for every shape of a big drawing would
+    // cost more than the rest. What remembers shapes asks the set.
+    std::vector<bool> gone(m_Shapes.size(), false);
+    for (const TMyShape *shape : shapes)
+        if (const std::int32_t no = GetShapeNoInMyShapes(shape); no >= 0)
+            gone[std::size_t(no)] = true;
+    const std::unordered_set<const TMyShape *> leaving(shapes.begin(), shapes.end());
     std::vector<std::int32_t> newNo(m_Shapes.size(), -1);
     std::int32_t next = 0;
     for (std::size_t i = 0; i < m_Shapes.size(); ++i)
-        if (!gone.contains(m_Shapes[i].get()))
+        if (!gone[i])
             newNo[i] = next++;
     const std::vector<TMyShape *> regrouped = RegroupedByRemoval(shapes, gone);
-    for (const TMyShape *shape : shapes)
-        ForgetShape(shape);
+    ForgetShapes([&leaving](const TMyShape *shape) { return leaving.contains(shape); });
     if (m_Index && !m_Index->IsStale())
         m_Index->Remove(shapes);
-    std::erase_if(m_Shapes, [&gone](const auto &shape) { return gone.contains(shape.get()); });
+    for (std::size_t i = 0; i < m_Shapes.size(); ++i)
+        if (!gone[i] && std::size_t(newNo[i]) != i)
+            m_Shapes[std::size_t(newNo[i])] = std::move(m_Shapes[i]);
+    m_Shapes.resize(std::size_t(next));
     ForgetIdPlaces();
     RenumberRelations([&newNo](std::int32_t n) {
         return n >= 0 && std::size_t(n) < newNo.size() ? newNo[std::size_t(n)] : -1;
@@ -316,14 +328,13 @@ void TMyCAD::RemoveShapes(const std::vector<TMyShape *> &shapes)
 
 // The shapes that stay whose extent a removal changes: a group losing members, and members
 // left without their group, which become shapes of their own.
-std::vector<TMyShape *>
-TMyCAD::RegroupedByRemoval(const std::vector<TMyShape *> &shapes,
-                           const std::unordered_set<const TMyShape *> &gone) const
+std::vector<TMyShape *> TMyCAD::RegroupedByRemoval(const std::vector<TMyShape *> &shapes,
+                                                   const std::vector<bool> &goneByPlace) const
 {
     std::vector<TMyShape *> regrouped;
     const auto keep = [&](std::int32_t no) {
         TMyShape *shape = GetShapeByNo(no);
-        if (shape && !gone.contains(shape))
+        if (shape && !goneByPlace[std::size_t(no)])
             regrouped.push_back(shape);
     };
     for (const TMyShape *shape : shapes) {
@@ -343,11 +354,16 @@ void TMyCAD::RemoveShapeTree(TMyShape *shape, bool honourLocks)
 
 void TMyCAD::ForgetShape(const TMyShape *shape)
 {
-    m_Mouse->Forget(shape);
-    std::erase(m_WorkingShapes, shape);
-    if (m_CurrentShape == shape)
+    ForgetShapes([shape](const TMyShape *each) { return each == shape; });
+}
+
+void TMyCAD::ForgetShapes(const std::function<bool(const TMyShape *)> &gone)
+{
+    m_Mouse->Forget(gone);
+    std::erase_if(m_WorkingShapes, gone);
+    if (m_CurrentShape && gone(m_CurrentShape))
         m_CurrentShape = nullptr;
-    if (m_HotHighlight.Shape == shape)
+    if (m_HotHighlight.Shape && gone(m_HotHighlight.Shape))
         m_HotHighlight = {};
 }
 
@@ -434,8 +450,15 @@ void TMyCAD::DeleteAllShapes()
 void TMyCAD::SetWorkingShapes(std::span<TMyShape *const> shapes)
 {
     m_WorkingShapes.clear();
-    for (TMyShape *shape : shapes)
-        AddWorkingShape(shape);
+    // Selecting the whole of a big drawing must not compare each shape with those before.
+    std::unordered_set<const TMyShape *> taken;
+    for (TMyShape *shape : shapes) {
+        if (GetShapeNoInMyShapes(shape) < 0)
+            continue;
+        TMyShape *root = GetRootParentShape(shape);
+        if (taken.insert(root).second)
+            m_WorkingShapes.push_back(root);
+    }
     Invalidate();
 }
 

@@ -317,17 +317,19 @@ void TMouseMachine::ToolChanged()
 
 // Called before the shape goes: the feedback may show it and is erased while it still can
 // be drawn. A whole drag shows every shape of the layer.
-void TMouseMachine::Forget(const TMyShape *shape)
+void TMouseMachine::Forget(const std::function<bool(const TMyShape *)> &gone)
 {
-    const bool involved = shape == m_Cad.m_CurrentShape || m_Cad.IsWorkingShape(shape) ||
-                          m_Cad.m_ActionTool == TActionTools::dtDragWhole;
+    const auto goes = [&gone](const TMyShape *shape) { return shape && gone(shape); };
+    const bool involved =
+        m_Cad.m_ActionTool == TActionTools::dtDragWhole || goes(m_Cad.m_CurrentShape) ||
+        std::any_of(m_Cad.m_WorkingShapes.begin(), m_Cad.m_WorkingShapes.end(), goes);
     if (m_Down && involved && m_Cad.m_ActionTool != TActionTools::dtDrawing)
         Cancel();
-    if (m_Child == shape)
+    if (goes(m_Child))
         m_Child = nullptr;
-    if (m_ClickThrough == shape)
+    if (goes(m_ClickThrough))
         m_ClickThrough = nullptr;
-    if (m_Hovered == shape)
+    if (goes(m_Hovered))
         m_Hovered = nullptr;
     // A connector under construction notes its ends by number, and numbers change now.
     if (auto *link = dynamic_cast<TMyLinkLine *>(m_Building.get())) {

@@ -91,8 +91,9 @@ public:
     void ToolChanged();
     // Escape: the shape under construction or the gesture under way is abandoned.
     void Cancel();
-    // A shape leaves the document (or all do): no reference to it may survive.
-    void Forget(const TMyShape *shape);
+    // Shapes leave the document, those for which gone answers true: no reference to them may
+    // survive.
+    void Forget(const std::function<bool(const TMyShape *)> &gone);
     void ForgetAll();
     // Hover tracking: shape is the one under the mouse now, or nullptr.
     void Hover(TMyShape *shape, TPoint point);

@@ -149,6 +149,11 @@ void TShapeIndex::Append(const TEntry &entry)
 
 void TShapeIndex::Remove(std::span<TMyShape *const> shapes)
 {
+    // Entries that would leave too many slots empty are not taken out one by one.
+    if (TooManyEmpty(m_Removed.size() + shapes.size())) {
+        MarkStale();
+        return;
+    }
     const std::size_t before = m_Removed.size();
     for (const TMyShape *shape : shapes) {
         const auto it = m_Slots.find(shape);
@@ -163,8 +168,13 @@ void TShapeIndex::Remove(std::span<TMyShape *const> shapes)
     std::sort(m_Removed.begin() + std::ptrdiff_t(before), m_Removed.end());
     std::inplace_merge(m_Removed.begin(), m_Removed.begin() + std::ptrdiff_t(before),
                        m_Removed.end());
-    if (m_Removed.size() > std::max<std::size_t>(RemovedKept, m_Entries.size() / 4))
+    if (TooManyEmpty(m_Removed.size()))
         MarkStale();
+}
+
+bool TShapeIndex::TooManyEmpty(std::size_t empty) const
+{
+    return empty > std::max<std::size_t>(RemovedKept, m_Entries.size() / 4);
 }
 
 bool TShapeIndex::MoveToBottom(const TMyShape *shape)
@@ -181,7 +191,7 @@ bool TShapeIndex::MoveToBottom(const TMyShape *shape)
     m_Entries[std::size_t(to)] = {entry.Shape, TShapeExtent{}, entry.Connector};
     it->second = to;
     ReplaceSlot(to, entry.Extent);
-    if (m_Removed.size() > std::max<std::size_t>(RemovedKept, m_Entries.size() / 4))
+    if (TooManyEmpty(m_Removed.size()))
         MarkStale();
     return true;
 }

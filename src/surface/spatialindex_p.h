@@ -135,6 +135,8 @@ private:
     struct TTree;
 
     std::int32_t SlotOf(std::int32_t no) const;
+    // Whether so many empty slots make a rebuild worth its cost.
+    bool TooManyEmpty(std::size_t empty) const;
     std::int32_t NumberAt(std::int32_t slot) const;
     void ReplaceSlot(std::int32_t slot, const TShapeExtent &extent);
     // Keeps the count of entries by pad, so that a repaint learns the widest without a walk
