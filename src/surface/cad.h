@@ -1415,6 +1415,8 @@ private:
     void DrawShapeTree(TCanvas &canvas, TMyShape *shape, std::int32_t depth);
     void DrawLinkHotTree(TCanvas &canvas, TMyShape *shape, std::int32_t depth);
     void DrawWorkingHandles(const TRect &clip);
+    // The control pixels a working shape's handles can cover.
+    TRect HandlesReach(TMyShape *shape) const;
     void DrawBkBitmapPart(QImage &image, QRect page, QRect clip);
     void DrawGridDots(TCanvas &canvas, QSize size, double sx, double sy);
     // The grid of page drawn on an export canvas (export.cpp).

@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <limits>
 #include <numeric>
+#include <unordered_set>
 
 namespace tessal {
 
@@ -79,12 +80,13 @@ std::vector<TMyShape *> Grouping::Roots(const TShapeList &list, std::span<TMySha
 {
     std::vector<TMyShape *> roots;
     std::vector<TMyShape *> given;
+    std::unordered_set<const TMyShape *> taken; // a group of a whole big drawing stays linear
     for (TMyShape *shape : shapes) {
         if (PlaceOf(list, shape) < 0)
             continue;
         given.push_back(shape);
         TMyShape *root = RootOf(list, shape);
-        if (std::find(roots.begin(), roots.end(), root) == roots.end())
+        if (taken.insert(root).second)
             roots.push_back(root);
     }
     if (roots.empty())

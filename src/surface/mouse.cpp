@@ -286,7 +286,7 @@ void TMyCAD::SelectAllWorkingShapes()
     for (TMyShape *shape : m_WorkingShapes) {
         if (!shape->Visible() || !IsVisibleLayerByID(shape->LayerId()))
             continue;
-        const TRect reach = ShapeScreenRect(shape).Inflated(m_HotSize + 4, m_HotSize + 4);
+        const TRect reach = HandlesReach(shape);
         if (!reach.Intersects(shown))
             continue;
         shape->DrawHot(*screen);

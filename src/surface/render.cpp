@@ -234,6 +234,8 @@ void TMyCAD::DrawLinkHotTree(TCanvas &canvas, TMyShape *shape, std::int32_t dept
 
 // The handles are drawn on the screen image only, clipped to the recomposed area: outside
 // it the screen still shows them from an earlier repaint.
+// A selection of the whole of a big drawing has most of its handles far from the clip; they
+// are passed over by the box the index keeps.
 void TMyCAD::DrawWorkingHandles(const TRect &clip)
 {
     if (m_WorkingShapes.empty())
@@ -242,8 +244,19 @@ void TMyCAD::DrawWorkingHandles(const TRect &clip)
     canvas.SetOrigin(TPoint(m_ScreenOrigin.x(), m_ScreenOrigin.y()));
     canvas.SelectClipRect(&clip);
     for (TMyShape *shape : m_WorkingShapes)
-        shape->DrawHot(canvas);
+        if (HandlesReach(shape).Intersects(clip))
+            shape->DrawHot(canvas);
     canvas.Flush();
+}
+
+TRect TMyCAD::HandlesReach(TMyShape *shape) const
+{
+    const std::int32_t no = shape->ShapeNo();
+    const bool indexed = m_Index && !m_Index->IsStale() && m_Index->Zoom() == m_Zoom && no >= 0 &&
+                         no < m_Index->Count() && m_Index->Entry(no).Shape == shape;
+    const TRect box =
+        indexed ? m_Index->Entry(no).Extent.ScreenRect(m_Zoom) : ShapeScreenRect(shape);
+    return box.Inflated(m_HotSize + 4, m_HotSize + 4);
 }
 
 } // namespace tessal

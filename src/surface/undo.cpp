@@ -6,6 +6,7 @@
 #include <tessal/shapes/line.h>
 #include <tessal/shapes/link.h>
 #include <tessal/shapes/shape.h>
+#include <tessal/shapes/shapekind.h>
 #include <tessal/shapes/shapetools.h>
 
 #include <algorithm>
@@ -13,6 +14,7 @@
 #include <functional>
 #include <limits>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace tessal {
 
@@ -188,11 +190,12 @@ void TMyCAD::RecordFormerNames(const std::vector<std::pair<std::int32_t, QString
 // records come first in the step, so that they are taken back last.
 void TMyCAD::RecordBoundConnectors(std::span<TMyShape *const> shapes, std::int32_t step)
 {
+    // In the order first met; the sets keep a command on a whole big drawing linear.
     std::vector<TMyShape *> changed;
+    std::unordered_set<const TMyShape *> met;
     const std::function<void(TMyShape *, std::int32_t)> collect = [&](TMyShape *shape,
                                                                       std::int32_t depth) {
-        if (!shape || depth > GetShapesCount() ||
-            std::find(changed.begin(), changed.end(), shape) != changed.end())
+        if (!shape || depth > GetShapesCount() || !met.insert(shape).second)
             return;
         changed.push_back(shape);
         for (std::int32_t no : shape->ChildShapes())
@@ -203,9 +206,10 @@ void TMyCAD::RecordBoundConnectors(std::span<TMyShape *const> shapes, std::int32
     // Changed connectors too: their own record is followed by re-routes as their shapes
     // are taken back.
     std::vector<TMyShape *> connectors;
-    const auto add = [&connectors](TMyShape *link) {
-        if (dynamic_cast<TMyLinkLine *>(link) &&
-            std::find(connectors.begin(), connectors.end(), link) == connectors.end())
+    std::unordered_set<const TMyShape *> taken;
+    TShapeKind<TMyLinkLine> asLink;
+    const auto add = [&](TMyShape *link) {
+        if (asLink(link) && taken.insert(link).second)
             connectors.push_back(link);
     };
     for (TMyShape *shape : changed) {

@@ -290,18 +290,19 @@ TEST(Document, RelationsAndSelectionDeletes)
     EXPECT_EQ(StepCount(cad), 1);
     EXPECT_EQ(cad.UndoRedoShapeList().size(), 5u); // outer, g, a, b, c
 
-    // A shape deleted by code leaves the selection, and the current shape with it.
-    d->SetLockedFlag(false);
+    // A shape removed with its layer leaves the selection, and the current shape with it.
+    const std::int32_t layer = cad.NewLayer(QStringLiteral("Removed"), true);
     TMyShape *e = AddRectangle(cad, 80, 0, 90, 10);
     cad.SetWorkingShapes(std::vector<TMyShape *>{e, d, e});
     cad.SetCurrentShape(e);
-    ASSERT_TRUE(cad.DeleteShapeById(e->ShapeId(), false));
+    ASSERT_TRUE(cad.DeleteLayerByID(layer));
+    ASSERT_EQ(cad.GetShapesCount(), 1);
     EXPECT_EQ(cad.WorkingShapes(), std::vector<TMyShape *>{d});
     EXPECT_EQ(cad.CurrentShape(), nullptr);
 
     cad.DeleteAllShapes();
     EXPECT_EQ(cad.GetShapesCount(), 0);
-    EXPECT_EQ(cad.ShapeIdCounter(), 6);
+    EXPECT_EQ(cad.ShapeIdCounter(), 7);
 }
 
 // The first layer, look-ups by identity, place and name, and NewLayer's event, which fires

@@ -317,6 +317,27 @@ TEST(Render, PartialRepaintEqualsFullRepaint)
                 << r.Bottom;
         }
     }
+    // With every shape selected, the handles a rectangle repaints are those of a full repaint.
+    std::vector<TMyShape *> all;
+    for (std::int32_t no = 0; no < cad.GetShapesCount(); ++no)
+        all.push_back(cad.GetShapeByNo(no));
+    cad.SetWorkingShapes(all);
+    cad.SetZoom(1.37);
+    cad.Paint(ControlRect(cad));
+    const QImage handles = cad.ScreenImage().copy();
+    ASSERT_GT(CompareImages(handles, Compose(cad, ControlRect(cad))).DifferingPixels, 1000);
+    std::uniform_int_distribution<int> x(0, cad.width() - 1);
+    std::uniform_int_distribution<int> y(0, cad.height() - 1);
+    std::uniform_int_distribution<int> side(1, 24);
+    for (int n = 0; n < 400; ++n) {
+        const int l = x(rng);
+        const int t = y(rng);
+        const TRect r(l, t, std::min(cad.width(), l + side(rng)),
+                      std::min(cad.height(), t + side(rng)));
+        cad.Paint(r);
+        EXPECT_TRUE(ImagesEqual(cad.ScreenImage().copy(r.ToQRect()), handles.copy(r.ToQRect())))
+            << "rect " << r.Left << "," << r.Top << "," << r.Right << "," << r.Bottom;
+    }
     // Painting leaves the document as it was, bit for bit: no residue of a shift and back.
     for (std::int32_t no = 0; no < cad.GetShapesCount(); ++no) {
         EXPECT_EQ(cad.GetShapeByNo(no)->Points(), points[std::size_t(no)].first) << no;
