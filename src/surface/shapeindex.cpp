@@ -241,6 +241,12 @@ void FollowZoom(TShapeIndex &index, TExtentBuilder &builder,
     std::int32_t moved = 0;
     const std::int32_t count = index.Count();
     for (std::int32_t no = 0; no < count; ++no) {
+        // The shapes, and then their points, lie apart in memory: those further on that follow
+        // the zoom are asked for while this one is worked out.
+        if (no + 16 < count && index.Entry(no + 16).Extent.Zoomed != TZoomRule::Fixed)
+            __builtin_prefetch(shapes[std::size_t(no + 16)].get());
+        if (no + 8 < count && index.Entry(no + 8).Extent.Zoomed != TZoomRule::Fixed)
+            __builtin_prefetch(shapes[std::size_t(no + 8)]->Points().data());
         const TShapeIndex::TEntry &entry = index.Entry(no);
         TShapeExtent extent = entry.Extent;
         if (extent.Zoomed == TZoomRule::Reach) {
