@@ -8,6 +8,7 @@
 #include <tessal/shapes/line.h>
 #include <tessal/shapes/link.h>
 #include <tessal/shapes/shape.h>
+#include <tessal/shapes/shapekind.h>
 #include <tessal/shapes/text.h>
 
 #include <algorithm>
@@ -79,6 +80,10 @@ private:
     bool m_HitPoints = false;
     // -1 once a class does not say how far it is hit.
     std::int32_t m_HitReach = 0;
+    // A builder measures every shape of a rebuild.
+    TShapeKind<TMyElliArc> m_AsArc;
+    TShapeKind<TMyLine> m_AsLine;
+    TShapeKind<TMyText> m_AsText;
 };
 
 // Grows box to take in p; the first point makes the box.
@@ -125,7 +130,7 @@ void TExtentBuilder::Add(TMyShape *shape, std::int32_t depth)
         return;
     for (std::int32_t i = 0; i < shape->GetPointsCount(); ++i)
         AddHitPoint(shape->GetPoint(i));
-    if (const auto *arc = dynamic_cast<const TMyElliArc *>(shape)) {
+    if (const TMyElliArc *arc = m_AsArc(shape)) {
         const double z = m_Cad.Zoom();
         for (const TMyPoint p : arc->OutlineInZoom())
             AddHitPoint({float(p.X / z), float(p.Y / z)});
@@ -137,7 +142,7 @@ void TExtentBuilder::Add(TMyShape *shape, std::int32_t depth)
         AddPoint(shape->GetLinkPoint(i));
     if (shape->GetLinkPointsCount() > 0)
         AddPad(4);
-    if (const auto *line = dynamic_cast<const TMyLine *>(shape)) {
+    if (const TMyLine *line = m_AsLine(shape)) {
         // A line among others would need the walk again to find the group's reach.
         Follows(depth == 0 && shape->ChildShapes().empty() ? TZoomRule::Reach : TZoomRule::Measure);
         if (line->ArrowStyle() != TArrowStyle::ANone) {
@@ -148,7 +153,7 @@ void TExtentBuilder::Add(TMyShape *shape, std::int32_t depth)
         }
     }
     AddInfoText(shape);
-    if (const auto *text = dynamic_cast<const TMyText *>(shape)) {
+    if (const TMyText *text = m_AsText(shape)) {
         AddTextShapeLines(*text);
         Follows(TZoomRule::Measure);
     }
@@ -225,11 +230,6 @@ std::vector<std::int32_t> VisibleLayerIds(const std::vector<TLayer> &layers)
 bool Contains(const std::vector<std::int32_t> &sorted, std::int32_t id)
 {
     return std::binary_search(sorted.begin(), sorted.end(), id);
-}
-
-bool IsConnector(const TMyShape *shape)
-{
-    return dynamic_cast<const TMyLineLinkLine *>(shape) != nullptr;
 }
 
 // A zoom change keeps the tree: only the extents that follow the zoom are worked out again,
@@ -375,6 +375,7 @@ void TMyCAD::EnsureIndex()
         m_Index = std::make_unique<TShapeIndex>();
     TTextMeasure measure;
     TExtentBuilder builder(*this, measure);
+    TShapeKind<TMyLineLinkLine> isConnector;
     const std::int32_t count = GetShapesCount();
     // Every change of the list other than an append marks the index stale where it is made
     // (ShapesRenumbered), so a query does not compare the whole list with the index: only
@@ -392,16 +393,22 @@ void TMyCAD::EnsureIndex()
             TMyShape *shape = m_Shapes[std::size_t(no)].get();
             TShapeExtent extent = builder.Of(shape);
             extent.Indexed = extent.Indexed && shape->ParentNo() == -1;
-            m_Index->Append({shape, extent, IsConnector(shape)});
+            m_Index->Append({shape, extent, isConnector(shape) != nullptr});
         }
         return;
     }
     std::vector<TShapeIndex::TEntry> entries(static_cast<std::size_t>(count));
     for (std::int32_t no = 0; no < count; ++no) {
+        // The shapes, and then their points, lie apart in memory: those further on are asked
+        // for while this one is measured.
+        if (no + 16 < count)
+            __builtin_prefetch(m_Shapes[std::size_t(no + 16)].get());
+        if (no + 8 < count)
+            __builtin_prefetch(m_Shapes[std::size_t(no + 8)]->Points().data());
         TMyShape *shape = m_Shapes[std::size_t(no)].get();
         entries[std::size_t(no)].Shape = shape;
         // A member's entry is known as a connector too, for when its group is removed.
-        entries[std::size_t(no)].Connector = IsConnector(shape);
+        entries[std::size_t(no)].Connector = isConnector(shape) != nullptr;
         if (shape->ParentNo() == -1)
             entries[std::size_t(no)].Extent = builder.Of(shape);
     }
