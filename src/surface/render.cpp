@@ -3,7 +3,9 @@
 // the handles on top, and the drawing of the shapes in list order.
 #include <tessal/surface/cad.h>
 
+#include <tessal/shapes/link.h>
 #include <tessal/shapes/shape.h>
+#include <tessal/shapes/shapekind.h>
 #include <tessal/shapes/shapetools.h>
 #include <tessal/surface/mouse_p.h>
 #include <tessal/surface/spatialindex_p.h>
@@ -235,7 +237,8 @@ void TMyCAD::DrawLinkHotTree(TCanvas &canvas, TMyShape *shape, std::int32_t dept
 // The handles are drawn on the screen image only, clipped to the recomposed area: outside
 // it the screen still shows them from an earlier repaint.
 // A selection of the whole of a big drawing has most of its handles far from the clip; they
-// are passed over by the box the index keeps.
+// are passed over by the box the index keeps. A connector's route, with its handles, can be
+// worked out on the screen beyond that box, so connectors are always asked.
 void TMyCAD::DrawWorkingHandles(const TRect &clip)
 {
     if (m_WorkingShapes.empty())
@@ -243,19 +246,24 @@ void TMyCAD::DrawWorkingHandles(const TRect &clip)
     TCanvas canvas(&m_ScreenImage);
     canvas.SetOrigin(TPoint(m_ScreenOrigin.x(), m_ScreenOrigin.y()));
     canvas.SelectClipRect(&clip);
+    TShapeKind<TMyLinkLine> asConnector;
     for (TMyShape *shape : m_WorkingShapes)
-        if (HandlesReach(shape).Intersects(clip))
+        if (asConnector(shape) || HandlesReach(shape).Intersects(clip))
             shape->DrawHot(canvas);
     canvas.Flush();
 }
 
 TRect TMyCAD::HandlesReach(TMyShape *shape) const
 {
+    // The index keeps the extent of a top-level shape at the zoom it was made for; anything
+    // else is measured.
     const std::int32_t no = shape->ShapeNo();
-    const bool indexed = m_Index && !m_Index->IsStale() && m_Index->Zoom() == m_Zoom && no >= 0 &&
-                         no < m_Index->Count() && m_Index->Entry(no).Shape == shape;
-    const TRect box =
-        indexed ? m_Index->Entry(no).Extent.ScreenRect(m_Zoom) : ShapeScreenRect(shape);
+    const bool current = m_Index && !m_Index->IsStale() && m_Index->Zoom() == m_Zoom;
+    const TShapeIndex::TEntry *entry =
+        current && no >= 0 && no < m_Index->Count() ? &m_Index->Entry(no) : nullptr;
+    const TRect box = entry && entry->Shape == shape && entry->Extent.Indexed
+                          ? entry->Extent.ScreenRect(m_Zoom)
+                          : ShapeScreenRect(shape);
     return box.Inflated(m_HotSize + 4, m_HotSize + 4);
 }
 
