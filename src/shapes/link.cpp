@@ -274,30 +274,38 @@ TMyPoint TMyLinkLine::Middle(const std::vector<TMyPoint> &route)
 
 std::vector<TMyPoint> TMyLinkLine::DisplayRoute() const
 {
+    if (std::optional<std::vector<TMyPoint>> known = KnownDisplayRoute())
+        return std::move(*known);
+    const TMyPoint start = GetStartPoint();
+    const TMyPoint end = GetEndPoint();
+    m_DisplayCache = {start, end, Zoom(), GetPath(start, end)};
+    return m_DisplayCache.Route;
+}
+
+std::optional<std::vector<TMyPoint>> TMyLinkLine::KnownDisplayRoute() const
+{
     const TMyPoint start = GetStartPoint();
     const TMyPoint end = GetEndPoint();
     const bool bothBound = m_StartSpNo > -1 && m_EndSpNo > -1;
-    if (GetPointsCount() < 2 && !bothBound) {
-        std::vector<TMyPoint> own;
+    const auto own = [this] {
+        std::vector<TMyPoint> points;
         for (std::int32_t i = 0; i < GetPointsCount(); ++i)
-            own.push_back(GetPointInZoom(i));
-        return own;
-    }
+            points.push_back(GetPointInZoom(i));
+        return points;
+    };
+    if (GetPointsCount() < 2 && !bothBound)
+        return own();
     if (m_LinkLineDrawStyle == TLinkLineDrawStyle::lldsFree)
-        return {start, end};
+        return std::vector<TMyPoint>{start, end};
     const bool current = !m_Reroute && GetPointsCount() >= 2 &&
                          MyPtToPt(GetPointInZoom(0)) == MyPtToPt(start) &&
                          MyPtToPt(GetPointInZoom(GetPointsCount() - 1)) == MyPtToPt(end);
-    if (!current) {
-        TRouteCache &cache = m_DisplayCache;
-        if (cache.Route.empty() || cache.Start != start || cache.End != end || cache.Zoom != Zoom())
-            cache = {start, end, Zoom(), GetPath(start, end)};
-        return cache.Route;
-    }
-    std::vector<TMyPoint> stored;
-    for (std::int32_t i = 0; i < GetPointsCount(); ++i)
-        stored.push_back(GetPointInZoom(i));
-    return stored;
+    if (current)
+        return own();
+    const TRouteCache &cache = m_DisplayCache;
+    if (cache.Route.empty() || cache.Start != start || cache.End != end || cache.Zoom != Zoom())
+        return std::nullopt;
+    return cache.Route;
 }
 
 // ---- Editing ----

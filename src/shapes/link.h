@@ -6,6 +6,7 @@
 #include <tessal/shapes/rectangle.h>
 #include <tessal/shapes/routing.h>
 
+#include <optional>
 #include <vector>
 
 namespace tessal {
@@ -101,6 +102,9 @@ public:
     // The screen points drawing uses: the stored route while it meets the live ends, else
     // a route computed now (not stored).
     std::vector<TMyPoint> DisplayRoute() const;
+    // The same when no route search is due for it: the stored route, the free line between
+    // the live ends, or the route last computed for these ends at this zoom.
+    std::optional<std::vector<TMyPoint>> KnownDisplayRoute() const;
 
     // ---- Drawing and editing ----
     // Segments (hopping over earlier connectors where an lldsHV route crosses them),

@@ -50,6 +50,7 @@ public:
         m_Extent = {};
         m_HitPoints = false;
         m_HitReach = 0;
+        m_Unrouted.clear();
         Add(shape, 0);
         m_Extent.HitReach = m_HitPoints ? std::int16_t(m_HitReach) : std::int16_t(-1);
         return m_Extent;
@@ -63,8 +64,13 @@ public:
         return std::int16_t(reach < 0 || reach > 1000 ? -1 : reach);
     }
 
+    // The connectors of the last shape measured whose route is to be worked out on the
+    // screen and was not yet: their routes are missing from its extent.
+    const std::vector<const TMyLinkLine *> &Unrouted() const { return m_Unrouted; }
+
 private:
     void Add(TMyShape *shape, std::int32_t depth);
+    void AddDisplayRoute(const TMyLinkLine &link);
     void AddPoint(TMyPoint p);
     // A point the hit tests use; it is painted around as well.
     void AddHitPoint(TMyPoint p);
@@ -84,6 +90,8 @@ private:
     TShapeKind<TMyElliArc> m_AsArc;
     TShapeKind<TMyLine> m_AsLine;
     TShapeKind<TMyText> m_AsText;
+    TShapeKind<TMyLinkLine> m_AsLink;
+    std::vector<const TMyLinkLine *> m_Unrouted;
 };
 
 // Grows box to take in p; the first point makes the box.
@@ -152,6 +160,8 @@ void TExtentBuilder::Add(TMyShape *shape, std::int32_t depth)
             Follows(TZoomRule::Measure);
         }
     }
+    if (const TMyLinkLine *link = m_AsLink(shape))
+        AddDisplayRoute(*link);
     AddInfoText(shape);
     if (const TMyText *text = m_AsText(shape)) {
         AddTextShapeLines(*text);
@@ -159,6 +169,24 @@ void TExtentBuilder::Add(TMyShape *shape, std::int32_t depth)
     }
     for (const std::int32_t no : shape->ChildShapes())
         Add(m_Cad.GetShapeByNo(no), depth + 1);
+}
+
+// A bound connector draws the route it shows, which need not be its points: the line
+// between the live ends of the shapes it is bound to, or a route worked out on the screen
+// while its points are out of date. Both follow the zoom.
+void TExtentBuilder::AddDisplayRoute(const TMyLinkLine &link)
+{
+    if (link.StartSpNo() < 0 && link.EndSpNo() < 0)
+        return;
+    Follows(TZoomRule::Measure);
+    const std::optional<std::vector<TMyPoint>> route = link.KnownDisplayRoute();
+    if (!route) {
+        m_Unrouted.push_back(&link);
+        return;
+    }
+    const double z = m_Cad.Zoom();
+    for (const TMyPoint p : *route)
+        AddHitPoint({float(p.X / z), float(p.Y / z)});
 }
 
 // The text box is measured at the current zoom: text does not scale exactly with it.
@@ -236,7 +264,8 @@ bool Contains(const std::vector<std::int32_t> &sorted, std::int32_t id)
 // and those whose box moved are replaced in the tree. When many move, the index is marked
 // stale: a rebuild is cheaper then, and makes a tighter tree.
 void FollowZoom(TShapeIndex &index, TExtentBuilder &builder,
-                const std::vector<std::unique_ptr<TMyShape>> &shapes)
+                const std::vector<std::unique_ptr<TMyShape>> &shapes,
+                std::vector<std::int32_t> &unrouted)
 {
     std::int32_t moved = 0;
     const std::int32_t count = index.Count();
@@ -259,6 +288,8 @@ void FollowZoom(TShapeIndex &index, TExtentBuilder &builder,
         TMyShape *shape = shapes[std::size_t(no)].get();
         extent = builder.Of(shape);
         extent.Indexed = extent.Indexed && shape->ParentNo() == -1;
+        if (!builder.Unrouted().empty())
+            unrouted.push_back(no);
         const TShapeExtent &old = entry.Extent;
         if (extent.Box == old.Box && extent.Pad == old.Pad && extent.Indexed == old.Indexed) {
             index.SetExtentInPlace(no, extent);
@@ -268,6 +299,35 @@ void FollowZoom(TShapeIndex &index, TExtentBuilder &builder,
         } else {
             index.Replace(no, extent);
         }
+    }
+}
+
+// The extent of a tree with the routes of its connectors that are worked out on the screen:
+// those the builder found missing are searched for (which asks the index, so it must answer
+// by then) and the tree is measured again.
+TShapeExtent MeasureRouted(TExtentBuilder &builder, TMyShape *shape)
+{
+    TShapeExtent extent = builder.Of(shape);
+    if (builder.Unrouted().empty())
+        return extent;
+    const std::vector<const TMyLinkLine *> unrouted = builder.Unrouted();
+    for (const TMyLinkLine *link : unrouted)
+        link->DisplayRoute();
+    return builder.Of(shape);
+}
+
+// Entries whose trees hold such connectors, measured again once the index stands.
+void MeasureScreenRoutes(TShapeIndex &index, TExtentBuilder &builder,
+                         const std::vector<std::unique_ptr<TMyShape>> &shapes,
+                         const std::vector<std::int32_t> &numbers)
+{
+    for (const std::int32_t no : numbers) {
+        if (index.IsStale() || no >= index.Count())
+            return;
+        TMyShape *shape = shapes[std::size_t(no)].get();
+        TShapeExtent extent = MeasureRouted(builder, shape);
+        extent.Indexed = extent.Indexed && shape->ParentNo() == -1;
+        index.Replace(no, extent);
     }
 }
 
@@ -384,19 +444,25 @@ void TMyCAD::EnsureIndex()
         const std::int32_t last = m_Index->Count() - 1;
         return last < 0 || m_Index->Entry(last).Shape == m_Shapes[std::size_t(last)].get();
     };
+    // Connector routes worked out on the screen search the index, so they are measured last.
+    std::vector<std::int32_t> unrouted;
     if (!m_Index->IsStale() && m_Index->Zoom() != m_Zoom && m_Index->Count() <= count &&
         sameList() && m_Index->KeepTreeAtZoom(m_Zoom))
-        FollowZoom(*m_Index, builder, m_Shapes);
+        FollowZoom(*m_Index, builder, m_Shapes, unrouted);
     if (!m_Index->IsStale() && m_Index->Zoom() == m_Zoom && m_Index->Count() <= count &&
         sameList()) {
         for (std::int32_t no = m_Index->Count(); no < count; ++no) {
             TMyShape *shape = m_Shapes[std::size_t(no)].get();
             TShapeExtent extent = builder.Of(shape);
             extent.Indexed = extent.Indexed && shape->ParentNo() == -1;
+            if (!builder.Unrouted().empty())
+                unrouted.push_back(no);
             m_Index->Append({shape, extent, isConnector(shape) != nullptr});
         }
+        MeasureScreenRoutes(*m_Index, builder, m_Shapes, unrouted);
         return;
     }
+    unrouted.clear();
     std::vector<TShapeIndex::TEntry> entries(static_cast<std::size_t>(count));
     for (std::int32_t no = 0; no < count; ++no) {
         // The shapes, and then their points, lie apart in memory: those further on are asked
@@ -409,10 +475,14 @@ void TMyCAD::EnsureIndex()
         entries[std::size_t(no)].Shape = shape;
         // A member's entry is known as a connector too, for when its group is removed.
         entries[std::size_t(no)].Connector = isConnector(shape) != nullptr;
-        if (shape->ParentNo() == -1)
+        if (shape->ParentNo() == -1) {
             entries[std::size_t(no)].Extent = builder.Of(shape);
+            if (!builder.Unrouted().empty())
+                unrouted.push_back(no);
+        }
     }
     m_Index->Rebuild(std::move(entries), m_Zoom);
+    MeasureScreenRoutes(*m_Index, builder, m_Shapes, unrouted);
 }
 
 void TMyCAD::ShapeGeometryChanged(TMyShape *shape)
@@ -436,7 +506,18 @@ void TMyCAD::ShapeGeometryChanged(TMyShape *shape)
         return;
     }
     TTextMeasure measure;
-    m_Index->Replace(no, TExtentBuilder(*this, measure).Of(root));
+    TExtentBuilder builder(*this, measure);
+    const TShapeExtent extent = MeasureRouted(builder, root);
+    if (m_Index->IsStale())
+        return;
+    m_Index->Replace(no, extent);
+    // The connectors it lists show routes between live ends, which move with it.
+    for (const std::int32_t k : root->LinkShapes()) {
+        TMyShape *link = GetShapeByNo(k);
+        if (link && link != root && link->ParentNo() == -1 && !m_Index->IsStale() &&
+            k < m_Index->Count() && m_Index->Entry(k).Shape == link)
+            m_Index->Replace(k, MeasureRouted(builder, link));
+    }
 }
 
 // The shape became a member: it leaves the index, and its new group is measured again.

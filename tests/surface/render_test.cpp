@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 // Rendering: control size, grid pixels, background picture modes, composition order,
 // partial repaints against full ones, the repaint guard and the printing aids.
+#include "documenthelpers.h"
 #include "rendertestshapes.h"
 
 #include <common/imagecompare.h>
 
 #include <tessal/shapes/line.h>
+#include <tessal/shapes/link.h>
 #include <tessal/shapes/rectangle.h>
 
 #include <gtest/gtest.h>
@@ -382,6 +384,53 @@ TEST(Render, PaintCopiesDrawsHandlesAndFiresOnPaint)
     // A clip outside the control composes nothing but still reports the paint.
     cad.Paint(TRect(-50, -50, -10, -10));
     EXPECT_EQ(fired, 3);
+}
+
+// A connector bound at both ends whose points were never routed shows a route worked out on
+// the screen, here round a box in its way and away from its points. A repaint of a part of
+// that route alone draws it, with the connector's handles when it is selected, as a repaint
+// of everything does.
+TEST(Render, ARouteWorkedOutOnTheScreenIsRepaintedInParts)
+{
+    TMyCAD cad;
+    cad.SetPageStyle(TPageStyle::CustomerPage);
+    cad.SetPageWidth(90);
+    cad.SetPageHeight(70);
+    NoGrid(cad);
+    // At a zoom that is not a whole number the route's pixels are not its document units.
+    const double zoom = 1.5;
+    cad.SetZoom(zoom);
+    const auto px = [zoom](int l, int t, int r, int b) {
+        return TRect(int(l * zoom), int(t * zoom), int(r * zoom), int(b * zoom));
+    };
+    TMyShape *a = AddRectangle(cad, 20, 100, 60, 130);
+    TMyShape *b = AddRectangle(cad, 220, 100, 260, 130);
+    a->AddLinkPoint({60, 115});
+    b->AddLinkPoint({220, 115});
+    AddRectangle(cad, 120, 20, 160, 200);
+    TMyLinkLine *link = AddConnector(cad, a, b);
+    ASSERT_EQ(link->LinkLineDrawStyle(), TLinkLineDrawStyle::lldsHV);
+    const TRect above = px(100, 0, 180, 24); // the route passes here, its points do not
+    const QImage drawing = Compose(cad, ControlRect(cad));
+    ASSERT_TRUE(ImagesEqual(Compose(cad, above), drawing.copy(above.ToQRect())));
+    ASSERT_FALSE(ImagesEqual(Compose(cad, above), Compose(cad, px(0, 300, 80, 324))));
+    cad.SetWorkingShapes(std::vector<TMyShape *>{link});
+    cad.Paint(ControlRect(cad));
+    const QImage whole = cad.ScreenImage().copy();
+    ASSERT_FALSE(ImagesEqual(whole.copy(above.ToQRect()), drawing.copy(above.ToQRect())));
+    cad.Paint(above);
+    EXPECT_TRUE(ImagesEqual(cad.ScreenImage().copy(above.ToQRect()), whole.copy(above.ToQRect())));
+    // Moved by code, a bound box takes the route along, and what a part repaints with it.
+    a->DragChangeValuedxdy(0, 200 * zoom);
+    cad.ShapeGeometryChanged(a);
+    cad.Paint(ControlRect(cad));
+    const QImage moved = cad.ScreenImage().copy();
+    ASSERT_FALSE(ImagesEqual(moved.copy(above.ToQRect()), whole.copy(above.ToQRect())));
+    for (const TRect part : {above, px(0, 200, 120, 340), px(150, 120, 300, 340)}) {
+        cad.Paint(part);
+        EXPECT_TRUE(ImagesEqual(cad.ScreenImage().copy(part.ToQRect()), moved.copy(part.ToQRect())))
+            << part.Left << "," << part.Top;
+    }
 }
 
 namespace {
