@@ -1223,7 +1223,8 @@ private:
     // changes the order of numbers (reordered) has the child lists sorted again.
     void RenumberRelations(const std::function<std::int32_t(std::int32_t)> &map,
                            bool reordered = false);
-    bool RotateToEnd(TMyShape *shape, bool toFront);
+    void RotateToEnd(TMyShape *shape, bool toFront);
+    void RestackChanged(TMyShape *shape);
     void CommandChangedGeometry(std::span<TMyShape *const> shapes);
     void ForgetShape(const TMyShape *shape);
     // Everything that remembers shapes forgets those for which gone answers true, asking once

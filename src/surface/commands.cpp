@@ -317,10 +317,8 @@ void TMyCAD::BringToFront(TMyShape *shape, bool record)
         TMyShape *const one[] = {shape};
         PushtoUndoRedoShapeList(one, 0, ACT_BRINGTOFRONT);
     }
-    if (RotateToEnd(shape, true))
-        Invalidate();
-    else
-        DocumentChanged();
+    RotateToEnd(shape, true);
+    RestackChanged(shape);
 }
 
 void TMyCAD::SendToBack(TMyShape *shape, bool record)
@@ -331,10 +329,8 @@ void TMyCAD::SendToBack(TMyShape *shape, bool record)
         TMyShape *const one[] = {shape};
         PushtoUndoRedoShapeList(one, 0, ACT_SENDTOBACK);
     }
-    if (RotateToEnd(shape, false))
-        Invalidate();
-    else
-        DocumentChanged();
+    RotateToEnd(shape, false);
+    RestackChanged(shape);
 }
 
 void TMyCAD::BringToFrontByStep(TMyShape *shape, bool record)
@@ -347,8 +343,6 @@ void TMyCAD::BringToFrontByStep(TMyShape *shape, bool record)
     }
     if (TMyShape *next = GetNextSingleorRootShape(GetShapeNoInMyShapes(shape)))
         SwapShape(shape, next);
-    else
-        Invalidate();
 }
 
 void TMyCAD::SendToBackByStep(TMyShape *shape, bool record)
@@ -361,8 +355,6 @@ void TMyCAD::SendToBackByStep(TMyShape *shape, bool record)
     }
     if (TMyShape *prev = GetPrevSingleorRootShape(GetShapeNoInMyShapes(shape)))
         SwapShape(shape, prev);
-    else
-        Invalidate();
 }
 
 // The shape is exchanged with each top-level shape above it (toFront) or below it in turn,
@@ -370,9 +362,9 @@ void TMyCAD::SendToBackByStep(TMyShape *shape, bool record)
 // the one before, while group members stay where they are. One renumbering does what the
 // chain of exchanges would, instead of one for every shape passed.
 //
-// True when the spatial index was kept: when every other shape on the way is top-level,
-// they all go one place over, and the shape moves within the index to the top or bottom.
-bool TMyCAD::RotateToEnd(TMyShape *shape, bool toFront)
+// When every other shape on the way is top-level, they all go one place over, and the shape
+// moves within the index to the top or bottom; otherwise the index is made again.
+void TMyCAD::RotateToEnd(TMyShape *shape, bool toFront)
 {
     const std::int32_t from = GetShapeNoInMyShapes(shape);
     const auto count = std::int32_t(m_Shapes.size());
@@ -385,7 +377,7 @@ bool TMyCAD::RotateToEnd(TMyShape *shape, bool toFront)
             places.push_back(i);
     }
     if (places.empty())
-        return true;
+        return;
     places.insert(toFront ? places.begin() : places.end(), from);
     const bool onlyTopLevel = places.size() == std::size_t(toFront ? count - from : from + 1);
     const bool keepIndex =
@@ -414,7 +406,6 @@ bool TMyCAD::RotateToEnd(TMyShape *shape, bool toFront)
             return n >= 0 && std::size_t(n) < newNo.size() ? newNo[std::size_t(n)] : n;
         },
         true);
-    return keepIndex;
 }
 
 // Child lists are kept ascending, which an exchange of two numbers can upset. Shapes the
@@ -433,7 +424,15 @@ void TMyCAD::SwapShape(TMyShape *a, TMyShape *b)
         ShapesRenumbered();
     }
     RenumberRelations([na, nb](std::int32_t n) { return n == na ? nb : (n == nb ? na : n); }, true);
-    Invalidate();
+    RestackChanged(a);
+    RestackChanged(b);
+}
+
+// Only the pixels of the shape's tree, and of its handles, change with its place in the
+// drawing order.
+void TMyCAD::RestackChanged(TMyShape *shape)
+{
+    InvalidateRect(HandlesReach(GetRootParentShape(shape)));
 }
 
 // ---- Flipping, locking, turning ----

@@ -463,18 +463,20 @@ TEST(MouseGestures, DragFeedbackEqualsOutlinesDrawnInXor)
 // With LiveConnectors the route of a connector bound to a dragged shape is part of the
 // feedback: the screen shows more than the outline alone, and Escape still restores it.
 // Each move updates the widget where the screen image changed, and not all of it.
+// The region of the paint events a widget receives.
+struct TPaintSpy : QObject
+{
+    QRegion Painted;
+    bool eventFilter(QObject *, QEvent *e) override
+    {
+        if (e->type() == QEvent::Paint)
+            Painted += static_cast<QPaintEvent *>(e)->region();
+        return false;
+    }
+};
+
 TEST(MouseGestures, LiveConnectorsFollowInTheFeedback)
 {
-    struct TPaintSpy : QObject
-    {
-        QRegion Painted;
-        bool eventFilter(QObject *, QEvent *e) override
-        {
-            if (e->type() == QEvent::Paint)
-                Painted += static_cast<QPaintEvent *>(e)->region();
-            return false;
-        }
-    };
     QImage shown[2];
     for (const bool live : {false, true}) {
         TMouseSurface s;
@@ -516,6 +518,68 @@ TEST(MouseGestures, LiveConnectorsFollowInTheFeedback)
     }
     ASSERT_EQ(shown[0].size(), shown[1].size());
     EXPECT_NE(shown[0], shown[1]);
+}
+
+// A change of drawing order repaints the shapes it moves and their handles, no more, and the
+// screen then shows what a full repaint shows: random restacks of members and top-level
+// shapes, steps, exchanges and undo on overlapping filled boxes, groups and connectors
+// (whose routes are worked out on the screen), with part of the drawing selected.
+TEST(Restacking, RepaintsWhatItChangesAndNoMore)
+{
+    TMouseSurface s;
+    std::mt19937 rng(41);
+    BuildRandomDrawing(s.cad, rng);
+    std::vector<TMyShape *> some;
+    for (std::int32_t no = 0; no < s.cad.GetShapesCount(); ++no) {
+        TMyShape *shape = s.cad.GetShapeByNo(no);
+        shape->SetBrush(TBrush{RGBToColor(std::uint8_t(no * 41), std::uint8_t(no * 97), 160),
+                               TBrushStyle::bsSolid,
+                               {}});
+        if (no % 7 == 0)
+            some.push_back(shape);
+    }
+    s.cad.SetWorkingShapes(some);
+    s.cad.repaint();
+    TPaintSpy spy;
+    s.cad.installEventFilter(&spy);
+    const QRect all = s.cad.rect();
+    for (int step = 0; step < 72; ++step) {
+        TMyShape *shape = s.cad.GetShapeByNo(std::int32_t(rng() % s.cad.GetShapesCount()));
+        QCoreApplication::processEvents();
+        spy.Painted = {};
+        switch (step % 6) {
+        case 0:
+            s.cad.BringToFront(shape, true);
+            break;
+        case 1:
+            s.cad.SendToBack(shape, true);
+            break;
+        case 2:
+            s.cad.BringToFrontByStep(shape, true);
+            break;
+        case 3:
+            s.cad.SendToBackByStep(shape, true);
+            break;
+        case 4:
+            s.cad.PopFromUndoRedoShapeList();
+            break;
+        case 5:
+            s.cad.SwapShape(shape,
+                            s.cad.GetShapeByNo(std::int32_t(rng() % s.cad.GetShapesCount())));
+            break;
+        }
+        QCoreApplication::processEvents();
+        const QImage partial = s.cad.ScreenImage().copy();
+        const QPoint origin = s.cad.ScreenOrigin();
+        const QRect painted = spy.Painted.boundingRect();
+        if (step % 6 != 4) {
+            EXPECT_LT(painted.width() * painted.height(), all.width() * all.height() / 2) << step;
+        }
+        s.cad.Invalidate();
+        s.cad.repaint();
+        ASSERT_TRUE(SameOnScreen(partial, origin, s.cad)) << step;
+    }
+    s.cad.removeEventFilter(&spy);
 }
 
 } // namespace
