@@ -51,13 +51,14 @@ TRect ControlRectHolding(double left, double top, double right, double bottom);
 // The index only narrows the candidates of a query: it answers every shape whose extent
 // might meet the query box, and the caller applies the exact test.
 //
-// Entries are kept in slots, the shape numbers they had when they were entered. A shape
-// taken out of the list leaves its slot empty, and a slot's shape number is the slot less
-// the empty slots below it: removals keep the order of the others, so no other entry
-// changes, in the tree or in the press cells. Below the first shape lie BottomRoom unused
-// slots, so that a shape sent to the back takes the one under the lowest in use and leaves
-// its own empty, and the others keep theirs. Any other change of numbering (an insertion,
-// a new order) needs a rebuild, save the exchange of two shapes' places.
+// Entries are kept in slots, in the order of the shape numbers they had when they were
+// entered. A shape taken out of the list leaves its slot empty, and a slot's shape number is
+// the slot less the empty or unused slots below it: removals keep the order of the others,
+// so no other entry changes, in the tree or in the press cells. Below the first shape lie
+// BottomRoom unused slots, so that a shape sent to the back takes the one under the lowest
+// in use and leaves its own empty, and the others keep theirs. Any other change of
+// numbering (an insertion, a new order) needs a rebuild, save the exchange of two shapes'
+// places.
 class TShapeIndex
 {
 public:
@@ -97,7 +98,7 @@ public:
     // changed) when it is not in the index or no unused slot is left below.
     bool MoveToBottom(const TMyShape *shape);
     static constexpr std::int32_t BottomRoom = 256;
-    // Shapes numbers a and b exchange their places in the list.
+    // Shape numbers a and b exchange their places in the list.
     void Swap(std::int32_t a, std::int32_t b);
     void MarkStale() { m_Stale = true; }
     // Entries changed one by one since the last rebuild; past a share of the whole, a
