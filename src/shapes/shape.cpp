@@ -3,6 +3,8 @@
 #include <tessal/geometry/bitmapops.h>
 #include <tessal/shapes/shape.h>
 
+#include <atomic>
+
 namespace tessal {
 
 TMyShape::TMyShape(TShapeHost *host)
@@ -282,6 +284,23 @@ void TMyShape::SetRotateEnable(bool enable)
 void TMyShape::SetTag(std::int32_t tag)
 {
     StoreAndRepaint(m_Tag, tag, false);
+}
+
+namespace {
+std::atomic<std::uint64_t> NameGenerationCounter{0};
+} // namespace
+
+void TMyShape::SetName(const QString &name)
+{
+    if (name == m_Name)
+        return;
+    m_Name = name;
+    NameGenerationCounter.fetch_add(1, std::memory_order_relaxed);
+}
+
+std::uint64_t TMyShape::NameGeneration()
+{
+    return NameGenerationCounter.load(std::memory_order_relaxed);
 }
 
 void TMyShape::SetShapeId(std::int32_t id)

@@ -107,7 +107,10 @@ public:
 
     TShapeHost *Host() const { return m_Host; }
     const QString &Name() const { return m_Name; }
-    virtual void SetName(const QString &name) { m_Name = name; }
+    virtual void SetName(const QString &name);
+    // Counts the renames of every shape, so that a table by name can tell it is out of date
+    // whoever owns the renamed shape.
+    static std::uint64_t NameGeneration();
 
     // ---- Edit protocol (virtual, in slot order) ----
     // Move by the difference of two screen points / by a zoomed offset.

@@ -2,6 +2,7 @@
 // TMyCAD construction, the shape-host services and the two images behind every repaint.
 #include <tessal/surface/cad.h>
 #include <tessal/surface/idplaces_p.h>
+#include <tessal/surface/nameplaces_p.h>
 
 #include <tessal/shapes/shape.h>
 #include <tessal/surface/mouse_p.h>

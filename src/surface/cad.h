@@ -41,6 +41,7 @@ class TMyShape;
 class TMyLinkLine;
 class TShapeIndex;       // spatial index of the shapes (private to the surface)
 class TIdPlaces;         // places of the identities in the list (private to the surface)
+class TNamePlaces;       // places of the names in the list (private to the surface)
 class TPressCursor;      // the candidates of a press, from the index (private to the surface)
 class TMouseMachine;     // the gesture state machine (private to the surface)
 struct TDrawingSettings; // a drawing file's settings, read before they are applied
@@ -1209,8 +1210,8 @@ private:
     // Deletes the shapes (not recorded), locked ones excepted: together, or one by one when
     // a deletion handler must see each.
     void DeleteShapesTogether(const std::vector<TMyShape *> &shapes);
-    // The list changed other than by an append: look-ups by identity look again.
-    void ForgetIdPlaces() const;
+    // The list changed other than by an append: look-ups by identity and name look again.
+    void ForgetPlaces() const;
     void RemoveShapeTree(TMyShape *shape, bool honourLocks);
     // Moves shapes (with their members) by dx, dy zoomed pixels and lets their connectors
     // follow; not recorded.
@@ -1444,6 +1445,7 @@ private:
     std::unique_ptr<TShapeIndex> m_Index;
     // Filled by look-ups, which are const.
     mutable std::unique_ptr<TIdPlaces> m_IdPlaces;
+    mutable std::unique_ptr<TNamePlaces> m_NamePlaces;
 
     // The mouse machine (mouse_p.h): gesture state, feedback on the screen image.
     friend class TMouseMachine;

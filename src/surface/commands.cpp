@@ -387,7 +387,7 @@ void TMyCAD::RotateToEnd(TMyShape *shape, bool toFront)
         m_Index->Remove(one);
     }
     if (keepIndex)
-        ForgetIdPlaces();
+        ForgetPlaces();
     else
         ShapesRenumbered();
     std::vector<std::int32_t> newNo(m_Shapes.size());
@@ -419,7 +419,7 @@ void TMyCAD::SwapShape(TMyShape *a, TMyShape *b)
     std::swap(m_Shapes[std::size_t(na)], m_Shapes[std::size_t(nb)]);
     if (m_Index && !m_Index->IsStale() && std::max(na, nb) < m_Index->Count()) {
         m_Index->Swap(na, nb);
-        ForgetIdPlaces();
+        ForgetPlaces();
     } else {
         ShapesRenumbered();
     }

@@ -5,6 +5,7 @@
 #include <tessal/surface/grouping_p.h>
 #include <tessal/surface/idplaces_p.h>
 #include <tessal/surface/mouse_p.h>
+#include <tessal/surface/nameplaces_p.h>
 
 #include <tessal/platform/message.h>
 #include <tessal/shapes/link.h>
@@ -80,10 +81,9 @@ TMyShape *TMyCAD::GetShapeByID(std::int32_t id) const
 
 TMyShape *TMyCAD::GetShapeByName(const QString &name) const
 {
-    for (const auto &shape : m_Shapes)
-        if (shape->Name() == name)
-            return shape.get();
-    return nullptr;
+    if (!m_NamePlaces)
+        m_NamePlaces = std::make_unique<TNamePlaces>();
+    return GetShapeByNo(m_NamePlaces->Find(m_Shapes, name));
 }
 
 // Every shape by identity, for work that would otherwise search the list once per shape.
@@ -109,10 +109,12 @@ std::int32_t TMyCAD::GetShapeNoById(std::int32_t id) const
     return -1;
 }
 
-void TMyCAD::ForgetIdPlaces() const
+void TMyCAD::ForgetPlaces() const
 {
     if (m_IdPlaces)
         m_IdPlaces->Forget();
+    if (m_NamePlaces)
+        m_NamePlaces->Forget();
 }
 
 // A shape not yet in the list (being made, or read) is none of the table's business. A
@@ -121,7 +123,7 @@ void TMyCAD::ShapeIdChanged(TMyShape &shape)
 {
     const std::int32_t no = shape.ShapeNo();
     if (no >= 0 && no < GetShapesCount() && m_Shapes[std::size_t(no)].get() == &shape)
-        ForgetIdPlaces();
+        ForgetPlaces();
 }
 
 std::int32_t TMyCAD::GetShapeNoInMyShapes(const TMyShape *shape) const
@@ -318,7 +320,7 @@ void TMyCAD::RemoveShapes(const std::vector<TMyShape *> &shapes)
         if (!gone[i] && std::size_t(newNo[i]) != i)
             m_Shapes[std::size_t(newNo[i])] = std::move(m_Shapes[i]);
     m_Shapes.resize(std::size_t(next));
-    ForgetIdPlaces();
+    ForgetPlaces();
     RenumberRelations([&newNo](std::int32_t n) {
         return n >= 0 && std::size_t(n) < newNo.size() ? newNo[std::size_t(n)] : -1;
     });

@@ -532,7 +532,7 @@ void TMyCAD::ShapeJoinedGroup(TMyShape *member)
 
 void TMyCAD::ShapesRenumbered()
 {
-    ForgetIdPlaces();
+    ForgetPlaces();
     if (m_Index)
         m_Index->MarkStale();
 }

@@ -438,6 +438,62 @@ TEST(Document, LayerEditsAndShapesOnLayers)
     EXPECT_EQ(cad.GetShapesCount(), 0);
 }
 
+// Look-ups by name answer the first shape of that name in list order, as a search does,
+// through renames (by the document and on the shape itself, also of a shape made by another
+// document), deletions, insertions, appends and restacks, with many names shared.
+TEST(Document, NameLookUpsAgreeWithTheScanThroughChanges)
+{
+    TMyCAD cad, other;
+    const TMyPoint box[] = {{0, 0}, {5, 5}};
+    for (int i = 0; i < 30; ++i)
+        cad.AddShapeByCode(TDrawTool::SpRectangle, {}, box, 0, {});
+    std::mt19937 rng(7);
+    const auto pick = [&] { return cad.GetShapeByNo(std::int32_t(rng() % cad.GetShapesCount())); };
+    const auto name = [&] { return QStringLiteral("N%1").arg(rng() % 9); };
+    for (int step = 0; step < 400; ++step) {
+        switch (rng() % 8) {
+        case 0:
+            pick()->SetName(name());
+            break;
+        case 1:
+            cad.RenameShapeName(name(), name());
+            break;
+        case 2:
+            cad.DeleteShapeById(pick()->ShapeId(), false);
+            break;
+        case 3:
+            cad.AddShapeByCode(TDrawTool::SpRectangle, {}, box, 0, {});
+            break;
+        case 4: {
+            TMyShape *made = other.CreateShapeByName(QStringLiteral("TMyRectangle")).release();
+            cad.AddShape(made, false, false);
+            made->SetName(name());
+            break;
+        }
+        case 5:
+            cad.SendToBack(pick(), false);
+            break;
+        case 6:
+            cad.BringToFront(pick(), false);
+            break;
+        default:
+            cad.SwapShape(pick(), pick());
+            break;
+        }
+        // More look-ups than are searched before a table is made, so both ways answer.
+        for (int round = 0; round < 3; ++round)
+            for (int n = -1; n < 10; ++n) {
+                const QString wanted =
+                    n < 0 ? QStringLiteral("Shape3") : QStringLiteral("N%1").arg(n);
+                TMyShape *first = nullptr;
+                for (std::int32_t no = 0; !first && no < cad.GetShapesCount(); ++no)
+                    if (cad.GetShapeByNo(no)->Name() == wanted)
+                        first = cad.GetShapeByNo(no);
+                ASSERT_EQ(cad.GetShapeByName(wanted), first) << "step " << step << " " << n;
+            }
+    }
+}
+
 // Deleting a selection at once leaves the drawing that deleting its shapes one after the
 // other leaves, the way a handler of the deletions sees them: random drawings, random
 // selections of top-level shapes, members and connectors.
