@@ -14,6 +14,7 @@
 #include <tessal/surface/cadevents.h>
 #include <tessal/surface/gridobject.h>
 #include <tessal/surface/surfaceenums.h>
+#include <tessal/surface/workingshapes.h>
 
 #include <QIODevice>
 #include <QImage>
@@ -1234,7 +1235,7 @@ private:
     void RemoveLayerAt(std::int32_t no);
     std::int32_t FinishShapeByCode(std::unique_ptr<TMyShape> shape, const QString &caption,
                                    double angle);
-    std::vector<TMyShape *> m_WorkingShapes;
+    TWorkingShapes m_WorkingShapes;
     TMyShape *m_CurrentShape = nullptr;
 
     // Undo (undo.cpp).

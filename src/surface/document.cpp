@@ -362,7 +362,7 @@ void TMyCAD::ForgetShape(const TMyShape *shape)
 void TMyCAD::ForgetShapes(const std::function<bool(const TMyShape *)> &gone)
 {
     m_Mouse->Forget(gone);
-    std::erase_if(m_WorkingShapes, gone);
+    m_WorkingShapes.EraseIf(gone);
     if (m_CurrentShape && gone(m_CurrentShape))
         m_CurrentShape = nullptr;
     if (m_HotHighlight.Shape && gone(m_HotHighlight.Shape))
@@ -482,8 +482,7 @@ void TMyCAD::ClearWorkingShapes()
 
 bool TMyCAD::IsWorkingShape(const TMyShape *shape) const
 {
-    return std::find(m_WorkingShapes.begin(), m_WorkingShapes.end(), shape) !=
-           m_WorkingShapes.end();
+    return m_WorkingShapes.Contains(shape);
 }
 
 void TMyCAD::SetCurrentShape(TMyShape *shape)

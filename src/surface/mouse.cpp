@@ -258,6 +258,8 @@ void TMyCAD::SetShapeTool(TDrawTool value)
 
 void TMyCAD::RemoveWorkingShape(TMyShape *shape)
 {
+    if (!m_WorkingShapes.Contains(shape))
+        return;
     const auto it = std::find(m_WorkingShapes.begin(), m_WorkingShapes.end(), shape);
     if (it == m_WorkingShapes.end())
         return;

@@ -494,6 +494,51 @@ TEST(Document, NameLookUpsAgreeWithTheScanThroughChanges)
     }
 }
 
+// Whether a shape is selected agrees with the selection list through shapes taken in one by
+// one, let go, deleted with their layer and selected anew, on selections above and below the size
+// from which membership is kept in a set; a shape taken in twice is listed once.
+TEST(Document, SelectionMembershipAgreesWithTheList)
+{
+    TMyCAD cad;
+    const TMyPoint box[] = {{0, 0}, {5, 5}};
+    for (int i = 0; i < 120; ++i)
+        cad.AddShapeByCode(TDrawTool::SpRectangle, {}, box, 0, {});
+    std::mt19937 rng(3);
+    const auto pick = [&] { return cad.GetShapeByNo(std::int32_t(rng() % cad.GetShapesCount())); };
+    for (int step = 0; step < 600; ++step) {
+        const unsigned op = rng() % 20;
+        if (op < 10) {
+            cad.AddWorkingShape(pick());
+        } else if (op < 16) {
+            cad.RemoveWorkingShape(cad.WorkingShapes().empty() || op % 2
+                                       ? pick()
+                                       : cad.WorkingShapes()[rng() % cad.GetWorkingShapesCount()]);
+        } else if (op < 18) {
+            // A layer's shapes leave the selection; the rest of it stays.
+            const std::int32_t layer = cad.NewLayer(QStringLiteral("Gone"), true);
+            TMyShape *gone = pick();
+            gone->SetLayerId(layer);
+            cad.DeleteLayerByID(layer);
+            ASSERT_FALSE(cad.IsWorkingShape(gone)) << "step " << step;
+            cad.AddShapeByCode(TDrawTool::SpRectangle, {}, box, 0, {});
+        } else if (op == 18) {
+            std::vector<TMyShape *> some;
+            for (unsigned k = rng() % 60; k > 0; --k)
+                some.push_back(pick());
+            cad.SetWorkingShapes(some);
+        } else if (rng() % 4 == 0) {
+            cad.ClearWorkingShapes();
+        }
+        const std::vector<TMyShape *> &list = cad.WorkingShapes();
+        for (std::int32_t no = 0; no < cad.GetShapesCount(); ++no) {
+            const TMyShape *shape = cad.GetShapeByNo(no);
+            const auto listed = std::count(list.begin(), list.end(), shape);
+            ASSERT_LE(listed, 1) << "step " << step;
+            ASSERT_EQ(cad.IsWorkingShape(shape), listed == 1) << "step " << step << " no " << no;
+        }
+    }
+}
+
 // Deleting a selection at once leaves the drawing that deleting its shapes one after the
 // other leaves, the way a handler of the deletions sees them: random drawings, random
 // selections of top-level shapes, members and connectors.
