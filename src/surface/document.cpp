@@ -452,13 +452,11 @@ void TMyCAD::DeleteAllShapes()
 void TMyCAD::SetWorkingShapes(std::span<TMyShape *const> shapes)
 {
     m_WorkingShapes.clear();
-    // Selecting the whole of a big drawing must not compare each shape with those before.
-    std::unordered_set<const TMyShape *> taken;
     for (TMyShape *shape : shapes) {
         if (GetShapeNoInMyShapes(shape) < 0)
             continue;
         TMyShape *root = GetRootParentShape(shape);
-        if (taken.insert(root).second)
+        if (!m_WorkingShapes.Contains(root))
             m_WorkingShapes.push_back(root);
     }
     Invalidate();

@@ -18,7 +18,6 @@
 
 #include <QFileDialog>
 
-#include <unordered_set>
 
 namespace tessal {
 
@@ -330,17 +329,13 @@ void TMouseMachine::ReleaseRubberBand()
         // holds them: only the shapes near the band are looked at, in list order.
         const TRect band(std::min(m_Start.X, m_Now.X), std::min(m_Start.Y, m_Now.Y),
                          std::max(m_Start.X, m_Now.X) + 1, std::max(m_Start.Y, m_Now.Y) + 1);
-        // A band that takes in the whole of a big drawing must not compare every shape with
-        // every one taken so far.
-        const std::unordered_set<const TMyShape *> taken(m_Cad.m_WorkingShapes.begin(),
-                                                         m_Cad.m_WorkingShapes.end());
         for (const std::int32_t no : m_Cad.IndexedShapesNear(band)) {
             TMyShape *shape = m_Cad.GetShapeByNo(no);
             if (shape->HasParentShape() || !shape->Visible())
                 continue;
             if (!m_Cad.m_OperateAllLayer && shape->LayerId() != m_Cad.m_CurrentLayerId)
                 continue;
-            if (m_Cad.IsInRegion(m_Start, m_Now, shape) && !taken.contains(shape))
+            if (m_Cad.IsInRegion(m_Start, m_Now, shape) && !m_Cad.m_WorkingShapes.Contains(shape))
                 m_Cad.m_WorkingShapes.push_back(shape);
         }
     }

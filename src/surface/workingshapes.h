@@ -31,7 +31,6 @@ public:
         return *this;
     }
     operator const TList &() const { return m_List; }
-    const TList &List() const { return m_List; }
 
     const_iterator begin() const { return m_List.begin(); }
     const_iterator end() const { return m_List.end(); }
