@@ -373,8 +373,8 @@ TZoomedWorlds &ZoomedWorlds(int count)
     w.View->setTransformationAnchor(QGraphicsView::NoAnchor);
     w.View->setTransform(QTransform::fromScale(BigZoom, BigZoom));
     if (w.Cad->width() < ViewWidth || w.Cad->height() < ViewHeight) {
-        std::fprintf(stderr, "zoomed-out surface of %d x %d cannot show the view\n",
-                     w.Cad->width(), w.Cad->height());
+        std::fprintf(stderr, "zoomed-out surface of %d x %d cannot show the view\n", w.Cad->width(),
+                     w.Cad->height());
         std::exit(1);
     }
     return w;

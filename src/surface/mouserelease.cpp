@@ -18,7 +18,6 @@
 
 #include <QFileDialog>
 
-
 namespace tessal {
 
 namespace {

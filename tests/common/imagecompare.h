@@ -13,7 +13,7 @@ namespace tessal::test {
 
 struct ImageDiff
 {
-    int MaxDifference = 0;        // largest difference of one channel of one pixel
+    int MaxDifference = 0; // largest difference of one channel of one pixel
     std::int64_t SumDifference = 0;
     int DifferingPixels = 0;
     QPoint FirstDifference{-1, -1};
