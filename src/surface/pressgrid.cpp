@@ -236,17 +236,14 @@ bool TPressGrid::WantsRebuild() const
 
 void TPressGrid::Begin(TMyPoint p, TPressCursor &cursor) const
 {
-    cursor.m_ConnectorsOnly = false;
-    cursor.m_HasPending = false;
+    cursor.BeginList();
     cursor.m_AnyConnector = m_Connectors > 0;
-    cursor.m_Aside.clear();
     if (!m_Aside->Tree.empty()) {
         boxtree::Query(m_Aside->Tree, boxtree::TPoint2(p.X, p.Y),
                        [&](const TIndexCandidate &c) { cursor.m_Aside.push_back(c); });
         std::sort(cursor.m_Aside.begin(), cursor.m_Aside.end(),
                   [](const TIndexCandidate &a, const TIndexCandidate &b) { return a.No < b.No; });
     }
-    cursor.m_Begin = cursor.m_At = nullptr;
     // Outside the bounds (or not a number) no box of the grid can hold the point, and the
     // clamps below would put it on a cell's edge.
     if (m_Columns > 0 && m_Left <= p.X && p.X <= m_Right && m_Top <= p.Y && p.Y <= m_Bottom) {
@@ -257,6 +254,16 @@ void TPressGrid::Begin(TMyPoint p, TPressCursor &cursor) const
         cursor.m_Begin = m_Items.data() + m_Starts[cell];
         cursor.m_At = m_Items.data() + m_Starts[cell + 1];
     }
+}
+
+std::vector<TIndexCandidate> &TPressCursor::BeginList()
+{
+    m_ConnectorsOnly = false;
+    m_HasPending = false;
+    m_AnyConnector = true;
+    m_Begin = m_At = nullptr;
+    m_Aside.clear();
+    return m_Aside;
 }
 
 bool TPressCursor::NextInCell(TIndexCandidate &candidate)

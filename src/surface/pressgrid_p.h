@@ -109,6 +109,9 @@ public:
     bool Next(TIndexCandidate &candidate);
     // From now on only connectors are wanted; the others are passed over without a look.
     void ConnectorsOnly();
+    // Starts a press that no grid answers: the caller fills the list returned with the
+    // candidates, in ascending number.
+    std::vector<TIndexCandidate> &BeginList();
     // The numbers the grid holds are the slots the shapes were entered in; first is the
     // lowest slot in use and removed (ascending, or null for none) names the slots left empty
     // above it, so that Next hands out the numbers the shapes have now. The vector must

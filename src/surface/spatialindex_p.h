@@ -130,6 +130,11 @@ public:
     // Starts cursor on the shapes whose hit box (grown by its reach), or else padded box
     // (grown by PressReach), holds the control pixel at, from the top of the drawing down.
     void BeginPress(TPoint at, TPressCursor &cursor);
+    // The work of a press answered from the tree: TreePressCost, and one for each entry the
+    // tree answers. The press cells are made once that work, since the last rebuild or zoom
+    // change, reaches a TreePressShare-th of the entries.
+    static constexpr std::int64_t TreePressCost = 64;
+    static constexpr std::int64_t TreePressShare = 4;
 
 private:
     // The tree, kept out of this header, which the whole surface includes.
@@ -149,18 +154,25 @@ private:
     TMyRect PaddedBox(const TShapeExtent &extent) const;
     // Where a press can take the shape, with a pixel to spare for rounding.
     TMyRect PressBox(const TShapeExtent &extent) const;
+    void PressFromTree(TMyPoint p, TPressCursor &cursor);
+    void MakePressGrid();
+    void DropPressGrid();
 
     std::unique_ptr<TTree> m_Tree;
     std::vector<TEntry> m_Entries; // by slot
     std::unordered_map<const TMyShape *, std::int32_t> m_Slots;
     std::vector<std::int32_t> m_Removed; // the empty slots above m_First, ascending
     std::int32_t m_First = 0;            // the slots below are unused
-    // Made at the first press after a rebuild, then kept current with the tree.
+    // Made once presses answered from the tree have done enough work (m_TreePressWork)
+    // since a rebuild or a zoom change, then kept current with the tree.
     std::unique_ptr<TPressGrid> m_Press;
+    std::int64_t m_TreePressWork = 0;
     double m_Zoom = 1.0;
     // The zoom the tree's pads were turned into document units at, and the largest pad in it.
     double m_TreeZoom = 1.0;
     std::int32_t m_MaxPad = 0;
+    // The widest hit reach entered since the tree was made; it only grows.
+    std::int32_t m_MaxReach = 0;
     // Entries (in every slot) by pad, the last count for PadCounted and more.
     std::vector<std::int64_t> m_PadCounts = std::vector<std::int64_t>(PadCounted + 1, 0);
     bool m_Stale = true;

@@ -327,7 +327,8 @@ TEST(ShapeIndex, CommandsReportTheirChanges)
 // how far they are hit is reached that far from its hit box, any other one PressReach
 // pixels from what it paints. Checked on random extents (small ones, huge ones, unindexed
 // ones) through moves, appends, removals that renumber the shapes above them, and enough
-// changes that the index builds its press cells afresh, at three zooms. The expected
+// changes that the index builds its press cells afresh, at three zooms and at zooms the
+// tree is kept through; the first presses after each are answered without cells. The expected
 // answer comes from a plain list of the entries kept beside the index.
 TEST(ShapeIndex, PressCandidatesComeFromTheTopAndCoverTheReach)
 {
@@ -351,7 +352,7 @@ TEST(ShapeIndex, PressCandidatesComeFromTheTopAndCoverTheReach)
             const TMyRect &b = e.Extent.Box;
             const float w = b.Right - b.Left;
             e.Extent.HitBox = {b.Left + w / 8, b.Top, b.Right - w / 4, b.Bottom};
-            e.Extent.HitReach = std::int16_t(rng() % 3 * 4);
+            e.Extent.HitReach = std::int16_t(rng() % 8 == 0 ? 40 : rng() % 3 * 4);
         }
         return e;
     };
@@ -370,13 +371,14 @@ TEST(ShapeIndex, PressCandidatesComeFromTheTopAndCoverTheReach)
         TShapeIndex index;
         index.Rebuild(entries, zoom);
         std::int64_t seen = 0;
+        double shown = zoom;
         const auto check = [&] {
             std::int32_t widest = 0;
             for (const TShapeIndex::TEntry &e : entries)
                 widest = std::max(widest, e.Extent.Pad);
             ASSERT_EQ(index.LargestPad(TShapeIndex::PadCounted), widest);
             ASSERT_EQ(index.LargestPad(100), std::min(widest, 100));
-            std::uniform_int_distribution<int> at(-20, int(2000 * zoom) + 20);
+            std::uniform_int_distribution<int> at(-20, int(2000 * shown) + 20);
             for (int q = 0; q < 150; ++q) {
                 const TPoint p(at(rng), at(rng));
                 const std::int32_t switchAfter = std::int32_t(rng() % 4);
@@ -399,7 +401,7 @@ TEST(ShapeIndex, PressCandidatesComeFromTheTopAndCoverTheReach)
                     const TShapeIndex::TEntry &e = entries[std::size_t(got[k].No)];
                     ASSERT_TRUE(e.Extent.Indexed);
                     ASSERT_EQ(got[k].Connector, e.Connector);
-                    ASSERT_TRUE(reachOf(e, zoom).Inflated(3, 3).Contains(p));
+                    ASSERT_TRUE(reachOf(e, shown).Inflated(3, 3).Contains(p));
                     ASSERT_TRUE(std::int32_t(k) < switchAfter || switchAfter == 0 ||
                                 got[k].Connector);
                 }
@@ -408,12 +410,12 @@ TEST(ShapeIndex, PressCandidatesComeFromTheTopAndCoverTheReach)
                 const std::int32_t below = switched ? got[std::size_t(switchAfter - 1)].No : -1;
                 for (std::int32_t no = 0; no < std::int32_t(entries.size()); ++no) {
                     const TShapeIndex::TEntry &e = entries[std::size_t(no)];
-                    if (!e.Extent.Indexed || !reachOf(e, zoom).Contains(p) ||
+                    if (!e.Extent.Indexed || !reachOf(e, shown).Contains(p) ||
                         (no < below && !e.Connector))
                         continue;
                     ASSERT_NE(std::find(got.begin(), got.end(), TIndexCandidate{no, e.Connector}),
                               got.end())
-                        << no << " at " << p.X << "," << p.Y << " zoom " << zoom;
+                        << no << " at " << p.X << "," << p.Y << " shown " << shown;
                 }
                 seen += std::int64_t(got.size());
             }
@@ -454,6 +456,12 @@ TEST(ShapeIndex, PressCandidatesComeFromTheTopAndCoverTheReach)
                     index.Swap(a, b);
                     std::swap(entries[std::size_t(a)], entries[std::size_t(b)]);
                 }
+            }
+            // Every other round the zoom changes and the tree stays: presses then meet pads
+            // that lack what the smaller zoom asks of them, and boxes wider than needed.
+            if (round % 2) {
+                shown = zoom * (round == 1 ? 0.55 : 1.7);
+                ASSERT_TRUE(index.KeepTreeAtZoom(shown));
             }
             ASSERT_FALSE(index.IsStale());
             ASSERT_EQ(index.Count(), std::int32_t(entries.size()));
