@@ -1392,6 +1392,12 @@ private:
                        std::vector<std::unique_ptr<TMyShape>> shapes, TBlockLayerMode mode);
     void AssignBlockLayers(const std::vector<TLayer> &blockLayers, TBlockLayerMode mode);
     std::vector<std::unique_ptr<TMyShape>> m_MemoryShapes;
+    // The clipboard forms of the shapes a copy takes, given by their list places: working
+    // them out walks the whole list, so a copy does it once for all three.
+    bool PutOnClipboard(const std::vector<std::int32_t> &numbers);
+    QByteArray ShapesDataOf(const std::vector<std::int32_t> &numbers);
+    QImage PictureOf(const std::vector<TMyShape *> &roots);
+    QByteArray SvgOf(const std::vector<TMyShape *> &roots);
     // The names that reading the last block replaced, for the step that pastes it.
     std::vector<std::pair<std::int32_t, QString>> m_BlockFormerNames;
 

@@ -282,7 +282,11 @@ std::unique_ptr<TMyShape> TMyCAD::CloneShape(const TMyShape &source)
 
 QByteArray TMyCAD::CopiedShapesData()
 {
-    const std::vector<std::int32_t> numbers = CopiedNumbers(*this);
+    return ShapesDataOf(CopiedNumbers(*this));
+}
+
+QByteArray TMyCAD::ShapesDataOf(const std::vector<std::int32_t> &numbers)
+{
     if (numbers.empty())
         return {};
     std::vector<std::int32_t> place(m_Shapes.size(), -1);
@@ -316,7 +320,11 @@ QByteArray TMyCAD::CopiedShapesData()
 
 QImage TMyCAD::SelectionImage()
 {
-    const std::vector<TMyShape *> roots = CopiedRoots(*this, CopiedNumbers(*this));
+    return PictureOf(CopiedRoots(*this, CopiedNumbers(*this)));
+}
+
+QImage TMyCAD::PictureOf(const std::vector<TMyShape *> &roots)
+{
     TRect box;
     if (!SelectionBox(*this, roots, box))
         return {};
@@ -337,7 +345,11 @@ QImage TMyCAD::SelectionImage()
 // other applications can edit and scale.
 QByteArray TMyCAD::SelectionSvg()
 {
-    const std::vector<TMyShape *> roots = CopiedRoots(*this, CopiedNumbers(*this));
+    return SvgOf(CopiedRoots(*this, CopiedNumbers(*this)));
+}
+
+QByteArray TMyCAD::SvgOf(const std::vector<TMyShape *> &roots)
+{
     TRect box;
     if (!SelectionBox(*this, roots, box))
         return {};
@@ -366,11 +378,17 @@ QByteArray TMyCAD::SelectionSvg()
 
 bool TMyCAD::CopyToClipboard()
 {
+    return PutOnClipboard(CopiedNumbers(*this));
+}
+
+bool TMyCAD::PutOnClipboard(const std::vector<std::int32_t> &numbers)
+{
     // The picture first: drawing updates what the line classes derive from their points
     // (their angle), and the records should hold the shapes as the copy leaves them.
-    const QImage image = SelectionImage();
-    const QByteArray svg = SelectionSvg();
-    const QByteArray data = CopiedShapesData();
+    const std::vector<TMyShape *> roots = CopiedRoots(*this, numbers);
+    const QImage image = PictureOf(roots);
+    const QByteArray svg = SvgOf(roots);
+    const QByteArray data = ShapesDataOf(numbers);
     if (data.isEmpty())
         return false;
     auto *mime = new QMimeData;
@@ -385,8 +403,9 @@ bool TMyCAD::CopyToClipboard()
 
 bool TMyCAD::CutToClipboard()
 {
-    const std::vector<TMyShape *> roots = CopiedRoots(*this, CopiedNumbers(*this));
-    if (!CopyToClipboard())
+    const std::vector<std::int32_t> numbers = CopiedNumbers(*this);
+    const std::vector<TMyShape *> roots = CopiedRoots(*this, numbers);
+    if (!PutOnClipboard(numbers))
         return false;
     SetWorkingShapes(roots);
     DeleteSelectedShapes();
