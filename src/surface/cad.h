@@ -42,6 +42,7 @@ class TMyShape;
 class TMyLinkLine;
 class TShapeIndex;       // spatial index of the shapes (private to the surface)
 class TIdPlaces;         // places of the identities in the list (private to the surface)
+class TShapesById;       // the shapes by identity at one moment (private to the surface)
 class TNamePlaces;       // places of the names in the list (private to the surface)
 class TPressCursor;      // the candidates of a press, from the index (private to the surface)
 class TMouseMachine;     // the gesture state machine (private to the surface)
@@ -1218,7 +1219,7 @@ private:
     // follow; not recorded.
     void MoveShapesBy(const std::vector<TMyShape *> &shapes, double dx, double dy);
     void DeleteAdded(std::vector<std::int32_t> &ids);
-    std::unordered_map<std::int32_t, TMyShape *> ShapesById() const;
+    TShapesById ShapesById() const;
     // Gives every shape number n in the relations of all shapes the number map(n); a
     // negative answer removes the reference. Each shape also stores its place in the list,
     // in the same pass: on a big drawing every touch of a shape is a cache miss. A map that

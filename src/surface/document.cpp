@@ -87,13 +87,9 @@ TMyShape *TMyCAD::GetShapeByName(const QString &name) const
 }
 
 // Every shape by identity, for work that would otherwise search the list once per shape.
-std::unordered_map<std::int32_t, TMyShape *> TMyCAD::ShapesById() const
+TShapesById TMyCAD::ShapesById() const
 {
-    std::unordered_map<std::int32_t, TMyShape *> shapes;
-    shapes.reserve(m_Shapes.size());
-    for (const auto &shape : m_Shapes)
-        shapes.emplace(shape->ShapeId(), shape.get());
-    return shapes;
+    return TShapesById(m_Shapes);
 }
 
 std::int32_t TMyCAD::GetShapeNoById(std::int32_t id) const
@@ -320,7 +316,10 @@ void TMyCAD::RemoveShapes(const std::vector<TMyShape *> &shapes)
         if (!gone[i] && std::size_t(newNo[i]) != i)
             m_Shapes[std::size_t(newNo[i])] = std::move(m_Shapes[i]);
     m_Shapes.resize(std::size_t(next));
-    ForgetPlaces();
+    if (m_IdPlaces)
+        m_IdPlaces->Removed(newNo);
+    if (m_NamePlaces)
+        m_NamePlaces->Forget();
     RenumberRelations([&newNo](std::int32_t n) {
         return n >= 0 && std::size_t(n) < newNo.size() ? newNo[std::size_t(n)] : -1;
     });

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The undo history: recording steps as shape copies and taking the newest step back.
 #include <tessal/surface/cad.h>
+#include <tessal/surface/idplaces_p.h>
 #include <tessal/surface/shapestate_p.h>
 
 #include <tessal/shapes/line.h>
@@ -302,11 +303,11 @@ void TMyCAD::DeleteAdded(std::vector<std::int32_t> &ids)
         ids.clear();
         return;
     }
-    const std::unordered_map<std::int32_t, TMyShape *> present = ShapesById();
+    const TShapesById present = ShapesById();
     TDeletion deletion;
     for (const std::int32_t id : ids)
-        if (const auto it = present.find(id); it != present.end() && !it->second->Locked())
-            CollectDeletion(it->second, true, deletion, 0);
+        if (TMyShape *shape = present.Find(id); shape && !shape->Locked())
+            CollectDeletion(shape, true, deletion, 0);
     ids.clear();
     RemoveShapes(deletion.Shapes);
 }
@@ -439,11 +440,8 @@ void TMyCAD::RestoreShapes(const std::vector<const TUndoRecord *> &records)
 {
     // The shapes here now, by identity: a search of the list for every record would make
     // bringing back many shapes of a big drawing quadratic.
-    const std::unordered_map<std::int32_t, TMyShape *> present = ShapesById();
-    const auto live = [&present](std::int32_t id) {
-        const auto it = present.find(id);
-        return it == present.end() ? nullptr : it->second;
-    };
+    const TShapesById present = ShapesById();
+    const auto live = [&present](std::int32_t id) { return present.Find(id); };
     std::unordered_map<std::int32_t, std::int32_t> newNo;
     std::vector<const TUndoRecord *> todo;
     for (const TUndoRecord *record : records) {

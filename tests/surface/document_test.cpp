@@ -438,10 +438,11 @@ TEST(Document, LayerEditsAndShapesOnLayers)
     EXPECT_EQ(cad.GetShapesCount(), 0);
 }
 
-// Look-ups by name answer the first shape of that name in list order, as a search does,
-// through renames (by the document and on the shape itself, also of a shape made by another
-// document), deletions, insertions, appends and restacks, with many names shared.
-TEST(Document, NameLookUpsAgreeWithTheScanThroughChanges)
+// Look-ups by name and by identity answer the first shape of that name or identity in list
+// order, as a search does, through renames (by the document and on the shape itself, also of
+// a shape made by another document), identities given twice, deletions one by one and many
+// at once, insertions, appends and restacks, with many names shared.
+TEST(Document, NameAndIdentityLookUpsAgreeWithTheScanThroughChanges)
 {
     TMyCAD cad, other;
     const TMyPoint box[] = {{0, 0}, {5, 5}};
@@ -451,10 +452,25 @@ TEST(Document, NameLookUpsAgreeWithTheScanThroughChanges)
     const auto pick = [&] { return cad.GetShapeByNo(std::int32_t(rng() % cad.GetShapesCount())); };
     const auto name = [&] { return QStringLiteral("N%1").arg(rng() % 9); };
     for (int step = 0; step < 400; ++step) {
-        switch (rng() % 8) {
+        while (cad.GetShapesCount() < 10)
+            cad.AddShapeByCode(TDrawTool::SpRectangle, {}, box, 0, {});
+        switch (rng() % 10) {
         case 0:
             pick()->SetName(name());
             break;
+        case 8:
+            // A shape tells its own document of a new identity.
+            if (TMyShape *shape = pick(); shape->Host() == &cad)
+                shape->SetShapeId(pick()->ShapeId());
+            break;
+        case 9: {
+            std::vector<TMyShape *> some;
+            for (int k = 0; k < 4; ++k)
+                some.push_back(pick());
+            cad.SetWorkingShapes(some);
+            cad.DeleteSelectedShapes();
+            break;
+        }
         case 1:
             cad.RenameShapeName(name(), name());
             break;
@@ -491,6 +507,12 @@ TEST(Document, NameLookUpsAgreeWithTheScanThroughChanges)
                         first = cad.GetShapeByNo(no);
                 ASSERT_EQ(cad.GetShapeByName(wanted), first) << "step " << step << " " << n;
             }
+        for (std::int32_t id = -1; id <= cad.ShapeIdCounter(); ++id) {
+            std::int32_t first = -1;
+            for (std::int32_t no = cad.GetShapesCount() - 1; no >= 0; --no)
+                first = cad.GetShapeByNo(no)->ShapeId() == id ? no : first;
+            ASSERT_EQ(cad.GetShapeNoById(id), first) << "step " << step << " id " << id;
+        }
     }
 }
 
