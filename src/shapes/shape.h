@@ -106,6 +106,9 @@ public:
     virtual QString ClassName() const { return QStringLiteral("TMyShape"); }
 
     TShapeHost *Host() const { return m_Host; }
+    // The document that holds the shape from now on: it repaints it, finds its members and
+    // hears of its identity.
+    void SetHost(TShapeHost *host) { m_Host = host; }
     const QString &Name() const { return m_Name; }
     virtual void SetName(const QString &name);
     // Counts the renames of every shape, so that a table by name can tell it is out of date

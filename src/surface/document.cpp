@@ -55,6 +55,8 @@ bool TMyCAD::AddShape(TMyShape *shape, bool keepLayer, bool noIdCount)
         return false;
     }
     m_Shapes.emplace_back(shape);
+    // A shape made by another control belongs to this one now.
+    shape->SetHost(this);
     if (!keepLayer)
         shape->SetLayerId(m_CurrentLayerId);
     if (!noIdCount)
