@@ -2,16 +2,20 @@
 // The component inspector: combo, layer/shape tree and grid, kept in step with a surface.
 #include <tessal/inspector/componentinspector.h>
 #include <tessal/inspector/inspectorgrid.h>
+#include <tessal/inspector/shapetreemodel.h>
 #include <tessal/shapes/shape.h>
 #include <tessal/surface/cad.h>
 
+#include <QAbstractListModel>
 #include <QComboBox>
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QItemSelectionModel>
 #include <QSplitter>
+#include <QTimer>
 #include <QToolButton>
-#include <QTreeWidget>
+#include <QTreeView>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -20,30 +24,63 @@ namespace tessal {
 
 namespace {
 
-constexpr int ShapeRole = Qt::UserRole + 1;
-constexpr int MaxDepth = 64; // group nesting guard against broken relations
-
-TMyShape *ShapeOf(const QTreeWidgetItem *item)
+// The combo box's rows: the surface, then every shape item of the tree in the tree model's
+// order, read from the tree model as asked for.
+class TComponentListModel : public QAbstractListModel
 {
-    return item ? reinterpret_cast<TMyShape *>(item->data(0, ShapeRole).value<quintptr>())
-                : nullptr;
-}
+public:
+    TComponentListModel(TShapeTreeModel *tree, QObject *parent)
+        : QAbstractListModel(parent)
+        , m_Tree(tree)
+    {
+        connect(tree, &QAbstractItemModel::modelAboutToBeReset, this,
+                &TComponentListModel::beginResetModel);
+        connect(tree, &QAbstractItemModel::modelReset, this, &TComponentListModel::endResetModel);
+    }
+    void SetSurfaceName(const QString &name) { m_SurfaceName = name; }
 
-QString Label(const TMyShape *shape)
-{
-    return QStringLiteral("%1 (%2)").arg(shape->Name(), shape->ClassName());
-}
+    int rowCount(const QModelIndex &parent = {}) const override
+    {
+        return parent.isValid() ? 0 : 1 + m_Tree->ShapeItemCount();
+    }
+    QVariant data(const QModelIndex &index, int role) const override
+    {
+        if (index.row() == 0)
+            return role == Qt::DisplayRole ? QVariant(m_SurfaceName)
+                   : role == Qt::UserRole  ? QVariant::fromValue(quintptr(0))
+                                           : QVariant();
+        const QModelIndex item = m_Tree->IndexAt(index.row() - 1);
+        return m_Tree->data(item, role == Qt::UserRole ? TShapeTreeModel::ShapeRole : role);
+    }
+
+private:
+    TShapeTreeModel *m_Tree;
+    QString m_SurfaceName;
+};
 
 } // namespace
 
 TComponentInspector::TComponentInspector(QWidget *parent)
     : QWidget(parent)
+    , m_Model(new TShapeTreeModel(this))
     , m_Combo(new QComboBox(this))
     , m_Layers(new QToolButton(this))
-    , m_Tree(new QTreeWidget(this))
+    , m_Tree(new QTreeView(this))
     , m_Grid(new TInspectorGrid(this))
+    , m_Walk(new QTimer(this))
 {
+    m_Walk->setSingleShot(true);
+    connect(m_Walk, &QTimer::timeout, this, [this] {
+        if (!m_Model->UpToDate())
+            Rebuild();
+    });
+    m_Tree->setModel(m_Model);
     m_Tree->setHeaderHidden(true);
+    // Rows are measured once, not each of a million.
+    m_Tree->setUniformRowHeights(true);
+    m_Combo->setModel(new TComponentListModel(m_Model, m_Combo));
+    m_Combo->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    m_Combo->setMinimumContentsLength(16);
     m_Tree->setSelectionMode(QAbstractItemView::ExtendedSelection);
     auto *split = new QSplitter(Qt::Vertical, this);
     split->addWidget(m_Tree);
@@ -58,7 +95,7 @@ TComponentInspector::TComponentInspector(QWidget *parent)
     top->addWidget(m_Layers);
     layout->addLayout(top);
     layout->addWidget(split, 1);
-    connect(m_Tree, &QTreeWidget::itemSelectionChanged, this,
+    connect(m_Tree->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &TComponentInspector::TreeSelectionChanged);
     connect(m_Combo, &QComboBox::activated, this, &TComponentInspector::ComboActivated);
     connect(m_Layers, &QToolButton::clicked, this, &TComponentInspector::EditLayers);
@@ -123,39 +160,18 @@ void TComponentInspector::SetSurface(TMyCAD *surface)
     m_Watched = surface;
     if (m_Surface)
         m_Surface->installEventFilter(this);
-    m_Snapshot = {};
     m_Working.clear();
     m_Shown.clear();
     Rebuild();
     emit SurfaceChanged(surface);
 }
 
-TComponentInspector::TSnapshot TComponentInspector::Take() const
-{
-    TSnapshot s;
-    if (!m_Surface)
-        return s;
-    for (std::int32_t i = 0; i < m_Surface->GetShapesCount(); ++i) {
-        const TMyShape *shape = m_Surface->GetShapeByNo(i);
-        s.Shapes.push_back(shape);
-        s.Names << shape->Name();
-        s.Layers.push_back(shape->LayerId());
-        s.Parents.push_back(shape->ParentNo());
-    }
-    for (const TLayer &layer : m_Surface->Layers())
-        s.LayerNames << layer.Name;
-    return s;
-}
-
 void TComponentInspector::Refresh()
 {
-    if (!m_Surface) {
-        if (m_Tree->topLevelItemCount() > 0 || m_Combo->count() > 0)
-            Rebuild();
-        return;
-    }
-    if (Take() != m_Snapshot)
+    if (!m_Model->UpToDate())
         Rebuild();
+    else if (!m_Surface)
+        return;
     else if (m_Surface->WorkingShapes() != m_Working)
         ShowSelectionFromSurface();
     else
@@ -165,63 +181,59 @@ void TComponentInspector::Refresh()
 bool TComponentInspector::eventFilter(QObject *watched, QEvent *event)
 {
     if (watched == m_Watched && event->type() == QEvent::Paint && !m_Syncing)
-        Refresh();
+        SurfacePainted();
     return QWidget::eventFilter(watched, event);
 }
 
-void TComponentInspector::AddShapeItem(QTreeWidgetItem *parent, TMyShape *shape, int depth)
+void TComponentInspector::SurfacePainted()
 {
-    auto *item = new QTreeWidgetItem(parent, {Label(shape)});
-    item->setData(0, ShapeRole, QVariant::fromValue(reinterpret_cast<quintptr>(shape)));
-    m_Combo->addItem(Label(shape), QVariant::fromValue(reinterpret_cast<quintptr>(shape)));
-    if (depth >= MaxDepth)
+    if (!m_Model->SameOutline()) {
+        Rebuild();
         return;
-    for (std::int32_t no : shape->ChildShapes())
-        if (TMyShape *child = m_Surface->GetShapeByNo(no))
-            AddShapeItem(item, child, depth + 1);
+    }
+    if (!m_Surface)
+        return;
+    if (m_Surface->WorkingShapes() != m_Working)
+        ShowSelectionFromSurface();
+    else
+        m_Grid->Refresh();
+    if (!m_Walk->isActive())
+        m_Walk->start(m_Surface->GetShapesCount() > WalkAtOnce ? WalkPause : 0);
 }
 
 void TComponentInspector::Rebuild()
 {
     m_Syncing = true;
-    m_Tree->clear();
-    m_Combo->clear();
-    m_Snapshot = Take();
-    if (m_Surface) {
-        const QString name = m_Surface->objectName();
-        m_Combo->addItem(name.isEmpty() ? tr("(surface)") : name, QVariant::fromValue(quintptr(0)));
-        for (const TLayer &layer : m_Surface->Layers()) {
-            auto *layerItem = new QTreeWidgetItem(m_Tree, {layer.Name});
-            layerItem->setFlags(Qt::ItemIsEnabled);
-            QFont f = layerItem->font(0);
-            f.setBold(true);
-            layerItem->setFont(0, f);
-            for (TMyShape *shape : m_Surface->GetShapesByLayerId(layer.Id))
-                if (!shape->HasParentShape())
-                    AddShapeItem(layerItem, shape, 0);
-        }
-        m_Tree->expandAll();
-    }
+    const QString name = m_Surface ? m_Surface->objectName() : QString();
+    static_cast<TComponentListModel *>(m_Combo->model())
+        ->SetSurfaceName(name.isEmpty() ? tr("(surface)") : name);
+    m_Model->Reset(m_Surface);
+    // The layers open; groups open when asked, since a walk over every item to open them
+    // would cost as much as the rest on a big drawing.
+    for (int row = 0; row < m_Model->rowCount(); ++row)
+        m_Tree->expand(m_Model->index(row, 0));
     m_Syncing = false;
     // Shapes that are gone leave the grid; the surface's selection is shown again.
     m_Working.clear();
     ShowSelectionFromSurface();
 }
 
-QTreeWidgetItem *TComponentInspector::ItemOf(const TMyShape *shape) const
+QModelIndex TComponentInspector::IndexOf(const TMyShape *shape) const
 {
-    for (QTreeWidgetItemIterator it(m_Tree); *it; ++it)
-        if (ShapeOf(*it) == shape)
-            return *it;
-    return nullptr;
+    return m_Model->IndexOf(shape);
 }
 
+// In the tree model's order, whatever order they were chosen in.
 std::vector<TMyShape *> TComponentInspector::SelectedShapes() const
 {
+    std::vector<int> items;
+    for (const QModelIndex &index : m_Tree->selectionModel()->selectedIndexes())
+        items.push_back(m_Model->ItemOf(index));
+    std::sort(items.begin(), items.end());
     std::vector<TMyShape *> shapes;
-    for (QTreeWidgetItemIterator it(m_Tree); *it; ++it)
-        if ((*it)->isSelected() && ShapeOf(*it))
-            shapes.push_back(ShapeOf(*it));
+    for (const int item : items)
+        if (TMyShape *shape = m_Model->ShapeAt(item))
+            shapes.push_back(shape);
     return shapes;
 }
 
@@ -236,8 +248,7 @@ void TComponentInspector::ShowInGrid(const std::vector<TMyShape *> &shapes)
         m_Grid->SetObject(m_Surface);
     else
         m_Grid->SetShapes(m_Surface, shapes);
-    const quintptr key = shapes.size() == 1 ? reinterpret_cast<quintptr>(shapes.front()) : 0;
-    m_Combo->setCurrentIndex(m_Combo->findData(QVariant::fromValue(key)));
+    m_Combo->setCurrentIndex(shapes.size() == 1 ? 1 + m_Model->ItemOf(IndexOf(shapes.front())) : 0);
 }
 
 void TComponentInspector::ShowSelectionFromSurface()
@@ -256,11 +267,12 @@ void TComponentInspector::ShowSelectionFromSurface()
             shown.push_back(shape);
     if (shown.size() != m_Working.size() || shown.empty())
         shown = m_Working;
-    m_Syncing = true;
-    m_Tree->clearSelection();
+    QItemSelection selection;
     for (TMyShape *shape : shown)
-        if (QTreeWidgetItem *item = ItemOf(shape))
-            item->setSelected(true);
+        if (const QModelIndex index = IndexOf(shape); index.isValid())
+            selection.select(index, index);
+    m_Syncing = true;
+    m_Tree->selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
     m_Syncing = false;
     ShowInGrid(shown);
 }
@@ -285,16 +297,13 @@ void TComponentInspector::TreeSelectionChanged()
 
 void TComponentInspector::ComboActivated(int index)
 {
-    auto *shape = reinterpret_cast<TMyShape *>(m_Combo->itemData(index).value<quintptr>());
-    if (!shape) {
+    const QModelIndex item = m_Model->IndexAt(index - 1);
+    if (!item.isValid()) {
         m_Tree->clearSelection();
         return;
     }
-    m_Tree->clearSelection();
-    if (QTreeWidgetItem *item = ItemOf(shape)) {
-        item->setSelected(true);
-        m_Tree->scrollToItem(item);
-    }
+    m_Tree->selectionModel()->select(item, QItemSelectionModel::ClearAndSelect);
+    m_Tree->scrollTo(item);
 }
 
 } // namespace tessal

@@ -12,14 +12,15 @@
 #include <vector>
 
 class QComboBox;
+class QTimer;
 class QToolButton;
-class QTreeWidget;
-class QTreeWidgetItem;
+class QTreeView;
 
 namespace tessal {
 
 class TInspectorGrid;
 class TMyShape;
+class TShapeTreeModel;
 
 // A combo box of the surface and its shapes (by name), a tree of layers -> top-level shapes
 // -> group members, and the grid. Choosing shapes in the tree or the combo makes their
@@ -30,7 +31,14 @@ class TMyShape;
 // The surface tells no one when its shapes or its selection change, but it repaints after
 // every such change: an event filter on its paints compares the document's shape list and
 // the working shapes with what the tree shows, and rebuilds or reselects when they differ.
-// Refresh() does the same at once.
+// Refresh() does the same at once. Tree and combo read one item model, which makes no
+// object per shape, so a drawing of a million shapes is shown at once.
+//
+// On a paint, what needs no walk over the shapes (their number, the first and last, names,
+// layers, the selection) is compared at once; the walk that finds a shape moved to another
+// layer or group follows when the events of the moment are done, and on a drawing of more
+// than WalkAtOnce shapes at most every WalkPause milliseconds, so that the paints of a drag
+// are not each made to wait for it.
 class TComponentInspector : public QWidget
 {
     Q_OBJECT
@@ -53,10 +61,14 @@ public:
 
     QComboBox *ComponentBox() const { return m_Combo; }
     QToolButton *LayersButton() const { return m_Layers; }
-    QTreeWidget *Tree() const { return m_Tree; }
+    QTreeView *Tree() const { return m_Tree; }
+    TShapeTreeModel *TreeModel() const { return m_Model; }
     TInspectorGrid *Grid() const { return m_Grid; }
-    // The tree item of a shape, nullptr when it has none.
-    QTreeWidgetItem *ItemOf(const TMyShape *shape) const;
+    // The tree item of a shape, invalid when it has none.
+    QModelIndex IndexOf(const TMyShape *shape) const;
+
+    static constexpr int WalkAtOnce = 50000;
+    static constexpr int WalkPause = 500;
 
 signals:
     void SurfaceChanged(tessal::TMyCAD *surface);
@@ -65,20 +77,8 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    // What the tree was built from: every shape with its name, layer and parent, and the
-    // layer table.
-    struct TSnapshot
-    {
-        std::vector<const void *> Shapes;
-        QStringList Names;
-        std::vector<int> Layers;
-        std::vector<int> Parents;
-        QStringList LayerNames;
-        bool operator==(const TSnapshot &) const = default;
-    };
-    TSnapshot Take() const;
+    void SurfacePainted();
     void Rebuild();
-    void AddShapeItem(QTreeWidgetItem *parent, TMyShape *shape, int depth);
     void TreeSelectionChanged();
     void ComboActivated(int index);
     void ShowSelectionFromSurface();
@@ -88,11 +88,12 @@ private:
     QPointer<TMyCAD> m_Surface;
     // The filtered surface by address: its last events arrive while it is destroyed.
     const QObject *m_Watched = nullptr;
+    TShapeTreeModel *m_Model;
     QComboBox *m_Combo;
     QToolButton *m_Layers;
-    QTreeWidget *m_Tree;
+    QTreeView *m_Tree;
     TInspectorGrid *m_Grid;
-    TSnapshot m_Snapshot;
+    QTimer *m_Walk;
     std::vector<TMyShape *> m_Working; // the working shapes as last seen or set
     std::vector<TMyShape *> m_Shown;   // what the grid shows
     bool m_Syncing = false;

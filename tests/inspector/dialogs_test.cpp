@@ -263,7 +263,7 @@ TEST(InspectorDialogs, LayersAreEditedWithoutLosingShapes)
     });
     QTest::mouseClick(inspector->LayersButton(), Qt::LeftButton);
     EXPECT_GE(doc.Cad->GetLayerIdByName("Notes"), 0);
-    EXPECT_EQ(inspector->Tree()->topLevelItemCount(), 2);
+    EXPECT_EQ(inspector->Tree()->model()->rowCount(), 2);
 }
 
 #include "dialogs_test.moc"

@@ -175,26 +175,29 @@ TEST_F(ComponentInspector, LabelsAreLinkedByNameFromTheOpenWindows)
 
 TEST_F(ComponentInspector, TreeFollowsTheSurfaceAndGroupMembersEditAlone)
 {
-    QTreeWidget *tree = Inspector->Tree();
+    QAbstractItemModel *tree = Inspector->Tree()->model();
+    const auto selected = [&](const TMyShape *shape) {
+        return Inspector->Tree()->selectionModel()->isSelected(Inspector->IndexOf(shape));
+    };
     // One row per layer, in table order; the shapes sit on the current layer.
-    ASSERT_EQ(tree->topLevelItemCount(), Cad->GetLayersCount());
+    ASSERT_EQ(tree->rowCount(), Cad->GetLayersCount());
     const int layer = Cad->GetLayerNoById(Cad->CurrentLayerId());
-    QTreeWidgetItem *layerItem = tree->topLevelItem(layer);
-    EXPECT_EQ(layerItem->text(0), "Layer1");
-    EXPECT_EQ(layerItem->childCount(), 3);
+    const QModelIndex layerItem = tree->index(layer, 0);
+    EXPECT_EQ(layerItem.data().toString(), "Layer1");
+    EXPECT_EQ(tree->rowCount(layerItem), 3);
     EXPECT_EQ(Inspector->ComponentBox()->count(), 4); // surface + three shapes
 
     // Selection made on the surface shows in the tree and the grid.
     Cad->SetWorkingShapes(std::vector<TMyShape *>{B()});
-    EXPECT_TRUE(WaitFor([&] { return Inspector->ItemOf(B())->isSelected(); }));
+    EXPECT_TRUE(WaitFor([&] { return selected(B()); }));
     EXPECT_TRUE(Grid()->Title()->text().startsWith(B()->Name()));
 
     // A new shape appears; a deleted one goes, and the grid does not keep it.
     const std::int32_t id =
         Cad->AddShapeByCode2(TDrawTool::SpEllipse, "E", {20, 150}, 40, 30, 0, 0, {});
-    EXPECT_TRUE(WaitFor([&] { return Inspector->ItemOf(Cad->GetShapeByID(id)); }));
+    EXPECT_TRUE(WaitFor([&] { return Inspector->IndexOf(Cad->GetShapeByID(id)).isValid(); }));
     Cad->DeleteShapeById(IdB, false);
-    EXPECT_TRUE(WaitFor([&] { return tree->topLevelItem(layer)->childCount() == 3; }));
+    EXPECT_TRUE(WaitFor([&] { return tree->rowCount(tree->index(layer, 0)) == 3; }));
     EXPECT_FALSE(Grid()->Title()->text().startsWith(QString("Shape%1 ").arg(IdB)));
 
     // Grouped shapes sit under their group; a member is edited on its own while the
@@ -202,8 +205,10 @@ TEST_F(ComponentInspector, TreeFollowsTheSurfaceAndGroupMembersEditAlone)
     const std::int32_t group = Cad->GroupShapes(std::vector<TMyShape *>{A(), L()}, false);
     TMyShape *g = Cad->GetShapeByID(group);
     ASSERT_TRUE(g);
-    EXPECT_TRUE(
-        WaitFor([&] { return Inspector->ItemOf(g) && Inspector->ItemOf(g)->childCount() == 2; }));
+    EXPECT_TRUE(WaitFor([&] {
+        const QModelIndex index = Inspector->IndexOf(g);
+        return index.isValid() && tree->rowCount(index) == 2;
+    }));
     ClickShape(A());
     EXPECT_EQ(Cad->WorkingShapes(), std::vector<TMyShape *>{g});
     TypeInto(Grid(), "Tag", "9");
@@ -218,6 +223,14 @@ TEST_F(ComponentInspector, TreeFollowsTheSurfaceAndGroupMembersEditAlone)
     combo->setCurrentIndex(e);
     emit combo->activated(e);
     EXPECT_EQ(Cad->WorkingShapes(), std::vector<TMyShape *>{Cad->GetShapeByID(id)});
+
+    // A shape moved to another layer changes neither the number of shapes nor a name: the
+    // walk that follows a repaint finds it.
+    const std::int32_t other = 1 - layer;
+    Cad->GetShapeByID(id)->SetLayerId(Cad->Layers()[std::size_t(other)].Id);
+    Cad->update();
+    EXPECT_TRUE(
+        WaitFor([&] { return Inspector->IndexOf(Cad->GetShapeByID(id)).parent().row() == other; }));
 }
 
 TEST_F(ComponentInspector, GroupsAndSorting)

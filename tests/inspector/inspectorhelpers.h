@@ -17,7 +17,6 @@
 #include <QTest>
 #include <QTimer>
 #include <QTreeView>
-#include <QTreeWidget>
 
 #include <functional>
 
@@ -75,12 +74,11 @@ struct TDoc
     // Clicks a shape's tree item (with modifiers for extended selection).
     void ClickShape(TMyShape *shape, Qt::KeyboardModifiers mods = {}) const
     {
-        QTreeWidget *tree = Inspector->Tree();
-        QTreeWidgetItem *item = Inspector->ItemOf(shape);
-        ASSERT_TRUE(item);
-        tree->scrollToItem(item);
-        QTest::mouseClick(tree->viewport(), Qt::LeftButton, mods,
-                          tree->visualItemRect(item).center());
+        QTreeView *tree = Inspector->Tree();
+        const QModelIndex item = Inspector->IndexOf(shape);
+        ASSERT_TRUE(item.isValid());
+        tree->scrollTo(item);
+        QTest::mouseClick(tree->viewport(), Qt::LeftButton, mods, tree->visualRect(item).center());
     }
 };
 
