@@ -195,7 +195,7 @@ void TComponentInspector::SurfacePainted()
         return;
     if (m_Surface->WorkingShapes() != m_Working)
         ShowSelectionFromSurface();
-    else
+    else if (m_Shown.size() <= std::size_t(WalkAtOnce))
         m_Grid->Refresh();
     if (!m_Walk->isActive())
         m_Walk->start(m_Surface->GetShapesCount() > WalkAtOnce ? WalkPause : 0);
@@ -263,16 +263,13 @@ void TComponentInspector::ShowSelectionFromSurface()
     std::vector<TMyShape *> shown;
     for (TMyShape *shape : m_Shown)
         if (m_Surface->GetShapeNoInMyShapes(shape) >= 0 &&
-            std::count(m_Working.begin(), m_Working.end(), m_Surface->GetRootParentShape(shape)))
+            m_Surface->IsWorkingShape(m_Surface->GetRootParentShape(shape)))
             shown.push_back(shape);
     if (shown.size() != m_Working.size() || shown.empty())
         shown = m_Working;
-    QItemSelection selection;
-    for (TMyShape *shape : shown)
-        if (const QModelIndex index = IndexOf(shape); index.isValid())
-            selection.select(index, index);
     m_Syncing = true;
-    m_Tree->selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
+    m_Tree->selectionModel()->select(m_Model->SelectionOf(shown),
+                                     QItemSelectionModel::ClearAndSelect);
     m_Syncing = false;
     ShowInGrid(shown);
 }

@@ -38,7 +38,9 @@ class TShapeTreeModel;
 // layers, the selection) is compared at once; the walk that finds a shape moved to another
 // layer or group follows when the events of the moment are done, and on a drawing of more
 // than WalkAtOnce shapes at most every WalkPause milliseconds, so that the paints of a drag
-// are not each made to wait for it.
+// are not each made to wait for it. The grid's values are read from every shape shown: once
+// more than WalkAtOnce shapes are shown, they are read again when the selection changes or
+// a value is edited in the grid, not on every paint.
 class TComponentInspector : public QWidget
 {
     Q_OBJECT

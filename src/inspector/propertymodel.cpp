@@ -20,6 +20,11 @@ struct TPropertyModel::TNode
     TNode *Parent = nullptr;
     int Row = 0;
     std::vector<std::unique_ptr<TNode>> Children;
+    // The value as last read from every item, until the next Refresh: a view asks for a
+    // cell several times a paint, and each answer reads all items.
+    mutable bool Known = false;
+    mutable bool Mixed = false;
+    mutable QVariant Value;
 
     TNode *Add(std::unique_ptr<TNode> child)
     {
@@ -201,20 +206,27 @@ QVariant TPropertyModel::ValueAt(const QModelIndex &index, bool *mixed) const
     if (mixed)
         *mixed = false;
     const TNode *node = NodeOf(index);
-    if (!index.isValid() || !node->Group.isEmpty() || !IsLive())
+    if (!index.isValid() || !node->Group.isEmpty())
         return {};
-    const QVariant first = ReadPath(0, node->Path);
-    // Handlers cannot be compared; they are never edited here anyway.
-    if (node->Type.Kind == TPropertyKind::Event)
-        return first;
-    for (int i = 1; i < m_Target->Count(); ++i) {
-        if (ReadPath(i, node->Path) != first) {
-            if (mixed)
-                *mixed = true;
+    if (!node->Known) {
+        node->Known = true;
+        node->Mixed = false;
+        node->Value = QVariant();
+        if (!IsLive())
             return {};
+        node->Value = ReadPath(0, node->Path);
+        // Handlers cannot be compared; they are never edited here anyway.
+        for (int i = 1; i < m_Target->Count() && node->Type.Kind != TPropertyKind::Event; ++i) {
+            if (ReadPath(i, node->Path) != node->Value) {
+                node->Mixed = true;
+                node->Value = QVariant();
+                break;
+            }
         }
     }
-    return first;
+    if (mixed)
+        *mixed = node->Mixed;
+    return node->Value;
 }
 
 bool TPropertyModel::IsWritable(const QModelIndex &index) const
@@ -392,6 +404,8 @@ void TPropertyModel::Refresh()
     while (!stack.empty()) {
         const QModelIndex at = stack.back();
         stack.pop_back();
+        for (const auto &child : NodeOf(at)->Children)
+            child->Known = false;
         const int rows = rowCount(at);
         if (rows == 0)
             continue;

@@ -4,6 +4,9 @@
 #include <tessal/shapes/shape.h>
 #include <tessal/surface/cad.h>
 
+#include <algorithm>
+#include <cstring>
+
 namespace tessal {
 
 int OwnPropertyOffset(const QMetaObject *mo)
@@ -60,13 +63,17 @@ const QMetaObject *TShapesTarget::MetaObject() const
     return m_Shapes.empty() || !IsValid() ? nullptr : m_Shapes.front()->MetaObject();
 }
 
+// Shapes of one class share a meta-object, so each property is looked up once a class.
 std::vector<QMetaProperty> TShapesTarget::Properties(bool inherited) const
 {
+    std::vector<const QMetaObject *> classes;
+    for (const TMyShape *shape : m_Shapes)
+        if (std::find(classes.begin(), classes.end(), shape->MetaObject()) == classes.end())
+            classes.push_back(shape->MetaObject());
     std::vector<QMetaProperty> list;
     for (const QMetaProperty &p : TPropertyTarget::Properties(inherited)) {
         bool shared = true;
-        for (const TMyShape *shape : m_Shapes) {
-            const QMetaObject *mo = shape->MetaObject();
+        for (const QMetaObject *mo : classes) {
             const int i = mo->indexOfProperty(p.name());
             shared = shared && i >= 0 && mo->property(i).metaType() == p.metaType();
         }
@@ -87,12 +94,18 @@ bool TShapesTarget::IsValid() const
     return true;
 }
 
+// A value is read from every item in turn, mostly of one class: the property's place is
+// looked up again only when the class or the name changes.
 QVariant TShapesTarget::Read(int item, const char *name) const
 {
     const TMyShape *shape = m_Shapes[std::size_t(item)];
     const QMetaObject *mo = shape->MetaObject();
-    const int i = mo->indexOfProperty(name);
-    return i < 0 ? QVariant() : mo->property(i).readOnGadget(shape);
+    if (mo != m_ReadClass || std::strcmp(name, m_ReadName.constData()) != 0) {
+        m_ReadClass = mo;
+        m_ReadName = name;
+        m_ReadIndex = mo->indexOfProperty(name);
+    }
+    return m_ReadIndex < 0 ? QVariant() : mo->property(m_ReadIndex).readOnGadget(shape);
 }
 
 bool TShapesTarget::Write(int item, const char *name, const QVariant &value)

@@ -82,6 +82,9 @@ public:
 private:
     QPointer<TMyCAD> m_Surface;
     std::vector<TMyShape *> m_Shapes;
+    mutable const QMetaObject *m_ReadClass = nullptr;
+    mutable QByteArray m_ReadName;
+    mutable int m_ReadIndex = -1;
 };
 
 } // namespace tessal

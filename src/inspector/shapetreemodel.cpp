@@ -6,6 +6,7 @@
 
 #include <QFont>
 
+#include <algorithm>
 #include <unordered_map>
 
 namespace tessal {
@@ -167,6 +168,27 @@ QModelIndex TShapeTreeModel::IndexAt(int item) const
 int TShapeTreeModel::ItemOf(const QModelIndex &index) const
 {
     return index.model() == this ? NodeOf(index) : -1;
+}
+
+QItemSelection TShapeTreeModel::SelectionOf(const std::vector<TMyShape *> &shapes) const
+{
+    std::vector<int> items;
+    for (const TMyShape *shape : shapes)
+        if (const int item = ItemOf(IndexOf(shape)); item >= 0)
+            items.push_back(item);
+    std::sort(items.begin(), items.end());
+    items.erase(std::unique(items.begin(), items.end()), items.end());
+    QItemSelection selection;
+    for (std::size_t first = 0; first < items.size();) {
+        const std::int32_t parent = m_Nodes[std::size_t(items[first])].Parent;
+        std::size_t last = first;
+        while (last + 1 < items.size() && items[last + 1] == items[last] + 1 &&
+               m_Nodes[std::size_t(items[last + 1])].Parent == parent)
+            ++last;
+        selection.select(IndexAt(items[first]), IndexAt(items[last]));
+        first = last + 1;
+    }
+    return selection;
 }
 
 // A shape that has left the list, or moved in it, since the last Reset is not answered.

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QAbstractItemModel>
+#include <QItemSelection>
 #include <QPointer>
 #include <QStringList>
 
@@ -45,6 +46,9 @@ public:
     QModelIndex IndexAt(int item) const;
     // The place of an item in that order, -1 for a layer or an invalid index.
     int ItemOf(const QModelIndex &index) const;
+    // The first items of the shapes, as runs of neighbouring rows: selecting all of a
+    // million shapes makes a range a layer, not a million.
+    QItemSelection SelectionOf(const std::vector<TMyShape *> &shapes) const;
 
     QModelIndex index(int row, int column, const QModelIndex &parent = {}) const override;
     QModelIndex parent(const QModelIndex &child) const override;

@@ -9,6 +9,7 @@
 
 #include <QAbstractItemModelTester>
 
+#include <algorithm>
 #include <random>
 
 using namespace tessal;
@@ -86,6 +87,25 @@ TEST(ShapeTreeModel, ShowsLayersTopLevelShapesAndMembersAsTheDocumentHasThem)
         model.Reset(&cad);
         ExpectTheDocument(model, cad);
         ASSERT_TRUE(model.UpToDate());
+
+        // A selection holds the first item of each shape chosen and no other, in as many
+        // ranges as there are runs of neighbouring rows.
+        std::vector<TMyShape *> chosen;
+        for (std::int32_t no = 0; no < cad.GetShapesCount(); ++no)
+            if (rng() % 3)
+                chosen.push_back(cad.GetShapeByNo(no));
+        const QItemSelection selection = model.SelectionOf(chosen);
+        int runs = 0;
+        for (int item = 0; item < model.ShapeItemCount(); ++item) {
+            const QModelIndex index = model.IndexAt(item);
+            const bool in = std::count(chosen.begin(), chosen.end(), model.ShapeAt(item)) &&
+                            model.IndexOf(model.ShapeAt(item)) == index;
+            ASSERT_EQ(selection.contains(index), in) << item;
+            const QModelIndex before = model.IndexAt(item - 1);
+            runs += in &&
+                    !(item > 0 && before.parent() == index.parent() && selection.contains(before));
+        }
+        EXPECT_EQ(selection.size(), runs);
 
         TMyShape *moved = cad.GetRootParentShape(cad.GetShapeByNo(std::int32_t(rng() % 40)));
         moved->SetLayerId(layers[(cad.GetLayerNoById(moved->LayerId()) + 1) % 3]);
