@@ -279,14 +279,9 @@ void TComponentInspector::TreeSelectionChanged()
     if (m_Syncing || !m_Surface)
         return;
     const std::vector<TMyShape *> chosen = SelectedShapes();
-    std::vector<TMyShape *> roots;
-    for (TMyShape *shape : chosen) {
-        TMyShape *root = m_Surface->GetRootParentShape(shape);
-        if (std::find(roots.begin(), roots.end(), root) == roots.end())
-            roots.push_back(root);
-    }
     m_Syncing = true;
-    m_Surface->SetWorkingShapes(roots);
+    // The surface selects the roots of the chosen shapes, each once.
+    m_Surface->SetWorkingShapes(chosen);
     m_Working = m_Surface->WorkingShapes();
     m_Syncing = false;
     ShowInGrid(chosen);
