@@ -16,7 +16,6 @@
 #include <QCoreApplication>
 
 #include <algorithm>
-#include <unordered_map>
 #include <unordered_set>
 
 namespace tessal {
