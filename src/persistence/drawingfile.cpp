@@ -430,6 +430,7 @@ void TMyCAD::ReadShapeList(BinaryStream &stream, std::vector<std::unique_ptr<TMy
         shape->LoadFromStream(stream);
         shape->SetCenterPoint(shape->GetCenterPoint());
         largestId = std::max(largestId, shape->ShapeId());
+        shape->SetListPlace(i);
         shapes.push_back(std::move(shape));
         if ((i + 1) % ProgressStep == 0)
             ReportProgress(i + 1, count);

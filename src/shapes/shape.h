@@ -337,6 +337,11 @@ public:
     void SetShapeId(std::int32_t id);
     std::int32_t ShapeNo() const { return m_ShapeNo; }
     void SetShapeNo(std::int32_t no) { m_ShapeNo = no; }
+    // Where the list holding the shape last had it: a hint that finds the shape without a
+    // search. ShapeNo cannot serve alone, being whatever a file or the code that added the
+    // shape said; the hint is never stored, and a wrong one costs only that search.
+    std::int32_t ListPlace() const { return m_ListPlace; }
+    void SetListPlace(std::int32_t place) const { m_ListPlace = place; }
 
     // Shape numbers of a group's members; connectors attached to this shape.
     std::vector<std::int32_t> &ChildShapes() { return m_ChildShapes; }
@@ -408,6 +413,7 @@ private:
     std::int32_t m_CurrentHot = -1;
     std::int32_t m_ShapeId = 0;
     std::int32_t m_ShapeNo = 0;
+    mutable std::int32_t m_ListPlace = -1;
     TPenStyleJoinType m_PenStyleJoinType = TPenStyleJoinType::psjtROUND;
     TPenStyleEndCapType m_PenStyleEndCapType = TPenStyleEndCapType::psectROUND;
     bool m_CaptionShow = true;

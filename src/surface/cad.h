@@ -1209,9 +1209,12 @@ private:
     std::vector<TMyShape *> RegroupedByRemoval(const std::vector<TMyShape *> &shapes,
                                                const std::vector<bool> &goneByPlace) const;
     void ShapesRemoved();
-    // Deletes the shapes (not recorded), locked ones excepted: together, or one by one when
-    // a deletion handler must see each.
+    // Deletes the shapes (not recorded), locked ones excepted, together: a deletion handler
+    // hears of each first.
     void DeleteShapesTogether(const std::vector<TMyShape *> &shapes);
+    // Tells the deletion handler of each of the shapes still there, and collects those that
+    // are still there after all were told.
+    void AnnounceDeletion(const std::vector<TMyShape *> &shapes, TDeletion &deletion);
     // The list changed other than by an append: look-ups by identity and name look again.
     void ForgetPlaces() const;
     void RemoveShapeTree(TMyShape *shape, bool honourLocks);

@@ -54,6 +54,7 @@ bool TMyCAD::AddShape(TMyShape *shape, bool keepLayer, bool noIdCount)
         return false;
     }
     m_Shapes.emplace_back(shape);
+    shape->SetListPlace(GetShapesCount() - 1);
     // A shape made by another control belongs to this one now.
     shape->SetHost(this);
     if (!keepLayer)
@@ -132,14 +133,24 @@ std::int32_t Grouping::PlaceOf(const TShapeList &list, const TMyShape *shape)
 {
     if (!shape)
         return -1;
-    // A shape's number is its place in the list; only a detached shape answers a search.
-    const std::int32_t no = shape->ShapeNo();
-    if (no >= 0 && std::size_t(no) < list.size() && list[std::size_t(no)].get() == shape)
-        return no;
+    const auto holds = [&list, shape](std::int32_t no) {
+        return no >= 0 && std::size_t(no) < list.size() && list[std::size_t(no)].get() == shape;
+    };
+    // The place hint, or the number, which is the place for every shape the surface numbered.
+    if (holds(shape->ListPlace()))
+        return shape->ListPlace();
+    if (holds(shape->ShapeNo()))
+        return shape->ShapeNo();
+    // A detached shape costs a search that reads no shape. A listed one means that hints are
+    // out of date, most likely all of them (shapes added or read with numbers of their own):
+    // one pass mends every hint, rather than a search for each shape asked for next.
+    const auto at = std::find_if(list.begin(), list.end(),
+                                 [shape](const auto &each) { return each.get() == shape; });
+    if (at == list.end())
+        return -1;
     for (std::size_t i = 0; i < list.size(); ++i)
-        if (list[i].get() == shape)
-            return std::int32_t(i);
-    return -1;
+        list[i]->SetListPlace(std::int32_t(i));
+    return std::int32_t(at - list.begin());
 }
 
 bool TMyCAD::RenameShapeName(const QString &oldName, const QString &newName)
@@ -415,21 +426,56 @@ void TMyCAD::DeleteSelectedShapes()
 
 void TMyCAD::DeleteShapesTogether(const std::vector<TMyShape *> &shapes)
 {
-    if (m_OnShapeDeleted) {
-        // A handler sees the document as the deletions before it left it, and may change it:
-        // one shape after the other, by identity, since a handler may have removed a later one.
-        std::vector<std::int32_t> ids;
+    // Removed together, the list is renumbered once rather than once a shape: one by one,
+    // deleting a million shapes would renumber a million shapes a million times.
+    TDeletion deletion;
+    if (!m_OnShapeDeleted) {
         for (TMyShape *shape : shapes)
-            ids.push_back(shape->ShapeId());
-        for (std::int32_t id : ids)
-            DeleteShapeById(id, false);
+            CollectDeletion(shape, true, deletion, 0);
+        RemoveShapes(deletion.Shapes);
         return;
     }
-    // Removed together, the list is renumbered once rather than once a shape.
-    TDeletion deletion;
-    for (TMyShape *shape : shapes)
-        CollectDeletion(shape, true, deletion, 0);
+    AnnounceDeletion(shapes, deletion);
     RemoveShapes(deletion.Shapes);
+    ClearWorkingShapes();
+    ShapesRemoved();
+}
+
+void TMyCAD::AnnounceDeletion(const std::vector<TMyShape *> &shapes, TDeletion &deletion)
+{
+    // As when all shapes go, each shape is announced while it and all announced before it
+    // still exist. A handler may change the document, even remove a later shape, so before
+    // each step a shape must still be listed, found by its address without touching it, and
+    // still carry its identity (a new shape may have taken a freed address).
+    struct TLeaving
+    {
+        TMyShape *Shape;
+        std::int32_t Id, Place;
+    };
+    std::vector<TLeaving> leaving;
+    for (TMyShape *shape : shapes)
+        if (const std::int32_t no = GetShapeNoInMyShapes(shape); no >= 0)
+            leaving.push_back({shape, shape->ShapeId(), no});
+    const auto present = [this](TLeaving &each) {
+        if (std::size_t(each.Place) >= m_Shapes.size() ||
+            m_Shapes[std::size_t(each.Place)].get() != each.Shape) {
+            const auto at = std::find_if(m_Shapes.begin(), m_Shapes.end(),
+                                         [&each](const auto &s) { return s.get() == each.Shape; });
+            if (at == m_Shapes.end())
+                return false;
+            each.Place = std::int32_t(at - m_Shapes.begin());
+        }
+        return each.Shape->ShapeId() == each.Id && !each.Shape->Locked();
+    };
+    std::vector<TLeaving> announced;
+    for (TLeaving &each : leaving)
+        if (present(each)) {
+            m_OnShapeDeleted(this, each.Shape);
+            announced.push_back(each);
+        }
+    for (TLeaving &each : announced)
+        if (present(each))
+            CollectDeletion(each.Shape, true, deletion, 0);
 }
 
 void TMyCAD::DeleteAllShapes()

@@ -72,6 +72,7 @@ TMyShape *TDrawingDraft::AddShape(std::unique_ptr<TMyShape> shape)
 {
     if (!shape || m_Layers.empty())
         return nullptr;
+    shape->SetListPlace(GetShapesCount());
     m_Shapes.push_back(std::move(shape));
     ++m_ShapeIdCounter;
     return m_Shapes.back().get();

@@ -439,10 +439,11 @@ TEST(Document, LayerEditsAndShapesOnLayers)
 }
 
 // Look-ups by name and by identity answer the first shape of that name or identity in list
-// order, as a search does, through renames (by the document and on the shape itself, also of
-// a shape made by another document), identities given twice, deletions one by one and many
-// at once, insertions, appends and restacks, with many names shared.
-TEST(Document, NameAndIdentityLookUpsAgreeWithTheScanThroughChanges)
+// order, as a search does, and every shape is found at its place, through renames (by the
+// document and on the shape itself, also of a shape made by another document), identities
+// given twice, shapes added with numbers of their own, deletions one by one and many at once,
+// insertions, appends and restacks, with many names shared.
+TEST(Document, PlaceNameAndIdentityLookUpsAgreeWithTheScanThroughChanges)
 {
     TMyCAD cad, other;
     const TMyPoint box[] = {{0, 0}, {5, 5}};
@@ -479,7 +480,9 @@ TEST(Document, NameAndIdentityLookUpsAgreeWithTheScanThroughChanges)
             cad.AddShapeByCode(TDrawTool::SpRectangle, {}, box, 0, {});
             break;
         case 4: {
+            // Added the way code and files add shapes: with numbers of their own.
             TMyShape *made = other.CreateShapeByName(QStringLiteral("TMyRectangle")).release();
+            made->SetShapeNo(std::int32_t(rng() % 40));
             cad.AddShape(made, false, false);
             ASSERT_EQ(made->Host(), &cad);
             made->SetName(name());
@@ -512,6 +515,12 @@ TEST(Document, NameAndIdentityLookUpsAgreeWithTheScanThroughChanges)
                 first = cad.GetShapeByNo(no)->ShapeId() == id ? no : first;
             ASSERT_EQ(cad.GetShapeNoById(id), first) << "step " << step << " id " << id;
         }
+        for (std::int32_t no = 0; no < cad.GetShapesCount(); ++no)
+            ASSERT_EQ(cad.GetShapeNoInMyShapes(cad.GetShapeByNo(no)), no) << "step " << step;
+        const std::unique_ptr<TMyShape> detached = other.CreateShapeByName("TMyRectangle");
+        detached->SetShapeNo(0);
+        detached->SetListPlace(1);
+        ASSERT_EQ(cad.GetShapeNoInMyShapes(detached.get()), -1);
     }
 }
 
@@ -561,34 +570,83 @@ TEST(Document, SelectionMembershipAgreesWithTheList)
 }
 
 // Deleting a selection at once leaves the drawing that deleting its shapes one after the
-// other leaves, the way a handler of the deletions sees them: random drawings, random
-// selections of top-level shapes, members and connectors.
+// other leaves, with or without a deletion handler: random drawings, random selections of
+// top-level shapes, members and connectors. The handler hears of each selected shape once,
+// in order, while every shape of the selection is still there.
 TEST(Document, DeletingASelectionAtOnceEqualsOneByOne)
 {
     int announced = 0;
     for (unsigned seed = 1; seed <= 40; ++seed) {
-        TMyCAD together, apart;
-        apart.SetOnShapeDeleted([&announced](TMyCAD *, TMyShape *) { ++announced; });
+        TMyCAD together, apart, told;
+        std::vector<TMyShape *> heard;
+        told.SetOnShapeDeleted([&](TMyCAD *s, TMyShape *shape) {
+            EXPECT_EQ(s->GetShapesCount(), together.GetShapesCount());
+            heard.push_back(shape);
+        });
         std::mt19937 rng(seed);
-        for (TMyCAD *cad : {&together, &apart}) {
+        for (TMyCAD *cad : {&together, &apart, &told}) {
             std::mt19937 same(seed);
             BuildRandomDrawing(*cad, same);
         }
         std::vector<std::int32_t> picked;
         for (int i = 0; i < 7; ++i)
             picked.push_back(std::int32_t(rng() % together.GetShapesCount()));
-        for (TMyCAD *cad : {&together, &apart}) {
+        for (TMyCAD *cad : {&together, &apart, &told}) {
             std::vector<TMyShape *> shapes;
             for (std::int32_t no : picked)
                 shapes.push_back(cad->GetShapeByNo(no));
             cad->SetWorkingShapes(shapes);
-            cad->DeleteSelectedShapes();
-            ASSERT_TRUE(RelationsValid(*cad)) << "seed " << seed;
         }
-        ASSERT_EQ(together.GetShapesCount(), apart.GetShapesCount()) << "seed " << seed;
-        for (std::int32_t no = 0; no < together.GetShapesCount(); ++no)
-            ASSERT_EQ(IdAt(together, no), IdAt(apart, no)) << "seed " << seed;
-        EXPECT_EQ(Snapshot(together), Snapshot(apart)) << "seed " << seed;
+        std::vector<TMyShape *> unlocked;
+        for (TMyShape *shape : told.WorkingShapes())
+            if (!shape->Locked())
+                unlocked.push_back(shape);
+        std::vector<std::int32_t> ids;
+        for (TMyShape *shape : apart.WorkingShapes())
+            ids.push_back(shape->ShapeId());
+        told.DeleteSelectedShapes();
+        together.DeleteSelectedShapes();
+        for (std::int32_t id : ids)
+            apart.DeleteShapeById(id, false);
+        EXPECT_EQ(heard, unlocked) << "seed " << seed;
+        announced += int(heard.size());
+        for (const TMyCAD *cad : {&apart, &told}) {
+            ASSERT_TRUE(RelationsValid(*cad)) << "seed " << seed;
+            ASSERT_EQ(cad->GetShapesCount(), together.GetShapesCount()) << "seed " << seed;
+            for (std::int32_t no = 0; no < together.GetShapesCount(); ++no)
+                ASSERT_EQ(IdAt(*cad, no), IdAt(together, no)) << "seed " << seed;
+            EXPECT_EQ(Snapshot(*cad), Snapshot(together)) << "seed " << seed;
+        }
     }
     EXPECT_GT(announced, 100);
+}
+
+// A handler may delete shapes of the selection still to be announced, or add shapes; shapes
+// that share an identity, as shapes added by code without one do, all go.
+TEST(Document, DeletionHandlersMayChangeTheDrawing)
+{
+    TMyCAD cad;
+    std::vector<TMyShape *> shapes;
+    for (int i = 0; i < 6; ++i) {
+        shapes.push_back(cad.CreateShapeByName(QStringLiteral("TMyRectangle")).release());
+        cad.AddShape(shapes.back(), false, false);
+    }
+    shapes[2]->SetShapeId(3);
+    TMyShape *kept = AddRectangle(cad, 0, 0, 10, 10);
+    std::vector<TMyShape *> heard;
+    cad.SetOnShapeDeleted([&](TMyCAD *s, TMyShape *shape) {
+        heard.push_back(shape);
+        if (heard.size() == 1)
+            s->DeleteShapeById(3, false);
+        if (shape == shapes[4])
+            AddRectangle(*s, 20, 0, 30, 10);
+    });
+    cad.SetWorkingShapes(shapes);
+    cad.DeleteSelectedShapes();
+    EXPECT_EQ(heard, (std::vector<TMyShape *>{shapes[0], shapes[2], shapes[1], shapes[3], shapes[4],
+                                              shapes[5]}));
+    ASSERT_EQ(cad.GetShapesCount(), 2);
+    EXPECT_EQ(cad.GetShapeByNo(0), kept);
+    EXPECT_EQ(cad.GetShapeByNo(1)->GetLeftTop().X, 20);
+    EXPECT_TRUE(RelationsValid(cad));
 }
