@@ -22,10 +22,6 @@ namespace tessal {
 
 namespace {
 
-// A control larger than this in either direction cannot come from a real drawing, and
-// would ask for an off-screen image of many gigabytes.
-constexpr std::int32_t MaxControlSide = 32767;
-
 void WriteHeader(BinaryStream &stream)
 {
     WriteFixedText(stream, DrawingFile::Tag(), DrawingFile::TagWidth);
@@ -359,8 +355,9 @@ TDrawingSettings ReadDrawingSettingsOnly(BinaryStream &stream)
     settings.Background = stream.ReadUInt32();
     settings.Width = stream.ReadInt32();
     settings.Height = stream.ReadInt32();
-    if (settings.Width < 0 || settings.Height < 0 || settings.Width > MaxControlSide ||
-        settings.Height > MaxControlSide)
+    // Any size a control can have is stored, however large: the control keeps an image of the
+    // part on the screen only, and a side beyond what a widget can have ends at the largest.
+    if (settings.Width < 0 || settings.Height < 0)
         throw TStreamError("implausible drawing size " + std::to_string(settings.Width) + " x " +
                            std::to_string(settings.Height));
     const std::uint8_t unit = stream.ReadUInt8();

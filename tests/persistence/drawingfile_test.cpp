@@ -101,6 +101,16 @@ TEST(DrawingFile, SizeIsStoredUnzoomedAndLoadsAtZoomOne)
     ASSERT_TRUE(Load(other, bytes));
     EXPECT_EQ(other.Zoom(), 1.0);
     EXPECT_EQ(other.size(), QSize(500, 400));
+
+    // A control grown past the old screen limits, as a big imported drawing grows it, reads
+    // back at its size; one beyond what a widget can have, at the largest.
+    cad.SetZoom(0.25);
+    cad.resize(40016, 20006);
+    ASSERT_TRUE(Load(other, test::Saved(cad)));
+    EXPECT_EQ(other.size(), QSize(160064, 80024));
+    cad.resize(QWIDGETSIZE_MAX, 8);
+    ASSERT_TRUE(Load(other, test::Saved(cad)));
+    EXPECT_EQ(other.size(), QSize(QWIDGETSIZE_MAX, 32));
 }
 
 // The background picture, how it is laid and the ratio come back from a file.
