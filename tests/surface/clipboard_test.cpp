@@ -58,12 +58,21 @@ TEST(Clipboard, RoundTripEqualsTheOriginalsExceptIdentityNameAndOffset)
     shapes[0]->SetAngleValue(0.3f);
     shapes[1]->SetMultiInfo({QStringLiteral("m1"), QStringLiteral("m2")});
     shapes[2]->SetLockedFlag(true);
+    shapes[1]->SetShapeNo(7); // as a file may number it
     cad.SetWorkingShapes(shapes);
     ASSERT_TRUE(cad.CopyToClipboard());
     const QMimeData *mime = QGuiApplication::clipboard()->mimeData();
     ASSERT_TRUE(mime);
     for (const char *format : {"application/x-tessal-shapes", "image/png", "image/svg+xml"})
         EXPECT_TRUE(mime->hasFormat(QLatin1String(format))) << format;
+    // Each record is the shape's own, numbered by its place among the copied shapes.
+    QByteArray records;
+    for (std::int32_t i = 0; i < 3; ++i) {
+        std::unique_ptr<TMyShape> copy = cad.CloneShape(*shapes[i]);
+        copy->SetShapeNo(i);
+        records += copy->ClassName().toLatin1().leftJustified(16, ' ') + Record(*copy);
+    }
+    EXPECT_TRUE(mime->data(QStringLiteral("application/x-tessal-shapes")).endsWith(records));
 
     const std::int32_t counter = cad.ShapeIdCounter();
     ASSERT_TRUE(cad.PasteFromClipboard()) << cad.LastError().toStdString();
