@@ -445,11 +445,11 @@ void TMyCAD::RestoreShapes(const std::vector<const TUndoRecord *> &records)
     std::unordered_map<std::int32_t, std::int32_t> newNo;
     std::vector<const TUndoRecord *> todo;
     for (const TUndoRecord *record : records) {
-        const std::int32_t id = record->Copy->ShapeId();
-        // A locked member spared by the deletion is still here.
-        if (live(id) || newNo.contains(id))
+        // A locked member spared by the deletion is still here. Identities need not be
+        // unique (shapes added by code keep what they were given), so another shape of the
+        // same identity does not keep a deleted one from coming back.
+        if (record->Copy->Locked() && live(record->Copy->ShapeId()))
             continue;
-        newNo[id] = -1;
         todo.push_back(record);
     }
     const auto place = [](const TUndoRecord *r) {
@@ -481,30 +481,40 @@ void TMyCAD::RestoreShapes(const std::vector<const TUndoRecord *> &records)
             return;
         restored.push_back(shape.release());
     }
-    // Insertions keep every ShapeNo equal to its list place.
+    // Insertions keep every ShapeNo equal to its list place. Relations name identities; of
+    // shapes that share one, the first restored answers. A restored member joins its group
+    // itself, so that members of one identity are each listed once.
     for (const TMyShape *shape : restored)
-        newNo[shape->ShapeId()] = shape->ShapeNo();
-    for (const TUndoRecord *record : todo) {
-        const std::int32_t no = newNo.at(record->Copy->ShapeId());
-        TMyShape *shape = GetShapeByNo(no);
-        if (auto it = newNo.find(record->ParentId); it != newNo.end()) {
-            shape->SetParentNo(it->second);
-        } else if (TMyShape *parent = live(record->ParentId)) {
+        newNo.emplace(shape->ShapeId(), shape->ShapeNo());
+    std::unordered_set<TMyShape *> joined; // groups that gained members
+    for (std::size_t k = 0; k < restored.size(); ++k) {
+        const TUndoRecord *record = todo[k];
+        TMyShape *shape = restored[k];
+        const std::int32_t no = shape->ShapeNo();
+        TMyShape *parent = nullptr;
+        if (auto it = newNo.find(record->ParentId); it != newNo.end())
+            parent = GetShapeByNo(it->second);
+        else
+            parent = live(record->ParentId);
+        if (parent && parent != shape) {
             shape->SetParentNo(GetShapeNoInMyShapes(parent));
             parent->ChildShapes().push_back(no);
-            std::sort(parent->ChildShapes().begin(), parent->ChildShapes().end());
+            joined.insert(parent);
         }
+        // A member still here (spared as locked) rejoins; of shapes sharing its identity,
+        // the first without a group.
         for (std::int32_t childId : record->ChildIds) {
-            if (auto it = newNo.find(childId); it != newNo.end()) {
-                shape->ChildShapes().push_back(it->second);
-            } else if (TMyShape *child = live(childId); child && !child->HasParentShape()) {
+            if (TMyShape *child = live(childId); child && !child->HasParentShape()) {
                 child->SetParentNo(no);
                 shape->ChildShapes().push_back(GetShapeNoInMyShapes(child));
                 ShapeJoinedGroup(child);
             }
         }
-        std::sort(shape->ChildShapes().begin(), shape->ChildShapes().end());
     }
+    for (TMyShape *group : joined)
+        std::sort(group->ChildShapes().begin(), group->ChildShapes().end());
+    for (TMyShape *shape : restored)
+        std::sort(shape->ChildShapes().begin(), shape->ChildShapes().end());
     // Each shape entered the index on its own; those that are members leave it again and
     // their groups are measured with them.
     for (TMyShape *shape : restored) {

@@ -18,16 +18,6 @@ namespace {
 
 using namespace test;
 
-QByteArray Record(const TMyShape &shape)
-{
-    QByteArray data;
-    QBuffer buffer(&data);
-    buffer.open(QIODevice::WriteOnly);
-    BinaryStream stream(&buffer);
-    shape.SaveToStream(stream);
-    return data;
-}
-
 // Rectangles a, b (grouped as g; numbers 0, 1, 4) and c (2), and a connector from a to c (3).
 struct GroupAndConnector
 {

@@ -3,6 +3,7 @@
 // field-level snapshot keyed by identity, and the consistency of every shape number.
 #pragma once
 
+#include <tessal/platform/binarystream.h>
 #include <tessal/shapes/link.h>
 #include <tessal/shapes/shape.h>
 #include <tessal/shapes/shapetools.h>
@@ -186,6 +187,26 @@ inline QByteArray Saved(const TMyCAD &cad)
     buffer.open(QIODevice::WriteOnly);
     EXPECT_TRUE(cad.SaveToStream(&buffer)) << cad.LastError().toStdString();
     return bytes;
+}
+
+// A shape's stored record.
+inline QByteArray Record(const TMyShape &shape)
+{
+    QByteArray data;
+    QBuffer buffer(&data);
+    buffer.open(QIODevice::WriteOnly);
+    BinaryStream stream(&buffer);
+    shape.SaveToStream(stream);
+    return data;
+}
+
+// The records of all shapes in list order: the drawing's shapes as a file holds them.
+inline std::vector<QByteArray> Records(const TMyCAD &cad)
+{
+    std::vector<QByteArray> records;
+    for (std::int32_t no = 0; no < cad.GetShapesCount(); ++no)
+        records.push_back(Record(*cad.GetShapeByNo(no)));
+    return records;
 }
 
 // Equal bytes, or where the first difference is.

@@ -110,6 +110,54 @@ TEST(Undo, RestoredGroupTakesBackItsSparedMember)
     EXPECT_EQ(Snapshot(cad), original);
 }
 
+// Shapes added by code keep the identity they were given, often the same one: deleting
+// such shapes, and a group of them with a locked member, beside others of that identity,
+// brings every one back when taken back, with its group.
+TEST(Undo, ShapesSharingAnIdentityAllComeBack)
+{
+    TMyCAD cad;
+    std::vector<TMyShape *> shapes;
+    for (int i = 0; i < 7; ++i) {
+        auto shape = cad.CreateShapeByName(QStringLiteral("TMyRectangle"));
+        const float l = float(20 * i);
+        shape->Points() = {{l, 0}, {l + 10, 0}, {l + 10, 10 + l}, {l, 10 + l}};
+        shapes.push_back(shape.release());
+        cad.AddShape(shapes.back(), false, false);
+    }
+    TMyShape *const members[] = {shapes[1], shapes[2], shapes[3]};
+    cad.GroupShapes(members, false);
+    shapes[3]->SetLockedFlag(true);
+    // Each shape by its box, with its group's box and its members' boxes.
+    const auto layout = [&cad] {
+        const auto box = [&cad](std::int32_t no) {
+            const TMyShape *shape = cad.GetShapeByNo(no);
+            return shape ? std::to_string(shape->GetLeftTop().X) + "," +
+                               std::to_string(shape->GetRightBottom().Y)
+                         : std::string("-");
+        };
+        std::vector<std::string> all;
+        for (std::int32_t no = 0; no < cad.GetShapesCount(); ++no) {
+            std::vector<std::string> members;
+            for (std::int32_t child : cad.GetShapeByNo(no)->ChildShapes())
+                members.push_back(box(child));
+            std::sort(members.begin(), members.end());
+            std::string each = box(no) + " in " + box(cad.GetShapeByNo(no)->ParentNo()) + " of";
+            for (const std::string &member : members)
+                each += " " + member;
+            all.push_back(each);
+        }
+        std::sort(all.begin(), all.end());
+        return all;
+    };
+    const std::vector<std::string> before = layout();
+    cad.SetWorkingShapes(std::vector<TMyShape *>{shapes[5], shapes[2], shapes[0]});
+    cad.DeleteSelectedShapes();
+    ASSERT_EQ(cad.GetShapesCount(), 3); // the spared member and shapes 4 and 6
+    cad.PopFromUndoRedoShapeList();
+    EXPECT_TRUE(RelationsValid(cad));
+    EXPECT_EQ(layout(), before);
+}
+
 // Ungrouping is taken back by a new group that carries the old name and user data; older
 // steps that named the old group find the new one.
 TEST(Undo, UngroupTakenBackByARegroup)
