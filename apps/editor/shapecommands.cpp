@@ -234,9 +234,12 @@ std::vector<TMyShape *> TShapeCommands::Selected() const
 
 void TShapeCommands::ForEachSelected(const std::function<void(TMyShape *)> &run)
 {
-    // A copy: commands may reorder the working shapes.
+    // A copy: commands may reorder the working shapes. The surface records each shape's
+    // change as a step of its own; the user gave one command, and takes it back at once.
+    m_Surface->BeginUndoStep();
     for (TMyShape *shape : Selected())
         run(shape);
+    m_Surface->EndUndoStep();
 }
 
 } // namespace tessal

@@ -436,6 +436,11 @@ public:
     std::int32_t PopFromUndoRedoShapeList();
     void ClearAllUndoStuff();
     const std::vector<TUndoRecord> &UndoRedoShapeList() const { return m_UndoList; }
+    // Between these, every recording joins the step the first one began, so that a command
+    // an application applies shape by shape is taken back at once, and its shapes do not
+    // push each other out of the history. Pairs nest; the outermost pair makes the step.
+    void BeginUndoStep() { ++m_JoinDepth; }
+    void EndUndoStep();
 
     // ---- Commands ----
     // Groups the roots of the given shapes (nullptrs and duplicates ignored) under a new
@@ -1259,6 +1264,11 @@ private:
     void RecordFormerNames(const std::vector<std::pair<std::int32_t, QString>> &formerNames,
                            const TMyShape *firstAdded);
     std::vector<TUndoRecord> m_UndoList;
+    // Open BeginUndoStep pairs, and the step they record into (-1 before the first record).
+    std::int32_t m_JoinDepth = 0;
+    std::int32_t m_JoinedStep = -1;
+    // Where the records of the newest recording call begin in the list.
+    std::size_t m_LastRecorded = 0;
 
     // Commands (commands.cpp).
     void MoveTree(TMyShape *shape, double dx, double dy, std::int32_t depth);

@@ -116,6 +116,12 @@ void TMyCAD::PushtoUndoRedoShapeList(std::span<TMyShape *const> shapes, std::int
     const std::int32_t last = std::min(highIndex, std::int32_t(shapes.size()) - 1);
     if (m_UndoRedoSize == 0 || last < 0 || !IsKnownAction(action))
         return;
+    if (m_JoinDepth > 0 && m_JoinedStep >= 0 && !m_UndoList.empty() &&
+        m_UndoList.back().Step == m_JoinedStep) {
+        m_LastRecorded = m_UndoList.size();
+        AppendRecords(shapes, last, m_JoinedStep, action);
+        return;
+    }
     // Tested by equality on purpose: a history longer than a reduced limit is kept.
     if (!m_UndoList.empty() && m_UndoList.back().Step == m_UndoRedoSize - 1) {
         const std::int32_t oldest = m_UndoList.front().Step;
@@ -126,7 +132,16 @@ void TMyCAD::PushtoUndoRedoShapeList(std::span<TMyShape *const> shapes, std::int
             --record.Step;
     }
     const std::int32_t step = m_UndoList.empty() ? 0 : m_UndoList.back().Step + 1;
+    m_LastRecorded = m_UndoList.size();
     AppendRecords(shapes, last, step, action);
+    if (m_JoinDepth > 0)
+        m_JoinedStep = step;
+}
+
+void TMyCAD::EndUndoStep()
+{
+    if (m_JoinDepth > 0 && --m_JoinDepth == 0)
+        m_JoinedStep = -1;
 }
 
 void TMyCAD::AppendRecords(std::span<TMyShape *const> shapes, std::int32_t last, std::int32_t step,
@@ -154,17 +169,13 @@ void TMyCAD::RecordEdit(std::span<TMyShape *const> shapes, const QString &action
     const std::int32_t last = std::int32_t(shapes.size()) - 1;
     if (m_UndoRedoSize == 0 || last < 0 || !IsKnownAction(action))
         return;
-    std::size_t first = m_UndoList.size();
     if (join && !m_UndoList.empty()) {
+        m_LastRecorded = m_UndoList.size();
         AppendRecords(shapes, last, m_UndoList.back().Step, action);
     } else {
         PushtoUndoRedoShapeList(shapes, last, action);
-        // Eviction may have shifted the list: the new step is all of its tail.
-        first = m_UndoList.size();
-        while (first > 0 && m_UndoList[first - 1].Step == m_UndoList.back().Step)
-            --first;
     }
-    for (std::size_t i = first; i < m_UndoList.size(); ++i)
+    for (std::size_t i = m_LastRecorded; i < m_UndoList.size(); ++i)
         m_UndoList[i].AtPlace = atPlace;
 }
 

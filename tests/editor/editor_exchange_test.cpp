@@ -205,6 +205,44 @@ TEST_F(EditorTest, CombineFromTheMenuAndCommandsThatApply)
     EXPECT_TRUE(enabled("swap"));
 }
 
+// A command on a selection is one step to take back, however many shapes it changed, even
+// more than the history holds steps.
+TEST_F(EditorTest, CommandsOnASelectionAreTakenBackAtOnce)
+{
+    for (int i = 0; i < 12; ++i) {
+        const TMyPoint corners[] = {{float(30 * i), float(5 * i)}, {float(30 * i + 20), 90}};
+        m_Cad()->AddShapeByCode(TDrawTool::SpRectangle, {}, corners, 0.2, {});
+    }
+    m_Cad()->ClearAllUndoStuff();
+    const auto state = [this] {
+        std::vector<std::pair<std::int32_t, TMyPointArray>> all;
+        for (std::int32_t no = 0; no < m_Cad()->GetShapesCount(); ++no)
+            all.emplace_back(m_Cad()->GetShapeByNo(no)->ShapeId(),
+                             m_Cad()->GetShapeByNo(no)->Points());
+        return all;
+    };
+    const auto before = state();
+    QAction *undo = m_Window->findChild<QAction *>("undo");
+    // Taking back a restack restacks again, which gives the old order back only where the
+    // shapes were at the far end before; one step it is all the same.
+    for (const char *name : {"flipH", "flipV", "back"}) {
+        SCOPED_TRACE(name);
+        m_Window->SelectAll();
+        m_Cad()->SetWorkingShapes(std::vector<TMyShape *>(m_Cad()->WorkingShapes().begin() + 1,
+                                                          m_Cad()->WorkingShapes().end()));
+        m_Window->NoteChange();
+        m_Window->Commands()->Action(QString::fromLatin1(name))->trigger();
+        ASSERT_NE(state(), before);
+        EXPECT_EQ(m_Cad()->UndoRedoShapeList().size(), 11u);
+        EXPECT_EQ(m_Cad()->UndoRedoShapeList().front().Step, 0);
+        undo->trigger();
+        EXPECT_TRUE(m_Cad()->UndoRedoShapeList().empty());
+        if (name[0] == 'f') {
+            EXPECT_EQ(state(), before);
+        }
+    }
+}
+
 TEST_F(EditorTest, CancelledLoadAndSaveKeepTheDrawingAndTheFile)
 {
     // Enough shapes for several progress reports.
