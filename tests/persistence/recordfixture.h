@@ -4,6 +4,7 @@
 #pragma once
 
 #include "bytes.h"
+#include "surface/documenthelpers.h"
 
 #include <tessal/platform/binarystream.h>
 #include <tessal/shapes/rectangle.h>
@@ -121,16 +122,6 @@ inline Bytes BaseRecord(Layout layout, std::int32_t shapeId = 7)
     if (layout < Layout::XPj)
         return b;
     return b.U8(2).U8(2).U8(0).U8(0).U8(1);
-}
-
-inline QByteArray Saved(const TMyShape &shape)
-{
-    QByteArray data;
-    QBuffer buffer(&data);
-    buffer.open(QIODevice::WriteOnly);
-    BinaryStream stream(&buffer);
-    shape.SaveToStream(stream);
-    return data;
 }
 
 // Reads a record into shape; answers whether every byte was used.

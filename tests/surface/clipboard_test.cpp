@@ -60,7 +60,7 @@ TEST(Clipboard, RoundTripEqualsTheOriginalsExceptIdentityNameAndOffset)
     for (std::int32_t i = 0; i < 3; ++i) {
         std::unique_ptr<TMyShape> copy = cad.CloneShape(*shapes[i]);
         copy->SetShapeNo(i);
-        records += copy->ClassName().toLatin1().leftJustified(16, ' ') + Record(*copy);
+        records += copy->ClassName().toLatin1().leftJustified(16, ' ') + Saved(*copy);
     }
     EXPECT_TRUE(mime->data(QStringLiteral("application/x-tessal-shapes")).endsWith(records));
 
@@ -83,7 +83,7 @@ TEST(Clipboard, RoundTripEqualsTheOriginalsExceptIdentityNameAndOffset)
         moved->SetShapeId(pasted->ShapeId());
         moved->SetName(pasted->Name());
         moved->SetShapeNo(pasted->ShapeNo());
-        EXPECT_EQ(Record(*moved), Record(*pasted)) << "shape " << i;
+        EXPECT_EQ(Saved(*moved), Saved(*pasted)) << "shape " << i;
     }
     const std::vector<TMyShape *> pasted{cad.GetShapeByNo(3), cad.GetShapeByNo(4),
                                          cad.GetShapeByNo(5)};

@@ -190,7 +190,7 @@ inline QByteArray Saved(const TMyCAD &cad)
 }
 
 // A shape's stored record.
-inline QByteArray Record(const TMyShape &shape)
+inline QByteArray Saved(const TMyShape &shape)
 {
     QByteArray data;
     QBuffer buffer(&data);
@@ -198,15 +198,6 @@ inline QByteArray Record(const TMyShape &shape)
     BinaryStream stream(&buffer);
     shape.SaveToStream(stream);
     return data;
-}
-
-// The records of all shapes in list order: the drawing's shapes as a file holds them.
-inline std::vector<QByteArray> Records(const TMyCAD &cad)
-{
-    std::vector<QByteArray> records;
-    for (std::int32_t no = 0; no < cad.GetShapesCount(); ++no)
-        records.push_back(Record(*cad.GetShapeByNo(no)));
-    return records;
 }
 
 // Equal bytes, or where the first difference is.
