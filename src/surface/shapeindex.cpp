@@ -19,6 +19,9 @@ namespace tessal {
 
 namespace {
 
+// Up to this many shapes appended since the index was made are entered one by one.
+constexpr std::int32_t AppendAtOnce = 1024;
+
 // A scratch canvas for measuring info texts, made only when a shape has one.
 class TTextMeasure
 {
@@ -449,7 +452,12 @@ void TMyCAD::EnsureIndex()
     if (!m_Index->IsStale() && m_Index->Zoom() != m_Zoom && m_Index->Count() <= count &&
         sameList() && m_Index->KeepTreeAtZoom(m_Zoom))
         FollowZoom(*m_Index, builder, m_Shapes, unrouted);
-    if (!m_Index->IsStale() && m_Index->Zoom() == m_Zoom && m_Index->Count() <= count &&
+    // Shapes entered one by one cost the tree several times what packing them all does:
+    // when more shapes are new than were indexed (a big paste, a deletion taken back), the
+    // whole index is made again.
+    const std::int32_t fresh = count - m_Index->Count();
+    const bool fewFresh = fresh <= AppendAtOnce || fresh <= m_Index->Count();
+    if (!m_Index->IsStale() && m_Index->Zoom() == m_Zoom && m_Index->Count() <= count && fewFresh &&
         sameList()) {
         for (std::int32_t no = m_Index->Count(); no < count; ++no) {
             TMyShape *shape = m_Shapes[std::size_t(no)].get();
