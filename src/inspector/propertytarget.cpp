@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <unordered_map>
 
 namespace tessal {
 
@@ -56,7 +57,12 @@ QString TObjectTarget::ItemClassName(int) const
 TShapesTarget::TShapesTarget(TMyCAD *surface, std::vector<TMyShape *> shapes)
     : m_Surface(surface)
     , m_Shapes(std::move(shapes))
-{}
+{
+    // Taken while the shapes surely exist; later checks compare addresses at these places.
+    m_Places.reserve(m_Shapes.size());
+    for (const TMyShape *shape : m_Shapes)
+        m_Places.push_back(surface ? surface->GetShapeNoInMyShapes(shape) : -1);
+}
 
 const QMetaObject *TShapesTarget::MetaObject() const
 {
@@ -87,10 +93,20 @@ bool TShapesTarget::IsValid() const
 {
     if (!m_Surface)
         return false;
-    // Compares addresses only, so a deleted shape is detected without touching it.
-    for (const TMyShape *shape : m_Shapes)
-        if (m_Surface->GetShapeNoInMyShapes(shape) < 0)
+    // A shape may be gone and its memory freed, so only addresses are compared: at the
+    // place each shape had, and where shapes moved, through one pass over the list.
+    std::unordered_map<const TMyShape *, std::int32_t> listed;
+    for (std::size_t i = 0; i < m_Shapes.size(); ++i) {
+        if (m_Surface->GetShapeByNo(m_Places[i]) == m_Shapes[i])
+            continue;
+        if (listed.empty())
+            for (std::int32_t no = 0; no < m_Surface->GetShapesCount(); ++no)
+                listed.emplace(m_Surface->GetShapeByNo(no), no);
+        const auto at = listed.find(m_Shapes[i]);
+        if (at == listed.end())
             return false;
+        m_Places[i] = at->second;
+    }
     return true;
 }
 

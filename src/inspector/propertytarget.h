@@ -82,6 +82,7 @@ public:
 private:
     QPointer<TMyCAD> m_Surface;
     std::vector<TMyShape *> m_Shapes;
+    mutable std::vector<std::int32_t> m_Places; // where each shape was last seen
     mutable const QMetaObject *m_ReadClass = nullptr;
     mutable QByteArray m_ReadName;
     mutable int m_ReadIndex = -1;

@@ -99,6 +99,15 @@ TEST_F(ComponentInspector, SeveralShapesShowSharedValuesAndTakeEditsTogether)
     EXPECT_FALSE(grid->ViewIndex({"ShowSideHot"}).isValid());
     EXPECT_FALSE(grid->ViewIndex({"ArrowLength"}).isValid());
     EXPECT_TRUE(grid->ViewIndex({"Angle"}).isValid());
+
+    // Shapes shown stay valid through a restack; a deleted one is noticed without touching
+    // its freed memory (which the sanitizer run watches).
+    const TShapesTarget target(Cad, {A(), B()});
+    const std::int32_t gone = B()->ShapeId();
+    Cad->BringToFront(A(), false);
+    EXPECT_TRUE(target.IsValid());
+    Cad->DeleteShapeById(gone, false);
+    EXPECT_FALSE(target.IsValid());
 }
 
 TEST_F(ComponentInspector, BadValuesAreRefusedWithAVisibleMessage)
