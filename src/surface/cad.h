@@ -861,9 +861,10 @@ public:
     const std::vector<std::int32_t> &DrawList() const { return m_DrawList; }
     // The top-level shapes of visible layers whose drawing reaches into rect (control
     // pixels), in list order: through the spatial index, and by a plain scan of the list.
-    // Both answer the same.
+    // Both answer the same. The scan of several rectangles measures each shape once.
     std::vector<std::int32_t> ShapesInRect(const TRect &rect);
     std::vector<std::int32_t> ShapesInRectLinear(const TRect &rect) const;
+    std::vector<std::vector<std::int32_t>> ShapesInRectsLinear(std::span<const TRect> rects) const;
     // Every top-level shape whose extent may meet rect (control pixels), on any layer,
     // hidden ones included, in list order; the caller applies its own exact test.
     std::vector<std::int32_t> IndexedShapesNear(const TRect &rect);

@@ -342,9 +342,13 @@ void MeasureScreenRoutes(TShapeIndex &index, TExtentBuilder &builder,
 // outline that crosses rect with no vertex inside it.)
 std::vector<std::int32_t> TMyCAD::ShapesInRectLinear(const TRect &rect) const
 {
-    std::vector<std::int32_t> numbers;
-    if (rect.IsEmpty())
-        return numbers;
+    return ShapesInRectsLinear({&rect, 1}).front();
+}
+
+std::vector<std::vector<std::int32_t>>
+TMyCAD::ShapesInRectsLinear(std::span<const TRect> rects) const
+{
+    std::vector<std::vector<std::int32_t>> numbers(rects.size());
     const std::vector<std::int32_t> layers = VisibleLayerIds(m_Layers);
     TTextMeasure measure;
     TExtentBuilder builder(*this, measure);
@@ -353,8 +357,12 @@ std::vector<std::int32_t> TMyCAD::ShapesInRectLinear(const TRect &rect) const
         if (shape->ParentNo() != -1 || !Contains(layers, shape->LayerId()))
             continue;
         const TShapeExtent extent = builder.Of(shape);
-        if (extent.Indexed && extent.ScreenRect(m_Zoom).Intersects(rect))
-            numbers.push_back(no);
+        if (!extent.Indexed)
+            continue;
+        const TRect screen = extent.ScreenRect(m_Zoom);
+        for (std::size_t r = 0; r < rects.size(); ++r)
+            if (!rects[r].IsEmpty() && screen.Intersects(rects[r]))
+                numbers[r].push_back(no);
     }
     return numbers;
 }

@@ -261,14 +261,20 @@ inline ::testing::AssertionResult IdsAgreeWithTheScan(const TMyCAD &cad)
 inline ::testing::AssertionResult IndexAgreesWithTheScan(TMyCAD &cad, const TRect &area, int step,
                                                          std::initializer_list<int> sides)
 {
+    std::vector<TRect> rects;
     for (int y = area.Top; y < area.Bottom; y += step)
         for (int x = area.Left; x < area.Right; x += step)
-            for (const int side : sides) {
-                const TRect r(x, y, x + side, y + side);
-                if (cad.ShapesInRect(r) != cad.ShapesInRectLinear(r))
-                    return ::testing::AssertionFailure()
-                           << "at " << x << "," << y << " side " << side;
-            }
+            for (const int side : sides)
+                rects.emplace_back(x, y, x + side, y + side);
+    // The index first: connector routes that follow the screen are worked out as it is built.
+    std::vector<std::vector<std::int32_t>> indexed;
+    for (const TRect &r : rects)
+        indexed.push_back(cad.ShapesInRect(r));
+    const std::vector<std::vector<std::int32_t>> linear = cad.ShapesInRectsLinear(rects);
+    for (std::size_t i = 0; i < rects.size(); ++i)
+        if (indexed[i] != linear[i])
+            return ::testing::AssertionFailure() << "at " << rects[i].Left << "," << rects[i].Top
+                                                 << " side " << rects[i].Right - rects[i].Left;
     return ::testing::AssertionSuccess();
 }
 

@@ -92,13 +92,19 @@ public:
     // Every query agrees with the plain scan; answers the number of shapes found in all.
     int ExpectAgreement(int queries)
     {
+        std::vector<TRect> rects;
+        for (int q = 0; q < queries; ++q)
+            rects.push_back(RandomRect());
+        std::vector<std::vector<std::int32_t>> indexed;
+        for (const TRect &r : rects)
+            indexed.push_back(m_Cad.ShapesInRect(r));
+        const std::vector<std::vector<std::int32_t>> linear = m_Cad.ShapesInRectsLinear(rects);
         int found = 0;
-        for (int q = 0; q < queries; ++q) {
-            const TRect r = RandomRect();
-            const std::vector<std::int32_t> linear = m_Cad.ShapesInRectLinear(r);
-            EXPECT_EQ(m_Cad.ShapesInRect(r), linear)
+        for (std::size_t q = 0; q < rects.size(); ++q) {
+            const TRect &r = rects[q];
+            EXPECT_EQ(indexed[q], linear[q])
                 << r.Left << "," << r.Top << "," << r.Right << "," << r.Bottom;
-            found += int(linear.size());
+            found += int(linear[q].size());
         }
         return found;
     }
@@ -140,6 +146,8 @@ TEST(ShapeIndex, AnswersWhatTheScanAnswersThroughReportedChanges)
     drawing.GroupLastTwo();
     TMyShape *member = cad.GetShapeByNo(cad.GetShapesCount() - 2);
     ASSERT_NE(member->ParentNo(), -1);
+    // The group shows, so that what its member does is seen.
+    cad.GetShapeByNo(member->ParentNo())->SetLayerId(cad.GetLayerIdByName(QStringLiteral("Shown")));
     drawing.ExpectAgreement(20);
     std::mt19937 &rng = drawing.Rng();
     std::uniform_real_distribution<double> step(-400, 400);
@@ -152,6 +160,8 @@ TEST(ShapeIndex, AnswersWhatTheScanAnswersThroughReportedChanges)
         // A member moved: its group's extent grows with it.
         member->DragChangeValuedxdy(step(rng), step(rng));
         cad.ShapeGeometryChanged(member);
+        EXPECT_TRUE(IndexAgreesWithTheScan(
+            cad, cad.ShapeScreenRect(cad.GetShapeByNo(member->ParentNo())), 8, {3}));
         for (int k = 0; k < 10; ++k)
             drawing.AddRandomShape();
         drawing.ExpectAgreement(25);
