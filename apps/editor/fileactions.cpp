@@ -107,26 +107,14 @@ bool MainWindow::OpenFile(const QString &path)
         ShowError(tr("Open drawing"), tr("%1 is not a drawing file.").arg(name));
         return false;
     }
-    TProgressScope progress(this, tr("Opening %1...").arg(name), m_ProgressDelay, 2);
-    // A damaged file would leave a half-read drawing behind: read it on a scratch surface
-    // first, so that the open drawing stays as it is when the file is refused. A cancelled
-    // load leaves the drawing as it was by itself.
-    QString reason;
-    {
-        TMyCAD scratch;
-        progress.Attach(&scratch);
-        if (!scratch.LoadFromFile(path))
-            reason = scratch.LastError();
-    }
-    bool loaded = reason.isEmpty() && !progress.Cancelled();
-    if (loaded) {
-        progress.NextPass();
-        progress.Attach(m_Cad);
-        QApplication::setOverrideCursor(Qt::WaitCursor);
-        loaded = m_Cad->LoadFromFile(path);
-        QApplication::restoreOverrideCursor();
-        reason = m_Cad->LastError();
-    }
+    TProgressScope progress(this, tr("Opening %1...").arg(name), m_ProgressDelay);
+    progress.Attach(m_Cad);
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    // A damaged file is refused whole, as a cancelled load is: the open drawing stays as it
+    // was rather than holding what could be read.
+    const bool loaded = m_Cad->LoadFromFile(path, TMyCAD::TLoadFault::KeepTheDrawing);
+    QApplication::restoreOverrideCursor();
+    const QString reason = m_Cad->LastError();
     progress.Finish();
     if (!loaded && progress.Cancelled()) {
         statusBar()->showMessage(

@@ -99,6 +99,17 @@ std::vector<TLayer> ReadLayers(BinaryStream &stream, std::int32_t &currentId,
     return layers;
 }
 
+// Shapes read without a layer table have no layer to go on.
+bool LacksLayers(const TLoadedDrawing &drawing)
+{
+    return !drawing.Shapes.empty() && (!drawing.Layers || drawing.Layers->empty());
+}
+
+QString NoLayerError()
+{
+    return QStringLiteral("the drawing has no layer to hold its shapes");
+}
+
 } // namespace
 
 // ---- Progress ----
@@ -223,7 +234,7 @@ bool TMyCAD::IsZEDAFile(const QString &fileName)
 
 // The file is read from a mapping of it where the system allows, so that its pages are
 // neither copied nor kept once the drawing is built.
-bool TMyCAD::LoadFromFile(const QString &fileName)
+bool TMyCAD::LoadFromFile(const QString &fileName, TLoadFault fault)
 {
     if (!IsZEDAFile(fileName)) {
         m_LastError = QStringLiteral("%1 is not a drawing file").arg(fileName);
@@ -235,12 +246,12 @@ bool TMyCAD::LoadFromFile(const QString &fileName)
         return false;
     }
     if (const uchar *mapped = file.map(0, file.size()))
-        return LoadFromMemory(reinterpret_cast<const char *>(mapped), file.size());
+        return LoadFromMemory(reinterpret_cast<const char *>(mapped), file.size(), fault);
     const QByteArray bytes = file.readAll();
-    return LoadFromMemory(bytes.constData(), bytes.size());
+    return LoadFromMemory(bytes.constData(), bytes.size(), fault);
 }
 
-bool TMyCAD::LoadFromStream(QIODevice *stream)
+bool TMyCAD::LoadFromStream(QIODevice *stream, TLoadFault fault)
 {
     m_LastError.clear();
     if (!stream || !stream->isReadable()) {
@@ -252,7 +263,7 @@ bool TMyCAD::LoadFromStream(QIODevice *stream)
         return false;
     }
     if (const auto *buffer = qobject_cast<const QBuffer *>(stream))
-        return LoadFromMemory(buffer->data().constData(), buffer->data().size());
+        return LoadFromMemory(buffer->data().constData(), buffer->data().size(), fault);
     QByteArray bytes;
     try {
         bytes = stream->readAll();
@@ -260,13 +271,13 @@ bool TMyCAD::LoadFromStream(QIODevice *stream)
         m_LastError = QStringLiteral("out of memory");
         return false;
     }
-    return LoadFromMemory(bytes.constData(), bytes.size());
+    return LoadFromMemory(bytes.constData(), bytes.size(), fault);
 }
 
 // The whole file is read before the drawing changes. A cancelled load then leaves it as it
 // was; a damaged file replaces it with what could be read, as callers of the stream
-// reader rely on.
-bool TMyCAD::LoadFromMemory(const char *data, std::int64_t size)
+// reader rely on, unless they ask to keep the drawing.
+bool TMyCAD::LoadFromMemory(const char *data, std::int64_t size, TLoadFault fault)
 {
     m_LastError.clear();
     const QString formerVersion = m_DiskFileVersion;
@@ -287,14 +298,17 @@ bool TMyCAD::LoadFromMemory(const char *data, std::int64_t size)
         m_LastError = QString::fromStdString(e.what());
     } catch (const TLoadCancelled &) {
         cancelled = true;
+        m_LastError = QStringLiteral("loading was cancelled");
     } catch (const std::bad_alloc &) {
         m_LastError = QStringLiteral("out of memory");
     }
-    if (cancelled) {
+    // Kept, the drawing keeps its layers: the no-layer handler has nothing to answer for.
+    if (fault == TLoadFault::KeepTheDrawing && m_LastError.isEmpty() && LacksLayers(drawing))
+        m_LastError = NoLayerError();
+    if (cancelled || (fault == TLoadFault::KeepTheDrawing && !m_LastError.isEmpty())) {
         drawing.Shapes.clear(); // while the loading flag still says so
         m_DiskFileVersion = formerVersion;
         SetLoading(formerLoading);
-        m_LastError = QStringLiteral("loading was cancelled");
         return false;
     }
     CommitLoadedDrawing(drawing);
@@ -333,7 +347,7 @@ void TMyCAD::CommitLoadedDrawing(TLoadedDrawing &drawing)
         if (m_Layers.empty()) {
             if (!AddShapeforLoadfromStream(0, drawing.Shapes.front().get(), false) &&
                 m_LastError.isEmpty())
-                m_LastError = QStringLiteral("the drawing has no layer to hold its shapes");
+                m_LastError = NoLayerError();
             drawing.Shapes.clear();
         } else {
             m_Shapes = std::move(drawing.Shapes);

@@ -701,13 +701,18 @@ public:
     // /dev/full is written in place); clears Modified. On failure (full disk, no permission,
     // file-size limit) the old file stays as it was, and LastError() gives the system's reason.
     bool SaveToFile(const QString &fileName);
-    // Replaces the drawing with the stream's contents, read from position 0. On failure the
-    // drawing keeps what was read up to the fault, the undo history stays, the next free
-    // identities do not change, and LastError() says why. When OnProgress cancels, the
-    // drawing stays exactly as it was.
-    bool LoadFromStream(QIODevice *stream);
+    // What a load that meets a damaged file leaves.
+    enum class TLoadFault {
+        KeepWhatWasRead, // the drawing holds what was read up to the fault
+        KeepTheDrawing   // the drawing stays exactly as it was, as after a cancel
+    };
+    // Replaces the drawing with the stream's contents, read from position 0. On failure
+    // LastError() says why, and with KeepWhatWasRead the drawing holds what was read up to
+    // the fault, the undo history stays and the next free identities do not change. When
+    // OnProgress cancels, the drawing stays exactly as it was.
+    bool LoadFromStream(QIODevice *stream, TLoadFault fault = TLoadFault::KeepWhatWasRead);
     // False, with the drawing untouched, unless IsZEDAFile accepts the file.
-    bool LoadFromFile(const QString &fileName);
+    bool LoadFromFile(const QString &fileName, TLoadFault fault = TLoadFault::KeepWhatWasRead);
     // Whether the file starts with the drawing format's 64-byte identification text.
     static bool IsZEDAFile(const QString &fileName);
     // The version text by which shape records are read; a load sets it from the header.
@@ -1388,7 +1393,7 @@ private:
 
     // Drawing files (persistence layer).
     void ResetForLoad();
-    bool LoadFromMemory(const char *data, std::int64_t size);
+    bool LoadFromMemory(const char *data, std::int64_t size, TLoadFault fault);
     void ReadDrawingSettings(BinaryStream &stream, bool growOnly = false);
     void ApplyDrawingSettings(const TDrawingSettings &settings, bool growOnly);
     void CommitLoadedDrawing(TLoadedDrawing &drawing);

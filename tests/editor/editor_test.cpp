@@ -51,7 +51,9 @@ TEST_F(EditorTest, PaletteDrawUndoSaveAndReopen)
     m_Window->NewDrawing();
     DrawRectangle({10, 10}, {50, 50});
     EXPECT_TRUE(Refusal([&] { return m_Window->OpenFile(path); }).contains("cannot be read"));
-    EXPECT_EQ(m_Cad()->GetShapesCount(), 1);
+    ASSERT_EQ(m_Cad()->GetShapesCount(), 1);
+    EXPECT_EQ(Box(m_Cad()->GetShapeByNo(0)), QRectF(QPointF(10, 10), QPointF(50, 50)));
+    EXPECT_EQ(m_Window->UndoText(), "&Undo Add");
     // A failed save keeps the old file and says why.
     const QString missing = m_Dir.filePath("missing/x.tsd");
     EXPECT_TRUE(Refusal([&] { return m_Window->Save(missing); }).contains("cannot be saved"));

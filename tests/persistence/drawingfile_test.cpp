@@ -46,12 +46,13 @@ Bytes Arrows(Bytes b)
     return b.I32(10).U8(30).U8(0).U8(0);
 }
 
-bool Load(TMyCAD &cad, const QByteArray &bytes)
+bool Load(TMyCAD &cad, const QByteArray &bytes,
+          TMyCAD::TLoadFault fault = TMyCAD::TLoadFault::KeepWhatWasRead)
 {
     QByteArray data = bytes;
     QBuffer buffer(&data);
     buffer.open(QIODevice::ReadOnly);
-    return cad.LoadFromStream(&buffer);
+    return cad.LoadFromStream(&buffer, fault);
 }
 
 TEST(DrawingFile, EmptyAndSmallDrawingsByteForByte)
@@ -345,6 +346,61 @@ TEST(DrawingFile, TruncatedAndCorruptedFilesAreAnsweredFalse)
             cad.grab(); // whatever was accepted must also draw
     }
     TMyCAD::SetNoLayerHandler(previous);
+}
+
+// Asked to keep the drawing, a load that meets damage changes nothing at all: not the
+// shapes, their selection, the undo steps, the identities to come nor the layout version.
+// It refuses what the other load refuses, for the same reason.
+TEST(DrawingFile, AKeptDrawingSurvivesEveryDamagedFile)
+{
+    TMyCAD source;
+    DrawSample(source);
+    const QByteArray bytes = test::Saved(source);
+    TMyCAD cad;
+    DrawSample(cad);
+    cad.DeleteShapeById(cad.GetShapeByNo(1)->ShapeId(), true);
+    cad.SelectAllWorkingShapes();
+    cad.SetDiskFileVersion(QStringLiteral("XP.i"));
+    const QByteArray before = test::Saved(cad);
+    const auto state = [&cad] {
+        return std::tuple(cad.GetShapeByNo(0), cad.GetWorkingShapesCount(),
+                          cad.UndoRedoShapeList().size(), cad.ShapeIdCounter(),
+                          cad.DiskFileVersion(), cad.size(), cad.IsLoading());
+    };
+    const auto kept = state();
+    TMyCAD lenient;
+    const auto expectKept = [&](const QByteArray &damaged, int at) {
+        EXPECT_FALSE(Load(cad, damaged, TMyCAD::TLoadFault::KeepTheDrawing)) << at;
+        const QString error = cad.LastError();
+        EXPECT_EQ(state(), kept) << at;
+        EXPECT_EQ(test::Saved(cad), before) << at;
+        EXPECT_FALSE(Load(lenient, damaged)) << at;
+        EXPECT_EQ(error, lenient.LastError()) << at;
+    };
+    for (qsizetype length = 0; length < bytes.size(); length += 7)
+        expectKept(bytes.left(length), int(length));
+
+    // Shapes without any layer: the drawing keeps its own, so the handler is not asked.
+    int handlerCalls = 0;
+    const auto previous = TMyCAD::SetNoLayerHandler([&handlerCalls](TMyCAD *) { ++handlerCalls; });
+    const Bytes noLayer = Header().Append(Settings(10, 10)).I32(0).I32(0).I32(0).I32(0).I32(1);
+    const QByteArray bare =
+        Arrows(Bytes(noLayer).Fixed("TMyLine", 16).Append(BaseRecord(Layout::XPj)));
+    expectKept(bare, -1);
+    EXPECT_EQ(handlerCalls, 1); // the lenient load's
+    std::mt19937 random(20261126);
+    for (int round = 0; round < 200; ++round) {
+        QByteArray damaged = bytes;
+        damaged[qsizetype(random() % std::uint32_t(damaged.size()))] = char(random());
+        if (!Load(lenient, damaged))
+            expectKept(damaged, round);
+    }
+    TMyCAD::SetNoLayerHandler(previous);
+
+    ASSERT_TRUE(Load(cad, bytes, TMyCAD::TLoadFault::KeepTheDrawing));
+    EXPECT_EQ(test::Saved(cad), bytes);
+    EXPECT_EQ(std::tuple(cad.GetWorkingShapesCount(), cad.UndoRedoShapeList().size()),
+              std::tuple(0, 0u));
 }
 
 } // namespace
