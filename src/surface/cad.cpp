@@ -72,10 +72,13 @@ void TMyCAD::RotateShapeTo(TMyShape *shape, double angle)
     Invalidate();
 }
 
+// Shapes read from a file are set up through their setters before they join the drawing,
+// and the load repaints everything once it ends: until then the drawing shown is unchanged.
 void TMyCAD::ShapeChanged(TMyShape &shape)
 {
     ShapeGeometryChanged(&shape);
-    Invalidate();
+    if (!IsLoading())
+        Invalidate();
 }
 
 // Depth guards against a corrupt group whose child list leads back to an ancestor: no

@@ -14,7 +14,9 @@
 #include <gtest/gtest.h>
 
 #include <QBuffer>
+#include <QCoreApplication>
 #include <QFile>
+#include <QPaintEvent>
 #include <QTemporaryDir>
 
 #include <random>
@@ -300,6 +302,44 @@ TEST(DrawingFile, ProgressIsReportedAndCancellingChangesNothing)
     test::ExpectSteadyProgress(loading.Calls, Count);
     cad.SetOnProgress({});
     EXPECT_EQ(test::Saved(cad), bigBytes);
+}
+
+// The drawing shown stays as it is while a file is read, even where the progress handler
+// lets events through: the shapes being read are not asked to be drawn yet. The end of the
+// load repaints the whole control.
+TEST(DrawingFile, ReadingLeavesTheDrawingShownUntilItEnds)
+{
+    TMyCAD big;
+    test::AddRectangles(big, 10000);
+    // Shapes read take what differs from a new shape's appearance through its setters.
+    for (std::int32_t no = 0; no < big.GetShapesCount(); ++no)
+        big.GetShapeByNo(no)->SetBrush(TBrush{clYellow, TBrushStyle::bsSolid, {}});
+    const QByteArray bytes = test::Saved(big);
+    TMyCAD cad;
+    DrawSample(cad);
+    cad.show();
+    QCoreApplication::processEvents();
+    struct TPaintCount : QObject
+    {
+        QRegion Painted;
+        bool eventFilter(QObject *, QEvent *e) override
+        {
+            if (e->type() == QEvent::Paint)
+                Painted += static_cast<QPaintEvent *>(e)->region();
+            return false;
+        }
+    } spy;
+    cad.installEventFilter(&spy);
+    int reports = 0;
+    cad.SetOnProgress([&](TMyCAD *, std::int64_t, std::int64_t, bool &) {
+        QCoreApplication::processEvents();
+        ++reports;
+    });
+    ASSERT_TRUE(Load(cad, bytes));
+    EXPECT_GT(reports, 2);
+    EXPECT_TRUE(spy.Painted.isEmpty());
+    QCoreApplication::processEvents();
+    EXPECT_EQ(spy.Painted, QRegion(cad.rect()));
 }
 
 TEST(DrawingFile, SavedAndLoadedDrawingRendersTheSame)
