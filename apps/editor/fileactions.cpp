@@ -236,16 +236,8 @@ bool MainWindow::InsertBlockFile(const QString &path, bool import)
         ShowError(tr("Insert drawing"), tr("%1 is not a drawing file.").arg(name));
         return false;
     }
-    // Reading a block renames shapes and may add layers before it meets damage further on:
-    // a file is checked on a scratch surface first.
-    {
-        TMyCAD scratch;
-        if (!scratch.LoadFromFile(path)) {
-            ShowError(tr("Insert drawing"),
-                      tr("%1 cannot be read: %2").arg(name, scratch.LastError()));
-            return false;
-        }
-    }
+    // The block is read whole before it joins the drawing: a damaged file leaves the drawing
+    // as it was.
     const bool modified = m_Cad->Modified();
     if (!m_Cad->AddBlockfromZEDAFile(path,
                                      import ? TBlockLayerMode::Import : TBlockLayerMode::Merge)) {

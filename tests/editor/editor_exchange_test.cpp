@@ -302,10 +302,12 @@ TEST_F(EditorTest, BlocksAndSavesThatFailKeepWhatWasThere)
     // nothing of a damaged block, byte for byte, is the block reader's test).
     const QString cut = m_Dir.filePath("cut.tsd");
     ASSERT_TRUE(WriteFile(cut, ReadFile(path).chopped(30)));
+    const std::vector<TLayer> layers = m_Cad()->Layers();
     EXPECT_TRUE(Refusal([&] {
                     return m_Window->InsertBlockFile(cut, true);
                 }).startsWith("cut.tsd cannot be read: "));
     EXPECT_EQ(m_Cad()->GetShapesCount(), 1);
+    EXPECT_EQ(m_Cad()->Layers(), layers);
     EXPECT_FALSE(m_Window->isWindowModified());
 
     // A good one comes in with its layer and is one step to take back.
