@@ -379,6 +379,8 @@ void ExpectSameEntities(const tessal::DxfImport::TEntities &direct,
 TEST(DxfParser, DirectDecodingMatchesTheParserLibrary)
 {
     QTemporaryDir dir;
+    // Polylines of older files with their vertices, and meshes skipped with theirs.
+    std::int64_t olderPolylines = 0, meshes = 0;
     for (int seed = 1; seed <= 6; ++seed) {
         const QString name = dir.filePath(QString("random%1.dxf").arg(seed));
         RunPeer({"random", QString::number(seed), "400", name});
@@ -399,7 +401,34 @@ TEST(DxfParser, DirectDecodingMatchesTheParserLibrary)
             ExpectSameEntities(direct.Blocks.at(blockName).Entities, block.Entities);
         EXPECT_EQ(direct.Skipped, library.Skipped);
         EXPECT_EQ(direct.Layers.size(), library.Layers.size());
+        olderPolylines += data.count("\nPOLYLINE\n");
+        for (const auto &[reason, count] : library.Skipped)
+            meshes += reason.find("mesh") != std::string::npos ? count : 0;
     }
+    EXPECT_GT(olderPolylines, 200);
+    EXPECT_GT(meshes, 50);
+
+    // Odd sequences no writer makes on purpose: a face record and widths in a plain
+    // polyline, a vertex with no polyline, a polyline that another entity ends. Comments
+    // at the end make the file long enough for its flags to pass as counts.
+    const QByteArray odd = "0\nSECTION\n2\nENTITIES\n"
+                           "0\nPOLYLINE\n8\nA\n66\n1\n10\n5\n20\n6\n40\n2\n41\n3\n70\n1\n"
+                           "0\nVERTEX\n10\n1\n20\n2\n42\n0.5\n"
+                           "0\nVERTEX\n10\n3\n20\n4\n70\n128\n"
+                           "0\nVERTEX\n10\n5\n20\n6\n70\n192\n"
+                           "0\nSEQEND\n"
+                           "0\nVERTEX\n10\n7\n20\n8\n"
+                           "0\nPOLYLINE\n62\n3\n70\n8\n0\nVERTEX\n10\n9\n20\n9\n"
+                           "0\nLINE\n10\n0\n20\n0\n11\n1\n21\n1\n"
+                           "0\nVERTEX\n10\n10\n20\n10\n"
+                           "0\nENDSEC\n" +
+                           QByteArray("999\nlong enough\n").repeated(200) + "0\nEOF\n";
+    tessal::DxfImport::TModel direct, library;
+    QString error;
+    ASSERT_TRUE(tessal::DxfImport::ParseDxf(odd, direct, error, {}, true));
+    ASSERT_TRUE(tessal::DxfImport::ParseDxf(odd, library, error, {}, false));
+    ASSERT_EQ(library.Entities.size(), 3u);
+    ExpectSameEntities(direct.Entities, library.Entities);
 }
 
 // A DXF text of one ENTITIES section holding body.

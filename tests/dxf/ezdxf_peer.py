@@ -132,7 +132,7 @@ def random_drawing(seed, count, name):
             a["true_color"] = rnd.randrange(0, 1 << 24)
         if doc.dxfversion > "AC1009" and rnd.random() < 0.3:
             a["lineweight"] = rnd.choice([-3, -2, -1, 0, 13, 50, 211])
-        k = rnd.randrange(9)
+        k = rnd.randrange(10)
         if k == 0:
             space.add_line((x, y), (x + rnd.uniform(-50, 50), y + rnd.uniform(-50, 50)), dxfattribs=a)
         elif k == 1:
@@ -156,8 +156,25 @@ def random_drawing(seed, count, name):
                 if doc.dxfversion > "AC1009" else space.add_circle((x, y), 1, dxfattribs=a)
         elif k == 7:
             msp.add_blockref("B", (x, y), dxfattribs=dict(a, rotation=rnd.uniform(0, 90)))
-        else:
+        elif k == 8:
             space.add_solid([(x, y), (x + 5, y), (x, y + 5)], dxfattribs=a)
+        else:
+            # The POLYLINE of older files in every version: flat, 3D, and the meshes the
+            # reader skips with their vertices.
+            pts = [(x + rnd.uniform(-20, 20), y + rnd.uniform(-20, 20), rnd.uniform(-5, 5))
+                   for _ in range(4)]
+            kind = rnd.randrange(4)
+            if kind == 0:
+                space.add_polyline2d([(p[0], p[1], 0, 0, rnd.choice([0, rnd.uniform(-2, 2)])) for p in pts],
+                                     format="xyseb", close=rnd.random() < 0.5, dxfattribs=a)
+            elif kind == 1:
+                space.add_polyline3d(pts, close=rnd.random() < 0.5, dxfattribs=a)
+            elif kind == 2:
+                space.add_polyface(dxfattribs=a).append_face(pts)
+            else:
+                mesh = space.add_polymesh((2, 2), dxfattribs=a)
+                for i, p in enumerate(pts):
+                    mesh.set_mesh_vertex((i // 2, i % 2), p)
     doc.saveas(name)
     print("{}")
 

@@ -93,13 +93,17 @@ bool TGroupReader::Next()
 bool IsDirectEntity(std::string_view type)
 {
     return type == "LINE" || type == "LWPOLYLINE" || type == "CIRCLE" || type == "ARC" ||
-           type == "TEXT" || type == "POINT";
+           type == "TEXT" || type == "POINT" || type == "POLYLINE" || type == "VERTEX";
 }
 
 void TDirectEntity::Start(std::string_view type)
 {
     m_Entity = {};
+    m_Part = type == "POLYLINE" ? TPart::PolylineStart
+             : type == "VERTEX" ? TPart::Vertex
+                                : TPart::Entity;
     m_First = m_Second = {};
+    m_Bulge = 0;
     m_Flags = m_VAlign = 0;
     m_Text.clear();
     // Both polyline kinds are reported as POLYLINE, as the parser library hands them on.
@@ -115,7 +119,8 @@ void TDirectEntity::Start(std::string_view type)
 void TDirectEntity::Add(int code, std::string_view value)
 {
     TEntity &e = m_Entity;
-    const bool vertices = e.Kind == TKind::Polyline;
+    // A LWPOLYLINE lists its vertices; a POLYLINE's group 10 is no vertex.
+    const bool vertices = e.Kind == TKind::Polyline && m_Part == TPart::Entity;
     switch (code) {
     case 1:
         m_Text.assign(value);
@@ -156,7 +161,9 @@ void TDirectEntity::Add(int code, std::string_view value)
         e.Radius = e.Height = ToReal(value);
         break;
     case 42:
-        if (vertices && !e.Bulges.empty())
+        if (!vertices)
+            m_Bulge = ToReal(value);
+        else if (!e.Bulges.empty())
             e.Bulges.back() = ToReal(value);
         break;
     case 50:
@@ -200,7 +207,13 @@ TEntity TDirectEntity::Finish()
         break;
     }
     default:
-        e.Closed = m_Flags & 1;
+        // Widths and thickness are not drawn.
+        e.Radius = e.Start = e.End = 0;
+        e.Closed = m_Part != TPart::Vertex && (m_Flags & 1);
+        if (m_Part == TPart::Vertex) {
+            e.Points = {m_First};
+            e.Bulges = {m_Bulge};
+        }
         break;
     }
     if (e.Kind != TKind::Text)

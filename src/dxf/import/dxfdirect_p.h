@@ -43,9 +43,9 @@ private:
 // number, infinite when it is too large (such geometry is refused later).
 double ToReal(std::string_view s);
 
-// LINE, POINT, CIRCLE, ARC, LWPOLYLINE and TEXT: most of a drawing, and simple enough to
-// decode here, which spares the parser library's number conversion (a string stream per
-// value).
+// LINE, POINT, CIRCLE, ARC, LWPOLYLINE, TEXT, and the POLYLINE of older files with its
+// VERTEX entities: most of a drawing, and simple enough to decode here, which spares the
+// parser library's number conversion (a string stream per value).
 bool IsDirectEntity(std::string_view type);
 
 // One such entity, collected group by group as the parser library would read it: the last
@@ -53,13 +53,21 @@ bool IsDirectEntity(std::string_view type);
 class TDirectEntity
 {
 public:
+    // A POLYLINE entity only starts a polyline; each VERTEX after it adds a point.
+    enum class TPart { Entity, PolylineStart, Vertex };
+
     void Start(std::string_view type);
     void Add(int code, std::string_view value);
     TEntity Finish();
+    TPart Part() const { return m_Part; }
+    // Group 70.
+    std::int32_t Flags() const { return m_Flags; }
 
 private:
     TEntity m_Entity;
+    TPart m_Part = TPart::Entity;
     QPointF m_First, m_Second;
+    double m_Bulge = 0;
     std::int32_t m_Flags = 0;
     std::int32_t m_VAlign = 0;
     std::string m_Text;

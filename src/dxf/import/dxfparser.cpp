@@ -56,6 +56,25 @@ public:
         m_Target->push_back(std::move(e));
     }
 
+    // A POLYLINE decoded without the parser: its vertices follow until the sequence ends.
+    void AddDecodedPolyline(TEntity &&e, std::int32_t flags)
+    {
+        if (flags & MeshFlags) {
+            SkipMesh();
+            return;
+        }
+        AddDecoded(std::move(e));
+        m_Pending = true;
+    }
+
+    void AddDecodedVertex(QPointF at, double bulge, std::int32_t flags)
+    {
+        // A polyface mesh's face record has no point of its own.
+        if ((flags & 128) && !(flags & 64))
+            return;
+        AddVertex(at, bulge);
+    }
+
     void setVariableInt(const std::string &key, int value, int) override
     {
         if (key == "$INSUNITS")
@@ -127,24 +146,30 @@ public:
     {
         // 8: 3D polyline, 16: polygon mesh, 64: polyface mesh. A 3D polyline is drawn by
         // its X and Y; meshes are not drawings of lines.
-        if (d.flags & (16 | 64)) {
-            Flush();
-            Skip("POLYLINE", "polygon and polyface meshes are not imported");
-            m_SkipVertices = true;
+        if (d.flags & MeshFlags) {
+            SkipMesh();
             return;
         }
         TEntity &e = Add(TKind::Polyline, "POLYLINE", {});
         e.Closed = d.flags & 1;
         m_Pending = true;
     }
-    void addVertex(const DL_VertexData &d) override
+    void addVertex(const DL_VertexData &d) override { AddVertex({d.x, d.y}, d.bulge); }
+    void AddVertex(QPointF at, double bulge)
     {
         if (m_SkipVertices)
             return;
         if (!m_Pending || m_Target->empty() || m_Target->back().Kind != TKind::Polyline)
             return;
-        m_Target->back().Points.push_back({d.x, d.y});
-        m_Target->back().Bulges.push_back(d.bulge);
+        m_Target->back().Points.push_back(at);
+        m_Target->back().Bulges.push_back(bulge);
+    }
+    // 16: polygon mesh, 64: polyface mesh.
+    static constexpr std::int32_t MeshFlags = 16 | 64;
+    void SkipMesh()
+    {
+        Skip("POLYLINE", "polygon and polyface meshes are not imported");
+        m_SkipVertices = true;
     }
     void addSpline(const DL_SplineData &d) override
     {
@@ -347,6 +372,24 @@ bool EndsWithEof(const QByteArray &data)
            tail[tail.size() - 2].trimmed() == "0";
 }
 
+void FinishDirect(TDirectEntity &direct, TCollector &collector)
+{
+    const std::int32_t flags = direct.Flags();
+    switch (direct.Part()) {
+    case TDirectEntity::TPart::Entity:
+        collector.AddDecoded(direct.Finish());
+        break;
+    case TDirectEntity::TPart::PolylineStart:
+        collector.AddDecodedPolyline(direct.Finish(), flags);
+        break;
+    case TDirectEntity::TPart::Vertex: {
+        const TEntity vertex = direct.Finish();
+        collector.AddDecodedVertex(vertex.Points.front(), vertex.Bulges.front(), flags);
+        break;
+    }
+    }
+}
+
 // Hands the file's groups to dxflib one by one, except for the entities that are decoded
 // directly: for each of those dxflib reads only the start of an entity it does not know,
 // so that it hands on the entity it holds (keeping the file's order) and ignores what
@@ -385,7 +428,7 @@ bool Parse(const QByteArray &data, TCollector &collector, const TParseProgress &
             angle = ToReal(text);
         }
         if (code == 0 && inDirect) {
-            collector.AddDecoded(direct.Finish());
+            FinishDirect(direct, collector);
             inDirect = false;
         }
         if (inDirect) {
@@ -410,7 +453,7 @@ bool Parse(const QByteArray &data, TCollector &collector, const TParseProgress &
         }
     }
     if (inDirect)
-        collector.AddDecoded(direct.Finish());
+        FinishDirect(direct, collector);
     collector.Finish();
     // The end of the data is the last report, so that a cancel there still counts.
     return !progress || progress(data.size(), data.size());
