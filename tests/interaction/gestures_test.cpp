@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Selecting, dragging, resizing, rotating and node editing with real mouse events: the
 // selections and events in order, the exact geometry, and undo records per gesture.
+#include "common/paintspy.h"
 #include "mousehelpers.h"
 #include "surface/rendertestshapes.h"
 
@@ -463,18 +464,6 @@ TEST(MouseGestures, DragFeedbackEqualsOutlinesDrawnInXor)
 // With LiveConnectors the route of a connector bound to a dragged shape is part of the
 // feedback: the screen shows more than the outline alone, and Escape still restores it.
 // Each move updates the widget where the screen image changed, and not all of it.
-// The region of the paint events a widget receives.
-struct TPaintSpy : QObject
-{
-    QRegion Painted;
-    bool eventFilter(QObject *, QEvent *e) override
-    {
-        if (e->type() == QEvent::Paint)
-            Painted += static_cast<QPaintEvent *>(e)->region();
-        return false;
-    }
-};
-
 TEST(MouseGestures, LiveConnectorsFollowInTheFeedback)
 {
     QImage shown[2];

@@ -3,6 +3,7 @@
 // rules, damaged input, and a picture that survives a save and a load.
 #include "../common/imagecompare.h"
 #include "common/files.h"
+#include "common/paintspy.h"
 #include "recordfixture.h"
 #include "surface/documenthelpers.h"
 
@@ -319,16 +320,7 @@ TEST(DrawingFile, ReadingLeavesTheDrawingShownUntilItEnds)
     DrawSample(cad);
     cad.show();
     QCoreApplication::processEvents();
-    struct TPaintCount : QObject
-    {
-        QRegion Painted;
-        bool eventFilter(QObject *, QEvent *e) override
-        {
-            if (e->type() == QEvent::Paint)
-                Painted += static_cast<QPaintEvent *>(e)->region();
-            return false;
-        }
-    } spy;
+    test::TPaintSpy spy;
     cad.installEventFilter(&spy);
     int reports = 0;
     cad.SetOnProgress([&](TMyCAD *, std::int64_t, std::int64_t, bool &) {
