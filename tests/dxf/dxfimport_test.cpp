@@ -2,6 +2,7 @@
 // The DXF reader against ezdxf: files ezdxf writes (R12, R2000, R2018) are read and every
 // entity's geometry, after block transforms, is compared with ezdxf's own evaluation;
 // layers, colours, the report, damaged input, and the round trip through our writer.
+#include "common/paintspy.h"
 #include "dxftestutil.h"
 #include "persistence/recordfixture.h"
 #include "surface/documenthelpers.h"
@@ -693,16 +694,40 @@ void MakeOwnDrawing(TMyCAD &cad)
     cad.AddShapeByCode(TDrawTool::SpLine, "Line", box, 0, {});
 }
 
+// count LINE entities half a unit long, a hundred to a row, each with the given groups.
+QByteArray ShortLines(int count, const char *groups)
+{
+    QByteArray lines;
+    for (int i = 0; i < count; ++i)
+        lines += QString::asprintf("0\nLINE\n%s10\n%d\n20\n%d\n11\n%d.5\n21\n%d\n", groups, i % 100,
+                                   i / 100, i % 100, i / 100)
+                     .toLatin1();
+    return lines;
+}
+
+// Shapes are built for the surface before they replace its drawing: the drawing shown is
+// not composed again while they are, even where progress reports let events through.
+TEST(DxfImport, TheDrawingShownStaysUntilTheImportEnds)
+{
+    const QByteArray lines = ShortLines(5000, "62\n3\n");
+    TMyCAD cad;
+    MakeOwnDrawing(cad);
+    TDxfImportReport report;
+    const test::TPaintsOfALoad paints = test::PaintsOfALoad(cad, [&] {
+        ASSERT_TRUE(LoadFromDxfData(cad, Entities(lines), report)) << report.Error.toStdString();
+    });
+    EXPECT_FALSE(cad.IsLoading());
+    EXPECT_GT(paints.Reports, 2);
+    EXPECT_TRUE(paints.During.isEmpty());
+    EXPECT_FALSE(paints.After.isEmpty());
+}
+
 // A file of 20,000 lines, several times the parse's report step: the parse reports while it
 // reads, every report further on, and a cancel at its first report inside the file stops
 // the import with the drawing, its layers and its undo steps as they were.
 TEST(DxfImport, ParseReportsAsItReadsAndACancelInsideLeavesTheDrawing)
 {
-    QByteArray lines;
-    for (int i = 0; i < 20000; ++i)
-        lines += QString::asprintf("0\nLINE\n8\nparts\n10\n%d\n20\n%d\n11\n%d.5\n21\n%d\n", i % 100,
-                                   i / 100, i % 100, i / 100)
-                     .toLatin1();
+    const QByteArray lines = ShortLines(20000, "8\nparts\n");
     const QByteArray data = Entities(lines);
 
     std::vector<std::int64_t> done;

@@ -15,7 +15,6 @@
 #include <gtest/gtest.h>
 
 #include <QBuffer>
-#include <QCoreApplication>
 #include <QFile>
 #include <QPaintEvent>
 #include <QTemporaryDir>
@@ -318,20 +317,11 @@ TEST(DrawingFile, ReadingLeavesTheDrawingShownUntilItEnds)
     const QByteArray bytes = test::Saved(big);
     TMyCAD cad;
     DrawSample(cad);
-    cad.show();
-    QCoreApplication::processEvents();
-    test::TPaintSpy spy;
-    cad.installEventFilter(&spy);
-    int reports = 0;
-    cad.SetOnProgress([&](TMyCAD *, std::int64_t, std::int64_t, bool &) {
-        QCoreApplication::processEvents();
-        ++reports;
-    });
-    ASSERT_TRUE(Load(cad, bytes));
-    EXPECT_GT(reports, 2);
-    EXPECT_TRUE(spy.Painted.isEmpty());
-    QCoreApplication::processEvents();
-    EXPECT_EQ(spy.Painted, QRegion(cad.rect()));
+    const test::TPaintsOfALoad paints =
+        test::PaintsOfALoad(cad, [&] { ASSERT_TRUE(Load(cad, bytes)); });
+    EXPECT_GT(paints.Reports, 2);
+    EXPECT_TRUE(paints.During.isEmpty());
+    EXPECT_EQ(paints.After, QRegion(cad.rect()));
 }
 
 TEST(DrawingFile, SavedAndLoadedDrawingRendersTheSame)

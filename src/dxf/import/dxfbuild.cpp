@@ -88,7 +88,22 @@ TBuilder::TBuilder(TMyCAD &cad, const TModel &model, TDxfImportReport &report,
 
 bool TBuilder::Build(const TParseProgress &progress)
 {
+    // The shapes are made for the surface before they join it. As while a file is read,
+    // their setters must not ask for the drawing still shown to be composed again at every
+    // progress report that lets events through.
+    struct TLoadingScope
+    {
+        TMyCAD &Cad;
+        const bool Former = Cad.IsLoading();
+        explicit TLoadingScope(TMyCAD &cad)
+            : Cad(cad)
+        {
+            Cad.SetLoading(true);
+        }
+        ~TLoadingScope() { Cad.SetLoading(Former); }
+    };
     try {
+        const TLoadingScope loading(m_Cad);
         BuildEntities(progress);
     } catch (const TBuildStopped &) {
         return false;
