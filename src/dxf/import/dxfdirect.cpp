@@ -209,11 +209,7 @@ TEntity TDirectEntity::Finish()
     default:
         // Widths and thickness are not drawn.
         e.Radius = e.Start = e.End = 0;
-        e.Closed = m_Part != TPart::Vertex && (m_Flags & 1);
-        if (m_Part == TPart::Vertex) {
-            e.Points = {m_First};
-            e.Bulges = {m_Bulge};
-        }
+        e.Closed = m_Flags & 1;
         break;
     }
     if (e.Kind != TKind::Text)

@@ -62,6 +62,9 @@ public:
     TPart Part() const { return m_Part; }
     // Group 70.
     std::int32_t Flags() const { return m_Flags; }
+    // A VERTEX's point and bulge, read without finishing it as an entity.
+    QPointF VertexPoint() const { return m_First; }
+    double VertexBulge() const { return m_Bulge; }
 
 private:
     TEntity m_Entity;

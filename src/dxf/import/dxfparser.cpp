@@ -382,11 +382,9 @@ void FinishDirect(TDirectEntity &direct, TCollector &collector)
     case TDirectEntity::TPart::PolylineStart:
         collector.AddDecodedPolyline(direct.Finish(), flags);
         break;
-    case TDirectEntity::TPart::Vertex: {
-        const TEntity vertex = direct.Finish();
-        collector.AddDecodedVertex(vertex.Points.front(), vertex.Bulges.front(), flags);
+    case TDirectEntity::TPart::Vertex:
+        collector.AddDecodedVertex(direct.VertexPoint(), direct.VertexBulge(), flags);
         break;
-    }
     }
 }
 
