@@ -1265,6 +1265,8 @@ private:
                                const QString &className);
     void Regroup(std::vector<TMyShape *> &members, const TUndoRecord *formerGroup);
     void RestoreShapes(const std::vector<const TUndoRecord *> &records);
+    void RelateRestored(const std::vector<const TUndoRecord *> &records,
+                        const std::vector<TMyShape *> &restored, const TShapesById &present);
     // Adds the shapes named in formerNames (identity, name before) to the newest step, which
     // must be the one that added firstAdded, as records that give the names back.
     void RecordFormerNames(const std::vector<std::pair<std::int32_t, QString>> &formerNames,

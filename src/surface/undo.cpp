@@ -31,6 +31,12 @@ bool IsKnownAction(const QString &action)
     return false;
 }
 
+// Where a deleted shape goes back: its recorded place, or after everything.
+std::int32_t RestorePlace(const TMyCAD::TUndoRecord &record)
+{
+    return record.AtPlace ? record.Copy->ShapeNo() : std::numeric_limits<std::int32_t>::max();
+}
+
 void ReplaceId(std::int32_t &id, std::int32_t from, std::int32_t to)
 {
     if (id == from)
@@ -444,69 +450,86 @@ void TMyCAD::Regroup(std::vector<TMyShape *> &members, const TUndoRecord *former
     }
 }
 
-// Deleted shapes come back after the present ones, in the order visited; those recorded
-// at their places go back there first, lowest place first, so that each lands where it
-// was. Relations are resolved by identity once all of them are in the list.
+namespace {
+
+// The records whose shapes come back, in the order they go back: those recorded at their
+// places first, lowest place first, so that each lands where it was; the rest after them in
+// the order visited. A locked member spared by the deletion is still here. Identities need
+// not be unique (shapes added by code keep what they were given), so another shape of the
+// same identity does not keep a deleted one from coming back.
+std::vector<const TMyCAD::TUndoRecord *>
+InRestoreOrder(const std::vector<const TMyCAD::TUndoRecord *> &records, const TShapesById &present)
+{
+    std::vector<const TMyCAD::TUndoRecord *> todo;
+    for (const TMyCAD::TUndoRecord *record : records)
+        if (!record->Copy->Locked() || !present.Find(record->Copy->ShapeId()))
+            todo.push_back(record);
+    std::stable_sort(todo.begin(), todo.end(),
+                     [](const TMyCAD::TUndoRecord *a, const TMyCAD::TUndoRecord *b) {
+                         return RestorePlace(*a) < RestorePlace(*b);
+                     });
+    return todo;
+}
+
+// The recorded state without any relation: relations are resolved once every shape of the
+// step is back in the list.
+void CutLoose(TMyShape &shape)
+{
+    shape.LinkShapes().clear();
+    shape.SetParentNo(-1);
+    shape.ChildShapes().clear();
+    if (auto *link = dynamic_cast<TMyLinkLine *>(&shape)) {
+        link->SetStartSpNo(-1);
+        link->SetStartSpPtId(-1);
+        link->SetEndSpNo(-1);
+        link->SetEndSpPtId(-1);
+    }
+}
+
+} // namespace
+
 void TMyCAD::RestoreShapes(const std::vector<const TUndoRecord *> &records)
 {
     // The shapes here now, by identity: a search of the list for every record would make
     // bringing back many shapes of a big drawing quadratic.
     const TShapesById present = ShapesById();
-    const auto live = [&present](std::int32_t id) { return present.Find(id); };
-    std::unordered_map<std::int32_t, std::int32_t> newNo;
-    std::vector<const TUndoRecord *> todo;
-    for (const TUndoRecord *record : records) {
-        // A locked member spared by the deletion is still here. Identities need not be
-        // unique (shapes added by code keep what they were given), so another shape of the
-        // same identity does not keep a deleted one from coming back.
-        if (record->Copy->Locked() && live(record->Copy->ShapeId()))
-            continue;
-        todo.push_back(record);
-    }
-    const auto place = [](const TUndoRecord *r) {
-        return r->AtPlace ? r->Copy->ShapeNo() : std::numeric_limits<std::int32_t>::max();
-    };
-    std::stable_sort(
-        todo.begin(), todo.end(),
-        [&place](const TUndoRecord *a, const TUndoRecord *b) { return place(a) < place(b); });
+    const std::vector<const TUndoRecord *> todo = InRestoreOrder(records, present);
     std::vector<TMyShape *> restored;
+    restored.reserve(todo.size());
     for (const TUndoRecord *record : todo) {
         std::unique_ptr<TMyShape> shape = CreateShapeByName(record->Copy->ClassName());
         CopyWholeState(*shape, *record->Copy);
         shape->SetName(record->ShapeName);
-        shape->LinkShapes().clear();
-        shape->SetParentNo(-1);
-        shape->ChildShapes().clear();
-        if (auto *link = dynamic_cast<TMyLinkLine *>(shape.get())) {
-            link->SetStartSpNo(-1);
-            link->SetStartSpPtId(-1);
-            link->SetEndSpNo(-1);
-            link->SetEndSpPtId(-1);
-        }
+        CutLoose(*shape);
         shape->SetShapeNo(GetShapesCount());
         if (GetLayerNoById(shape->LayerId()) < 0)
             shape->SetLayerId(m_CurrentLayerId);
-        const bool added = record->AtPlace ? InsertShape(shape.get(), place(record), true)
+        const bool added = record->AtPlace ? InsertShape(shape.get(), RestorePlace(*record), true)
                                            : AddShape(shape.get(), true, true);
         if (!added)
             return;
         restored.push_back(shape.release());
     }
-    // Insertions keep every ShapeNo equal to its list place. Relations name identities; of
-    // shapes that share one, the first restored answers. A restored member joins its group
-    // itself, so that members of one identity are each listed once.
+    RelateRestored(todo, restored, present);
+}
+
+// Insertions keep every ShapeNo equal to its list place. Relations name identities; of
+// shapes that share one, the first restored answers. A restored member joins its group
+// itself, so that members of one identity are each listed once.
+void TMyCAD::RelateRestored(const std::vector<const TUndoRecord *> &records,
+                            const std::vector<TMyShape *> &restored, const TShapesById &present)
+{
+    std::unordered_map<std::int32_t, std::int32_t> newNo;
     for (const TMyShape *shape : restored)
         newNo.emplace(shape->ShapeId(), shape->ShapeNo());
     std::unordered_set<TMyShape *> joined; // groups that gained members
     for (std::size_t k = 0; k < restored.size(); ++k) {
-        const TUndoRecord *record = todo[k];
+        const TUndoRecord *record = records[k];
         TMyShape *shape = restored[k];
         const std::int32_t no = shape->ShapeNo();
-        TMyShape *parent = nullptr;
-        if (auto it = newNo.find(record->ParentId); it != newNo.end())
-            parent = GetShapeByNo(it->second);
-        else
-            parent = live(record->ParentId);
+        const auto it = newNo.find(record->ParentId);
+        TMyShape *parent =
+            it != newNo.end() ? GetShapeByNo(it->second) : present.Find(record->ParentId);
         if (parent && parent != shape) {
             shape->SetParentNo(GetShapeNoInMyShapes(parent));
             parent->ChildShapes().push_back(no);
@@ -515,7 +538,7 @@ void TMyCAD::RestoreShapes(const std::vector<const TUndoRecord *> &records)
         // A member still here (spared as locked) rejoins; of shapes sharing its identity,
         // the first without a group.
         for (std::int32_t childId : record->ChildIds) {
-            if (TMyShape *child = live(childId); child && !child->HasParentShape()) {
+            if (TMyShape *child = present.Find(childId); child && !child->HasParentShape()) {
                 child->SetParentNo(no);
                 shape->ChildShapes().push_back(GetShapeNoInMyShapes(child));
                 ShapeJoinedGroup(child);
