@@ -17,6 +17,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <numbers>
 
 namespace tessal {
@@ -230,6 +231,23 @@ TRect TMouseMachine::WorkingScreenRect() const
         all = all.IsEmpty() ? r : (r.IsEmpty() ? all : all.United(r));
     }
     return all;
+}
+
+// The working shapes' bounding rectangle in zoomed pixels, corners rounded halves to even.
+TRect TMouseMachine::WorkingBounds() const
+{
+    if (m_Cad.m_WorkingShapes.empty())
+        return {};
+    const double z = m_Cad.m_Zoom;
+    double l = std::numeric_limits<double>::max(), t = l, r = -l, b = -l;
+    for (const TMyShape *shape : m_Cad.m_WorkingShapes) {
+        const TMyPoint lt = shape->GetLeftTop(), rb = shape->GetRightBottom();
+        l = std::min(l, lt.X * z);
+        t = std::min(t, lt.Y * z);
+        r = std::max(r, rb.X * z);
+        b = std::max(b, rb.Y * z);
+    }
+    return TRect(RoundEven(l), RoundEven(t), RoundEven(r), RoundEven(b));
 }
 
 // What the preview of the shape under construction can touch: its points and the mouse,

@@ -173,6 +173,7 @@ private:
     double RotationAngle(TMyShape *shape, TPoint to) const;
     TMyPoint RotationCentre(TMyShape *shape) const;
     TRect WorkingScreenRect() const;
+    TRect WorkingBounds() const;
     TRect DrawingRect(TPoint from, TPoint to) const;
     TRect SizingRect(TMyShape *shape, TPoint to) const;
     bool TakesPartInWholeDrag(const TMyShape *shape) const;
@@ -192,9 +193,10 @@ private:
     TMyShape *m_Child = nullptr;
     TMyShape *m_ClickThrough = nullptr;
     TMyShape *m_Hovered = nullptr;
-    // The working shapes' painted extent at the start of a drag, and their state before it,
-    // so that Escape can put them back.
+    // The working shapes' painted extent at the start of a drag, what its feedback repaints,
+    // and their bounding rectangle, what snapping and the bound lock hold (both zoomed).
     TRect m_DragBase;
+    TRect m_SnapBase;
     std::vector<TLiveLink> m_LiveLinks;
     std::shared_ptr<const TXorPicture> m_DragPicture;
     bool m_DragPictureTried = false;

@@ -264,17 +264,17 @@ void TMouseMachine::MoveDragging(TPoint p)
 {
     if (m_Cad.m_WorkingShapes.empty())
         return;
-    if (m_DragBase.IsEmpty())
+    if (m_DragBase.IsEmpty()) {
         m_DragBase = WorkingScreenRect();
-    if (m_Cad.m_Snap || m_Cad.m_SnapShape) {
-        const TRect moved = m_DragBase.Translated(p.X - m_Start.X, p.Y - m_Start.Y);
-        m_Cad.SnapRect(moved, p.X, p.Y);
+        m_SnapBase = WorkingBounds();
     }
+    if (m_Cad.m_Snap || m_Cad.m_SnapShape)
+        m_Cad.SnapRect(m_SnapBase.Translated(p.X - m_Start.X, p.Y - m_Start.Y), p.X, p.Y);
     if (m_Cad.m_LockBound) {
         // The shapes' box may not leave the control: the mouse is held where it keeps it in.
-        const TRect area(m_Start.X - m_DragBase.Left, m_Start.Y - m_DragBase.Top,
-                         m_Cad.width() - (m_DragBase.Right - m_Start.X) + 1,
-                         m_Cad.height() - (m_DragBase.Bottom - m_Start.Y) + 1);
+        const TRect area(m_Start.X - m_SnapBase.Left, m_Start.Y - m_SnapBase.Top,
+                         m_Cad.width() - (m_SnapBase.Right - m_Start.X) + 1,
+                         m_Cad.height() - (m_SnapBase.Bottom - m_Start.Y) + 1);
         if (area.Right > area.Left && area.Bottom > area.Top) {
             m_Cad.SetCursorClipArea(area, 0, false, 0);
             p = Clamped(p, area);

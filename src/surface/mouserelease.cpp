@@ -128,6 +128,7 @@ void TMouseMachine::EndGesture()
     m_LiveLinksCollected = false;
     ForgetDragPicture();
     m_DragBase = {};
+    m_SnapBase = {};
     m_Cad.ReleaseCursorClipArea();
 }
 
@@ -398,8 +399,10 @@ void TMouseMachine::ReleaseDragging()
     }
     m_Cad.m_Modified = true;
     if (m_Cad.m_Snap || m_Cad.m_SnapShape) {
-        const TRect base = m_DragBase.IsEmpty() ? WorkingScreenRect() : m_DragBase;
+        const TRect base = m_DragBase.IsEmpty() ? WorkingBounds() : m_SnapBase;
         m_Cad.SnapRect(base.Translated(p.X - m_Start.X, p.Y - m_Start.Y), p.X, p.Y);
+        // Snapping corrects both axes; a drag held to one axis stays on it.
+        m_Cad.GetMousePointbyDragMode(m_Start, p);
     }
     const std::vector<TMyShape *> shapes = m_Cad.m_WorkingShapes;
     std::vector<TMyShape *> movable;

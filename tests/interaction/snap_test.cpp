@@ -104,5 +104,43 @@ TEST(Snapping, RectangleMovesAsItsBestCornerWould)
     EXPECT_EQ((TPoint{x, y}), (TPoint{10, 10}));
 }
 
+// A drag lines up the dragged shapes' own box, not their painted extent (wider by pen and
+// handles), with the grid or another shape's edge; a drag held to one axis stays on it.
+TEST(Snapping, DraggedShapesLineUpTheirBox)
+{
+    struct TDragCase
+    {
+        bool Grid;
+        TDragMode Mode;
+        float Top;
+        QPoint By;
+        TMyPoint LeftTop;
+    };
+    const TDragCase cases[] = {
+        {true, TDragMode::dgBoth, 103, {21, 18}, {120, 120}},  // every corner 1 off the grid
+        {true, TDragMode::dgHorz, 103, {21, 18}, {120, 103}},  // 3 off in Y, yet held
+        {false, TDragMode::dgBoth, 100, {137, 0}, {240, 100}}, // right edge onto 300
+        {false, TDragMode::dgBoth, 100, {133, 0}, {233, 100}}, // 7 short: out of reach
+    };
+    for (const TDragCase &c : cases) {
+        TMouseSurface s;
+        s.cad.GridOperation()->SetGridWidth(20);
+        s.cad.GridOperation()->SetGridHeight(20);
+        s.cad.SetSnapPixels(5);
+        s.cad.SetSnap(c.Grid);
+        s.cad.SetSnapShape(!c.Grid);
+        s.cad.SetDragShapeMode(c.Mode);
+        TMyShape *a = AddRectangle(s.cad, 100, c.Top, 160, c.Top + 40);
+        TPen pen = a->Pen();
+        pen.Width = 5;
+        a->SetPen(pen);
+        AddRectangle(s.cad, 300, 100, 360, 140);
+        s.Click({130, 120});
+        s.Drag({130, 120}, QPoint(130, 120) + c.By);
+        EXPECT_EQ(a->GetLeftTop(), c.LeftTop) << c.Grid << " " << int(c.Mode) << " " << c.By.x();
+        EXPECT_EQ(a->GetRightBottom(), (TMyPoint{c.LeftTop.X + 60, c.LeftTop.Y + 40}));
+    }
+}
+
 } // namespace
 } // namespace tessal::test
