@@ -118,8 +118,7 @@ void TMyCAD::DragOutline(TCanvas &canvas, TMyShape *shape, TPoint from, TPoint t
 
 void TMyCAD::RotatingforShapes(TCanvas &canvas, TMyShape *shape, TMyPoint centre, double angle)
 {
-    ForTree(*this, GetRootParentShape(shape),
-            [&](TMyShape *s) { s->Rotating(canvas, centre, angle); });
+    ForTree(*this, shape, [&](TMyShape *s) { s->Rotating(canvas, centre, angle); });
 }
 
 // ---- Applying gestures ----

@@ -381,7 +381,7 @@ void TMouseMachine::MoveRotating(TPoint p)
     TRect touched(cx - r, cy - r, cx + r + 1, cy + r + 1);
     if (m_Cad.m_LiveConnectors) {
         if (!m_LiveLinksCollected)
-            CollectLiveLinks({m_Cad.GetRootParentShape(shape)});
+            CollectLiveLinks({shape});
         routes = LiveRoutes([centre, angle](const TMyLinkLine &, bool, TMyPoint now) {
             return RotateAPoint(now, centre, float(angle));
         });

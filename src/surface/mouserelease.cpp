@@ -451,11 +451,11 @@ void TMouseMachine::ReleaseRotating()
     }
     m_Cad.m_Modified = true;
     m_Cad.PushtoUndoRedoShapeList(std::span<TMyShape *const>(&shape, 1), 0, ACT_CHANGE);
-    TMyShape *root = m_Cad.GetRootParentShape(shape);
-    const TMyPoint centre = root->GetCenterPoint();
+    // A member selected on its own turns alone (with its members), about its group's centre.
+    const TMyPoint centre = m_Cad.GetRootParentShape(shape)->GetCenterPoint();
     const double angle = RotationAngle(shape, m_Now);
-    m_Cad.RotateChangeValueforShapes(root, centre, angle);
-    m_Cad.ChangeLinkShapes(root);
+    m_Cad.RotateChangeValueforShapes(shape, centre, angle);
+    m_Cad.ChangeLinkShapes(shape);
     TMyPoint to = m_Cad.GetPointByMode(m_Now);
     if (m_Cad.m_OnShapeMouseRotated)
         m_Cad.m_OnShapeMouseRotated(&m_Cad, shape, m_Cad.GetPointByMode(m_Start), to);

@@ -176,6 +176,27 @@ TEST(MouseGestures, ResizeAndRotateByHandles)
     EXPECT_NEAR(c.Y, 130, 1e-3);
     EXPECT_NE(box->Angle(), 0.0f);
     EXPECT_TRUE(RelationsValid(s.cad));
+
+    // A member selected on its own turns alone, about its group's centre (180, 120), and
+    // one step takes it back.
+    TMouseSurface g;
+    TMyShape *const members[] = {AddRectangle(g.cad, 100, 100, 160, 140),
+                                 AddRectangle(g.cad, 200, 100, 260, 140)};
+    TMyShape *group = g.cad.GetShapeByID(g.cad.GroupShapes(members, false));
+    g.cad.ClearAllUndoStuff();
+    const QByteArray grouped = Saved(g.cad);
+    const TMyPointArray sibling = members[1]->Points(), outline = group->Points();
+    g.cad.SetShapeTool(TDrawTool::SpRotateSelecting);
+    g.Click({130, 120}); // the group
+    g.Click({130, 120}); // its member
+    ASSERT_EQ(g.cad.WorkingShapes(), std::vector<TMyShape *>{members[0]});
+    g.Drag({160, 140}, {200, 140}); // a quarter turn about (180, 120)
+    ExpectNear(members[0]->Points(), {{160, 200}, {160, 140}, {200, 140}, {200, 200}});
+    EXPECT_EQ(members[1]->Points(), sibling);
+    EXPECT_EQ(group->Points(), outline);
+    EXPECT_EQ(StepCount(g.cad), 1);
+    g.cad.PopFromUndoRedoShapeList();
+    EXPECT_EQ(Saved(g.cad), grouped);
 }
 
 // The node tools on polygons and polylines, with the refusal codes -7 and -8.
