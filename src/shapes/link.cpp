@@ -19,6 +19,14 @@ TMyShape *TShapeHost::GetShapeByID(std::int32_t id) const
     return nullptr;
 }
 
+std::int32_t TShapeHost::GetShapeNoInMyShapes(const TMyShape *shape) const
+{
+    for (std::int32_t no = 0; const TMyShape *each = GetShapeByNo(no); ++no)
+        if (each == shape)
+            return no;
+    return -1;
+}
+
 std::vector<std::int32_t> TShapeHost::ShapesIn(const TMyRect &box) const
 {
     (void)box;
@@ -80,13 +88,15 @@ bool TMyLinkLine::Bind(std::int32_t &shapeNo, std::int32_t &pointId, std::int32_
     TMyShape *shape = Host()->GetShapeByID(shapeId);
     if (!shape || linkPointIndex < 0 || linkPointIndex > shape->GetLinkPointsCount() - 1)
         return false;
-    // The invariant: a bound end's shape lists the connector, and only while bound.
+    // The invariant: a bound end's shape lists the connector, and only while bound. Both
+    // are named by their places in the list.
+    const std::int32_t self = Host()->GetShapeNoInMyShapes(this);
     if (shapeNo > -1)
         if (TMyShape *previous = Host()->GetShapeByNo(shapeNo))
-            RemoveLinklineShape(*previous, ShapeNo());
-    shapeNo = shape->ShapeNo();
+            RemoveLinklineShape(*previous, self);
+    shapeNo = Host()->GetShapeNoInMyShapes(shape);
     pointId = linkPointIndex;
-    AddLinklineShape(*shape, ShapeNo());
+    AddLinklineShape(*shape, self);
     UpdateRoute();
     Repaint();
     return true;

@@ -80,6 +80,10 @@ public:
     virtual TMyShape *GetRootParentShape(TMyShape *shape) const = 0;
     // The shape with the identity, nullptr when none. The default searches GetShapeByNo.
     virtual TMyShape *GetShapeByID(std::int32_t id) const;
+    // The shape's place in the list (its shape number as relations name it), -1 when not
+    // listed. A shape's ShapeNo is where it was made, or what a file stored: not a place.
+    // The default searches GetShapeByNo.
+    virtual std::int32_t GetShapeNoInMyShapes(const TMyShape *shape) const;
 
     // The numbers of the shapes (group members included) that may have a point in box
     // (screen pixels, edges included), ascending; more may be answered, never fewer. The

@@ -353,7 +353,7 @@ public:
     std::int32_t GetShapeNoById(std::int32_t id) const;
     // The place of a live shape in the list, or -1 for a detached one. A deleted shape is
     // gone: ask for its ID with GetShapeByID instead of keeping its pointer.
-    std::int32_t GetShapeNoInMyShapes(const TMyShape *shape) const;
+    std::int32_t GetShapeNoInMyShapes(const TMyShape *shape) const override;
     // Only when old != new, a shape is named old and none is named new.
     bool RenameShapeName(const QString &oldName, const QString &newName);
     // Removes the shape and its group members (members first; a locked member stays, with

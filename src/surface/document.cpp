@@ -119,8 +119,10 @@ void TMyCAD::ForgetPlaces() const
 // listed shape knows its place; looking further would search the list for every shape made.
 void TMyCAD::ShapeIdChanged(TMyShape &shape)
 {
-    const std::int32_t no = shape.ShapeNo();
-    if (no >= 0 && no < GetShapesCount() && m_Shapes[std::size_t(no)].get() == &shape)
+    const auto holds = [this, &shape](std::int32_t no) {
+        return no >= 0 && no < GetShapesCount() && m_Shapes[std::size_t(no)].get() == &shape;
+    };
+    if (holds(shape.ListPlace()) || holds(shape.ShapeNo()))
         ForgetPlaces();
 }
 

@@ -257,7 +257,7 @@ TRect TMyCAD::HandlesReach(TMyShape *shape) const
 {
     // The index keeps the extent of a top-level shape at the zoom it was made for; anything
     // else is measured.
-    const std::int32_t no = shape->ShapeNo();
+    const std::int32_t no = GetShapeNoInMyShapes(shape);
     const bool current = m_Index && !m_Index->IsStale() && m_Index->Zoom() == m_Zoom;
     const TShapeIndex::TEntry *entry =
         current && no >= 0 && no < m_Index->Count() ? &m_Index->Entry(no) : nullptr;

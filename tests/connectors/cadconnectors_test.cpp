@@ -308,6 +308,28 @@ TEST_F(CadConnectors, ConnectorsFollowMovedShapesAndGroups)
     EXPECT_EQ(loose->Points().back(), (TMyPoint{260, 70}));
 }
 
+// A file keeps each shape's number from when it was made, which need not be its place,
+// and a load leaves it so. Binding names places, so a connector bound after such a load
+// joins the shape asked for and follows it.
+TEST_F(CadConnectors, BindingNamesListPlacesWhateverTheShapesNumbers)
+{
+    auto *link = AddByCode<TMyLinkLine>(Cad, TDrawTool::SpLinkLine, {{0, 0}, {1, 1}});
+    A->SetShapeNo(1); // as a writer that never renumbers stores them
+    B->SetShapeNo(2);
+    link->SetShapeNo(3);
+    ASSERT_TRUE(link->CreateSrcLink(A->ShapeId(), 0));
+    EXPECT_EQ(link->StartSpNo(), 0);
+    EXPECT_EQ(link->GetStartShape(), A);
+    EXPECT_EQ(A->LinkShapes(), std::vector<std::int32_t>{2});
+    EXPECT_EQ(link->Points().front(), (TMyPoint{80, 70}));
+    ASSERT_TRUE(link->CreateSrcLink(B->ShapeId(), 0)); // rebinding leaves A's list
+    EXPECT_TRUE(A->LinkShapes().empty());
+    EXPECT_EQ(B->LinkShapes(), std::vector<std::int32_t>{2});
+    B->DragChangeValuedxdy(0, 100);
+    Cad.ChangeLinkShapes(B);
+    EXPECT_EQ(link->Points().front(), (TMyPoint{220, 170}));
+}
+
 TEST_F(CadConnectors, LinkPointUnderTheMouseIsFoundAndHighlighted)
 {
     Cad.grab();
