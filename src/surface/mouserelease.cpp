@@ -196,15 +196,15 @@ void TMouseMachine::ReleaseDrawing(TMouseButton button, TShiftState shift)
     FinishShape();
 }
 
-// A text shape asks for its lines and an image for its picture; a cancelled dialog leaves
-// no shape behind.
+// A text shape asks for its lines, and keeps the ones it has when the dialog is cancelled,
+// as it does without the dialog. An image asks for its picture; without one no shape is
+// left behind.
 bool TMouseMachine::AskForInput(TMyShape *shape)
 {
     if (auto *text = dynamic_cast<TMyText *>(shape); text && !m_Cad.m_DisableTextInput) {
         QStringList lines = text->Lines();
-        if (!EditTextLines(&m_Cad, lines))
-            return false;
-        text->SetLines(lines);
+        if (EditTextLines(&m_Cad, lines))
+            text->SetLines(lines);
     }
     if (auto *image = dynamic_cast<TMyImage *>(shape)) {
         TBitmap picture;

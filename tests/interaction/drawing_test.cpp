@@ -201,8 +201,30 @@ TEST(MouseDrawing, ShiftMakesSquaresAndStraightSegments)
     }
 }
 
-// Cancelled input, another button, Escape and a tool change leave no shape and no record;
-// the screen shows exactly what it showed before the gesture.
+// The text dialog only fills in the lines: cancelled, it leaves the text as drawn without
+// the dialog, added and recorded.
+TEST(MouseDrawing, CancelledTextInputStillAddsTheText)
+{
+    TMouseSurface s;
+    s.cad.SetShapeTool(TDrawTool::SpText);
+    QTimer::singleShot(0, [] {
+        if (QWidget *dialog = QApplication::activeModalWidget())
+            dialog->close();
+    });
+    s.Drag({100, 100}, {200, 150});
+    s.cad.SetDisableTextInput(true);
+    s.cad.SetShapeTool(TDrawTool::SpText);
+    s.Drag({100, 200}, {200, 250});
+    ASSERT_EQ(s.cad.GetShapesCount(), 2);
+    const auto *cancelled = dynamic_cast<const TMyText *>(s.cad.GetShapeByNo(0));
+    ASSERT_NE(cancelled, nullptr);
+    EXPECT_EQ(cancelled->Lines(), static_cast<const TMyText *>(s.cad.GetShapeByNo(1))->Lines());
+    ExpectNear(cancelled->Points(), {{100, 100}, {200, 100}, {200, 150}, {100, 150}});
+    EXPECT_EQ(StepCount(s.cad), 2);
+}
+
+// Cancelled input (a picture), another button, Escape and a tool change leave no shape and no
+// record; the screen shows exactly what it showed before the gesture.
 TEST(MouseDrawing, AbandonedDrawingsLeaveNothing)
 {
     TMouseSurface s;
@@ -213,12 +235,6 @@ TEST(MouseDrawing, AbandonedDrawingsLeaveNothing)
     const QImage before = s.cad.ScreenImage().copy();
     const QPoint origin = s.cad.ScreenOrigin();
 
-    s.cad.SetShapeTool(TDrawTool::SpText);
-    QTimer::singleShot(0, [] {
-        if (QWidget *dialog = QApplication::activeModalWidget())
-            dialog->close();
-    });
-    s.Drag({100, 100}, {200, 150});
     s.cad.SetShapeTool(TDrawTool::SpImage);
     s.cad.SetOnRequestPicture([](TMyCAD *, TBitmap &) {});
     s.Drag({100, 100}, {200, 150});
