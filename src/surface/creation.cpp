@@ -169,8 +169,9 @@ std::int32_t TMyCAD::FinishShapeByCode(std::unique_ptr<TMyShape> shape, const QS
     shape.release();
     TMyShape *const one[] = {added};
     PushtoUndoRedoShapeList(one, 0, ACT_ADD);
+    // The only working shape, but not the current one: that is the shape under the mouse,
+    // which snapping leaves out, and a shape made by code is not under it.
     m_WorkingShapes = {added};
-    m_CurrentShape = added;
     if (m_OnShapeAdded) {
         m_OnShapeAdded(this, added, GetShapesCount());
         // The handler may have changed anything.

@@ -398,6 +398,7 @@ TEST_F(Close, PolylineBecomesPolygonInPlace)
     // A polyline that already ends on its start is not given another closing point.
     // The selection follows the new object.
     TMyShape *ring = AddByCode(cad, TDrawTool::SpPolyLine, {{0, 0}, {9, 0}, {9, 9}, {0, 0}});
+    cad.SetCurrentShape(ring);
     closed = cad.ClosePolygon(ring);
     ASSERT_NE(closed, nullptr);
     EXPECT_EQ(closed->GetPointsCount(), 4);

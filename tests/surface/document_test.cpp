@@ -128,7 +128,7 @@ TEST(Document, AddShapeByCodePoints)
     ASSERT_EQ(added.size(), 1u);
     EXPECT_EQ(added[0], (std::pair<TMyShape *, std::int32_t>{r, 1}));
     EXPECT_EQ(cad.WorkingShapes(), std::vector<TMyShape *>{r});
-    EXPECT_EQ(cad.CurrentShape(), r);
+    EXPECT_EQ(cad.CurrentShape(), nullptr); // working, not under the mouse
     ASSERT_EQ(cad.UndoRedoShapeList().size(), 1u);
     EXPECT_EQ(cad.UndoRedoShapeList()[0].Action, ACT_ADD);
 
