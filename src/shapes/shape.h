@@ -25,10 +25,12 @@
 namespace tessal {
 
 class BinaryStream;
+class TMyCAD;
 class TMyShape;
 
-// Fired by the surface when the shape is clicked; the argument is the shape.
-using TShapeNotifyEvent = std::function<void(TMyShape *)>;
+// Fired by the surface when the shape is clicked, with the surface as sender, as its own
+// events are; the shape clicked comes second.
+using TShapeNotifyEvent = std::function<void(TMyCAD *sender, TMyShape *shape)>;
 
 // The properties that most shapes leave at their defaults: texts, user data, the click
 // handler, the gradient and the log text settings. A shape keeps them apart and allocates

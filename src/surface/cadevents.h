@@ -6,6 +6,7 @@
 
 #include <tessal/geometry/mypoint.h>
 #include <tessal/platform/bitmap.h>
+#include <tessal/shapes/shape.h>
 #include <tessal/surface/surfaceenums.h>
 
 #include <QMetaType>
@@ -49,7 +50,8 @@ using TMouseMoveEvent =
     std::function<void(TMyCAD *sender, TShiftState shift, std::int32_t x, std::int32_t y)>;
 
 // One shape concerned: hover enter/leave, deletion (fired while the shape still exists).
-using TShapeEvent = std::function<void(TMyCAD *sender, TMyShape *shape)>;
+// The type of a shape's own click event (declared with the shape).
+using TShapeEvent = TShapeNotifyEvent;
 using TEnterLeaveShape = TShapeEvent;
 using TShapeDeleted = TShapeEvent;
 
@@ -93,7 +95,6 @@ Q_DECLARE_METATYPE(tessal::TDragDropEvent)
 Q_DECLARE_METATYPE(tessal::TDragOverEvent)
 Q_DECLARE_METATYPE(tessal::TMouseEvent)
 Q_DECLARE_METATYPE(tessal::TMouseMoveEvent)
-Q_DECLARE_METATYPE(tessal::TShapeEvent)
 Q_DECLARE_METATYPE(tessal::TShapeIndexEvent)
 Q_DECLARE_METATYPE(tessal::TShapeSelected)
 Q_DECLARE_METATYPE(tessal::TShapeCodeDragging)

@@ -179,7 +179,7 @@ bool TMouseMachine::PressBodies(TShiftState shift)
         if (m_Cad.m_OnShapeSelected)
             m_Cad.m_OnShapeSelected(&m_Cad, shape, shape);
         if (shape->OnClick())
-            shape->OnClick()(shape);
+            shape->OnClick()(&m_Cad, shape);
         return true;
     }
     return false;
@@ -230,7 +230,7 @@ void TMouseMachine::PressNewShape(TShiftState shift)
     if (m_Cad.m_OnShapeSelected)
         m_Cad.m_OnShapeSelected(&m_Cad, previous, choice);
     if (choice->OnClick())
-        choice->OnClick()(choice);
+        choice->OnClick()(&m_Cad, choice);
     if (m_Cad.m_ActionTool != TActionTools::dtBrowse)
         m_Cad.m_ActionTool = TActionTools::dtDragging;
     if (!dynamic_cast<TMyLineLinkLine *>(choice))

@@ -170,7 +170,7 @@ bool TMouseMachine::ReleaseClickThrough()
     if (m_Cad.m_OnShapeSelected)
         m_Cad.m_OnShapeSelected(&m_Cad, previous, chosen);
     if (chosen->OnClick())
-        chosen->OnClick()(chosen);
+        chosen->OnClick()(&m_Cad, chosen);
     return true;
 }
 

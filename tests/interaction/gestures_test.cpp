@@ -41,6 +41,10 @@ TEST(MouseSelecting, ClicksShiftClicksBandsAndClickThroughInOrder)
     s.cad.SetOnShapeSelected([&](TMyCAD *, TMyShape *last, TMyShape *now) {
         log << QString("sel %1>%2").arg(NameOf(last), NameOf(now));
     });
+    for (TMyShape *shape : {big, small})
+        shape->SetOnClick([&](TMyCAD *sender, TMyShape *clicked) {
+            log << QString("click %1%2").arg(NameOf(clicked), sender == &s.cad ? "" : " by?");
+        });
 
     s.Click({60, 60}); // the top one, on its outline
     EXPECT_EQ(s.cad.WorkingShapes(), std::vector<TMyShape *>{big});
@@ -59,16 +63,17 @@ TEST(MouseSelecting, ClicksShiftClicksBandsAndClickThroughInOrder)
     s.Drag({90, 30}, {460, 150});
     EXPECT_EQ(s.cad.WorkingShapes(), (std::vector<TMyShape *>{small, other}));
 
-    const QStringList expected{"down",         "sel ->Shape0",
-                               "up", // new shape
-                               "down",         "sel Shape0>Shape0",
-                               "up",           "sel Shape0>Shape1", // click-through
-                               "down",         "sel Shape1>-",
-                               "sel ->Shape2", "up", // shift adds
-                               "down",         "up", // shift removes
-                               "down",         "sel Shape2>-",
-                               "up",                  // nothing
-                               "down",         "up"}; // band
+    // Each shape's own click follows the selection event, with the control as sender.
+    // clang-format off
+    const QStringList expected{
+        "down", "sel ->Shape0", "click Shape0", "up",              // new shape
+        "down", "sel Shape0>Shape0", "click Shape0",
+        "up", "sel Shape0>Shape1", "click Shape1",                 // click-through
+        "down", "sel Shape1>-", "sel ->Shape2", "up",              // shift adds
+        "down", "up",                                              // shift removes
+        "down", "sel Shape2>-", "up",                              // nothing
+        "down", "up"};                                             // band
+    // clang-format on
     EXPECT_EQ(log, expected);
     EXPECT_TRUE(s.cad.UndoRedoShapeList().empty());
 }

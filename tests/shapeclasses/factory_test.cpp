@@ -103,13 +103,13 @@ const std::map<std::string, TRow> &Rows()
         TBitmap picture(3, 2);
         picture.Fill(clRed);
         picture.SetPixel(1, 1, clBlue);
-        const TShapeNotifyEvent onClick = [](TMyShape *) { g_Clicked = true; };
+        const TShapeNotifyEvent onClick = [](TMyCAD *, TMyShape *) { g_Clicked = true; };
         const TRow clickRow{QVariant::fromValue(onClick),
                             [](const QVariant &v) {
                                 auto f = v.value<TShapeNotifyEvent>();
                                 g_Clicked = false;
                                 if (f)
-                                    f(nullptr);
+                                    f(nullptr, nullptr);
                                 return g_Clicked;
                             },
                             TCopy::Unchecked};
