@@ -11,12 +11,13 @@ namespace tessal {
 
 namespace {
 
-// Whether p (screen) lies in the one-pixel rectangle at the rounded position of centre,
-// grown by margin on every side (right and bottom exclusive).
+// Whether p (screen) lies in the empty rectangle at the rounded position of centre grown
+// by margin on every side. Left and top edges count, right and bottom do not, so the
+// square reaches margin pixels before the centre and margin - 1 after it.
 bool InHotSquare(TMyPoint centre, TMyPoint p, std::int32_t margin)
 {
     const TPoint c = MyPtToPt(centre);
-    const TRect r = TRect(c.X, c.Y, c.X + 1, c.Y + 1).Inflated(margin, margin);
+    const TRect r = ExpandRect(PtToARect(c, c), margin);
     return p.X >= r.Left && p.X < r.Right && p.Y >= r.Top && p.Y < r.Bottom;
 }
 

@@ -43,7 +43,7 @@ std::int32_t LinkHotIndex(const TMyShape &shape, TPoint p)
 {
     for (std::int32_t i = 0; i < shape.GetLinkPointsCount(); ++i) {
         const TPoint c = MyPtToPt(shape.GetLinkPointInZoom(i));
-        if (TRect(c.X, c.Y, c.X + 1, c.Y + 1).Inflated(5, 5).Contains(p))
+        if (ExpandRect(PtToARect(c, c), 5).Contains(p))
             return i;
     }
     return -1;
@@ -129,7 +129,7 @@ void TMyCAD::ChangeLinkShapes(TMyShape *shape)
 
 bool TMyCAD::InWhichShapeWhichHotLinkId(TPoint point, std::int32_t &shapeNo, std::int32_t &linkId)
 {
-    // A hot square holds the pixels within five of its link point (rounded).
+    // A hot square holds the pixels from five before to four after its link point (rounded).
     const float x = float(point.X), y = float(point.Y);
     const std::vector<std::int32_t> near = ShapesIn({x - 6, y - 6, x + 6, y + 6});
     for (auto it = near.rbegin(); it != near.rend(); ++it) {

@@ -188,13 +188,15 @@ TEST_F(CadConnectors, LookUpsUnderTheMouseAnswerWhatTheScanAnswers)
         return s.Visible() && Cad.IsVisibleLayerByID(s.LayerId()) &&
                !dynamic_cast<const TMyLinkLine *>(&s);
     };
-    // The topmost shown shape with a link point whose square holds p, and that point.
+    // The topmost shown shape with a link point whose square holds p, and that point. The
+    // square reaches five pixels before the point and four after it.
+    const auto near = [](int d) { return -5 <= d && d < 5; };
     const auto hotScan = [&](TPoint p) {
         for (std::int32_t no = Cad.GetShapesCount() - 1; no >= 0; --no) {
             const TMyShape &s = *Cad.GetShapeByNo(no);
             for (std::int32_t k = 0; shown(s) && k < s.GetLinkPointsCount(); ++k) {
                 const TPoint c = MyPtToPt(s.GetLinkPointInZoom(k));
-                if (std::abs(p.X - c.X) <= 5 && std::abs(p.Y - c.Y) <= 5)
+                if (near(p.X - c.X) && near(p.Y - c.Y))
                     return std::pair{no, k};
             }
         }
@@ -346,13 +348,13 @@ TEST_F(CadConnectors, LinkPointUnderTheMouseIsFoundAndHighlighted)
         return std::pair{no, id};
     };
     const auto noOf = [this](TMyShape *s) { return Cad.GetShapeNoInMyShapes(s); };
-    // Within the 5-pixel square of B's second link point (250, 100).
-    EXPECT_EQ(found({254, 96}), std::pair(noOf(B), 1));
+    // Within the square of B's second link point (250, 100): 245 <= x, y < 255.
+    EXPECT_EQ(found({245, 104}), std::pair(noOf(B), 1));
     screen->Flush();
     EXPECT_GT(CountPixels(Cad.ScreenImage(), QRect(243, 93, 15, 15), kRed), 20);
 
     // Off the squares: nothing, and the highlight goes.
-    EXPECT_EQ(found({256, 100}), std::pair(-1, -1));
+    EXPECT_EQ(found({255, 100}), std::pair(-1, -1));
     screen->Flush();
     EXPECT_TRUE(ImagesEqual(Cad.ScreenImage(), before));
 

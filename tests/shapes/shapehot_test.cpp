@@ -34,14 +34,19 @@ TEST(LinkHot, HighlightIsDrawnOnceAndErasedByTheNextAnswer)
     EXPECT_EQ(CountPixels(host.Screen(), QRect(44, 44, 2, 13), kRed), 0);
     EXPECT_GT(CountPixels(host.Screen(), QRect(58, 44, 2, 13), kRed), 0);
 
-    // Another shape's link point takes the shared highlight over; the margin is 5 pixels
-    // around the one-pixel rectangle: 115 .. 125 inclusive.
+    // Another shape's link point takes the shared highlight over. Its square is the empty
+    // rectangle at (120, 120) grown by 5, left and top edges in: 115 <= x, y < 125.
     TMyShape other(&host);
     other.LinkPoints() = {{60, 60}};
-    EXPECT_EQ(other.InWhichLinkHot({125.5f, 120}), 0);
+    EXPECT_EQ(other.InWhichLinkHot({124.5f, 124.5f}), 0);
     EXPECT_EQ(RedAround(host, 54, 50), 0);
     EXPECT_GT(RedAround(host, 120, 120), 20);
-    EXPECT_EQ(other.InWhichLinkHot({126, 120}), -1);
+    for (auto [at, hot] : {std::pair{TMyPoint{115, 115}, 0},
+                           {{125, 120}, -1},
+                           {{120, 125}, -1},
+                           {{114.5f, 120}, -1},
+                           {{120, 114.5f}, -1}})
+        EXPECT_EQ(other.InWhichLinkHot(at), hot) << at.X << "," << at.Y;
     EXPECT_TRUE(AllWhite(host.Screen()));
     EXPECT_EQ(host.Highlight.Shape, nullptr);
     EXPECT_EQ(TMyShape(&host).InWhichLinkHot({50, 50}), -1); // without link points
@@ -74,8 +79,10 @@ TEST(PointHot, OnlyTheFirstAndLastPointsWithTheHotSizeMargin)
     host.HotSizeValue = 3;
     TMyShape s(&host);
     s.Points() = {{10, 10}, {50, 50}, {90, 90}};
-    const std::pair<TMyPoint, int> rows[] = {
-        {{50, 50}, -1}, {{13, 7}, 0}, {{14, 10}, -1}, {{88, 92}, 2}};
+    // Each end's square: from 3 before to 2 after the point, on both axes.
+    const std::pair<TMyPoint, int> rows[] = {{{50, 50}, -1}, {{12, 7}, 0},  {{13, 10}, -1},
+                                             {{10, 13}, -1}, {{6, 10}, -1}, {{93, 90}, -1},
+                                             {{90, 93}, -1}, {{87, 92}, 2}};
     for (const auto &[at, hot] : rows)
         EXPECT_EQ(s.InWhichPointHot(at), hot) << at.X << "," << at.Y;
     EXPECT_GT(RedAround(host, 90, 90), 20);
@@ -92,9 +99,11 @@ TEST(PointHot, OnlyTheFirstAndLastPointsWithTheHotSizeMargin)
     s.SetTextPoint({11, 20});
     for (auto [x, y, hot] : {std::tuple{16, 30, true},
                              {12, 26, true},
+                             {19, 33, true},
                              {11, 30, false},
-                             {20, 34, true},
-                             {21, 30, false}})
+                             {16, 25, false},
+                             {20, 30, false},
+                             {16, 34, false}})
         EXPECT_EQ(s.InTextPointHot({x, y}), hot) << x << "," << y;
 }
 
