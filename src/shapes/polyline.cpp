@@ -232,18 +232,6 @@ bool TMyFreeLine::IsDrawingFinished(Qt::MouseButton, TPoint)
     return GetPointsCount() >= 2;
 }
 
-std::int32_t TMyFreeLine::InWhichHot(TPoint point)
-{
-    SetCurrentHot(-1);
-    const std::int32_t last = GetPointsCount() - 1;
-    const std::int32_t margin = Host()->HotSize();
-    if (last >= 0 && InHandle(GetPointInZoom(0), point, margin))
-        SetCurrentHot(0);
-    if (last > 0 && InHandle(GetPointInZoom(last), point, margin))
-        SetCurrentHot(last);
-    return CurrentHot();
-}
-
 bool TMyFreeLine::IsClickedMe(TCanvas &, TPoint point)
 {
     for (std::int32_t i = 0; i + 1 < GetPointsCount(); ++i)

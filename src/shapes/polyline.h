@@ -64,9 +64,11 @@ protected:
     TMyPoint GradientLeftTop() const override;
 };
 
-// A freehand chain that collects one point per mouse move while the button is down. Its
-// handles are its two ends only, and it is hit within 8 pixels of any of its segments
-// (the many tiny segments of a hand-drawn line defeat the line's rectangle rules).
+// A freehand chain that collects one point per mouse move while the button is down. Only
+// its two ends show handles, though every point answers the handle test like a polyline's
+// (the node tools remove inner points; a press never takes hold of a free line's handles).
+// It is hit within 8 pixels of any of its segments (the many tiny segments of a hand-drawn
+// line defeat the line's rectangle rules).
 class TMyFreeLine : public TMyPolyLine
 {
     Q_GADGET
@@ -80,7 +82,6 @@ public:
     void DrawHot(TCanvas &canvas) override;
     // Finished at the release once at least two points were recorded.
     bool IsDrawingFinished(Qt::MouseButton button, TPoint point) override;
-    std::int32_t InWhichHot(TPoint point) override;
     bool IsClickedMe(TCanvas &canvas, TPoint point) override;
     std::int32_t HitReach() const override;
 };

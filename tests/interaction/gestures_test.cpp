@@ -222,6 +222,13 @@ TEST(MouseGestures, NodeRemovingAndAddingWithTheirCodes)
     EXPECT_EQ(codes, (std::vector<int>{1, -8}));
     EXPECT_EQ(StepCount(s.cad), 1);
 
+    // A free line gives up an inner point as a polyline does, though it shows no handle there.
+    TMyShape *free =
+        AddByCode(s.cad, TDrawTool::SpFreeLine, {{300, 100}, {320, 110}, {340, 100}, {360, 110}});
+    s.Click({340, 100});
+    ExpectNear(free->Points(), {{300, 100}, {320, 110}, {360, 110}});
+    EXPECT_EQ(codes, (std::vector<int>{1, -8, 2}));
+
     TMyShape *polyline =
         AddByCode(s.cad, TDrawTool::SpPolyLine, {{300, 300}, {400, 300}, {400, 400}});
     s.cad.SetShapeTool(TDrawTool::SpPolylinePolygonPointAdding);

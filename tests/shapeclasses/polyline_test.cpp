@@ -219,9 +219,16 @@ TEST(FreeLine, EndsAtReleaseAndIsHitNearAnyOfItsPieces)
     for (auto [x, y, hit] :
          {std::tuple{61, 29, true}, {61, 31, false}, {105, 21, true}, {110, 21, false}})
         EXPECT_EQ(free.IsClickedMe(*host.ScreenCanvas(), {x, y}), hit) << x << "," << y;
-    // Only the two ends have handles.
-    for (auto [x, y, hot] : {std::tuple{20, 20, 0}, {100, 21, 40}, {60, 20, -1}})
-        EXPECT_EQ(free.InWhichHot({x, y}), hot) << x;
+    // Every point answers the handle test, the highest number winning where squares of
+    // 4 before to 3 after a point overlap: the first end only where no other reaches.
+    for (auto [x, y, hot] : {std::tuple{16, 20, 0},
+                             {20, 20, 2},
+                             {60, 20, 22},
+                             {60, 25, 20},
+                             {60, 26, -1},
+                             {103, 21, 40},
+                             {104, 21, -1}})
+        EXPECT_EQ(free.InWhichHot({x, y}), hot) << x << "," << y;
 }
 
 } // namespace
