@@ -194,14 +194,14 @@ public:
     void AddPointByMouse(TPoint point) override;
     // The two diagonals (corner 0 to 2, 1 to 3) in the shape's pen, ends rounded to pixels.
     void Draw(TCanvas &canvas) override;
-    // Gives a marker whose corners were set directly (by code or from a file) its link
-    // point at the centre, if it has none.
+    // Ends a mouse drawing; a marker without a link point gets its centre one.
     void Drawed(TPoint from, TPoint &to) override;
 
     std::uint8_t Size() const { return m_Size; }
     void SetSize(std::uint8_t size) { m_Size = size; }
 
-protected:
+    // Gives a marker whose corners were set directly (by code) its link point at the centre
+    // unless it already has one, so it never gets a second. The centre must be up to date.
     void EnsureLinkPoint();
 
 private:

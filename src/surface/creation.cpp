@@ -5,6 +5,7 @@
 
 #include <tessal/geometry/bitmapops.h>
 #include <tessal/shapes/image.h>
+#include <tessal/shapes/link.h>
 #include <tessal/shapes/shape.h>
 #include <tessal/shapes/shapefactory.h>
 #include <tessal/shapes/text.h>
@@ -124,6 +125,14 @@ void PlacePoints(TMyShape &shape, TMyPointArray points, TPointRule rule)
         shape.SetTextPoint(centre);
 }
 
+// A marker drawn with the mouse gets its link point with its corners; one made from given
+// corners gets it here, so that connectors can attach to it.
+void GiveMarkerItsLinkPoint(TMyShape &shape)
+{
+    if (auto *marker = dynamic_cast<TMyLinkPoint *>(&shape))
+        marker->EnsureLinkPoint();
+}
+
 } // namespace
 
 std::unique_ptr<TMyShape> TMyCAD::CreateShapeByName(const QString &className, TShapeHost *owner)
@@ -141,8 +150,10 @@ TMyShape *TMyCAD::CreateAddShapeByName(const QString &className, const TMyShape 
     std::unique_ptr<TMyShape> shape = CreateShapeByName(className);
     if (!shape)
         return nullptr;
-    if (source)
+    if (source) {
         shape->Assign(*source);
+        GiveMarkerItsLinkPoint(*shape);
+    }
     const QString name = QStringLiteral("Shape") + QString::number(m_ShapeIdCounter);
     shape->SetShapeNo(GetShapesCount());
     shape->SetShapeId(m_ShapeIdCounter);
@@ -195,6 +206,7 @@ std::int32_t TMyCAD::AddShapeByCode(TDrawTool tool, const QString &caption,
     if (!shapePoints || !shape)
         return -1;
     PlacePoints(*shape, std::move(*shapePoints), *rule);
+    GiveMarkerItsLinkPoint(*shape);
     if (auto *textShape = dynamic_cast<TMyText *>(shape.get())) {
         textShape->SetInfo(text);
         textShape->SetLines(text.split(QLatin1Char('\n')));

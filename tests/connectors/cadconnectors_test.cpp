@@ -332,6 +332,27 @@ TEST_F(CadConnectors, BindingNamesListPlacesWhateverTheShapesNumbers)
     EXPECT_EQ(link->Points().front(), (TMyPoint{220, 170}));
 }
 
+// Markers made from given corners, by tool or from a copied shape, carry one link point
+// at their centre, where connectors attach.
+TEST_F(CadConnectors, MarkersMadeByCodeTakeConnectorsAtTheirCentre)
+{
+    Cad.SetZoom(2);
+    TMyShape *marks[] = {
+        AddByCode(Cad, TDrawTool::SpLinkPoint, {{120, 66}, {128, 74}}, 0.5),
+        Cad.GetShapeByID(
+            Cad.AddShapeByCode2(TDrawTool::SpLineLinkLine, {}, {150, 10}, 20, 10, 0, 0, {})),
+        Cad.CreateAddShapeByName(QStringLiteral("TMyLinkPoint"), Box(300, 10, 310, 30))};
+    const TMyPoint centres[] = {{124, 70}, {160, 15}, {305, 20}};
+    for (int i = 0; i < 3; ++i) {
+        ASSERT_NE(marks[i], nullptr) << i;
+        const TMyPoint c = centres[i];
+        EXPECT_EQ(marks[i]->LinkPoints(), TMyPointArray{c}) << i;
+        auto *link = AddByCode<TMyLinkLine>(Cad, TDrawTool::SpLinkLine, {{0, 0}, {1, 1}});
+        EXPECT_TRUE(link->CreateSrcLink(marks[i]->ShapeId(), 0)) << i;
+        EXPECT_EQ(link->GetStartPoint(), (TMyPoint{2 * c.X, 2 * c.Y})) << i;
+    }
+}
+
 TEST_F(CadConnectors, LinkPointUnderTheMouseIsFoundAndHighlighted)
 {
     Cad.grab();

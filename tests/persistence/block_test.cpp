@@ -175,7 +175,6 @@ TEST(Block, LibraryEntryIsPlacedAsOneCombine)
     TMyCAD source;
     TMyShape *rect = test::AddByCode(source, TDrawTool::SpRectangle, {{10, 10}, {50, 30}});
     TMyShape *point = test::AddByCode(source, TDrawTool::SpLinkPoint, {{48, 18}, {52, 22}});
-    point->LinkPoints() = {{50, 20}};
     TUserData data;
     data.AddKeyandValue(QStringLiteral("part"), QStringLiteral("valve"));
     TLibManager lib;
