@@ -152,6 +152,13 @@ struct TTextSetUp
 
 // One TEXT per laid-out line: the insertion point is the left end of the line's baseline,
 // the height the font's character height, the rotation the shape's angle anticlockwise.
+//
+// The character height is taken in document pixels, like the points: text is drawn with
+// its point size as its pixel height at zoom 1 and grows with the zoom just as the geometry
+// does, so the point size, scaled to millimetres, keeps the text in proportion with the
+// shapes around it, at whatever zoom the file is written. The font's Height field is not
+// it: that is the size at the screen's resolution (a third more at 96 pixels per inch),
+// which the drawing never shows. The DXF reader takes the height back as the point size.
 void TDxfWriter::Text(const TMyText &text)
 {
     TTextSetUp setUp(text, m_Zoom);

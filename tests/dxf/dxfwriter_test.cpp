@@ -207,10 +207,14 @@ TEST_F(DxfWriter, EveryExportedClassExactly)
 
 // A text shape: one TEXT per line at the left end of the line's baseline, the font's
 // character height, the angle anticlockwise in degrees; SaveToDxf1 writes glyph outlines.
+// A 12-point font is drawn 12 pixels high at zoom 1, as a 12-pixel line is long: 3.175 mm
+// at any zoom, so that text keeps its size beside the geometry.
 TEST_F(DxfWriter, TextAsTextAndAsGlyphOutlines)
 {
     Add(TDrawTool::SpText, {{240, 96}, {480, 192}}, "Hi\nthere");
     TFont font = cad.GetShapeByNo(0)->Font();
+    font.SetSize(12);
+    cad.GetShapeByNo(0)->SetFont(font);
     QImage image(1, 1, QImage::Format_ARGB32);
     TCanvas canvas(&image);
     canvas.SelectLogFont(MakeScaledLogFont(canvas, font, 1, 0));
@@ -221,10 +225,10 @@ TEST_F(DxfWriter, TextAsTextAndAsGlyphOutlines)
     Expected e;
     e.Head("TEXT");
     e.Point(10, Mm(242), Mm(480 - (98 + ascent)));
-    e.Pairs({"40", Mm(font.Size()), "50", "0", "1", "Hi"});
+    e.Pairs({"40", "3.175", "50", "0", "1", "Hi"});
     e.Head("TEXT");
     e.Point(10, Mm(242), Mm(480 - (98 + lineHeight + ascent)));
-    e.Pairs({"40", Mm(font.Size()), "50", "0", "1", "there"});
+    e.Pairs({"40", "3.175", "50", "0", "1", "there"});
     EXPECT_EQ(lines.join(' ').toStdString(), e.Finish().join(' ').toStdString());
 
     // Turned by a quarter clockwise on screen: anticlockwise -90 degrees in the file.
@@ -246,6 +250,11 @@ TEST_F(DxfWriter, TextAsTextAndAsGlyphOutlines)
             const double y = 480 - glyphs[i + 3].toDouble() * 96 / 25.4;
             EXPECT_TRUE(x > 240 && x < 480 && y > 96 && y < 192) << x << ", " << y;
         }
+
+    // Not the 16 pixels the font is drawn with at zoom 1.3: the same 12 pixels of the drawing.
+    cad.SetZoom(1.3);
+    const QStringList zoomed = DxfLines(cad.DxfText(false));
+    EXPECT_EQ(zoomed.at(zoomed.indexOf("40") + 1).toStdString(), "3.175");
 }
 
 TEST_F(DxfWriter, FailedSaveKeepsOldFileAndSaysWhy)

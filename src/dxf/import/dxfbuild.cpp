@@ -561,6 +561,8 @@ TBuilder::TShapes TBuilder::Text(const TEntity &e, const QTransform &t)
     if (!(height >= 0.5) || !Finite(at) || !std::isfinite(height) || height > 1e5)
         return {};
     const double angle = std::atan2(dir.y(), dir.x());
+    // Text is drawn with its point size as its pixel height at zoom 1, so the height in
+    // document pixels is the size, as the writer has it.
     TFont font = m_Cad.Font();
     font.SetSize(std::int32_t(std::lround(height)));
     font.Color = ToColor(m_Style.Rgb);
