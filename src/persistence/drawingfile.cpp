@@ -332,7 +332,8 @@ void TMyCAD::ResetForLoad()
 }
 
 // Whatever was read completely replaces the drawing. Without a layer table nothing can
-// hold the shapes: the no-layer handler runs and the load fails.
+// hold the shapes: the no-layer handler runs and the load fails. The next free identities
+// follow what was read only when all of it was; a failed load leaves both counters.
 void TMyCAD::CommitLoadedDrawing(TLoadedDrawing &drawing)
 {
     ResetForLoad();
@@ -341,7 +342,6 @@ void TMyCAD::CommitLoadedDrawing(TLoadedDrawing &drawing)
     if (drawing.Layers) {
         m_Layers = std::move(*drawing.Layers);
         m_CurrentLayerId = drawing.CurrentLayerId;
-        m_LayerIdCounter = drawing.LayerIdCounter;
     }
     if (!drawing.Shapes.empty()) {
         if (m_Layers.empty()) {
@@ -353,7 +353,11 @@ void TMyCAD::CommitLoadedDrawing(TLoadedDrawing &drawing)
             m_Shapes = std::move(drawing.Shapes);
         }
     }
-    if (drawing.ShapeIdCounter && m_LastError.isEmpty())
+    if (!m_LastError.isEmpty())
+        return;
+    if (drawing.Layers)
+        m_LayerIdCounter = drawing.LayerIdCounter;
+    if (drawing.ShapeIdCounter)
         m_ShapeIdCounter = *drawing.ShapeIdCounter;
 }
 

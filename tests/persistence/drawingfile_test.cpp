@@ -189,17 +189,18 @@ TEST(DrawingFile, OlderBodiesHaveNoDrawingTagOrUserData)
 TEST(DrawingFile, FailuresKeepWhatWasReadAndSayWhy)
 {
     const Bytes start = Header().Append(Settings(10, 10)).I32(0).I32(0);
-    Bytes unknownClass = Bytes(start).I32(1).Text("L").I32(0).I32(1).I32(0).I32(2);
+    Bytes unknownClass = Bytes(start).I32(1).Text("L").I32(5).I32(1).I32(5).I32(2);
     unknownClass.Fixed("TMyRectangle", 16).Append(BaseRecord(Layout::XPj, 30));
     unknownClass.Fixed("TMyBogusShape", 16).Append(BaseRecord(Layout::XPj, 31));
     TMyCAD cad;
     cad.CreateAddShapeByName(QStringLiteral("TMyLine"));
-    const std::int32_t counter = cad.ShapeIdCounter();
+    const auto counters = std::tuple(cad.ShapeIdCounter(), cad.LayerIdCounter());
     EXPECT_FALSE(Load(cad, unknownClass));
     EXPECT_TRUE(cad.LastError().contains(QStringLiteral("TMyBogusShape")));
     ASSERT_EQ(cad.GetShapesCount(), 1);
-    EXPECT_EQ(std::tuple(cad.GetShapeByNo(0)->ShapeId(), cad.ShapeIdCounter(), cad.IsLoading()),
-              std::tuple(30, counter, false));
+    EXPECT_EQ(std::tuple(cad.GetShapeByNo(0)->ShapeId(), cad.Layers().size(), cad.IsLoading()),
+              std::tuple(30, 1u, false));
+    EXPECT_EQ(std::tuple(cad.ShapeIdCounter(), cad.LayerIdCounter()), counters);
 
     // Shapes without any layer: the no-layer handler runs and the load fails.
     int handlerCalls = 0;
