@@ -321,10 +321,12 @@ bool TMyCAD::LoadFromMemory(const char *data, std::int64_t size, TLoadFault faul
     return true;
 }
 
+// The undo history stays: a load that fails part-way keeps it (taking a step back then
+// finds its shapes by identity, and passes over those that are gone), and one that succeeds
+// clears it once everything is read.
 void TMyCAD::ResetForLoad()
 {
     SetLoading(true);
-    ClearAllUndoStuff();
     SetZoom(1.0);
     ClearWorkingShapes();
     DeleteAllShapes();

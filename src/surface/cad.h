@@ -430,9 +430,10 @@ public:
     // restored in the same step is renumbered to its new place; one that still exists takes
     // the shape back (a live group lists it again, a live top-level member rejoins it); one
     // that is gone is dropped (ParentNo -1, left out of the child list). A restored shape
-    // whose layer is gone joins the current layer. An ungrouping is taken back by grouping
-    // the former members that still exist under a new group with the old name and user
-    // data.
+    // whose layer is gone joins the current layer, and a changed shape whose recorded layer
+    // is gone keeps its own; while there is no layer at all, deleted shapes stay gone. An
+    // ungrouping is taken back by grouping the former members that still exist under a new
+    // group with the old name and user data.
     std::int32_t PopFromUndoRedoShapeList();
     void ClearAllUndoStuff();
     const std::vector<TUndoRecord> &UndoRedoShapeList() const { return m_UndoList; }

@@ -43,6 +43,14 @@ void ReplaceId(std::int32_t &id, std::int32_t from, std::int32_t to)
         id = to;
 }
 
+// A recorded layer that is gone since (merged away, or replaced by a load that failed)
+// would leave the shape on no layer, unseen and out of reach: it stays on the one it has.
+void KeepLayerIfGone(const TMyCAD &cad, TMyShape &live, std::int32_t layerNow)
+{
+    if (cad.GetLayerNoById(live.LayerId()) < 0)
+        live.SetLayerId(layerNow);
+}
+
 } // namespace
 
 // Everything a step must be able to give back. Assign carries geometry, appearance and
@@ -354,8 +362,10 @@ void TMyCAD::TakeBackChange(const TUndoRecord &record)
     auto *link = dynamic_cast<TMyLinkLine *>(live);
     const std::int32_t oldStart = link ? link->StartSpNo() : -1;
     const std::int32_t oldEnd = link ? link->EndSpNo() : -1;
+    const std::int32_t layer = live->LayerId();
 
     CopyWholeState(*live, *record.Copy);
+    KeepLayerIfGone(*this, *live, layer);
     live->SetParentNo(parent);
     live->ChildShapes() = children;
     live->LinkShapes() = links;
@@ -397,7 +407,9 @@ void TMyCAD::TakeBackPath(const TUndoRecord &record)
     const std::int32_t parent = live->ParentNo();
     const QString name = live->Name();
     const std::int32_t shapeNo = live->ShapeNo();
+    const std::int32_t layer = live->LayerId();
     CopyWholeState(*live, *record.Copy);
+    KeepLayerIfGone(*this, *live, layer);
     live->SetStartSpNo(ends[0]);
     live->SetStartSpPtId(ends[1]);
     live->SetEndSpNo(ends[2]);
@@ -490,6 +502,11 @@ void CutLoose(TMyShape &shape)
 
 void TMyCAD::RestoreShapes(const std::vector<const TUndoRecord *> &records)
 {
+    // With no layer (all deleted, or a load that failed before its layer table) nothing can
+    // hold the shapes: they stay gone, rather than take the program down through the
+    // no-layer handler for an undo.
+    if (m_Layers.empty())
+        return;
     // The shapes here now, by identity: a search of the list for every record would make
     // bringing back many shapes of a big drawing quadratic.
     const TShapesById present = ShapesById();

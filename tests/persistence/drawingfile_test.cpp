@@ -186,31 +186,84 @@ TEST(DrawingFile, OlderBodiesHaveNoDrawingTagOrUserData)
               std::tuple(0, 2, 8));
 }
 
+// A load that fails keeps what it read, but neither its next free identities nor the end
+// of the undo history: every step recorded before it can still be taken back, on shapes
+// found by identity, and the document stays sound after each.
 TEST(DrawingFile, FailuresKeepWhatWasReadAndSayWhy)
 {
-    const Bytes start = Header().Append(Settings(10, 10)).I32(0).I32(0);
-    Bytes unknownClass = Bytes(start).I32(1).Text("L").I32(5).I32(1).I32(5).I32(2);
-    unknownClass.Fixed("TMyRectangle", 16).Append(BaseRecord(Layout::XPj, 30));
-    unknownClass.Fixed("TMyBogusShape", 16).Append(BaseRecord(Layout::XPj, 31));
     TMyCAD cad;
-    cad.CreateAddShapeByName(QStringLiteral("TMyLine"));
-    const auto counters = std::tuple(cad.ShapeIdCounter(), cad.LayerIdCounter());
+    TMyShape *a = test::AddRectangle(cad, 0, 0, 10, 10);
+    TMyShape *b = test::AddRectangle(cad, 20, 0, 30, 10);
+    TMyShape *c = test::AddRectangle(cad, 40, 0, 50, 10);
+    const TMyPointArray cPoints = c->Points();
+    TMyShape *const ab[] = {a, b};
+    TMyShape *group = cad.GetShapeByID(cad.GroupShapes(ab, true));
+    TMyShape *const one[] = {c};
+    cad.PushtoUndoRedoShapeList(one, 0, ACT_CHANGE);
+    c->DragChangeValuedxdy(5, 5);
+    ASSERT_TRUE(cad.DeleteShapeById(2, true));
+    cad.SendToBack(group, true);
+    const std::size_t records = cad.UndoRedoShapeList().size();
+    ASSERT_EQ(test::StepCount(cad), 7);
+    ASSERT_EQ(std::tuple(cad.ShapeIdCounter(), cad.LayerIdCounter()), std::tuple(4, 1));
+
+    // Layer 5, then a rectangle sharing B's identity, one of identity 7, and a class no one
+    // knows.
+    TMyCAD source;
+    test::AddRectangle(source, 100, 100, 110, 110);
+    test::AddRectangle(source, 100, 100, 110, 110);
+    for (const std::int32_t no : {0, 1}) {
+        source.GetShapeByNo(no)->SetShapeId(no == 0 ? 1 : 7);
+        source.GetShapeByNo(no)->SetLayerId(5);
+    }
+    const Bytes start = Header().Append(Settings(10, 10)).I32(0).I32(0);
+    Bytes unknownClass = Bytes(start).I32(1).Text("L").I32(5).I32(1).I32(5).I32(3);
+    for (const std::int32_t no : {0, 1})
+        unknownClass.Fixed("TMyRectangle", 16).Raw(test::Saved(*source.GetShapeByNo(no)));
+    unknownClass.Fixed("TMyBogusShape", 16).Append(BaseRecord(Layout::XPj, 31));
     EXPECT_FALSE(Load(cad, unknownClass));
     EXPECT_TRUE(cad.LastError().contains(QStringLiteral("TMyBogusShape")));
-    ASSERT_EQ(cad.GetShapesCount(), 1);
-    EXPECT_EQ(std::tuple(cad.GetShapeByNo(0)->ShapeId(), cad.Layers().size(), cad.IsLoading()),
-              std::tuple(30, 1u, false));
-    EXPECT_EQ(std::tuple(cad.ShapeIdCounter(), cad.LayerIdCounter()), counters);
+    EXPECT_EQ(std::tuple(test::IdAt(cad, 0), test::IdAt(cad, 1), cad.GetShapesCount(),
+                         cad.Layers().size(), cad.IsLoading()),
+              std::tuple(1, 7, 2, 1u, false));
+    EXPECT_EQ(
+        std::tuple(cad.ShapeIdCounter(), cad.LayerIdCounter(), cad.UndoRedoShapeList().size()),
+        std::tuple(4, 1, records));
+    // Newest first: the reordering finds no group 3; the deletion brings C back on the
+    // current layer (its own is gone), and the change gives it its old points but keeps
+    // that layer; the grouping finds no group 3 either; taking back the additions removes C
+    // and the loaded shape that has B's identity.
+    for (int step = 6; step >= 0; --step) {
+        EXPECT_EQ(cad.PopFromUndoRedoShapeList(), step - 1);
+        EXPECT_TRUE(test::RelationsValid(cad)) << step;
+        EXPECT_TRUE(test::IdsAgreeWithTheScan(cad)) << step;
+        if (step == 4) {
+            const TMyShape *back = cad.GetShapeByID(2);
+            ASSERT_NE(back, nullptr);
+            EXPECT_EQ(std::tuple(back->LayerId(), back->Points(), cad.GetShapesCount()),
+                      std::tuple(5, cPoints, 3));
+        }
+    }
+    EXPECT_EQ(std::tuple(test::IdAt(cad, 0), cad.GetShapesCount(), cad.UndoRedoShapeList().size()),
+              std::tuple(7, 1, 0u));
 
-    // Shapes without any layer: the no-layer handler runs and the load fails.
+    // Shapes without any layer: the no-layer handler runs and the load fails. The drawing
+    // is left with no layer, so a deletion taken back cannot bring its shape back; it
+    // leaves it gone rather than ask the handler once more.
     int handlerCalls = 0;
     const auto previous = TMyCAD::SetNoLayerHandler([&handlerCalls](TMyCAD *) { ++handlerCalls; });
     const Bytes noLayer = Bytes(start).I32(0).I32(0).I32(1).Fixed("TMyLine", 16);
     TMyCAD bare;
+    test::AddRectangle(bare, 0, 0, 10, 10);
+    ASSERT_TRUE(bare.DeleteShapeById(0, true));
     EXPECT_FALSE(Load(bare, Arrows(Bytes(noLayer).Append(BaseRecord(Layout::XPj)))));
+    EXPECT_EQ(std::tuple(handlerCalls, bare.GetShapesCount(), test::StepCount(bare)),
+              std::tuple(1, 0, 2));
+    EXPECT_FALSE(bare.LastError().isEmpty());
+    EXPECT_EQ(bare.PopFromUndoRedoShapeList(), 0);
+    EXPECT_EQ(bare.PopFromUndoRedoShapeList(), -1);
     TMyCAD::SetNoLayerHandler(previous);
     EXPECT_EQ(std::tuple(handlerCalls, bare.GetShapesCount()), std::tuple(1, 0));
-    EXPECT_FALSE(bare.LastError().isEmpty());
 }
 
 TEST(DrawingFile, FilesAreCheckedBeforeLoadingAndReplacedOnlyWhenComplete)
