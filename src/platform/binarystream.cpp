@@ -68,6 +68,16 @@ void BinaryStream::RequireBytes(std::int64_t count, std::int64_t elementSize) co
         throw TStreamError("count " + std::to_string(count) + " exceeds remaining bytes");
 }
 
+void BinaryStream::RequireUnbacked(std::int64_t count, std::int64_t elementSize)
+{
+    const std::int64_t left = UnbackedAllowance - m_Unbacked;
+    if (count < 0 || (elementSize > 0 && count > left / elementSize))
+        throw TStreamError("count " + std::to_string(count) + " before offset " +
+                           std::to_string(Pos()) +
+                           " asks for more elements than one read may make without stored bytes");
+    m_Unbacked += count * elementSize;
+}
+
 void BinaryStream::ReadRaw(void *data, std::int64_t count)
 {
     if (count <= 0)

@@ -59,6 +59,14 @@ public:
     // Throws TStreamError unless count elements of elementSize bytes can still be read; call
     // it before allocating storage for a count read from a file. A negative count fails too.
     void RequireBytes(std::int64_t count, std::int64_t elementSize) const;
+    // Some old layouts store a count without its elements, and the reader makes that many
+    // from nothing, so the bytes left cannot bound it. What such counts claim is drawn from
+    // an allowance of UnbackedAllowance bytes shared by everything read through the stream:
+    // far beyond any real file, yet it keeps a few hostile bytes from asking for gigabytes.
+    // Throws TStreamError, before anything is allocated, when count elements of elementSize
+    // bytes would overdraw it. A negative count fails too.
+    void RequireUnbacked(std::int64_t count, std::int64_t elementSize);
+    static constexpr std::int64_t UnbackedAllowance = std::int64_t(32) << 20;
 
     std::int8_t ReadInt8();
     std::uint8_t ReadUInt8();
@@ -107,6 +115,7 @@ private:
     QByteArray *m_Out = nullptr;
     char *m_OutData = nullptr; // m_Out's bytes, valid up to m_OutEnd
     std::int64_t m_OutEnd = 0;
+    std::int64_t m_Unbacked = 0; // bytes of the allowance drawn so far
 };
 
 // The x87 extended encoding on its own, for callers that hold the bytes already.

@@ -161,6 +161,34 @@ TEST(ShapeRecords, OldestLayoutHasNoCoordinatesTagOrAngle)
     EXPECT_EQ(rect->Caption(), QStringLiteral("Cap"));
     EXPECT_EQ(rect->Pen().Color, 0x445566u);
 
+    // Only the counts are stored, so they may run far past the bytes that follow. What
+    // they make from nothing is bounded per stream: one count beyond that, or two that
+    // together overdraw it, are refused before anything is allocated.
+    const QByteArray record = BaseRecord(Layout::XP2);
+    const qsizetype counts = 10 + 16 + 12 + 8;
+    ASSERT_EQ(record.mid(counts, 8), Bytes().I32(4).I32(1).Data());
+    auto withCounts = [&](std::int32_t points, std::int32_t linkPoints) {
+        return QByteArray(record).replace(counts, 8, Bytes().I32(points).I32(linkPoints).Data());
+    };
+    auto many = Make<TMyRectangle>(cad, "TMyRectangle");
+    EXPECT_TRUE(test::LoadAll(*many, withCounts(5000, 3000)));
+    EXPECT_EQ(std::tuple(many->Points(), many->LinkPoints().size(), many->Caption()),
+              std::tuple(TMyPointArray(5000), 3000u, QStringLiteral("Cap")));
+    constexpr std::int32_t half = BinaryStream::UnbackedAllowance / sizeof(TMyPoint) / 2;
+    EXPECT_TRUE(test::LoadAll(*many, withCounts(half, half)));
+    EXPECT_EQ(many->GetPointsCount(), half);
+    for (const auto &[points, linkPoints] :
+         {std::pair(INT32_MAX, 1), std::pair(half, half + 1), std::pair(-5, INT32_MAX)}) {
+        try {
+            test::LoadAll(*Make<TMyRectangle>(cad, "TMyRectangle"), withCounts(points, linkPoints));
+            ADD_FAILURE() << points << ", " << linkPoints;
+        } catch (const TStreamError &e) {
+            EXPECT_TRUE(QString::fromLatin1(e.what()).startsWith(
+                QStringLiteral("count %1 ").arg(std::max(points, linkPoints))))
+                << e.what();
+        }
+    }
+
     // A version no reader knows has only the fields every version has.
     TMyCAD other;
     other.SetDiskFileVersion(QStringLiteral("xp.j"));

@@ -5,6 +5,7 @@
 
 #include <tessal/platform/streamprimitives.h>
 
+#include <algorithm>
 #include <array>
 #include <numbers>
 #include <utility>
@@ -67,9 +68,12 @@ void WritePoints(BinaryStream &stream, const TMyPointArray &points)
 void ReadPoints(BinaryStream &stream, TMyPointArray &points, V version)
 {
     if (!HasSince(version, V::XP3)) {
-        // Nothing in the stream backs these points, so only the bytes that follow bound
-        // their count: a larger count cannot come from a sound file.
-        points.assign(std::size_t(ReadCount(stream, 1)), TMyPoint{});
+        // Only the count is stored: it is taken as it stands, however far it runs past the
+        // bytes that follow, and the points are made as zeros. The stream's allowance for
+        // elements without bytes behind them is all that bounds it.
+        const std::int32_t count = std::max(stream.ReadInt32(), 0);
+        stream.RequireUnbacked(count, sizeof(TMyPoint));
+        points.assign(std::size_t(count), TMyPoint{});
         return;
     }
     const bool extended = version <= V::XP5;
