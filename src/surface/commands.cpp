@@ -5,6 +5,7 @@
 #include <tessal/surface/grouping_p.h>
 #include <tessal/surface/spatialindex_p.h>
 
+#include <tessal/geometry/geometry.h>
 #include <tessal/shapes/link.h>
 #include <tessal/shapes/rectangle.h>
 #include <tessal/shapes/shape.h>
@@ -508,8 +509,16 @@ float TMyCAD::Tilt(TMyShape *shape, TMyPoint centre, TMyPoint from, TMyPoint to,
     return float(angle);
 }
 
+// Announced as Rotate announces a turn: before it, with the angle the shape will have.
 void TMyCAD::RotateChangeValueforShapes(TMyShape *shape, TMyPoint centre, double angle)
 {
+    if (!shape)
+        return;
+    if (m_OnShapeCodeRotating) {
+        float to = float(shape->Angle() + angle);
+        RecaclinRad(to);
+        m_OnShapeCodeRotating(this, shape, to);
+    }
     RotateTree(shape, centre, angle, 0);
     ShapeGeometryChanged(shape);
     Invalidate();

@@ -392,9 +392,11 @@ TEST(Commands, RotateAndTiltTurnShapesWithMembers)
     TMyShape *const qr[] = {q, r};
     TMyShape *g = cad.GetShapeByID(cad.GroupShapes(qr, false));
     const std::int32_t steps = StepCount(cad);
+    seen.clear();
     const float angle = cad.Tilt(g, {0, 0}, {10, 0}, {10, 10}, false);
     const float h = float(std::numbers::sqrt2 / 2);
     EXPECT_FLOAT_EQ(angle, float(std::numbers::pi / 4));
+    EXPECT_EQ(seen, (std::vector<float>{0, angle})); // announced before, as Rotate does
     ExpectNear(q->Points(), {{10 * h, 10 * h}, {12 * h, 12 * h}});
     ExpectNear(r->Points(), {{3 * h, -3 * h}, {5 * h, -5 * h}});
     EXPECT_FLOAT_EQ(g->Angle(), float(std::numbers::pi / 4));
