@@ -258,7 +258,10 @@ void TMyCAD::Align(std::int32_t edge)
         own.Add(*shape);
         if (own.IsEmpty())
             continue;
+        // Announced as every move by code is, in zoomed pixels, before it is made.
         const TMyPoint d = AlignOffset(edge, own, all);
+        if (m_OnShapeCodeDragging)
+            m_OnShapeCodeDragging(this, shape, d.X * zoom, d.Y * zoom);
         MoveTree(shape, d.X * zoom, d.Y * zoom, 0);
     }
     for (TMyShape *shape : shapes)

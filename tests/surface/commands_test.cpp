@@ -159,9 +159,20 @@ TEST(Commands, AlignmentsMoveBoxesOntoTheCommonBox)
          {50, -5, 55, 30}},
     };
     const std::int32_t steps = StepCount(cad);
+    // Each move is announced before it is made, in zoomed pixels.
+    cad.SetZoom(2);
+    std::vector<TMyPoint> announced; // where each shape's box is to go
+    cad.SetOnShapeCodeDragging([&announced](TMyCAD *, TMyShape *shape, double dx, double dy) {
+        const TMyRect r = Box(shape);
+        announced.push_back({r.Left + float(dx / 2), r.Top + float(dy / 2)});
+    });
     for (const TCase &c : cases) {
         cad.SetWorkingShapes(all);
+        announced.clear();
         (cad.*c.Command)();
+        EXPECT_EQ(announced,
+                  (std::vector<TMyPoint>{
+                      {c.R1.Left, c.R1.Top}, {c.R2.Left, c.R2.Top}, {c.R3.Left, c.R3.Top}}));
         EXPECT_EQ(Box(r1), c.R1);
         EXPECT_EQ(Box(r2), c.R2);
         EXPECT_EQ(Box(r3), c.R3);
