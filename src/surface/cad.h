@@ -407,8 +407,10 @@ public:
         QString Action;
         std::int32_t ParentId = -1;
         std::vector<std::int32_t> ChildIds;
-        // A deleted shape that comes back at its recorded list place (Copy's ShapeNo), not
-        // after the present shapes: set by commands that replace shapes (RecordEdit).
+        // The shape's place in the list when recorded. A deleted shape that comes back at
+        // that place, not after the present shapes: set by commands that replace shapes
+        // (RecordEdit).
+        std::int32_t Place = -1;
         bool AtPlace = false;
         // For a connector: the identities of the shapes its ends were bound to (-1: free).
         std::int32_t StartId = -1;

@@ -232,7 +232,7 @@ void TMyCAD::RenumberRelations(const std::function<std::int32_t(std::int32_t)> &
             __builtin_prefetch(&ahead->ChildShapes());
         }
         TMyShape *shape = m_Shapes[i].get();
-        shape->SetShapeNo(std::int32_t(i));
+        shape->SetListPlace(std::int32_t(i));
         if (shape->ParentNo() >= 0)
             shape->SetParentNo(std::max(map(shape->ParentNo()), -1));
         remap(shape->ChildShapes());

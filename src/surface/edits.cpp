@@ -416,8 +416,6 @@ bool TMyCAD::InsertShape(TMyShape *shape, std::int32_t no, bool noIdCount)
         std::rotate(m_Shapes.begin() + no, m_Shapes.end() - 1, m_Shapes.end());
         RenumberRelations([no, count](std::int32_t n) { return n >= no && n < count ? n + 1 : n; });
         ShapesRenumbered();
-    } else {
-        shape->SetShapeNo(count);
     }
     return true;
 }
@@ -437,7 +435,7 @@ TMyShape *TMyCAD::ReplaceShapeObject(std::int32_t no, std::unique_ptr<TMyShape> 
     ForgetShape(old);
     m_Shapes[std::size_t(no)] = std::move(shape);
     ShapesRenumbered();
-    now->SetShapeNo(no);
+    now->SetListPlace(no);
     if (place >= 0)
         m_WorkingShapes.insert(m_WorkingShapes.begin() + place, now);
     if (current)

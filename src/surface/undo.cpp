@@ -34,7 +34,7 @@ bool IsKnownAction(const QString &action)
 // Where a deleted shape goes back: its recorded place, or after everything.
 std::int32_t RestorePlace(const TMyCAD::TUndoRecord &record)
 {
-    return record.AtPlace ? record.Copy->ShapeNo() : std::numeric_limits<std::int32_t>::max();
+    return record.AtPlace ? record.Place : std::numeric_limits<std::int32_t>::max();
 }
 
 void ReplaceId(std::int32_t &id, std::int32_t from, std::int32_t to)
@@ -88,7 +88,7 @@ void TMyCAD::RecordShape(TMyShape *shape, std::int32_t step, const QString &acti
     if (!record.Copy)
         return;
     CopyWholeState(*record.Copy, *shape);
-    record.Copy->SetShapeNo(GetShapeNoInMyShapes(shape));
+    record.Place = GetShapeNoInMyShapes(shape);
     // Connectors are not brought back with the shapes they were bound to.
     record.Copy->LinkShapes().clear();
     record.Step = step;
@@ -518,7 +518,6 @@ void TMyCAD::RestoreShapes(const std::vector<const TUndoRecord *> &records)
         CopyWholeState(*shape, *record->Copy);
         shape->SetName(record->ShapeName);
         CutLoose(*shape);
-        shape->SetShapeNo(GetShapesCount());
         if (GetLayerNoById(shape->LayerId()) < 0)
             shape->SetLayerId(m_CurrentLayerId);
         const bool added = record->AtPlace ? InsertShape(shape.get(), RestorePlace(*record), true)
@@ -530,20 +529,19 @@ void TMyCAD::RestoreShapes(const std::vector<const TUndoRecord *> &records)
     RelateRestored(todo, restored, present);
 }
 
-// Insertions keep every ShapeNo equal to its list place. Relations name identities; of
-// shapes that share one, the first restored answers. A restored member joins its group
+// Relations name identities; of shapes that share one, the first restored answers. A restored member joins its group
 // itself, so that members of one identity are each listed once.
 void TMyCAD::RelateRestored(const std::vector<const TUndoRecord *> &records,
                             const std::vector<TMyShape *> &restored, const TShapesById &present)
 {
     std::unordered_map<std::int32_t, std::int32_t> newNo;
     for (const TMyShape *shape : restored)
-        newNo.emplace(shape->ShapeId(), shape->ShapeNo());
+        newNo.emplace(shape->ShapeId(), GetShapeNoInMyShapes(shape));
     std::unordered_set<TMyShape *> joined; // groups that gained members
     for (std::size_t k = 0; k < restored.size(); ++k) {
         const TUndoRecord *record = records[k];
         TMyShape *shape = restored[k];
-        const std::int32_t no = shape->ShapeNo();
+        const std::int32_t no = GetShapeNoInMyShapes(shape);
         const auto it = newNo.find(record->ParentId);
         TMyShape *parent =
             it != newNo.end() ? GetShapeByNo(it->second) : present.Find(record->ParentId);

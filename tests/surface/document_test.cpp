@@ -222,7 +222,9 @@ TEST(Document, DeletionRenumbersRelations)
     EXPECT_EQ(Ends(m), (std::array{1, 0, 2, 1}));
     EXPECT_EQ(d->LinkShapes(), (std::vector<std::int32_t>{4, 5}));
     EXPECT_EQ(c->LinkShapes(), (std::vector<std::int32_t>{5}));
-    EXPECT_EQ(e->ShapeNo(), 6);
+    // E keeps the number it was made with, which its record stores; its place is 6.
+    EXPECT_EQ(e->ShapeNo(), 7);
+    EXPECT_EQ(cad.GetShapeNoInMyShapes(e), 6);
     EXPECT_TRUE(RelationsValid(cad));
 
     // The group goes with its members; M lets go of C and stays.

@@ -118,8 +118,9 @@ inline std::map<std::int32_t, TShapeState> Snapshot(const TMyCAD &cad)
     return states;
 }
 
-// Every number is a list position: ShapeNo, parents and child lists agree both ways, child
-// lists ascend, and a connector is listed by exactly the shapes its ends are bound to.
+// Every relation names a list position: parents and child lists agree both ways, child lists
+// ascend, and a connector is listed by exactly the shapes its ends are bound to. (ShapeNo
+// is where a shape was made, not a position.)
 inline ::testing::AssertionResult RelationsValid(const TMyCAD &cad)
 {
     const std::int32_t n = cad.GetShapesCount();
@@ -128,8 +129,6 @@ inline ::testing::AssertionResult RelationsValid(const TMyCAD &cad)
         const auto fail = [&](const char *what) {
             return ::testing::AssertionFailure() << what << " at shape " << no;
         };
-        if (shape->ShapeNo() != no)
-            return fail("ShapeNo differs from position");
         if (const TMyShape *parent = cad.GetShapeByNo(shape->ParentNo())) {
             const auto &siblings = parent->ChildShapes();
             if (std::find(siblings.begin(), siblings.end(), no) == siblings.end())
