@@ -529,8 +529,9 @@ void TMyCAD::RestoreShapes(const std::vector<const TUndoRecord *> &records)
     RelateRestored(todo, restored, present);
 }
 
-// Relations name identities; of shapes that share one, the first restored answers. A restored member joins its group
-// itself, so that members of one identity are each listed once.
+// Relations name identities; of shapes that share one, the first restored answers. A
+// restored member joins its group itself, so that members of one identity are each listed
+// once.
 void TMyCAD::RelateRestored(const std::vector<const TUndoRecord *> &records,
                             const std::vector<TMyShape *> &restored, const TShapesById &present)
 {
