@@ -22,6 +22,15 @@ TDxfWriter::TDxfWriter(double controlHeight, double zoom, bool glyphs)
     Pair(2, "ENTITIES");
 }
 
+bool TDxfWriter::Drain(QIODevice &device, qsizetype atLeast)
+{
+    if (m_Out.size() < atLeast)
+        return true;
+    const bool written = device.write(m_Out) == m_Out.size();
+    m_Out.truncate(0); // the buffer is kept for the next piece
+    return written;
+}
+
 QByteArray TDxfWriter::Finish()
 {
     Pair(0, "ENDSEC");
@@ -126,54 +135,56 @@ QByteArray TMyCAD::DxfText(bool glyphs) const
 
 namespace {
 
-bool WriteDxfFile(const QString &fileName, const QByteArray &data, QString &error)
-{
-    QSaveFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly) || file.write(data) != data.size() || !file.commit()) {
-        error = QStringLiteral("%1: %2").arg(fileName, file.errorString());
-        return false;
-    }
-    error.clear();
-    return true;
-}
-
 // A report every this many shapes keeps the handler's cost out of sight.
 constexpr std::int32_t ProgressStep = 4096;
+// The text goes to the file in pieces of about this many bytes.
+constexpr qsizetype PieceSize = qsizetype(1) << 18;
 
-// The text of DxfText, reporting progress per shape through OnProgress; empty, with
-// cancelled set, when the handler cancels.
-QByteArray DxfTextWithProgress(const TMyCAD &cad, bool glyphs, bool &cancelled)
+enum class TWritten { Complete, Cancelled, Failed };
+
+// The file's text written to file as it is made, with progress per shape through
+// OnProgress, which may cancel.
+TWritten WriteDxf(const TMyCAD &cad, bool glyphs, QIODevice &file)
 {
-    cancelled = false;
     const std::int32_t count = cad.GetShapesCount();
-    auto report = [&](std::int32_t done) {
+    auto report = [&cad, count](std::int32_t done) {
+        bool cancelled = false;
         if (cad.OnProgress())
             cad.OnProgress()(const_cast<TMyCAD *>(&cad), done, count, cancelled);
         return !cancelled;
     };
     if (!report(0))
-        return {};
+        return TWritten::Cancelled;
     TDxfWriter writer(cad.height(), cad.Zoom(), glyphs);
     for (std::int32_t i = 0; i < count; ++i) {
         writer.WriteShape(*cad.GetShapeByNo(i));
+        if (!writer.Drain(file, PieceSize))
+            return TWritten::Failed;
         if ((i + 1) % ProgressStep == 0 && !report(i + 1))
-            return {};
+            return TWritten::Cancelled;
     }
     if (!report(count))
-        return {};
-    return writer.Finish();
+        return TWritten::Cancelled;
+    const QByteArray rest = writer.Finish();
+    return file.write(rest) == rest.size() ? TWritten::Complete : TWritten::Failed;
 }
 
-// The whole text is made before the file is touched, so a cancel leaves the file as it was;
-// then it goes through a temporary file that replaces the old one only when complete.
+// The text goes to a temporary file that replaces the old one only when complete, so that
+// a cancel or a failed write leaves the old file as it was.
 bool SaveDxf(TMyCAD &cad, bool glyphs, const QString &fileName)
 {
-    bool cancelled = false;
-    const QByteArray text = DxfTextWithProgress(cad, glyphs, cancelled);
-    QString error;
-    const bool ok = !cancelled && WriteDxfFile(fileName, text, error);
-    cad.SetLastDxfError(cancelled ? QStringLiteral("%1: cancelled").arg(fileName) : error);
-    return ok;
+    QSaveFile file(fileName);
+    const TWritten written =
+        file.open(QIODevice::WriteOnly) ? WriteDxf(cad, glyphs, file) : TWritten::Failed;
+    if (written == TWritten::Complete && file.commit()) {
+        cad.SetLastDxfError({});
+        return true;
+    }
+    const QString reason =
+        written == TWritten::Cancelled ? QStringLiteral("cancelled") : file.errorString();
+    file.cancelWriting();
+    cad.SetLastDxfError(QStringLiteral("%1: %2").arg(fileName, reason));
+    return false;
 }
 
 } // namespace

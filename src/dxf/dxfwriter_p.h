@@ -12,6 +12,8 @@
 #include <cstdint>
 #include <span>
 
+class QIODevice;
+
 namespace tessal {
 
 class TMyShape;
@@ -27,6 +29,10 @@ public:
 
     // The file for the shapes in drawing order: SECTION ENTITIES, the entities, ENDSEC, EOF.
     void WriteShape(const TMyShape &shape);
+    // Hands the text made so far to device once it holds at least atLeast bytes, so that the
+    // file of a big drawing is never held whole; false when the device took less.
+    bool Drain(QIODevice &device, qsizetype atLeast);
+    // The end of the file appended to what has not been drained.
     QByteArray Finish();
 
 private:
