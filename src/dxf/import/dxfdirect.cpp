@@ -140,7 +140,6 @@ void TDirectEntity::Add(int code, std::string_view value)
     case 10:
         if (vertices) {
             e.Points.emplace_back(ToReal(value), 0);
-            e.Bulges.push_back(0);
         } else {
             m_First.setX(ToReal(value));
         }
@@ -163,8 +162,8 @@ void TDirectEntity::Add(int code, std::string_view value)
     case 42:
         if (!vertices)
             m_Bulge = ToReal(value);
-        else if (!e.Bulges.empty())
-            e.Bulges.back() = ToReal(value);
+        else
+            SetLastBulge(e, ToReal(value));
         break;
     case 50:
         e.Start = ToReal(value);

@@ -46,7 +46,7 @@ struct TEntity
     std::string Type; // the DXF entity name, for the report
     TStyle Style;
     std::vector<QPointF> Points;
-    std::vector<double> Bulges;
+    std::vector<double> Bulges; // per point, up to the last that is not zero
     std::vector<double> Weights;
     std::vector<double> Knots;
     std::vector<std::vector<QPointF>> Loops;
@@ -65,6 +65,16 @@ struct TEntity
     std::int32_t Cols = 1, Rows = 1;
     QPointF Spacing;
 };
+
+// Gives the last point of e its bulge. Most polylines have no arcs, so bulges are kept only up
+// to the last one that is not zero; the points after it have none.
+inline void SetLastBulge(TEntity &e, double bulge)
+{
+    if (e.Points.empty() || (bulge == 0 && e.Bulges.size() < e.Points.size()))
+        return;
+    e.Bulges.resize(e.Points.size(), 0.0);
+    e.Bulges.back() = bulge;
+}
 
 // A deque: entities are large, and a growing deque never moves the ones it holds.
 using TEntities = std::deque<TEntity>;

@@ -161,8 +161,9 @@ public:
             return;
         if (!m_Pending || m_Target->empty() || m_Target->back().Kind != TKind::Polyline)
             return;
-        m_Target->back().Points.push_back(at);
-        m_Target->back().Bulges.push_back(bulge);
+        TEntity &e = m_Target->back();
+        e.Points.push_back(at);
+        SetLastBulge(e, bulge);
     }
     // 16: polygon mesh, 64: polyface mesh.
     static constexpr std::int32_t MeshFlags = 16 | 64;
