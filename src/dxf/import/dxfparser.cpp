@@ -330,6 +330,10 @@ private:
             e.FitOnly = true;
         }
         m_FitPoints.clear();
+        // It grew point by point: what the vectors reserved beyond that is given back, which
+        // for a drawing of many polylines is a good part of the whole model.
+        e.Points.shrink_to_fit();
+        e.Bulges.shrink_to_fit();
     }
 
     void Skip(const char *type, const char *reason)
