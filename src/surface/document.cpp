@@ -119,10 +119,7 @@ void TMyCAD::ForgetPlaces() const
 // listed shape knows its place; looking further would search the list for every shape made.
 void TMyCAD::ShapeIdChanged(TMyShape &shape)
 {
-    const auto holds = [this, &shape](std::int32_t no) {
-        return no >= 0 && no < GetShapesCount() && m_Shapes[std::size_t(no)].get() == &shape;
-    };
-    if (holds(shape.ListPlace()) || holds(shape.ShapeNo()))
+    if (Grouping::HintedPlace(m_Shapes, &shape) >= 0)
         ForgetPlaces();
 }
 
@@ -131,18 +128,26 @@ std::int32_t TMyCAD::GetShapeNoInMyShapes(const TMyShape *shape) const
     return Grouping::PlaceOf(m_Shapes, shape);
 }
 
-std::int32_t Grouping::PlaceOf(const TShapeList &list, const TMyShape *shape)
+std::int32_t Grouping::HintedPlace(const TShapeList &list, const TMyShape *shape)
 {
-    if (!shape)
-        return -1;
     const auto holds = [&list, shape](std::int32_t no) {
         return no >= 0 && std::size_t(no) < list.size() && list[std::size_t(no)].get() == shape;
     };
-    // The place hint, or the number, which is the place for every shape the surface numbered.
+    // The place hint, or the number, which is the place of a shape appended since the last
+    // deletion or reorder.
     if (holds(shape->ListPlace()))
         return shape->ListPlace();
     if (holds(shape->ShapeNo()))
         return shape->ShapeNo();
+    return -1;
+}
+
+std::int32_t Grouping::PlaceOf(const TShapeList &list, const TMyShape *shape)
+{
+    if (!shape)
+        return -1;
+    if (const std::int32_t hinted = HintedPlace(list, shape); hinted >= 0)
+        return hinted;
     // A detached shape costs a search that reads no shape. A listed one means that hints are
     // out of date, most likely all of them (shapes added or read with numbers of their own):
     // one pass mends every hint, rather than a search for each shape asked for next.

@@ -19,9 +19,12 @@ namespace Grouping {
 
 using TShapeList = std::vector<std::unique_ptr<TMyShape>>;
 
-// The place of shape in list: its ShapeNo when that place holds it, else found by a search;
+// The place of shape in list: where its hints say when that place holds it, else found by a
+// search (which mends every hint);
 // -1 for a shape that is not in the list.
 std::int32_t PlaceOf(const TShapeList &list, const TMyShape *shape);
+// The shape's place when its hints (list place, number) name it, else -1; never searches.
+std::int32_t HintedPlace(const TShapeList &list, const TMyShape *shape);
 // Follows ParentNo up to the shape that has no parent; nullptr for nullptr.
 TMyShape *RootOf(const TShapeList &list, TMyShape *shape);
 // The roots of those shapes that are in the list, each once, in order of the shapes, and
