@@ -124,7 +124,8 @@ void MainWindow::CreateDocks()
 {
     auto *layers = new QDockWidget(tr("Layers"), this);
     layers->setObjectName(QStringLiteral("layersDock"));
-    m_Layers = new TLayersPanel(m_Cad, [this] { NoteChange(); });
+    // Layer changes record no undo step; they change the drawing all the same.
+    m_Layers = new TLayersPanel(m_Cad, [this] { LayersChanged(); });
     layers->setWidget(m_Layers);
     addDockWidget(Qt::RightDockWidgetArea, layers);
 
@@ -139,6 +140,7 @@ void MainWindow::CreateDocks()
         NoteChange();
         ShowZoom(); // the surface's Zoom is one of the properties
     });
+    connect(m_Inspector, &TComponentInspector::LayersEdited, this, &MainWindow::LayersChanged);
     inspector->setWidget(m_Inspector);
     addDockWidget(Qt::RightDockWidgetArea, inspector);
 
@@ -277,6 +279,12 @@ void MainWindow::NoteChange()
     m_Layers->Refresh();
     UpdateTitle();
     UpdateActions();
+}
+
+void MainWindow::LayersChanged()
+{
+    m_Cad->SetModified(true);
+    NoteChange();
 }
 
 QString MainWindow::UndoText() const

@@ -82,6 +82,8 @@ public:
     void SelectAll();
     // Checks whether the drawing changed since the last look and updates title and actions.
     void NoteChange();
+    // The layer table changed (layers record no undo step): the drawing is modified.
+    void LayersChanged();
 
 protected:
     void closeEvent(QCloseEvent *event) override;

@@ -113,8 +113,11 @@ void TComponentInspector::EditLayers()
     dialog.SetReorderable(false);
     if (dialog.exec() != QDialog::Accepted)
         return;
+    const std::vector<TLayer> before = m_Surface->Layers();
     const QStringList problems = ApplyLayers(dialog.Items());
     Refresh();
+    if (before != m_Surface->Layers())
+        emit LayersEdited();
     m_Grid->ShowMessage(problems.join(QLatin1Char('\n')));
 }
 
@@ -125,29 +128,50 @@ QStringList TComponentInspector::ApplyLayers(const std::vector<TCollectionDialog
     for (const auto &item : items)
         if (item.Data.isValid() && m_Surface->GetLayerNoById(item.Data.toInt()) >= 0)
             kept.push_back(item.Data.toInt());
+    // When every old layer goes, the new ones come first: the shapes need somewhere to go.
+    // Without new ones the last layer stays, since a drawing without layers ends the
+    // application at the next shape added.
+    const bool newFirst = kept.empty();
+    if (newFirst)
+        AddNewLayers(items, kept, problems);
     const std::vector<TLayer> before = m_Surface->Layers();
+    if (kept.empty() && !before.empty()) {
+        kept.push_back(before.back().Id);
+        problems << tr("Layer %1 is the drawing's last layer: kept.").arg(before.back().Name);
+    }
     for (const TLayer &layer : before) {
         if (std::count(kept.begin(), kept.end(), layer.Id))
             continue;
         if (m_Surface->GetShapesCountInALayer(layer.Id) == 0)
             m_Surface->DeleteLayerByID(layer.Id);
-        else if (!kept.empty())
-            m_Surface->MergeLayers(layer.Id, kept.front());
         else
-            problems << tr("Layer %1 holds shapes and is the last layer: kept.").arg(layer.Name);
+            m_Surface->MergeLayers(layer.Id, kept.front());
     }
     for (const auto &item : items) {
-        if (item.Data.isValid()) {
-            const std::int32_t id = item.Data.toInt();
-            if (m_Surface->GetLayerNameByID(id) != item.Name &&
-                !m_Surface->SetLayerNameByID(id, item.Name))
-                problems << tr("Cannot rename a layer to %1.").arg(item.Name);
-        } else if (m_Surface->NewLayer(item.Name, true) < 0) {
+        const std::int32_t id = item.Data.isValid() ? item.Data.toInt() : -1;
+        if (id >= 0 && m_Surface->GetLayerNoById(id) >= 0 &&
+            m_Surface->GetLayerNameByID(id) != item.Name &&
+            !m_Surface->SetLayerNameByID(id, item.Name))
+            problems << tr("Cannot rename a layer to %1.").arg(item.Name);
+    }
+    if (!newFirst)
+        AddNewLayers(items, kept, problems);
+    return problems;
+}
+
+void TComponentInspector::AddNewLayers(const std::vector<TCollectionDialog::TItem> &items,
+                                       std::vector<std::int32_t> &added, QStringList &problems)
+{
+    for (const auto &item : items) {
+        if (item.Data.isValid())
+            continue;
+        const std::int32_t id = m_Surface->NewLayer(item.Name, true);
+        if (id >= 0)
+            added.push_back(id);
+        else
             problems << tr("Cannot add layer %1: the name is taken or the table is full.")
                             .arg(item.Name);
-        }
     }
-    return problems;
 }
 
 void TComponentInspector::SetSurface(TMyCAD *surface)

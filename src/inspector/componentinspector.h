@@ -56,9 +56,10 @@ public:
     // The "Layers..." button: the layer table in a collection dialog, applied on OK.
     void EditLayers();
     // Makes the layer table match items (names with layer IDs; new layers without): layers
-    // left out are merged into the first layer that stays, so no shape is lost, and the
-    // last layer is kept while it holds shapes; renamed ones are renamed and new ones
-    // added. Answers what could not be done, for the message line.
+    // left out are merged into the first layer that stays, so no shape is lost, renamed
+    // ones are renamed and new ones added. The drawing always keeps a layer: when every
+    // layer is left out and none is added, the last one stays. Answers what could not be
+    // done, for the message line.
     QStringList ApplyLayers(const std::vector<TCollectionDialog::TItem> &items);
 
     QComboBox *ComponentBox() const { return m_Combo; }
@@ -74,11 +75,15 @@ public:
 
 signals:
     void SurfaceChanged(tessal::TMyCAD *surface);
+    // The "Layers..." dialog changed the layer table (layer changes record no undo step).
+    void LayersEdited();
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    void AddNewLayers(const std::vector<TCollectionDialog::TItem> &items,
+                      std::vector<std::int32_t> &added, QStringList &problems);
     void SurfacePainted();
     void Rebuild();
     void TreeSelectionChanged();

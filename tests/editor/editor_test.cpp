@@ -4,6 +4,8 @@
 // against losing changes.
 #include "editorfixture.h"
 
+#include <tessal/inspector/listdialogs.h>
+
 using namespace tessal;
 using namespace tessal::test;
 
@@ -85,8 +87,24 @@ TEST_F(EditorTest, CommandsLayersZoomAndTheUnsavedGuard)
     ASSERT_EQ(layers->List()->count(), 2);
     layers->List()->item(1)->setCheckState(Qt::Unchecked);
     EXPECT_FALSE(m_Cad()->IsVisibleLayerByID(top));
+    // Layer changes record no undo step, yet they are changes: from the dock and from the
+    // inspector's "Layers..." dialog alike.
+    m_Cad()->SetModified(false);
+    m_Window->NoteChange();
     ASSERT_TRUE(layers->RenameCurrent("Upper"));
     EXPECT_EQ(layers->List()->item(1)->text(), "Upper");
+    EXPECT_TRUE(m_Window->isWindowModified());
+    m_Cad()->SetModified(false);
+    m_Window->NoteChange();
+    QTimer::singleShot(0, [] {
+        auto *dialog = qobject_cast<TCollectionDialog *>(QApplication::activeModalWidget());
+        ASSERT_TRUE(dialog);
+        dialog->AddItem("Notes");
+        dialog->accept();
+    });
+    m_Window->Inspector()->EditLayers();
+    EXPECT_TRUE(m_Window->isWindowModified());
+    EXPECT_EQ(layers->List()->count(), 3);
 
     // A property edit in the inspector counts as a change of the drawing.
     m_Cad()->SetModified(false);

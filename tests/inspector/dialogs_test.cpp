@@ -14,6 +14,7 @@
 #include <QListWidget>
 #include <QMenu>
 #include <QPlainTextEdit>
+#include <QSignalSpy>
 #include <QSpinBox>
 #include <QTemporaryDir>
 #include <QToolButton>
@@ -251,18 +252,31 @@ TEST(InspectorDialogs, LayersAreEditedWithoutLosingShapes)
     EXPECT_EQ(doc.Cad->GetShapesCountInALayer(survivor), 3);
     EXPECT_EQ(doc.Cad->GetLayerNameByID(survivor), "Renamed");
     EXPECT_GE(doc.Cad->GetLayerIdByName("Added"), 0);
-    // Removing every layer keeps the one with shapes.
+    // Removing every layer keeps the last one, with shapes or without: a drawing without
+    // layers ends the application at the next shape added.
+    const std::int32_t added = doc.Cad->GetLayerIdByName("Added");
     const QStringList last = inspector->ApplyLayers({});
     ASSERT_EQ(last.size(), 1);
-    EXPECT_EQ(doc.Cad->GetShapesCount(), 3);
+    EXPECT_EQ(last.front(), "Layer Added is the drawing's last layer: kept.");
+    EXPECT_EQ(doc.Cad->GetLayerNoById(survivor), -1); // its shapes were merged away
+    EXPECT_EQ(doc.Cad->GetShapesCountInALayer(added), 3);
     EXPECT_EQ(doc.Cad->GetLayersCount(), 1);
+    doc.Cad->DeleteShapeById(doc.Cad->GetShapeByNo(0)->ShapeId(), false);
+    EXPECT_EQ(inspector->ApplyLayers({}).size(), 1);
+    EXPECT_EQ(doc.Cad->GetLayersCount(), 1);
+    // Replacing every layer by a new one: the shapes move onto it.
+    EXPECT_TRUE(inspector->ApplyLayers({{"Fresh", {}}}).isEmpty());
+    ASSERT_EQ(doc.Cad->GetLayersCount(), 1);
+    EXPECT_EQ(doc.Cad->GetShapesCountInALayer(doc.Cad->GetLayerIdByName("Fresh")), 2);
     // Through the button and the dialog: the tree shows the new layer.
     WhenModal<TCollectionDialog>([](TCollectionDialog *d) {
         d->AddItem("Notes");
         d->accept();
     });
+    QSignalSpy edited(inspector, &TComponentInspector::LayersEdited);
     QTest::mouseClick(inspector->LayersButton(), Qt::LeftButton);
     EXPECT_GE(doc.Cad->GetLayerIdByName("Notes"), 0);
+    EXPECT_EQ(edited.count(), 1);
     EXPECT_EQ(inspector->Tree()->model()->rowCount(), 2);
 }
 
