@@ -141,8 +141,11 @@ void TPropertyDelegate::setModelData(QWidget *editor, QAbstractItemModel *model,
         if (cell->HasNewValue())
             model->setData(index, cell->Value());
     } else if (auto *line = qobject_cast<QLineEdit *>(editor)) {
-        // A mixed value left blank stays as it is on every item.
-        if (!(line->text().isEmpty() && index.data(TPropertyModel::MixedRole).toBool()))
+        // Text the user did not touch is not written back: a number is shown shorter than
+        // it is, and writing the text would change it. A mixed value left blank stays as
+        // it is on every item.
+        if (line->isModified() &&
+            !(line->text().isEmpty() && index.data(TPropertyModel::MixedRole).toBool()))
             model->setData(index, line->text());
     } else {
         QStyledItemDelegate::setModelData(editor, model, index);

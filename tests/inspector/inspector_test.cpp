@@ -50,9 +50,19 @@ TEST_F(ComponentInspector, KeyAndMouseEditsAreOneUndoStepEach)
     EXPECT_EQ(A()->MultiInfoAlignment(), TAlignment::taRightJustify);
     EXPECT_EQ(UndoSteps(), 3u);
 
-    // Writing the value a shape already has records nothing.
+    // Writing the value a shape already has records nothing; neither does a number cell
+    // opened and left untouched, although its text is shorter than the value.
     TypeInto(Grid(), "Tag", "42");
     EXPECT_EQ(UndoSteps(), 3u);
+    A()->SetAngleValue(0.123456791f);
+    Grid()->Refresh();
+    auto *angle = qobject_cast<QLineEdit *>(OpenEditor(Grid(), "Angle"));
+    ASSERT_TRUE(angle);
+    QTest::keyClick(angle, Qt::Key_Return);
+    QApplication::processEvents();
+    EXPECT_EQ(A()->Angle(), 0.123456791f);
+    EXPECT_EQ(UndoSteps(), 3u);
+    A()->SetAngleValue(0);
 
     // Each step back restores one edit, in reverse order: {tag, pen width, alignment}.
     using enum TAlignment;
