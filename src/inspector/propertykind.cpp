@@ -78,10 +78,12 @@ struct TLimit
     double Hi;
 };
 constexpr TLimit Limits[] = {
-    {"Zoom", 0.01, 100},
-    {"Ratio", 0.01, 100},
-    {"PixelsPerInch", 1, 10000},
-    {"Size", 1, 1000}, // font size in points
+    {"Zoom", 0.01, 100},         // factor of the shown size
+    {"Ratio", 0.01, 100},        // drawing scale of the readouts
+    {"PixelsPerInch", 1, 10000}, // resolution
+    {"Size", 1, 1000},           // font size in points
+    {"GridWidth", 0.1, 10000},   // grid steps in document pixels
+    {"GridHeight", 0.1, 10000},
 };
 
 bool WithinLimits(const TPropertyType &type, double v, QString &error)

@@ -121,9 +121,23 @@ void TMyCAD::DrawGrid(QImage &image, const TRect &rect, QPoint origin)
     m_GridDrawing = false;
 }
 
+namespace {
+
+// The first index after i worth trying once position `last` was drawn: positions are
+// monotone in the index, so every index before the one that reaches last + 1/2 rounds to
+// last again. One less is tried, so that a rounding of the quotient never skips a pixel.
+std::int64_t NextDistinct(std::int64_t i, double step, std::int32_t last, std::int32_t p)
+{
+    const double reach = std::floor((double(last) + 0.5 + p) / step) - 1;
+    return reach > double(i + 1) ? std::int64_t(reach) : i + 1;
+}
+
+} // namespace
+
 // Positions are i x step rather than a running sum, so that no error accumulates across a
 // large page. A step below one pixel would round several positions onto the same pixel;
-// those repeats are skipped, which paints the same pixels.
+// those repeats are skipped without being visited, so that a tiny step paints as fast as
+// a one-pixel step and the same pixels.
 void TMyCAD::DrawGridDots(TCanvas &canvas, QSize size, double sx, double sy)
 {
     const std::int32_t p = m_Grid->GridPenSize();
@@ -132,14 +146,14 @@ void TMyCAD::DrawGridDots(TCanvas &canvas, QSize size, double sx, double sy)
     canvas.Brush().Color = colour;
     canvas.Brush().Style = TBrushStyle::bsSolid;
     std::int32_t lastTop = INT32_MIN;
-    for (std::int64_t j = 0; j * sy <= size.height(); ++j) {
+    for (std::int64_t j = 0; j * sy <= size.height(); j = NextDistinct(j, sy, lastTop, p)) {
         const double y = double(j) * sy;
         const std::int32_t top = RoundEven(y - p);
         if (top == lastTop)
             continue;
         lastTop = top;
         std::int32_t lastLeft = INT32_MIN;
-        for (std::int64_t i = 0; i * sx <= size.width(); ++i) {
+        for (std::int64_t i = 0; i * sx <= size.width(); i = NextDistinct(i, sx, lastLeft, p)) {
             const double x = double(i) * sx;
             const std::int32_t left = RoundEven(x - p);
             if (left == lastLeft)

@@ -154,6 +154,10 @@ TEST_F(ComponentInspector, BadValuesAreRefusedWithAVisibleMessage)
     TypeInto(grid, "Zoom", "0");
     EXPECT_TRUE(message->isVisible());
     EXPECT_EQ(Cad->Zoom(), 1.0);
+    // A grid step far below a pixel only makes every repaint slow.
+    TypeInto(grid, "GridOperation/GridWidth", "0.00001");
+    EXPECT_TRUE(message->text().contains("GridWidth must lie between 0.1 and 10000"));
+    EXPECT_EQ(Cad->GridOperation()->GridWidth(), 20.0);
 }
 
 TEST_F(ComponentInspector, SurfacePropertiesAndNestedObjects)

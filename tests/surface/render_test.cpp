@@ -127,6 +127,15 @@ TEST(Render, GridDotsStartAtTheImageCorner)
     EXPECT_TRUE(dot.contains(QRect(17, 17, 6, 6))) << dot.x() << "," << dot.width();
     EXPECT_TRUE(QRect(15, 15, 10, 10).contains(dot)) << dot.x() << "," << dot.width();
     EXPECT_EQ(PixelRgb(big, 10, 10), Rgb(clWhite));
+    // Steps below a pixel cover every pixel; repeats are skipped without being visited,
+    // so that a step typed as 1e-7 paints at once instead of looping for hours.
+    grid.SetGridPenSize(1);
+    for (double step : {0.37, 1e-7}) {
+        grid.SetGridWidth(step);
+        grid.SetGridHeight(step);
+        const QImage solid = Compose(cad, TRect(0, 0, 30, 20));
+        EXPECT_EQ(CountPixels(solid, QRect(0, 0, 30, 20), 0xFF0000), 600) << step;
+    }
 }
 
 TEST(Render, GridSwitchesThatDrawNothing)
