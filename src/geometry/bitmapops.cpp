@@ -124,6 +124,8 @@ TBitmap DecodePicture(const QByteArray &bytes, const QString &kind, QString &rea
         return DecodeRaster(bytes, "JPEG", QStringLiteral("JPEG"), reason);
     if (kind == QLatin1String("ICO"))
         return DecodeRaster(bytes, "ICO", QStringLiteral("icon"), reason);
+    if (kind == QLatin1String("PNG"))
+        return DecodeRaster(bytes, "PNG", QStringLiteral("PNG"), reason);
     return DecodeMetafile(bytes, kind, reason);
 }
 
@@ -217,7 +219,8 @@ TBitmap LoadGraphicsFile(const QString &fileName, QString *reason)
     const QString kind = fileName.right(3).toUpper();
     const bool known = kind == QLatin1String("BMP") || kind == QLatin1String("JPG") ||
                        kind == QLatin1String("PEG") || kind == QLatin1String("ICO") ||
-                       kind == QLatin1String("EMF") || kind == QLatin1String("WMF");
+                       kind == QLatin1String("PNG") || kind == QLatin1String("EMF") ||
+                       kind == QLatin1String("WMF");
     if (!known) {
         const QString suffix = QFileInfo(fileName).suffix();
         return fail(QStringLiteral("unsupported picture format: %1")

@@ -6,6 +6,7 @@
 
 #include <tessal/geometry/bitmapops.h>
 #include <tessal/geometry/geometry.h>
+#include <tessal/platform/message.h>
 #include <tessal/shapes/curve.h>
 #include <tessal/shapes/image.h>
 #include <tessal/shapes/line.h>
@@ -213,9 +214,12 @@ bool TMouseMachine::AskForInput(TMyShape *shape)
         } else {
             const QString file = QFileDialog::getOpenFileName(
                 &m_Cad, QObject::tr("Picture"), QString(),
-                QObject::tr("Pictures (*.bmp *.png *.jpg *.jpeg *.gif *.ico *.emf *.wmf)"));
+                QObject::tr("Pictures (*.bmp *.png *.jpg *.jpeg *.ico *.emf *.wmf)"));
+            QString reason;
             if (!file.isEmpty())
-                picture = LoadGraphicsFile(file);
+                picture = LoadGraphicsFile(file, &reason);
+            if (!reason.isEmpty())
+                ShowMessage(reason);
         }
         if (picture.IsEmpty())
             return false;

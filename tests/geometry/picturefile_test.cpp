@@ -119,16 +119,18 @@ TEST_F(PictureFile, RasterFormatsByTheirLastThreeLetters)
     EXPECT_TRUE(LoadGraphicsFile(Write("e.bmp", jpeg), &reason).IsEmpty());
     EXPECT_TRUE(reason.contains("BMP")) << reason.toStdString();
 
-    // An icon's transparency becomes white.
+    // The transparency of an icon or a PNG picture becomes white.
     QImage icon(16, 16, QImage::Format_ARGB32);
     icon.fill(Qt::transparent);
     for (int y = 4; y < 12; ++y)
         for (int x = 4; x < 12; ++x)
             icon.setPixel(x, y, qRgba(255, 0, 0, 255));
-    const TBitmap b = LoadGraphicsFile(Save("i.ICO", icon, "ICO"));
-    ASSERT_EQ(std::pair(b.Width(), b.Height()), std::pair(16, 16));
-    EXPECT_EQ(std::tuple(b.Pixel(8, 8), b.Pixel(1, 1), b.Image().format()),
-              std::tuple(TColor(clRed), TColor(clWhite), QImage::Format_BGR888));
+    for (auto [name, format] : {std::pair("i.ICO", "ICO"), {"p.png", "PNG"}}) {
+        const TBitmap b = LoadGraphicsFile(Save(name, icon, format));
+        ASSERT_EQ(std::pair(b.Width(), b.Height()), std::pair(16, 16)) << name;
+        EXPECT_EQ(std::tuple(b.Pixel(8, 8), b.Pixel(1, 1), b.Image().format()),
+                  std::tuple(TColor(clRed), TColor(clWhite), QImage::Format_BGR888));
+    }
 }
 
 TEST_F(PictureFile, UnknownMissingAndBrokenFilesAnswerEmpty)
