@@ -90,9 +90,9 @@ public:
     std::vector<TMyPoint> OutlineInZoom() const;
 
     TArcMode ArcMode() const { return m_ArcMode; }
-    void SetArcMode(TArcMode mode) { m_ArcMode = mode; }
+    void SetArcMode(TArcMode mode) { StoreAndRepaint(m_ArcMode, mode); }
     TArcStyle ArcStyle() const { return m_ArcStyle; }
-    void SetArcStyle(TArcStyle style) { m_ArcStyle = style; }
+    void SetArcStyle(TArcStyle style) { StoreAndRepaint(m_ArcStyle, style); }
 
 private:
     void CopyArcFields(const TMyShape &source);

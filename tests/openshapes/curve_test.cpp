@@ -374,6 +374,15 @@ TEST(ElliArcPaint, StylesFillWhatTheyCloseAtTwoZooms)
             EXPECT_FALSE(InkNear(image, 64.6 * z, 64.6 * z, 3));
         }
     }
+    // Changing the style or the mode by code shows at once; the same value repaints nothing.
+    TClassHost host;
+    auto arc = QuarterArc(host, TArcStyle::asArc);
+    const int before = host.Repaints;
+    arc->SetArcStyle(TArcStyle::asArc);
+    arc->SetArcStyle(TArcStyle::asPie);
+    arc->SetArcMode(arc->ArcMode() == TArcMode::amCircle ? TArcMode::amEllipse
+                                                         : TArcMode::amCircle);
+    EXPECT_EQ(host.Repaints, before + 2);
 }
 
 TEST(ElliArcPaint, ATurnedEllipseTurnsItsFrame)
