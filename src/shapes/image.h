@@ -77,6 +77,9 @@ public:
     TTransparentMode TransparentMode() const { return m_TransparentMode; }
     void SetTransparentMode(TTransparentMode mode);
 
+protected:
+    bool HasUpright() const override { return true; }
+
 private:
     void CopyImageFields(const TMyShape &source);
     void RefreshCache() const;

@@ -99,6 +99,7 @@ public:
     void SetShowVerticalSideHot(bool on) { m_ShowVerticalSideHot = on; }
 
 protected:
+    bool KeepsItsBox() const override { return true; }
     // The area text for an area in document pixels squared, stored as Info.
     QString AreaText(double area) const;
 

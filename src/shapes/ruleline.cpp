@@ -71,7 +71,7 @@ void TMyRuleLine::SizeChangeValue(TMyPoint from, TMyPoint to)
     const double angle = p0.X == p1.X ? std::numbers::pi / 2
                                       : std::atan((double(p0.Y) - p1.Y) / (double(p0.X) - p1.X));
     SetAngleValue(float(angle));
-    SetInfo(GetLengthByUnit(MyPtToPt(GetPointInZoom(1)), MyPtToPt(GetPointInZoom(0))).trimmed());
+    SetInfo(LengthText(GetLengthinPixel(p1, p0), 1).trimmed());
 }
 
 void TMyRuleLine::SetShowUserInfo(bool on)
@@ -126,7 +126,9 @@ QString TMyRuleLine::LabelText()
         return m_UserInfo;
     if (GetPointsCount() < 2)
         return {};
-    return GetLengthByUnit(MyPtToPt(GetPointInZoom(0)), MyPtToPt(GetPointInZoom(1))).trimmed();
+    // From the stored points, not the rounded screen ones: the reading is the same at
+    // every zoom.
+    return LengthText(GetLengthinPixel(GetPoint(0), GetPoint(1)), 1).trimmed();
 }
 
 void TMyRuleLine::DrawLabel(TCanvas &canvas)

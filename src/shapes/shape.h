@@ -252,6 +252,11 @@ public:
     // ---- Edit arithmetic ----
     // Scales by sx, sy about fixed (document) in the shape's own rotated frame.
     void SizeChangeValueByScale(double sx, double sy, TMyPoint fixed, TMyPoint from, TMyPoint to);
+    // Scales with a box turned by frame (a group's) that keeps fixed. Free points follow the
+    // box; a shape that must stay a box of its own (KeepsItsBox) at another angle keeps
+    // that angle: its centre follows the group's box, and its sides grow by what the box's
+    // scaling does to their directions.
+    void ScaleInFrame(double sx, double sy, TMyPoint fixed, double frame);
     // The turn (radians, in (-pi, pi]) of a drag from -> to about centre.
     double GetRotatedAngle(TMyPoint centre, TMyPoint from, TMyPoint to, bool constrained) const;
     // p (screen) pulled onto the nearest side of other's zoomed bounding box when closer
@@ -358,6 +363,15 @@ public:
     const TBitmap &GradientBitmap() const { return Extras().GradientBitmap; }
 
 protected:
+    // Whether the shape's look has a top: a picture or a text turned by pi is upside down,
+    // where a box or a line is the same shape. A left-right flip of such a shape turns it
+    // to -Angle instead of pi - Angle, so that it shows as the mirror of what it was.
+    virtual bool HasUpright() const { return false; }
+    // Whether the points are the corners of a turned box, which a scaling must keep one.
+    virtual bool KeepsItsBox() const { return false; }
+    // A length of `pixels` shown at `zoom` in the surface's unit and scale, as
+    // GetLengthByUnit writes it; a length in document pixels is one shown at zoom 1.
+    QString LengthText(double pixels, double zoom) const;
     double Zoom() const { return m_Host->Zoom(); }
     void Repaint() { m_Host->ShapeChanged(*this); }
     // The plain setters' pattern: nothing for an equal value, else store and, when the value
@@ -400,6 +414,11 @@ protected:
     void CopyAppearanceAndGeometry(const TMyShape &source);
 
 private:
+    // p scaled by sx, sy about fixed in a frame turned by frame.
+    static TMyPoint ScaledInFrame(TMyPoint p, double sx, double sy, TMyPoint fixed, double frame);
+    // Applies scale to every point, link point, TextPoint and CenterPoint.
+    template <typename F>
+    void ScaleAll(F scale);
     static const TShapeExtras s_DefaultExtras;
 
     TShapeHost *m_Host;

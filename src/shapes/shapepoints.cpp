@@ -269,7 +269,7 @@ void TMyShape::FlipHoriz()
     m_CenterPoint.X = Mirror(m_CenterPoint.X, c.X);
     m_TextPoint.X = Mirror(m_TextPoint.X, c.X);
     if (m_Angle != 0)
-        m_Angle = float(std::numbers::pi - m_Angle);
+        m_Angle = HasUpright() ? -m_Angle : float(std::numbers::pi - m_Angle);
     m_IsFlipHorz = !m_IsFlipHorz;
     Repaint();
 }
@@ -291,25 +291,51 @@ void TMyShape::FlipVert()
 
 // ---- Scaling, rotation angle, magnet ----
 
-// A rotated shape is scaled along its own axes: each point is turned back by -Angle about
-// the fixed point, scaled there, and turned forward again. A rotated rectangle therefore
-// stays a rectangle at the same angle. from and to (the handle's old and new positions)
-// are for classes that need them; the factors already say everything here.
-void TMyShape::SizeChangeValueByScale(double sx, double sy, TMyPoint fixed, TMyPoint, TMyPoint)
+TMyPoint TMyShape::ScaledInFrame(TMyPoint p, double sx, double sy, TMyPoint fixed, double frame)
 {
-    const float a = m_Angle;
-    auto scale = [&](TMyPoint p) {
-        const TMyPoint u = RotateAPoint(p, fixed, -a);
-        const TMyPoint s{float(fixed.X + (double(u.X) - fixed.X) * sx),
-                         float(fixed.Y + (double(u.Y) - fixed.Y) * sy)};
-        return RotateAPoint(s, fixed, a);
-    };
+    const TMyPoint u = RotateAPoint(p, fixed, float(-frame));
+    const TMyPoint s{float(fixed.X + (double(u.X) - fixed.X) * sx),
+                     float(fixed.Y + (double(u.Y) - fixed.Y) * sy)};
+    return RotateAPoint(s, fixed, float(frame));
+}
+
+template <typename F>
+void TMyShape::ScaleAll(F scale)
+{
     for (TMyPoint &p : m_Points)
         p = scale(p);
     for (TMyPoint &p : m_LinkPoints)
         p = scale(p);
     m_TextPoint = scale(m_TextPoint);
     m_CenterPoint = scale(m_CenterPoint);
+}
+
+// A rotated shape is scaled along its own axes: each point is turned back by -Angle about
+// the fixed point, scaled there, and turned forward again. A rotated rectangle therefore
+// stays a rectangle at the same angle. from and to (the handle's old and new positions)
+// are for classes that need them; the factors already say everything here.
+void TMyShape::SizeChangeValueByScale(double sx, double sy, TMyPoint fixed, TMyPoint, TMyPoint)
+{
+    ScaleAll([&](TMyPoint p) { return ScaledInFrame(p, sx, sy, fixed, m_Angle); });
+}
+
+void TMyShape::ScaleInFrame(double sx, double sy, TMyPoint fixed, double frame)
+{
+    const double phi = double(m_Angle) - frame;
+    if (!KeepsItsBox() || std::fmod(phi, std::numbers::pi) == 0) {
+        ScaleAll([&](TMyPoint p) { return ScaledInFrame(p, sx, sy, fixed, frame); });
+        return;
+    }
+    // The images of the shape's own unit sides under the box's scaling.
+    const double c = std::cos(phi), s = std::sin(phi);
+    const double ownX = std::hypot(sx * c, sy * s), ownY = std::hypot(sx * s, sy * c);
+    const TMyPoint centre = GetCenterPoint();
+    const TMyPoint moved = ScaledInFrame(centre, sx, sy, fixed, frame);
+    const double dx = double(moved.X) - centre.X, dy = double(moved.Y) - centre.Y;
+    ScaleAll([&](TMyPoint p) {
+        const TMyPoint q = ScaledInFrame(p, ownX, ownY, centre, m_Angle);
+        return TMyPoint{float(q.X + dx), float(q.Y + dy)};
+    });
 }
 
 // The turn between the directions centre->from and centre->to, normalised to (-pi, pi] so
@@ -372,10 +398,14 @@ TMyPoint TMyShape::GetMagicPoint(const TMyShape &other, TMyPoint p) const
 
 QString TMyShape::GetLengthByUnit(TPoint from, TPoint to)
 {
-    const double pixels = GetLengthinPixel(PtToMyPt(from), PtToMyPt(to));
+    return LengthText(GetLengthinPixel(PtToMyPt(from), PtToMyPt(to)), Zoom());
+}
+
+QString TMyShape::LengthText(double pixels, double zoom) const
+{
     const double ppi = m_Host->ScreenPixelsPerInch();
     const double inches = pixels / ppi;
-    const double r = m_Host->Ratio() / Zoom();
+    const double r = m_Host->Ratio() / zoom;
     double value = 0;
     const char *format = "%9.2f";
     const char *suffix = "";

@@ -71,6 +71,9 @@ public:
     bool WordWrap() const { return m_WordWrap; }
     void SetWordWrap(bool on);
 
+protected:
+    bool HasUpright() const override { return true; }
+
 private:
     struct TFrame
     {

@@ -133,7 +133,7 @@ void TMyCAD::DragChangeValueDxDyforShapes(TMyShape *shape, double dx, double dy)
     ShapeGeometryChanged(shape);
 }
 
-// A group is resized through its box: its members are scaled with it, in its own turned
+// A group is resized through its box: its members are scaled with it, in the group's turned
 // frame, about the corner that stays.
 void TMyCAD::SizeChangeValueforShapes(TMyShape *shape, TMyPoint from, TMyPoint to)
 {
@@ -147,6 +147,7 @@ void TMyCAD::SizeChangeValueforShapes(TMyShape *shape, TMyPoint from, TMyPoint t
     const double w = shape->GetMyWidth(), h = shape->GetMyHeight();
     const std::int32_t hot = shape->CurrentHot();
     const TMyPoint fixed = shape->GetPoint(hot >= 0 && hot < 4 ? (hot + 2) % 4 : 0);
+    const double frame = shape->Angle();
     shape->SizeChangeValue(from, to);
     const double sx = w > 0 ? shape->GetMyWidth() / w : 1.0;
     const double sy = h > 0 ? shape->GetMyHeight() / h : 1.0;
@@ -154,7 +155,7 @@ void TMyCAD::SizeChangeValueforShapes(TMyShape *shape, TMyPoint from, TMyPoint t
         ForTree(*this, GetShapeByNo(no), [&](TMyShape *s) {
             if (s->Locked())
                 return;
-            s->SizeChangeValueByScale(sx, sy, fixed, from, to);
+            s->ScaleInFrame(sx, sy, fixed, frame);
             s->SetCenterPoint(s->GetCenterPoint());
         });
     }

@@ -14,6 +14,8 @@
 #include <QPaintEvent>
 #include <QStringList>
 
+#include <cmath>
+#include <numbers>
 #include <random>
 #include <span>
 
@@ -202,6 +204,36 @@ TEST(MouseGestures, ResizeAndRotateByHandles)
     EXPECT_EQ(StepCount(g.cad), 1);
     g.cad.PopFromUndoRedoShapeList();
     EXPECT_EQ(Saved(g.cad), grouped);
+}
+
+// A group's box scales its members in the box's frame: a slanted line keeps its ends on the
+// box, and a member turned against the box stays the same shape at its angle, with its
+// centre where the box takes it.
+TEST(MouseGestures, ResizingAGroupScalesSlantedAndTurnedMembersWithItsBox)
+{
+    TMouseSurface s;
+    TMyShape *line = AddByCode(s.cad, TDrawTool::SpLine, {{100, 100}, {200, 200}});
+    line->SetAngleValue(float(std::numbers::pi / 4)); // as painting leaves it
+    TMyShape *square = AddRectangle(s.cad, 140, 170, 160, 190);
+    square->RotateChangeValueByAngle({150, 180}, std::numbers::pi / 4);
+    TMyShape *const members[] = {line, square};
+    TMyShape *group = s.cad.GetShapeByID(s.cad.GroupShapes(members, false));
+    s.cad.ClearAllUndoStuff();
+    const QByteArray before = Saved(s.cad);
+    ASSERT_EQ(s.cad.WorkingShapes(), std::vector<TMyShape *>{group}); // grouping selects it
+    s.Drag({200, 200}, {300, 200}); // twice as wide, from the left side
+    ExpectNear(line->Points(), {{100, 100}, {300, 200}});
+    const TMyPoint c = square->GetCenterPoint();
+    EXPECT_NEAR(c.X, 200, 1e-3);
+    EXPECT_NEAR(c.Y, 180, 1e-3);
+    const auto &p = square->Points();
+    for (int i = 0; i < 4; ++i) {
+        const TMyPoint a = p[i], b = p[(i + 1) % 4];
+        EXPECT_NEAR(std::hypot(b.X - a.X, b.Y - a.Y), 20 * std::sqrt(2.5), 1e-3) << i;
+        EXPECT_NEAR(std::abs(b.X - a.X), std::abs(b.Y - a.Y), 1e-3) << i; // still at 45 degrees
+    }
+    s.cad.PopFromUndoRedoShapeList();
+    EXPECT_EQ(Saved(s.cad), before);
 }
 
 // The node tools on polygons and polylines, with the refusal codes -7 and -8.

@@ -154,6 +154,39 @@ TEST(ImageAdjust, FlipsMirrorThePicture)
     EXPECT_EQ(shape->Bitmap(), Picture());
 }
 
+// A turned picture flipped left-right shows as the mirror image of what it showed; the
+// plain box rule (pi - Angle) would show it upside down. Top-bottom alike, and two flips
+// give the angle back exactly.
+TEST(ImageAdjust, FlipsOfATurnedPictureMirrorWhatIsShown)
+{
+    TClassHost host;
+    auto shape = ImageShape(host);
+    shape->RotateChangeValueByAngle({80, 60}, 0.5);
+    const QImage before = Painted(*shape, 160, 120);
+    const auto differing = [&](bool horizontal) {
+        const QImage after = Painted(*shape, 160, 120);
+        int inked = 0, wrong = 0;
+        for (int y = 0; y < 120; ++y)
+            for (int x = 0; x < 160; ++x) {
+                if (!Inked(before, x, y))
+                    continue;
+                ++inked;
+                const unsigned mirrored =
+                    horizontal ? PixelAt(after, 159 - x, y) : PixelAt(after, x, 119 - y);
+                wrong += mirrored != PixelAt(before, x, y);
+            }
+        EXPECT_GT(inked, 3000);
+        return double(wrong) / inked;
+    };
+    shape->FlipHoriz();
+    EXPECT_FLOAT_EQ(shape->Angle(), -0.5f);
+    EXPECT_LT(differing(true), 0.02);
+    shape->FlipHoriz();
+    EXPECT_EQ(shape->Angle(), 0.5f);
+    shape->FlipVert();
+    EXPECT_LT(differing(false), 0.02);
+}
+
 TEST(ImagePaint, BorderInThePenAndAnEmptyImageShowsItsOutline)
 {
     TClassHost host;

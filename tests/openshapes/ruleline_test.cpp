@@ -95,6 +95,14 @@ TEST(RuleLineLabel, LengthOrUserInfoBesideTheMiddleOnTheTopSide)
     TClassHost host; // 96 pixels per inch, millimetres
     auto rule = Ruler(host, {20, 100}, {120, 100}, TTickStyle::tsNone);
     EXPECT_EQ(rule->LabelText(), "26.46 mm");
+    // Read from the stored points, so that no zoom changes it: 100.4 px is 26.56 mm.
+    rule->Points()[1].X = 120.4f;
+    for (double zoom : {1.0, 1.5, 2.0, 3.0, 0.5}) {
+        host.ZoomValue = zoom;
+        EXPECT_EQ(rule->LabelText(), "26.56 mm") << zoom;
+    }
+    host.ZoomValue = 1;
+    rule->Points()[1].X = 120;
     EXPECT_TRUE(InkRuns(Painted(*rule, 400, 400), 90, false).empty()); // CaptionShow off
     rule->SetCaptionShow(true);
     QImage image = Painted(*rule, 400, 400);

@@ -89,6 +89,13 @@ TEST(TextLayout, TextTurnsWithTheShapeInsideTheTurnedBox)
     // first glyphs sit near the top, on the side of the box's old top edge.
     EXPECT_LE(turned.top(), 40 + 2 + 4);
     EXPECT_GE(turned.right(), 110);
+    // Flipped left-right it keeps its glyphs' tops on the mirrored side (turned the other
+    // way, reading upwards from the bottom), not upside down: the first glyphs sit low.
+    text->FlipHoriz();
+    EXPECT_FLOAT_EQ(text->Angle(), -float(std::numbers::pi / 2));
+    const QRect flipped = InkBounds(Painted(*text, 200, 200));
+    EXPECT_GE(flipped.bottom(), 160 - 2 - 4);
+    EXPECT_LE(flipped.left(), 90);
 }
 
 TEST(TextWordWrap, LongLinesBreakBetweenWordsAndLongWordsBetweenCharacters)
