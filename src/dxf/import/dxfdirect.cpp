@@ -7,7 +7,6 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
-#include <cstring>
 
 namespace tessal::DxfImport {
 
@@ -22,9 +21,8 @@ std::string_view TrimBlanks(std::string_view s)
     return s;
 }
 
-// An integer as strtol reads one: leading blanks and a sign, then digits; 0 when there are
-// none, the nearest 64-bit value when there are too many, then cut to 32 bits as a long is
-// cut to an int.
+} // namespace
+
 std::int32_t ToInt(std::string_view s)
 {
     s = TrimBlanks(s);
@@ -37,8 +35,6 @@ std::int32_t ToInt(std::string_view s)
     (void)end;
     return std::int32_t(value);
 }
-
-} // namespace
 
 double ToReal(std::string_view s)
 {
@@ -57,37 +53,6 @@ double ToReal(std::string_view s)
     if (ec == std::errc::result_out_of_range)
         return !s.empty() && s.front() == '-' ? -HUGE_VAL : HUGE_VAL;
     return ec == std::errc() ? value : 0;
-}
-
-TGroupReader::TGroupReader(const QByteArray &data)
-    : m_Begin(data.constData())
-    , m_At(data.constData())
-    , m_End(data.constData() + data.size())
-{}
-
-std::string_view TGroupReader::NextLine()
-{
-    const char *newline =
-        static_cast<const char *>(std::memchr(m_At, '\n', std::size_t(m_End - m_At)));
-    const char *end = newline ? newline : m_End;
-    std::string_view line(m_At, std::size_t(end - m_At));
-    m_At = newline ? newline + 1 : m_End;
-    while (!line.empty() && (line.back() == '\r' || line.back() == '\n'))
-        line.remove_suffix(1);
-    return line;
-}
-
-bool TGroupReader::Next()
-{
-    if (m_At >= m_End)
-        return false;
-    m_Group = m_At;
-    const std::string_view code = NextLine();
-    if (m_At >= m_End)
-        return false;
-    m_Value = NextLine();
-    m_Code = ToInt(code);
-    return true;
 }
 
 bool IsDirectEntity(std::string_view type)

@@ -1,43 +1,19 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-// The DXF file read as groups, and the most common simple entities decoded straight from
-// their groups.
+// The most common simple entities decoded straight from their groups, and the numbers of
+// group values.
 #pragma once
 
 #include <tessal/dxf/import/dxfmodel_p.h>
 
-#include <QByteArray>
-
+#include <cstdint>
 #include <string_view>
 
 namespace tessal::DxfImport {
 
-// The file's lines taken in pairs: a group code and its value. The code is read as strtol
-// reads it (blanks around it ignored, 0 when it is no number); the value loses only its
-// line end, since blanks belong to texts and names.
-class TGroupReader
-{
-public:
-    explicit TGroupReader(const QByteArray &data);
-    // The next group; false when fewer than two lines are left.
-    bool Next();
-    int Code() const { return m_Code; }
-    std::string_view Value() const { return m_Value; }
-    // Bytes read so far.
-    qsizetype Offset() const { return m_At - m_Begin; }
-    // The group's two lines as they are in the file, line ends included.
-    const char *GroupBegin() const { return m_Group; }
-    const char *GroupEnd() const { return m_At; }
-
-private:
-    std::string_view NextLine();
-
-    const char *m_Begin;
-    const char *m_At;
-    const char *m_End;
-    const char *m_Group = nullptr;
-    int m_Code = 0;
-    std::string_view m_Value;
-};
+// An integer as strtol reads one: leading blanks and a sign, then digits; 0 when there are
+// none, the nearest 64-bit value when there are too many, then cut to 32 bits as a long is
+// cut to an int.
+std::int32_t ToInt(std::string_view s);
 
 // A real number as the file writes it; a decimal comma counts as a point. 0 when it is no
 // number, infinite when it is too large (such geometry is refused later).

@@ -1,14 +1,16 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-// LoadFromDxf: reads the file, parses it with dxflib and builds the drawing aside.
+// LoadFromDxf: reads the file piece by piece, parses it with dxflib and builds the drawing
+// aside.
 #include <tessal/dxf/import/dxfbuild_p.h>
 #include <tessal/dxf/import/dxfimport.h>
+#include <tessal/dxf/import/dxfimport_p.h>
 #include <tessal/dxf/import/dxfmodel_p.h>
 #include <tessal/surface/cad.h>
 
+#include <QBuffer>
 #include <QFile>
 
 #include <algorithm>
-#include <limits>
 
 namespace tessal {
 
@@ -93,17 +95,17 @@ private:
 
 } // namespace
 
-bool LoadFromDxfData(TMyCAD &cad, const QByteArray &data, TDxfImportReport &report,
-                     const TDxfImportOptions &options)
+bool LoadFromDxfDevice(TMyCAD &cad, QIODevice &device, TDxfImportReport &report,
+                       const TDxfImportOptions &options, qsizetype window)
 {
     report = {};
     DxfImport::TModel model;
     QString error;
-    TImportProgress progress(cad, options, data.size());
-    const bool parsed =
-        DxfImport::ParseDxf(data, model, error, [&progress](std::int64_t done, std::int64_t total) {
-            return progress.Parse(done, total);
-        });
+    TImportProgress progress(cad, options, qsizetype(device.size() - device.pos()));
+    const bool parsed = DxfImport::ParseDxf(
+        device, model, error,
+        [&progress](std::int64_t done, std::int64_t total) { return progress.Parse(done, total); },
+        true, window);
     for (const auto &[reason, count] : model.Skipped)
         report.Skipped[QString::fromStdString(reason)] += count;
     report.Cancelled = model.Cancelled;
@@ -130,6 +132,15 @@ bool LoadFromDxfData(TMyCAD &cad, const QByteArray &data, TDxfImportReport &repo
     return parsed && built;
 }
 
+bool LoadFromDxfData(TMyCAD &cad, const QByteArray &data, TDxfImportReport &report,
+                     const TDxfImportOptions &options)
+{
+    QBuffer buffer;
+    buffer.setData(data);
+    buffer.open(QIODevice::ReadOnly);
+    return LoadFromDxfDevice(cad, buffer, report, options, DxfImport::DefaultWindow);
+}
+
 bool LoadFromDxf(TMyCAD &cad, const QString &fileName, TDxfImportReport &report,
                  const TDxfImportOptions &options)
 {
@@ -140,19 +151,7 @@ bool LoadFromDxf(TMyCAD &cad, const QString &fileName, TDxfImportReport &report,
         cad.SetLastDxfError(report.Error);
         return false;
     }
-    // Read in one piece into a buffer of the file's size: a drawing's file may be large,
-    // and a buffer that grows as it is read copies it over and over.
-    const qint64 size = file.size();
-    if (size > 0 && size < std::numeric_limits<qsizetype>::max()) {
-        QByteArray data(qsizetype(size), Qt::Uninitialized);
-        const qint64 read = file.read(data.data(), size);
-        if (read >= 0) {
-            data.truncate(qsizetype(read));
-            data += file.readAll(); // whatever was appended meanwhile
-            return LoadFromDxfData(cad, data, report, options);
-        }
-    }
-    return LoadFromDxfData(cad, file.readAll(), report, options);
+    return LoadFromDxfDevice(cad, file, report, options, DxfImport::DefaultWindow);
 }
 
 } // namespace tessal

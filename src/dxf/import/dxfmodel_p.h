@@ -2,6 +2,8 @@
 // What the DXF parser collects before any shape is made: entities in file units.
 #pragma once
 
+#include <tessal/dxf/import/dxflines_p.h>
+
 #include <QByteArray>
 #include <QPointF>
 #include <QString>
@@ -12,6 +14,8 @@
 #include <map>
 #include <string>
 #include <vector>
+
+class QIODevice;
 
 namespace tessal::DxfImport {
 
@@ -114,11 +118,16 @@ inline QString CancelledMessage()
 // Told the bytes parsed so far and their total; answers false to stop the parse.
 using TParseProgress = std::function<bool(std::int64_t done, std::int64_t total)>;
 
-// The file's bytes parsed into model; false with error when the data is no ASCII DXF, the
-// parser gave up (the model then holds what came before) or progress stopped it (Cancelled).
+// The bytes of the device from its current position parsed into model, read in pieces of
+// window bytes (the device must allow seeking back: it is read more than once); false with
+// error when the data is no ASCII DXF, the parser gave up or the device could not be read
+// (the model then holds what came before) or progress stopped it (Cancelled).
 // decodeDirectly false leaves every entity to the parser library, which must give the same
 // model.
+bool ParseDxf(QIODevice &device, TModel &model, QString &error, const TParseProgress &progress,
+              bool decodeDirectly = true, qsizetype window = DefaultWindow);
+// The same from the file's bytes.
 bool ParseDxf(const QByteArray &data, TModel &model, QString &error, const TParseProgress &progress,
-              bool decodeDirectly = true);
+              bool decodeDirectly = true, qsizetype window = DefaultWindow);
 
 } // namespace tessal::DxfImport

@@ -2,6 +2,7 @@
 // The DXF file parsed by dxflib into the import model.
 #include <tessal/dxf/import/dxfcurves_p.h>
 #include <tessal/dxf/import/dxfdirect_p.h>
+#include <tessal/dxf/import/dxfgroups_p.h>
 #include <tessal/dxf/import/dxfmodel_p.h>
 #include <tessal/dxf/import/dxfprescan_p.h>
 #include <tessal/dxf/import/dxfvalues_p.h>
@@ -9,7 +10,9 @@
 #include <dl_creationadapter.h>
 #include <dl_dxf.h>
 
+#include <QBuffer>
 #include <QByteArray>
+#include <QIODevice>
 #include <QList>
 
 #include <cmath>
@@ -353,28 +356,13 @@ private:
     double m_FileAngle = 0;
 };
 
-// Whether the text starts like an ASCII DXF file: a group code on the first line.
-bool LooksLikeAsciiDxf(const QByteArray &data)
+// Whether the last group is "0" "EOF" (tail: the file's last bytes): a file cut short lacks
+// it.
+bool EndsWithEof(const QByteArray &tail)
 {
-    qsizetype i = 0;
-    while (i < data.size() &&
-           (data[i] == ' ' || data[i] == '\t' || data[i] == '\r' || data[i] == '\n'))
-        ++i;
-    const qsizetype start = i;
-    if (i < data.size() && data[i] == '-')
-        ++i;
-    while (i < data.size() && data[i] >= '0' && data[i] <= '9')
-        ++i;
-    return i > start && i - start <= 6 &&
-           (i == data.size() || data[i] == '\r' || data[i] == '\n' || data[i] == ' ');
-}
-
-// Whether the last group is "0" "EOF": a file cut short lacks it.
-bool EndsWithEof(const QByteArray &data)
-{
-    const QList<QByteArray> tail = data.right(64).trimmed().split('\n');
-    return tail.size() >= 2 && tail.back().trimmed() == "EOF" &&
-           tail[tail.size() - 2].trimmed() == "0";
+    const QList<QByteArray> lines = tail.right(64).trimmed().split('\n');
+    return lines.size() >= 2 && lines.back().trimmed() == "EOF" &&
+           lines[lines.size() - 2].trimmed() == "0";
 }
 
 void FinishDirect(TDirectEntity &direct, TCollector &collector)
@@ -397,14 +385,15 @@ void FinishDirect(TDirectEntity &direct, TCollector &collector)
 // directly: for each of those dxflib reads only the start of an entity it does not know,
 // so that it hands on the entity it holds (keeping the file's order) and ignores what
 // follows, which is decoded here instead.
-// False when progress stopped it: the entities read so far are then left unfinished.
-bool Parse(const QByteArray &data, TCollector &collector, const TParseProgress &progress,
-           bool decodeDirectly)
+// Cancelled or ReadFailed: the entities read so far are then left unfinished.
+enum class TParseEnd { Finished, Cancelled, ReadFailed };
+TParseEnd Parse(TGroupStream &groups, qint64 total, TCollector &collector,
+                const TParseProgress &progress, bool decodeDirectly)
 {
     static const char Elsewhere[] = "0\nDECODED-ELSEWHERE\n";
     constexpr qsizetype ProgressBytes = 1 << 18;
-    if (progress && !progress(0, data.size()))
-        return false;
+    if (progress && !progress(0, total))
+        return TParseEnd::Cancelled;
     DL_Dxf dxf;
     TGroupBuffer buffer;
     std::istream stream(&buffer);
@@ -415,10 +404,9 @@ bool Parse(const QByteArray &data, TCollector &collector, const TParseProgress &
         stream.clear();
         dxf.readDxfGroups(stream, &collector);
     };
-    TGroupReader groups(data);
     TDirectEntity direct;
     bool inDirect = false, entitySection = false, sectionStart = false;
-    qsizetype reported = 0;
+    qint64 reported = 0;
     double angle = 0; // group 50 of the entity dxflib reads
     while (groups.Next()) {
         const int code = groups.Code();
@@ -448,57 +436,83 @@ bool Parse(const QByteArray &data, TCollector &collector, const TParseProgress &
             entitySection = text == "ENTITIES" || text == "BLOCKS";
         if (code == 0)
             sectionStart = text == "SECTION";
-        show(groups.GroupBegin(), groups.GroupEnd());
+        show(groups.Group().data(), groups.Group().data() + groups.Group().size());
         if (progress && groups.Offset() - reported >= ProgressBytes) {
             reported = groups.Offset();
-            if (!progress(reported, data.size()))
-                return false;
+            if (!progress(reported, total))
+                return TParseEnd::Cancelled;
         }
     }
+    if (!groups.Error().isEmpty())
+        return TParseEnd::ReadFailed;
     if (inDirect)
         FinishDirect(direct, collector);
     collector.Finish();
     // The end of the data is the last report, so that a cancel there still counts.
-    return !progress || progress(data.size(), data.size());
+    return !progress || progress(total, total) ? TParseEnd::Finished : TParseEnd::Cancelled;
 }
 
-} // namespace
-
-bool ParseDxf(const QByteArray &data, TModel &model, QString &error, const TParseProgress &progress,
-              bool decodeDirectly)
+QString ReadError(const QString &reason)
 {
-    if (data.startsWith("AutoCAD Binary DXF")) {
-        error = QStringLiteral("binary DXF is not supported; save the drawing as ASCII DXF");
+    return QStringLiteral("the file could not be read: %1").arg(reason);
+}
+
+// The file kind's error, or nothing for an ASCII DXF file.
+QString KindError(TFileKind kind)
+{
+    switch (kind) {
+    case TFileKind::AsciiDxf:
+        break;
+    case TFileKind::BinaryDxf:
+        return QStringLiteral("binary DXF is not supported; save the drawing as ASCII DXF");
+    case TFileKind::NotDxf:
+        return QStringLiteral("not a DXF file: the first line is no group code");
+    }
+    return {};
+}
+
+// Reads the file in three passes, none of which keeps it: the prescan, the end of the file
+// as the parser sees it (a pass of its own only when counts are replaced), and the parse.
+bool ParseGroups(QIODevice &device, TModel &model, QString &error, const TParseProgress &progress,
+                 bool decodeDirectly, qsizetype window)
+{
+    const qint64 start = device.pos();
+    const TPrescan scan = Prescan(device, window);
+    if (!scan.Error.isEmpty()) {
+        error = ReadError(scan.Error);
         return false;
     }
-    if (!LooksLikeAsciiDxf(data)) {
-        error = QStringLiteral("not a DXF file: the first line is no group code");
+    if (scan.Kind != TFileKind::AsciiDxf) {
+        error = KindError(scan.Kind);
         return false;
     }
-    std::map<std::string, std::int64_t> unknown;
-    QByteArray safe = Prescan(data, unknown);
+    const TSafeEnd end = SafeEnd(device, start, window, scan);
+    if (!end.Error.isEmpty() || !device.seek(start)) {
+        error = ReadError(end.Error.isEmpty() ? device.errorString() : end.Error);
+        return false;
+    }
     // The parser hands on an entity only when the next one starts: a file cut short gets an
     // end, so that its last complete entity is read too.
-    const bool complete = EndsWithEof(safe);
-    if (!complete)
-        safe += "\n0\nEOF\n";
+    const bool complete = EndsWithEof(end.Tail);
     // Entity types the parser passes to no callback are counted here, never dropped silently.
-    for (const auto &[type, count] : unknown)
+    for (const auto &[type, count] : scan.Unknown)
         model.Skipped[type + ": entity type not supported"] += count;
     TCollector collector(model);
-    bool finished = true;
-    try {
-        finished = Parse(safe, collector, progress, decodeDirectly);
-    } catch (const std::bad_alloc &) {
-        error = QStringLiteral("the file asks for more memory than is available");
-        return false;
-    } catch (const std::exception &e) {
-        error = QStringLiteral("the DXF parser stopped: %1").arg(QString::fromLocal8Bit(e.what()));
-        return false;
-    }
-    if (!finished) {
+    TGroupStream groups(device, window, scan.Lines, !complete);
+    const qint64 total = end.Bytes + (complete ? 0 : qint64(AddedEnd.size()));
+    switch (Parse(groups, total, collector, progress, decodeDirectly)) {
+    case TParseEnd::Finished:
+        break;
+    case TParseEnd::Cancelled:
         model.Cancelled = true;
         error = CancelledMessage();
+        return false;
+    case TParseEnd::ReadFailed:
+        error = ReadError(groups.Error());
+        return false;
+    }
+    if (groups.Lines().LinesRead() != scan.Lines || groups.Lines().BytesRead() != scan.Bytes) {
+        error = QStringLiteral("the file changed while it was read");
         return false;
     }
     if (!complete) {
@@ -507,6 +521,30 @@ bool ParseDxf(const QByteArray &data, TModel &model, QString &error, const TPars
         return false;
     }
     return true;
+}
+
+} // namespace
+
+bool ParseDxf(QIODevice &device, TModel &model, QString &error, const TParseProgress &progress,
+              bool decodeDirectly, qsizetype window)
+{
+    try {
+        return ParseGroups(device, model, error, progress, decodeDirectly, window);
+    } catch (const std::bad_alloc &) {
+        error = QStringLiteral("the file asks for more memory than is available");
+    } catch (const std::exception &e) {
+        error = QStringLiteral("the DXF parser stopped: %1").arg(QString::fromLocal8Bit(e.what()));
+    }
+    return false;
+}
+
+bool ParseDxf(const QByteArray &data, TModel &model, QString &error, const TParseProgress &progress,
+              bool decodeDirectly, qsizetype window)
+{
+    QBuffer buffer;
+    buffer.setData(data);
+    buffer.open(QIODevice::ReadOnly);
+    return ParseDxf(buffer, model, error, progress, decodeDirectly, window);
 }
 
 } // namespace tessal::DxfImport
