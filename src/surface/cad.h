@@ -773,7 +773,8 @@ public:
     const std::vector<std::unique_ptr<TMyShape>> &MemoryShapes() const { return m_MemoryShapes; }
 
     // ---- Clipboard ----
-    // The working shapes go to the system clipboard as records under ShapesMimeType(),
+    // The working shapes go to the system clipboard as records under ShapesMimeType(), with
+    // their texts in full under ShapeTextsMimeType() (the records cut them as the files do),
     // together with their group members and every top-level connector bound at both ends
     // to copied shapes; relations name places within the copied set, and a binding to a
     // shape left behind is dropped. A PNG ("image/png") and an SVG ("image/svg+xml", vector
@@ -787,21 +788,30 @@ public:
     // clipboard holds no shapes of ours or their data is damaged; nothing is added then.
     bool PasteFromClipboard();
     static QString ShapesMimeType() { return QStringLiteral("application/x-tessal-shapes"); }
+    static QString ShapeTextsMimeType()
+    {
+        return QStringLiteral("application/x-tessal-shape-texts");
+    }
     static constexpr float PasteOffset = 10;
     // The clipboard data of the working shapes (empty when none): a 16-byte text
     // "Tessal shapes", the 16-byte version of the records (FileVersion()), the shape count
     // (int32), then per shape its 16-byte class name and its record.
     QByteArray CopiedShapesData();
-    // Reads such data and places its shapes as PasteFromClipboard does.
-    bool PasteShapesData(const QByteArray &data);
+    // Every text of the same shapes, in full and in the same order (empty when none is
+    // selected): what the records cut short is taken from here when pasting.
+    QByteArray CopiedShapeTexts();
+    // Reads such data and places its shapes as PasteFromClipboard does; texts, when given,
+    // must be the texts part written with the data, and replaces the records' texts.
+    bool PasteShapesData(const QByteArray &data, const QByteArray &texts = {});
     // The copied shapes' picture (control pixels of their painted extent); null when
     // nothing is selected or the extent is empty or larger than 8192 pixels a side.
     QImage SelectionImage();
     // The same picture as an SVG document of vector figures, one unit per pixel; empty
     // where SelectionImage() is null.
     QByteArray SelectionSvg();
-    // A copy of source (of any surface) created for this surface through the stored record:
-    // every stored field and the centre point equal; not in the document.
+    // A copy of source (of any surface) created for this surface: every field an undo step
+    // restores (all that the record stores, texts in full) and the centre point equal; not
+    // in the document.
     std::unique_ptr<TMyShape> CloneShape(const TMyShape &source);
     // Appends shapes in their order, moved by offset (document units), with fresh
     // identities, ShapeNo their places and names "Shape" followed by the identity. Their

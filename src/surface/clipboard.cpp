@@ -3,6 +3,7 @@
 // of a list of shapes with fresh identities that paste, blocks and library entries share.
 #include <tessal/surface/cad.h>
 #include <tessal/surface/shapestate_p.h>
+#include <tessal/surface/shapetexts_p.h>
 
 #include <tessal/platform/binarystream.h>
 #include <tessal/platform/color.h>
@@ -132,9 +133,10 @@ std::vector<TMyShape *> CopiedRoots(const TMyCAD &cad, const std::vector<std::in
     return roots;
 }
 
-// Reads clipboard data into shapes created for cad, with their relations as stored; an
-// empty answer on success, else the reason (and no shapes).
-QString ReadShapesData(TMyCAD &cad, const QByteArray &data,
+// Reads clipboard data into shapes created for cad, with their relations as stored, and
+// gives them the texts in full when the texts part came with the records; an empty answer
+// on success, else the reason (and no shapes).
+QString ReadShapesData(TMyCAD &cad, const QByteArray &data, const QByteArray &texts,
                        std::vector<std::unique_ptr<TMyShape>> &shapes)
 {
     QByteArray bytes = data;
@@ -166,6 +168,8 @@ QString ReadShapesData(TMyCAD &cad, const QByteArray &data,
         }
         if (s.BytesLeft() != 0)
             throw TStreamError(std::to_string(s.BytesLeft()) + " bytes follow the last shape");
+        if (!texts.isEmpty())
+            ApplyShapeTexts(texts, shapes);
     } catch (const TStreamError &e) {
         error = QString::fromStdString(e.what());
     } catch (const std::bad_alloc &) {
@@ -175,6 +179,15 @@ QString ReadShapesData(TMyCAD &cad, const QByteArray &data,
     if (!error.isEmpty())
         shapes.clear();
     return error;
+}
+
+std::vector<const TMyShape *> ShapesAt(const TMyCAD &cad, const std::vector<std::int32_t> &numbers)
+{
+    std::vector<const TMyShape *> shapes;
+    shapes.reserve(numbers.size());
+    for (std::int32_t no : numbers)
+        shapes.push_back(cad.GetShapeByNo(no));
+    return shapes;
 }
 
 QByteArray Encoded(const QImage &image, const char *format)
@@ -205,8 +218,8 @@ bool SelectionBox(const TMyCAD &cad, const std::vector<TMyShape *> &roots, TRect
     return any && w <= MaxPictureSide && h <= MaxPictureSide;
 }
 
-// A shape related to none is written as it is, numbered for the copy: a clone costs two
-// more passes through a stream, and copying a whole big drawing three times as long.
+// A shape related to none is written as it is, numbered for the copy: a clone per shape
+// would cost an allocation and a copy of every field for nothing.
 void WriteCopied(TMyCAD &cad, BinaryStream &s, TMyShape &shape, std::int32_t no,
                  const TNumberMap &map)
 {
@@ -282,29 +295,14 @@ std::vector<TMyShape *> TMyCAD::PlaceShapes(std::vector<std::unique_ptr<TMyShape
 
 std::unique_ptr<TMyShape> TMyCAD::CloneShape(const TMyShape &source)
 {
+    // Copied field by field rather than through the stored record, whose texts are 8-bit and
+    // cut short: the copy is the shape an undo step would give back.
     std::unique_ptr<TMyShape> copy = CreateShapeByName(source.ClassName());
     if (!copy)
         return nullptr;
-    const QString previous = m_DiskFileVersion;
-    m_DiskFileVersion = m_FileVersion;
-    bool done = false;
-    try {
-        QByteArray record;
-        QBuffer out(&record);
-        out.open(QIODevice::WriteOnly);
-        BinaryStream writer(&out);
-        source.SaveToStream(writer);
-        out.close();
-        QBuffer in(&record);
-        in.open(QIODevice::ReadOnly);
-        BinaryStream reader(&in);
-        copy->LoadFromStream(reader);
-        copy->SetCenterPoint(source.CenterPoint());
-        done = true;
-    } catch (const TStreamError &) {
-    }
-    m_DiskFileVersion = previous;
-    return done ? std::move(copy) : nullptr;
+    CopyWholeState(*copy, source);
+    copy->SetCenterPoint(source.CenterPoint());
+    return copy;
 }
 
 // ---- Copy ----
@@ -312,6 +310,12 @@ std::unique_ptr<TMyShape> TMyCAD::CloneShape(const TMyShape &source)
 QByteArray TMyCAD::CopiedShapesData()
 {
     return ShapesDataOf(CopiedNumbers(*this));
+}
+
+QByteArray TMyCAD::CopiedShapeTexts()
+{
+    const std::vector<std::int32_t> numbers = CopiedNumbers(*this);
+    return numbers.empty() ? QByteArray() : ShapeTextsData(ShapesAt(*this, numbers));
 }
 
 QByteArray TMyCAD::ShapesDataOf(const std::vector<std::int32_t> &numbers)
@@ -415,6 +419,7 @@ bool TMyCAD::PutOnClipboard(const std::vector<std::int32_t> &numbers)
         return false;
     auto *mime = new QMimeData;
     mime->setData(ShapesMimeType(), data);
+    mime->setData(ShapeTextsMimeType(), ShapeTextsData(ShapesAt(*this, numbers)));
     if (!image.isNull()) {
         mime->setData(QStringLiteral("image/png"), Encoded(image, "PNG"));
         mime->setData(QStringLiteral("image/svg+xml"), svg);
@@ -436,11 +441,11 @@ bool TMyCAD::CutToClipboard()
 
 // ---- Paste ----
 
-bool TMyCAD::PasteShapesData(const QByteArray &data)
+bool TMyCAD::PasteShapesData(const QByteArray &data, const QByteArray &texts)
 {
     m_LastError.clear();
     std::vector<std::unique_ptr<TMyShape>> shapes;
-    m_LastError = ReadShapesData(*this, data, shapes);
+    m_LastError = ReadShapesData(*this, data, texts, shapes);
     if (!m_LastError.isEmpty())
         return false;
     if (PlaceShapes(std::move(shapes), {PasteOffset, PasteOffset}, false).empty()) {
@@ -458,7 +463,8 @@ bool TMyCAD::PasteFromClipboard()
         m_LastError = QStringLiteral("the clipboard holds no shapes");
         return false;
     }
-    return PasteShapesData(mime->data(ShapesMimeType()));
+    // Data of a program that does not write the texts part pastes with the records' texts.
+    return PasteShapesData(mime->data(ShapesMimeType()), mime->data(ShapeTextsMimeType()));
 }
 
 } // namespace tessal

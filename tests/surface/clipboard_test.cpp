@@ -1,12 +1,17 @@
 // SPDX-License-Identifier: MIT
-// Copy, cut and paste: pasted shapes equal the copied ones field for field, relations of
-// groups and connectors survive, a paste is one undo step, the offered picture is the
-// surface's own drawing, and damaged data is refused.
+// Copy, cut and paste: pasted shapes equal the copied ones field for field, texts beyond
+// what the records hold come through in full, relations of groups and connectors survive,
+// a paste is one undo step, the offered picture is the surface's own drawing, and damaged
+// data is refused.
 #include "../common/imagecompare.h"
 #include "documenthelpers.h"
 #include "rendertestshapes.h"
 
 #include <tessal/platform/binarystream.h>
+#include <tessal/platform/streamprimitives.h>
+#include <tessal/shapes/ruleline.h>
+#include <tessal/shapes/shapefactory.h>
+#include <tessal/shapes/text.h>
 
 #include <QBuffer>
 #include <QClipboard>
@@ -32,6 +37,165 @@ struct GroupAndConnector
         return cad.GetShapeByID(cad.GroupShapes(members, false));
     }
 };
+
+// Texts no 8-bit record keeps: Cyrillic, CJK, the euro sign, a character outside the basic
+// plane, and lengths past 255 (the records keep length mod 256 characters).
+QString Unusual(std::int32_t n)
+{
+    static const QStringList samples = {
+        QStringLiteral("Привет, мир"),
+        QStringLiteral("Подпись"),
+        QStringLiteral("ключ=значение €"),
+        QStringLiteral("行一"),
+        QString::fromUtf8("\xF0\x9D\x84\x9E clef"),
+        QStringLiteral("Жx€").repeated(100),
+        QStringLiteral("λ").repeated(256),
+    };
+    return samples[n % samples.size()] + QString::number(n);
+}
+
+// Every text of a shape, labelled, in one list to compare.
+QStringList TextsOf(const TMyShape &shape)
+{
+    QStringList texts{"caption " + shape.Caption(), "info " + shape.Info(),
+                      "font " + shape.Font().Name};
+    for (const QString &line : shape.MultiInfo())
+        texts << "multi " + line;
+    for (const TUserDataRecord &r : shape.UserData().Records())
+        texts << "key " + r.Key << "value " + r.Value;
+    if (const auto *text = dynamic_cast<const TMyText *>(&shape))
+        texts << "lines" << text->Lines();
+    if (const auto *rule = dynamic_cast<const TMyRuleLine *>(&shape))
+        texts << "user info " + rule->UserInfo();
+    return texts;
+}
+
+// One shape of every class, each of its texts a different unusual one, placed in cad (and
+// so selected).
+std::vector<TMyShape *> PlaceShapesWithUnusualTexts(TMyCAD &cad)
+{
+    std::vector<std::unique_ptr<TMyShape>> shapes;
+    std::int32_t n = 0;
+    const auto next = [&n] { return Unusual(n++); };
+    for (const QString &name : ShapeClassNames()) {
+        std::unique_ptr<TMyShape> shape = cad.CreateShapeByName(name);
+        shape->Points() = {{10, 10}, {60, 12}, {58, 40}, {12, 44}};
+        shape->SetCaption(next());
+        shape->SetInfo(next());
+        TFont font = shape->Font();
+        font.Name = next();
+        shape->SetFont(font);
+        shape->SetMultiInfo({next(), QString(), next()}); // braced: in order
+        for (int i = 0; i < 2; ++i) {
+            const QString key = next();
+            shape->UserData().AddKeyandValue(key, next());
+        }
+        if (auto *text = dynamic_cast<TMyText *>(shape.get()))
+            text->SetLines({next(), next()});
+        if (auto *rule = dynamic_cast<TMyRuleLine *>(shape.get()))
+            rule->SetUserInfo(next());
+        shapes.push_back(std::move(shape));
+    }
+    return cad.PlaceShapes(std::move(shapes), {}, false);
+}
+
+TEST(Clipboard, CopiesAndClonesKeepEveryTextInFull)
+{
+    TMyCAD cad;
+    const std::vector<TMyShape *> originals = PlaceShapesWithUnusualTexts(cad);
+    const std::int32_t count = std::int32_t(originals.size());
+    ASSERT_EQ(count, ShapeClassNames().size());
+    for (const TMyShape *shape : originals) {
+        std::unique_ptr<TMyShape> clone = cad.CloneShape(*shape);
+        EXPECT_EQ(TextsOf(*clone), TextsOf(*shape)) << shape->ClassName().toStdString();
+        // Everything else the record holds is equal too.
+        EXPECT_TRUE(SameBytes(Saved(*clone), Saved(*shape))) << shape->ClassName().toStdString();
+    }
+
+    ASSERT_TRUE(cad.CopyToClipboard());
+    ASSERT_TRUE(cad.PasteFromClipboard()) << cad.LastError().toStdString();
+    ASSERT_EQ(cad.GetShapesCount(), 2 * count);
+    for (std::int32_t i = 0; i < count; ++i)
+        EXPECT_EQ(TextsOf(*cad.GetShapeByNo(count + i)), TextsOf(*originals[i])) << i;
+
+    // The same through the data operations; without the texts part the records' cut texts
+    // come back, as data of a program that does not write it would paste.
+    cad.SetWorkingShapes(originals);
+    const QByteArray records = cad.CopiedShapesData(), texts = cad.CopiedShapeTexts();
+    ASSERT_TRUE(cad.PasteShapesData(records, texts));
+    ASSERT_TRUE(cad.PasteShapesData(records));
+    ASSERT_EQ(cad.GetShapesCount(), 4 * count);
+    for (std::int32_t i = 0; i < count; ++i) {
+        EXPECT_EQ(TextsOf(*cad.GetShapeByNo(2 * count + i)), TextsOf(*originals[i])) << i;
+        const QString caption = originals[i]->Caption();
+        EXPECT_EQ(cad.GetShapeByNo(3 * count + i)->Caption().size(), caption.size() % 256) << i;
+    }
+}
+
+TEST(Clipboard, TextsPartHasItsLayoutAndIsRefusedWhenDamagedOrForeign)
+{
+    TMyCAD cad;
+    TMyShape *r = AddRectangle(cad, 10, 10, 50, 40);
+    r->SetCaption(QString::fromUtf8("\xD0\x96\xF0\x9D\x84\x9E")); // U+0416, U+1D11E
+    r->UserData().AddKeyandValue(QStringLiteral("k"), QString());
+    TFont font = r->Font();
+    font.Name = QStringLiteral("F");
+    r->SetFont(font);
+    TMyShape *t =
+        AddByCode(cad, TDrawTool::SpText, {{60, 10}, {90, 40}}, 0, QStringLiteral("a\nb"));
+    t->SetFont(font);
+    cad.SetWorkingShapes(std::vector{r, t});
+
+    QByteArray expected;
+    {
+        QBuffer buffer(&expected);
+        buffer.open(QIODevice::WriteOnly);
+        BinaryStream s(&buffer);
+        const auto text = [&s](std::initializer_list<std::uint16_t> units) {
+            s.WriteInt32(std::int32_t(units.size()));
+            for (std::uint16_t unit : units)
+                s.WriteUInt16(unit);
+        };
+        s.WriteBytes("Tessal texts    ");
+        s.WriteInt32(2);
+        s.WriteBytes("TMyRectangle    ");
+        text({0x0416, 0xD834, 0xDD1E}); // caption
+        text({});                       // info
+        text({'F'});                    // font
+        s.WriteInt32(0);                // MultiInfo
+        s.WriteInt32(1);                // user data
+        text({'k'});
+        text({});
+        s.WriteInt32(0); // own texts
+        s.WriteBytes("TMyText         ");
+        text({});
+        text({'a', '\n', 'b'}); // a text made by code has its text as Info too
+        text({'F'});
+        s.WriteInt32(0);
+        s.WriteInt32(0);
+        s.WriteInt32(2);
+        text({'a'});
+        text({'b'});
+    }
+    const QByteArray texts = cad.CopiedShapeTexts();
+    EXPECT_TRUE(SameBytes(texts, expected));
+
+    // Damaged, or written for other shapes: nothing is added.
+    const QByteArray records = cad.CopiedShapesData();
+    QByteArray otherClass = texts;
+    otherClass.replace("TMyRectangle    ", "TMyEllipse      ");
+    cad.SetWorkingShapes(std::vector{r});
+    std::vector<QByteArray> bad{texts + 'x', otherClass, cad.CopiedShapeTexts()};
+    for (qsizetype n = 1; n < texts.size(); ++n)
+        bad.push_back(texts.left(n));
+    const std::int32_t steps = StepCount(cad);
+    for (const QByteArray &part : bad) {
+        ASSERT_FALSE(cad.PasteShapesData(records, part)) << part.size();
+        ASSERT_FALSE(cad.LastError().isEmpty());
+    }
+    EXPECT_EQ(cad.GetShapesCount(), 2);
+    EXPECT_EQ(StepCount(cad), steps);
+}
 
 TEST(Clipboard, RoundTripEqualsTheOriginalsExceptIdentityNameAndOffset)
 {
