@@ -781,7 +781,9 @@ public:
     // figures) of the copied shapes, drawn as the surface draws them at the current zoom on
     // the background colour, serve other applications. False when nothing is selected.
     bool CopyToClipboard();
-    // Copies, then deletes the copied top-level shapes as one "ACT_DELETE" step.
+    // Copies what deleting the working shapes removes (locked shapes, and members locked
+    // inside a group, stay and are not copied), then deletes the copied top-level shapes as
+    // one "ACT_DELETE" step. False, changing nothing, when nothing unlocked is selected.
     bool CutToClipboard();
     // Adds the clipboard's shapes PasteOffset units right of and below where they were
     // copied, on the current layer (see PlaceShapes). False, with LastError(), when the

@@ -83,13 +83,18 @@ void Translate(TMyShape &shape, TMyPoint by)
 
 // The list places of what a copy takes: the working shapes, their members at any depth,
 // and the top-level connectors bound at both ends to shapes already taken; in list order.
-std::vector<std::int32_t> CopiedNumbers(const TMyCAD &cad)
+// A cut takes only what deleting the selection removes (honourLocks): no locked shape, nor
+// anything below a locked member.
+std::vector<std::int32_t> CopiedNumbers(const TMyCAD &cad, bool honourLocks = false)
 {
     const std::int32_t count = cad.GetShapesCount();
+    const auto kept = [honourLocks](const TMyShape *shape) {
+        return honourLocks && shape->Locked();
+    };
     std::vector<bool> taken(std::size_t(count), false);
     std::vector<std::int32_t> pending;
     for (const TMyShape *shape : cad.WorkingShapes())
-        if (const std::int32_t no = cad.GetShapeNoInMyShapes(shape); no >= 0)
+        if (const std::int32_t no = cad.GetShapeNoInMyShapes(shape); no >= 0 && !kept(shape))
             pending.push_back(no);
     while (!pending.empty()) {
         const std::int32_t no = pending.back();
@@ -98,7 +103,8 @@ std::vector<std::int32_t> CopiedNumbers(const TMyCAD &cad)
             continue;
         taken[std::size_t(no)] = true;
         for (std::int32_t child : cad.GetShapeByNo(no)->ChildShapes())
-            if (child >= 0 && child < count && !taken[std::size_t(child)])
+            if (child >= 0 && child < count && !taken[std::size_t(child)] &&
+                !kept(cad.GetShapeByNo(child)))
                 pending.push_back(child);
     }
     const auto inside = [&](std::int32_t no) {
@@ -112,7 +118,8 @@ std::vector<std::int32_t> CopiedNumbers(const TMyCAD &cad)
             __builtin_prefetch(cad.GetShapeByNo(no + 8));
         const TMyLinkLine *link = asLink(cad.GetShapeByNo(no));
         connectors[std::size_t(no)] = link && !inside(no) && link->ParentNo() == -1 &&
-                                      inside(link->StartSpNo()) && inside(link->EndSpNo());
+                                      !kept(link) && inside(link->StartSpNo()) &&
+                                      inside(link->EndSpNo());
     }
     std::vector<std::int32_t> numbers;
     for (std::int32_t no = 0; no < count; ++no)
@@ -430,7 +437,9 @@ bool TMyCAD::PutOnClipboard(const std::vector<std::int32_t> &numbers)
 
 bool TMyCAD::CutToClipboard()
 {
-    const std::vector<std::int32_t> numbers = CopiedNumbers(*this);
+    // Deleting leaves locked shapes where they are; copying them too would make a paste
+    // duplicate them.
+    const std::vector<std::int32_t> numbers = CopiedNumbers(*this, true);
     const std::vector<TMyShape *> roots = CopiedRoots(*this, numbers);
     if (!PutOnClipboard(numbers))
         return false;

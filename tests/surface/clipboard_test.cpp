@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copy, cut and paste: pasted shapes equal the copied ones field for field, texts beyond
 // what the records hold come through in full, relations of groups and connectors survive,
-// a paste is one undo step, the offered picture is the surface's own drawing, and damaged
-// data is refused.
+// a paste is one undo step, a cut copies only what it removes, the offered picture is the
+// surface's own drawing, and damaged data is refused.
 #include "../common/imagecompare.h"
 #include "documenthelpers.h"
 #include "rendertestshapes.h"
@@ -292,6 +292,56 @@ TEST(Clipboard, GroupMembersAndConnectorsKeepTheirRelationsAndPasteIsOneStep)
     ASSERT_TRUE(cad.PasteFromClipboard());
     EXPECT_EQ(cad.GetShapesCount(), 5);
     EXPECT_TRUE(RelationsValid(cad));
+}
+
+// The captions of the drawing's shapes, sorted.
+std::string Captions(const TMyCAD &cad)
+{
+    QStringList captions;
+    for (std::int32_t no = 0; no < cad.GetShapesCount(); ++no)
+        captions << cad.GetShapeByNo(no)->Caption();
+    captions.sort();
+    return captions.join(' ').toStdString();
+}
+
+TEST(Clipboard, CutCopiesOnlyWhatItRemoves)
+{
+    GroupAndConnector d; // a and b grouped as g, c, and a connector from a to c
+    TMyCAD &cad = d.cad;
+    TMyShape *e = AddRectangle(cad, 100, 100, 140, 140);
+    for (auto [shape, caption] : {std::pair{d.a, "a"},
+                                  {d.b, "b"},
+                                  {d.c, "c"},
+                                  {d.g, "g"},
+                                  {static_cast<TMyShape *>(d.link), "link"},
+                                  {e, "e"}})
+        shape->SetCaption(QString::fromLatin1(caption));
+    d.b->SetLocked(true); // a locked member of an unlocked group
+    d.c->SetLocked(true);
+    e->SetLocked(true);
+    const std::int32_t steps = StepCount(cad);
+
+    // Only locked shapes selected: nothing to cut, and the clipboard keeps what it had.
+    QGuiApplication::clipboard()->setText(QStringLiteral("kept"));
+    cad.SetWorkingShapes(std::vector{d.c, e});
+    EXPECT_FALSE(cad.CutToClipboard());
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), QStringLiteral("kept"));
+    EXPECT_EQ(cad.GetShapesCount(), 6);
+    EXPECT_EQ(StepCount(cad), steps);
+
+    // The group goes without its locked member, c and e stay, and the connector to c with
+    // them; a paste brings back exactly what went, so every shape is there once.
+    cad.SetWorkingShapes(std::vector{d.g, d.c, e});
+    ASSERT_TRUE(cad.CutToClipboard());
+    EXPECT_EQ(Captions(cad), "b c e link");
+    EXPECT_EQ(StepCount(cad), steps + 1);
+    ASSERT_TRUE(cad.PasteFromClipboard());
+    EXPECT_EQ(Captions(cad), "a b c e g link");
+    EXPECT_TRUE(RelationsValid(cad));
+    const TMyShape *group = cad.GetShapeByNo(cad.GetShapesCount() - 1);
+    ASSERT_EQ(group->Caption(), "g");
+    ASSERT_EQ(group->ChildShapes().size(), 1u);
+    EXPECT_EQ(cad.GetShapeByNo(group->ChildShapes()[0])->Caption(), "a");
 }
 
 TEST(Clipboard, PictureIsTheSurfacesOwnDrawing)
