@@ -193,8 +193,10 @@ void MainWindow::CreateEditMenu()
         NoteChange();
     });
     m_CutAction->setShortcut(QKeySequence::Cut);
+    m_CutAction->setObjectName(QStringLiteral("cut"));
     m_CopyAction = edit->addAction(tr("&Copy"), this, [this] { m_Cad->CopyToClipboard(); });
     m_CopyAction->setShortcut(QKeySequence::Copy);
+    m_CopyAction->setObjectName(QStringLiteral("copy"));
     QAction *paste = edit->addAction(tr("&Paste"), this, [this] {
         if (!m_Cad->PasteFromClipboard())
             statusBar()->showMessage(m_Cad->LastError(), 4000);
@@ -321,9 +323,11 @@ void MainWindow::UpdateActions()
 {
     m_UndoAction->setText(UndoText());
     m_UndoAction->setEnabled(!m_Cad->UndoRedoShapeList().empty());
-    const bool selected = m_Cad->GetWorkingShapesCount() > 0;
-    m_CutAction->setEnabled(selected);
-    m_CopyAction->setEnabled(selected);
+    const std::vector<TMyShape *> &selected = m_Cad->WorkingShapes();
+    // Cut removes only unlocked shapes, and copies only what it removes.
+    m_CutAction->setEnabled(std::any_of(selected.begin(), selected.end(),
+                                        [](const TMyShape *s) { return !s->Locked(); }));
+    m_CopyAction->setEnabled(!selected.empty());
     m_Commands->UpdateEnabled();
 }
 

@@ -173,13 +173,19 @@ TEST_F(EditorTest, CombineFromTheMenuAndCommandsThatApply)
     EXPECT_FALSE(enabled("combine"));
     EXPECT_EQ(m_Window->UndoText(), "&Undo Group");
 
-    // Locked, the block cannot be ungrouped, and only Unlock is offered of the two.
+    // Locked, the block cannot be ungrouped, and only Unlock is offered of the two; it can
+    // be copied but not cut, as a cut would leave it where it is.
+    QAction *cut = m_Window->findChild<QAction *>("cut");
+    EXPECT_TRUE(cut->isEnabled());
     commands->Action("lock")->trigger();
     EXPECT_TRUE(block->Locked());
     EXPECT_FALSE(enabled("ungroup"));
     EXPECT_FALSE(enabled("lock"));
     EXPECT_TRUE(enabled("unlock"));
+    EXPECT_FALSE(cut->isEnabled());
+    EXPECT_TRUE(m_Window->findChild<QAction *>("copy")->isEnabled());
     commands->Action("unlock")->trigger();
+    EXPECT_TRUE(cut->isEnabled());
     commands->Action("ungroup")->trigger();
     EXPECT_EQ(m_Cad()->GetShapesCount(), 2);
 
