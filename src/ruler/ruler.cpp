@@ -60,6 +60,15 @@ void TMyRuler::SetZoom(double value)
     emit ZoomChanged(value);
 }
 
+void TMyRuler::SetRatio(double value)
+{
+    if (value == m_Ratio || !(value > 0) || !std::isfinite(value))
+        return;
+    m_Ratio = value;
+    ScaleChanged();
+    emit RatioChanged(value);
+}
+
 void TMyRuler::SetOrigin(int value)
 {
     if (value == m_Origin)
@@ -112,7 +121,7 @@ void TMyRuler::SetMarkerColor(const QColor &value)
 
 TRulerScale TMyRuler::Scale() const
 {
-    return {PixelsPerUnit(m_Unit, m_PixelsPerInch) * m_Zoom, m_Origin, m_Reversed};
+    return {PixelsPerUnit(m_Unit, m_PixelsPerInch) * m_Zoom / m_Ratio, m_Origin, m_Reversed};
 }
 
 int TMyRuler::Length() const

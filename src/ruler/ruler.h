@@ -11,8 +11,8 @@
 namespace tessal {
 
 // A ruler knows nothing of the document: it shows a scale described by its properties
-// (unit, zoom, where value 0 sits, direction) and a marker line. TRulerLink keeps these in
-// step with a surface. Positions (Origin, Marker) are the ruler's own pixels along its
+// (unit, zoom, drawing ratio, where value 0 sits, direction) and a marker line. TRulerLink keeps
+// these in step with a surface. Positions (Origin, Marker) are the ruler's own pixels along its
 // length. Ticks are drawn once into a cached picture; moving the marker repaints only the
 // two thin strips where it was and where it is.
 class TMyRuler : public QWidget
@@ -22,6 +22,7 @@ class TMyRuler : public QWidget
         Qt::Orientation Orientation READ Orientation WRITE SetOrientation NOTIFY OrientationChanged)
     Q_PROPERTY(tessal::GeometryEnums::TUnits Unit READ Unit WRITE SetUnit NOTIFY UnitChanged)
     Q_PROPERTY(double Zoom READ Zoom WRITE SetZoom NOTIFY ZoomChanged)
+    Q_PROPERTY(double Ratio READ Ratio WRITE SetRatio NOTIFY RatioChanged)
     Q_PROPERTY(int Origin READ Origin WRITE SetOrigin NOTIFY OriginChanged)
     Q_PROPERTY(bool Reversed READ Reversed WRITE SetReversed NOTIFY ReversedChanged)
     Q_PROPERTY(
@@ -39,6 +40,10 @@ public:
     // Screen pixels per document pixel. Values at or below zero are refused.
     double Zoom() const { return m_Zoom; }
     void SetZoom(double value);
+    // Units of the drawing per unit shown on the screen (the surface's Ratio): at ratio 2 a
+    // millimetre on the screen reads as 2 mm. Values at or below zero are refused.
+    double Ratio() const { return m_Ratio; }
+    void SetRatio(double value);
     int Origin() const { return m_Origin; }
     void SetOrigin(int value);
     bool Reversed() const { return m_Reversed; }
@@ -67,6 +72,7 @@ signals:
     void OrientationChanged(Qt::Orientation value);
     void UnitChanged(tessal::GeometryEnums::TUnits value);
     void ZoomChanged(double value);
+    void RatioChanged(double value);
     void OriginChanged(int value);
     void ReversedChanged(bool value);
     void PixelsPerInchChanged(int value);
@@ -89,6 +95,7 @@ private:
     Qt::Orientation m_Orientation;
     TUnits m_Unit = TUnits::mm;
     double m_Zoom = 1;
+    double m_Ratio = 1;
     int m_Origin = 0;
     bool m_Reversed = false;
     int m_PixelsPerInch = 96;

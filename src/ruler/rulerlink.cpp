@@ -56,6 +56,7 @@ void TRulerLink::Sync()
             return;
         ruler->SetUnit(m_Surface->TheUNIT());
         ruler->SetZoom(m_Surface->Zoom());
+        ruler->SetRatio(m_Surface->Ratio());
         ruler->SetPixelsPerInch(m_Surface->ScreenPixelsPerInch());
         ruler->SetReversed(mirrored);
         // A mirrored axis counts from the surface's far edge, as the surface reports it.

@@ -19,8 +19,8 @@ class TMyRulerCorner;
 //  - moves and resizes: a scroll area scrolls by moving the surface inside its viewport,
 //    and a zoom or page change resizes it, so the origins are re-read from where the
 //    surface sits relative to each ruler,
-//  - paints: every property change of the surface ends in a repaint, so the zoom, the unit
-//    (TheUNIT) and the axis directions (XYMode) are re-read there and compared.
+//  - paints: every property change of the surface ends in a repaint, so the zoom, the ratio,
+//    the unit (TheUNIT) and the axis directions (XYMode) are re-read there and compared.
 // Moves and resizes of the rulers re-read the origins too. Sync() does all of it now.
 // A click on the corner sets the surface's TheUNIT, which the rulers then show.
 class TRulerLink : public QObject

@@ -177,9 +177,13 @@ TEST(WidgetProperties, RulersRefuseValuesTheyCannotShow)
 {
     TMyRuler ruler;
     QSignalSpy zoom(&ruler, &TMyRuler::ZoomChanged);
-    for (double bad : {0.0, -1.0, std::nan(""), HUGE_VAL})
+    QSignalSpy ratio(&ruler, &TMyRuler::RatioChanged);
+    for (double bad : {0.0, -1.0, std::nan(""), HUGE_VAL}) {
         ruler.SetZoom(bad);
-    EXPECT_EQ(ruler.Zoom(), 1.0);
+        ruler.SetRatio(bad);
+    }
+    EXPECT_EQ(std::pair(ruler.Zoom(), ruler.Ratio()), std::pair(1.0, 1.0));
+    EXPECT_EQ(ratio.count(), 0);
     ruler.SetPixelsPerInch(0);
     EXPECT_EQ(ruler.PixelsPerInch(), 96);
     EXPECT_EQ(zoom.count(), 0);

@@ -212,3 +212,64 @@ TEST(Ruler, MovingTheMarkerRepaintsOnlyTwoStrips)
     QTest::qWait(20);
     EXPECT_EQ(painted, QRegion(0, 99, 24, 3) + QRegion(0, 199, 24, 3));
 }
+
+TEST(Ruler, ReadsWhatTheSurfaceReportsAtAnyDrawingRatio)
+{
+    TRig rig;
+    QPalette palette;
+    palette.setColor(QPalette::Window, Qt::white);
+    palette.setColor(QPalette::WindowText, Qt::black);
+    rig.H()->setPalette(palette);
+    // Where the surface's pixel 0 lies on the horizontal ruler.
+    const auto start = [&] { return rig.H()->mapFromGlobal(rig.Cad->mapToGlobal(QPoint())).x(); };
+    // {ratio, unit, zoom}
+    const std::tuple<double, TUnits, double> cases[] = {
+        {2, TUnits::mm, 1}, {0.5, TUnits::cm, 2}, {25.4, TUnits::inch, 1}, {3, TUnits::pixel, 0.5}};
+    for (const auto &c : cases) {
+        const auto [ratio, unit, zoom] = c;
+        const double r = ratio, z = zoom; // captured below
+        SCOPED_TRACE(::testing::Message() << "ratio " << ratio << " unit " << int(unit));
+        rig.Cad->SetTheUNIT(unit);
+        rig.Cad->SetZoom(zoom);
+        rig.Cad->SetRatio(ratio);
+        rig.Scroll->horizontalScrollBar()->setValue(40);
+        ASSERT_TRUE(WaitFor([&] { return rig.H()->Ratio() == r && rig.H()->Zoom() == z; }));
+        ASSERT_TRUE(WaitFor([&] { return rig.H()->Origin() == start(); }));
+        const int shift = -start();
+        EXPECT_GT(shift, 0);
+        EXPECT_EQ(rig.V()->Ratio(), ratio);
+        // Every labelled tick sits on the control pixel whose reported x is nearest to its
+        // value: within half a pixel's worth of units, and its label is that value.
+        const double unitsPerPixel =
+            rig.Cad->GetPointByMode({1001, 0}).X - rig.Cad->GetPointByMode({1000, 0}).X;
+        const auto ticks = rig.H()->Ticks();
+        const QImage image = rig.H()->grab().toImage();
+        int labelled = 0;
+        for (const TRulerTick &t : ticks) {
+            if (t.Level != TRulerTick::Major)
+                continue;
+            ++labelled;
+            const double reported = rig.Cad->GetPointByMode({t.Pos + shift, 0}).X;
+            EXPECT_LE(std::abs(reported - t.Value), unitsPerPixel / 2 + 1e-4) << t.Pos;
+            EXPECT_EQ(t.Label, RulerLabel(t.Value, rig.H()->Steps().Major));
+            EXPECT_EQ(image.pixelColor(t.Pos, 1), QColor(Qt::black)) << t.Pos;
+        }
+        EXPECT_GE(labelled, 2);
+        // The ruler's reading under any control pixel is the surface's own.
+        for (int x : {0, 17, 138, 255}) {
+            const double reported = rig.Cad->GetPointByMode({x + shift, 0}).X;
+            EXPECT_NEAR(rig.H()->Scale().ValueAt(x), reported, 1e-4 * std::max(1.0, reported));
+        }
+    }
+    // The case of the report: 2 mm drawn per screen millimetre, control pixel 378.
+    rig.Cad->SetTheUNIT(TUnits::mm);
+    rig.Cad->SetZoom(1);
+    rig.Cad->SetRatio(2);
+    ASSERT_TRUE(WaitFor([&] {
+        return rig.H()->Zoom() == 1 && rig.H()->Unit() == TUnits::mm && rig.H()->Ratio() == 2 &&
+               rig.H()->Origin() == start();
+    }));
+    const double at378 = 378.0 / rig.Cad->logicalDpiX() * 25.4 * 2;
+    EXPECT_NEAR(rig.Cad->GetPointByMode({378, 0}).X, at378, 1e-4);
+    EXPECT_NEAR(rig.H()->Scale().ValueAt(378 + start()), at378, 1e-9);
+}
