@@ -66,6 +66,7 @@ TFont FromQFont(const QFont &font, const TFont &base)
 
 TStringListDialog::TStringListDialog(const QStringList &lines, QWidget *parent)
     : QDialog(parent)
+    , m_Opened(lines)
     , m_Edit(new QPlainTextEdit(this))
 {
     setWindowTitle(tr("String List Editor"));
@@ -85,6 +86,8 @@ TStringListDialog::TStringListDialog(const QStringList &lines, QWidget *parent)
 QStringList TStringListDialog::Lines() const
 {
     const QString text = m_Edit->toPlainText();
+    if (text == m_Opened.join(QLatin1Char('\n')))
+        return m_Opened;
     return text.isEmpty() ? QStringList() : text.split(QLatin1Char('\n'));
 }
 

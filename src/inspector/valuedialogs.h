@@ -23,7 +23,8 @@ namespace tessal {
 QFont ToQFont(const TFont &font);
 TFont FromQFont(const QFont &font, const TFont &base);
 
-// Lines of text, one per line of a plain text box.
+// Lines of text, one per line of a plain text box. Text left as it was opened gives back
+// the lines it was opened with: an empty box stands for both no lines and one empty line.
 class TStringListDialog : public QDialog
 {
     Q_OBJECT
@@ -33,6 +34,7 @@ public:
     QPlainTextEdit *Editor() const { return m_Edit; }
 
 private:
+    QStringList m_Opened;
     QPlainTextEdit *m_Edit;
 };
 

@@ -27,12 +27,15 @@ TTextEditDialog::TTextEditDialog(QWidget *parent)
 
 void TTextEditDialog::SetLines(const QStringList &lines)
 {
+    m_Lines = lines;
     m_Editor->setPlainText(lines.join(QLatin1Char('\n')));
 }
 
 QStringList TTextEditDialog::Lines() const
 {
     const QString text = m_Editor->toPlainText();
+    if (text == m_Lines.join(QLatin1Char('\n')))
+        return m_Lines;
     if (text.isEmpty())
         return {};
     return text.split(QLatin1Char('\n'));

@@ -10,7 +10,8 @@ class QPlainTextEdit;
 namespace tessal {
 
 // A plain-text editor with OK and Cancel. The lines are the editor's text split at line
-// breaks; an empty editor gives no lines.
+// breaks; an empty editor gives no lines, except that text left as SetLines put it gives
+// back those lines (an empty editor also shows one empty line).
 class TTextEditDialog : public QDialog
 {
     Q_OBJECT
@@ -23,6 +24,7 @@ public:
     QPlainTextEdit *Editor() const { return m_Editor; }
 
 private:
+    QStringList m_Lines;
     QPlainTextEdit *m_Editor;
 };
 

@@ -6,6 +6,7 @@
 #include <tessal/inspector/listdialogs.h>
 #include <tessal/inspector/propertydelegate.h>
 #include <tessal/inspector/valuedialogs.h>
+#include <tessal/shapes/texteditdialog.h>
 #include <tessal/shapes/userdatadialogs.h>
 
 #include <QCheckBox>
@@ -20,6 +21,7 @@
 #include <QToolButton>
 
 #include <memory>
+#include <optional>
 
 using namespace tessal;
 using namespace tessal::test;
@@ -102,6 +104,42 @@ TEST(InspectorDialogs, PenStringsSetsAndUserDataFromTheGrid)
     EXPECT_EQ(doc.A()->Font().Style, fsBold | fsUnderline);
     doc.Cad->PopFromUndoRedoShapeList();
     EXPECT_EQ(doc.A()->Font().Style, 0);
+}
+
+TEST(InspectorDialogs, TextLeftAsOpenedGivesBackTheLinesItWasOpenedWith)
+{
+    // {lines opened with, text typed (none: left as opened), lines answered}. An empty box
+    // shows both no lines and one empty line; only an edit decides between them.
+    const std::tuple<QStringList, std::optional<QString>, QStringList> cases[] = {
+        {{""}, {}, {""}},
+        {{}, {}, {}},
+        {{"", ""}, {}, {"", ""}},
+        {{"a", ""}, {}, {"a", ""}},
+        {{"a"}, QString(), {}},
+        {{""}, QString("x\n"), {"x", ""}},
+        {{}, QString("\n"), {"", ""}},
+    };
+    for (const auto &[opened, typed, expected] : cases) {
+        SCOPED_TRACE(opened.join('|').toStdString());
+        TStringListDialog list(opened);
+        TTextEditDialog text;
+        text.SetLines(opened);
+        if (typed) {
+            list.Editor()->setPlainText(*typed);
+            text.Editor()->setPlainText(*typed);
+        }
+        EXPECT_EQ(list.Lines(), expected);
+        EXPECT_EQ(text.Lines(), expected);
+    }
+
+    // Through the grid: OK on one blank line left alone changes nothing and records nothing.
+    TDoc doc;
+    doc.A()->SetMultiInfo({QString()});
+    doc.ClickShape(doc.A());
+    WhenModal<TStringListDialog>([](TStringListDialog *d) { d->accept(); });
+    PressDots(doc.Grid(), "MultiInfo");
+    EXPECT_EQ(doc.A()->MultiInfo(), QStringList{QString()});
+    EXPECT_EQ(doc.UndoSteps(), 0u);
 }
 
 TEST(InspectorDialogs, PictureLoadsPreviewsAndRefusesBadFiles)
