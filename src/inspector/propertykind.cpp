@@ -83,7 +83,9 @@ constexpr TLimit Limits[] = {
     {"PixelsPerInch", 1, 10000}, // resolution
     {"Size", 1, 1000},           // font size in points
     {"GridWidth", 0.1, 10000},   // grid steps in document pixels
-    {"GridHeight", 0.1, 10000},
+    {"GridHeight", 0.1, 10000},  // (the same)
+    {"PageWidth", 1, 10000},     // paper size in millimetres
+    {"PageHeight", 1, 10000},    // (the same)
 };
 
 bool WithinLimits(const TPropertyType &type, double v, QString &error)

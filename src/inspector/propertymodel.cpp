@@ -7,6 +7,8 @@
 #include <QFont>
 #include <QPixmap>
 
+#include <algorithm>
+#include <cmath>
 #include <map>
 
 namespace tessal {
@@ -57,6 +59,19 @@ const QMetaObject *MembersOf(const QVariant &value, const QMetaType &type)
     if (type.flags() & QMetaType::IsGadget)
         return type.metaObject();
     return nullptr;
+}
+
+// Whether a value read back after a write is the value asked for. Reals may come back
+// rounded by the owner's own type or arithmetic, so they compare to a few units of the
+// precision of theirs.
+bool SameValue(const TPropertyType &type, const QVariant &asked, const QVariant &read)
+{
+    if (type.Kind != TPropertyKind::Real)
+        return asked == read;
+    const double a = asked.toDouble();
+    const double b = read.toDouble();
+    const double precision = type.Type.id() == QMetaType::Float ? 1e-6 : 1e-12;
+    return a == b || std::abs(a - b) <= precision * std::max(std::abs(a), std::abs(b));
 }
 
 } // namespace
@@ -387,13 +402,29 @@ bool TPropertyModel::setData(const QModelIndex &index, const QVariant &input, in
     for (int i = 0; i < m_Target->Count(); ++i)
         written = WritePath(i, node->Path, value) && written;
     m_Target->EndEdit();
-    if (!written) {
-        m_LastError = tr("%1 did not take the value.").arg(node->Type.Name);
-        emit EditRefused(m_LastError);
+    return FinishWrite(node, written, NotTaken(node->Path, node->Type, value));
+}
+
+QString TPropertyModel::NotTaken(const QStringList &path, const TPropertyType &type,
+                                 const QVariant &asked) const
+{
+    for (int i = 0; i < m_Target->Count(); ++i) {
+        const QVariant now = ReadPath(i, path);
+        if (!SameValue(type, asked, now))
+            return tr("%1 did not take the value %2; it is %3.")
+                .arg(type.Name, DisplayText(type, asked), DisplayText(type, now));
     }
+    return {};
+}
+
+bool TPropertyModel::FinishWrite(const TNode *node, bool written, const QString &notTaken)
+{
+    m_LastError = !written ? tr("%1 did not take the value.").arg(node->Type.Name) : notTaken;
+    if (!m_LastError.isEmpty())
+        emit EditRefused(m_LastError);
     Refresh();
     emit EditApplied(node->Path);
-    return written;
+    return m_LastError.isEmpty();
 }
 
 void TPropertyModel::Refresh()

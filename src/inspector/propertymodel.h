@@ -21,6 +21,8 @@ namespace tessal {
 // Writes go through setData: the input is converted to the property's type first, and
 // input that does not convert (unparsable text, out of range) is refused with a message
 // (EditRefused) and changes nothing. A value equal on every item is not written at all.
+// After a write the value is read back from every item; an owner that kept another value
+// (a setter that ignores what it cannot use) is reported with EditRefused too.
 class TPropertyModel : public QAbstractItemModel
 {
     Q_OBJECT
@@ -74,6 +76,11 @@ private:
     TNode *NodeOf(const QModelIndex &index) const;
     QVariant ReadPath(int item, const QStringList &path) const;
     bool WritePath(int item, const QStringList &path, const QVariant &value);
+    // The message for the first item whose value at path (of type) is not asked, or empty.
+    QString NotTaken(const QStringList &path, const TPropertyType &type,
+                     const QVariant &asked) const;
+    // Ends a write of node: reports a failed write or a value not taken, refreshes.
+    bool FinishWrite(const TNode *node, bool written, const QString &notTaken);
     bool IsLive() const;
 
     std::unique_ptr<TPropertyTarget> m_Target;

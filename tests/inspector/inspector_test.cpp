@@ -160,6 +160,47 @@ TEST_F(ComponentInspector, BadValuesAreRefusedWithAVisibleMessage)
     EXPECT_EQ(Cad->GridOperation()->GridWidth(), 20.0);
 }
 
+TEST_F(ComponentInspector, ValuesTheOwnerDoesNotTakeAreReported)
+{
+    Inspector->Tree()->clearSelection();
+    TInspectorGrid *grid = Grid();
+    QLabel *message = grid->MessageLabel();
+    const auto says = [message] { return message->isVisible() ? message->text() : QString(); };
+
+    // The capture distance stays below the grid step; the setter keeps its value.
+    ASSERT_EQ(Cad->SnapPixels(), 4);
+    TypeInto(grid, "SnapPixels", "200");
+    EXPECT_EQ(Cad->SnapPixels(), 4);
+    EXPECT_EQ(says(), "SnapPixels did not take the value 200; it is 4.");
+    TypeInto(grid, "SnapPixels", "6");
+    EXPECT_EQ(std::pair(Cad->SnapPixels(), says()), std::pair(std::uint8_t(6), QString()));
+
+    // Page sizes are millimetres of paper: none, or kilometres, are refused before writing.
+    const QSize size = Cad->size();
+    const auto page = std::pair(Cad->PageWidth(), Cad->PageHeight());
+    for (const char *name : {"PageWidth", "PageHeight"}) {
+        for (const char *input : {"0", "4000000000", "10001"}) {
+            SCOPED_TRACE(std::string(name) + " " + input);
+            TypeInto(grid, QLatin1String(name), QLatin1String(input));
+            EXPECT_TRUE(says().startsWith(QLatin1String(name) + " must lie between 1 and 10000"))
+                << says().toStdString();
+        }
+    }
+    EXPECT_EQ(std::pair(Cad->PageWidth(), Cad->PageHeight()), page);
+    EXPECT_EQ(Cad->size(), size);
+    TypeInto(grid, "PageWidth", "1000");
+    EXPECT_EQ(std::pair(Cad->PageWidth(), says()), std::pair(1000u, QString()));
+
+    // Reals that come back as asked to the precision of their type are no cause for a
+    // message: a shape's angle comes back through its own arithmetic.
+    TypeInto(grid, "Ratio", "0.3");
+    EXPECT_EQ(std::pair(Cad->Ratio(), says()), std::pair(0.3, QString()));
+    ClickShape(L());
+    TypeInto(grid, "Angle", "0.1");
+    EXPECT_NEAR(L()->Angle(), 0.1f, 1e-6);
+    EXPECT_EQ(says(), QString());
+}
+
 TEST_F(ComponentInspector, SurfacePropertiesAndNestedObjects)
 {
     TInspectorGrid *grid = Grid();
