@@ -33,6 +33,7 @@ TDialogCellEditor::TDialogCellEditor(const TPropertyType &type, QWidget *parent)
 
 void TDialogCellEditor::SetValue(const QVariant &value, const QString &text)
 {
+    m_Start = value;
     m_Value = value;
     m_Text->setText(text);
 }
@@ -112,7 +113,11 @@ void TPropertyDelegate::setEditorData(QWidget *editor, const QModelIndex &index)
     if (auto *box = qobject_cast<QComboBox *>(editor)) {
         box->setCurrentIndex(box->findText(text));
     } else if (auto *cell = qobject_cast<TDialogCellEditor *>(editor)) {
-        cell->SetValue(index.data(Qt::EditRole), text);
+        // A value that differs between the items has none of its own: the dialog starts
+        // from the first item's.
+        const bool mixed = index.data(TPropertyModel::MixedRole).toBool();
+        cell->SetValue(index.data(mixed ? int(TPropertyModel::FirstValueRole) : int(Qt::EditRole)),
+                       text);
     } else if (auto *line = qobject_cast<QLineEdit *>(editor)) {
         // The surface repaints (and the grid re-reads its values) while the user types:
         // typed text wins over the value shown when the editor opened.
@@ -138,7 +143,13 @@ void TPropertyDelegate::setModelData(QWidget *editor, QAbstractItemModel *model,
         if (box->currentIndex() >= 0)
             model->setData(index, box->currentText());
     } else if (auto *cell = qobject_cast<TDialogCellEditor *>(editor)) {
-        if (cell->HasNewValue())
+        // On a mixed pen, brush or font each item keeps the members the user left alone.
+        if (!cell->HasNewValue())
+            return;
+        if (index.data(TPropertyModel::MixedRole).toBool())
+            m_Model->SetChangedMembers(m_Proxy ? m_Proxy->mapToSource(index) : index,
+                                       cell->StartValue(), cell->Value());
+        else
             model->setData(index, cell->Value());
     } else if (auto *line = qobject_cast<QLineEdit *>(editor)) {
         // Text the user did not touch is not written back: a number is shown shorter than

@@ -16,7 +16,8 @@ namespace tessal {
 class TPropertyModel;
 
 // A cell editor for values edited in a dialog: the value's text and a "..." button that
-// opens the dialog. Accepting the dialog commits the value at once.
+// opens the dialog. Accepting the dialog commits the value at once. The dialog opens on the
+// value given last; StartValue keeps it, so that what the user changed can be told apart.
 class TDialogCellEditor : public QWidget
 {
     Q_OBJECT
@@ -24,6 +25,7 @@ public:
     TDialogCellEditor(const TPropertyType &type, QWidget *parent);
     void SetValue(const QVariant &value, const QString &text);
     QVariant Value() const { return m_Value; }
+    QVariant StartValue() const { return m_Start; }
     bool HasNewValue() const { return m_Changed; }
     QToolButton *Button() const { return m_Button; }
     // Opens the dialog (as the button does).
@@ -34,6 +36,7 @@ signals:
 
 private:
     TPropertyType m_Type;
+    QVariant m_Start;
     QVariant m_Value;
     bool m_Changed = false;
     QLabel *m_Text;

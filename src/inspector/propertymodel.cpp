@@ -374,6 +374,8 @@ QVariant TPropertyModel::data(const QModelIndex &index, int role) const
         return mixed;
     case PathRole:
         return node->Path;
+    case FirstValueRole:
+        return IsLive() ? ReadPath(0, node->Path) : QVariant();
     default:
         return {};
     }
@@ -403,6 +405,44 @@ bool TPropertyModel::setData(const QModelIndex &index, const QVariant &input, in
         written = WritePath(i, node->Path, value) && written;
     m_Target->EndEdit();
     return FinishWrite(node, written, NotTaken(node->Path, node->Type, value));
+}
+
+bool TPropertyModel::SetChangedMembers(const QModelIndex &index, const QVariant &before,
+                                       const QVariant &after)
+{
+    if (index.column() != ValueColumn || !IsWritable(index) || !IsLive())
+        return false;
+    const TNode *node = NodeOf(index);
+    const QMetaType type = node->Type.Type;
+    if (!(type.flags() & QMetaType::IsGadget) || before.metaType() != type ||
+        after.metaType() != type)
+        return setData(index, after);
+    // The member rows are the gadget's properties, in its order.
+    const QMetaObject *mo = type.metaObject();
+    std::vector<std::pair<const TNode *, QMetaProperty>> changed;
+    for (const auto &member : node->Children) {
+        const QMetaProperty p =
+            mo->property(mo->indexOfProperty(member->Type.Name.toLatin1().constData()));
+        if (p.readOnGadget(before.constData()) != p.readOnGadget(after.constData()))
+            changed.emplace_back(member.get(), p);
+    }
+    m_LastError.clear();
+    if (changed.empty())
+        return true;
+    m_Target->BeginEdit();
+    bool written = true;
+    for (int i = 0; i < m_Target->Count(); ++i) {
+        QVariant whole = ReadPath(i, node->Path);
+        for (const auto &[member, p] : changed)
+            written = p.writeOnGadget(whole.data(), p.readOnGadget(after.constData())) && written;
+        written = WritePath(i, node->Path, whole) && written;
+    }
+    m_Target->EndEdit();
+    QString notTaken;
+    for (auto it = changed.begin(); it != changed.end() && notTaken.isEmpty(); ++it)
+        notTaken =
+            NotTaken(it->first->Path, it->first->Type, it->second.readOnGadget(after.constData()));
+    return FinishWrite(node, written, notTaken);
 }
 
 QString TPropertyModel::NotTaken(const QStringList &path, const TPropertyType &type,

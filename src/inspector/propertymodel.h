@@ -31,7 +31,8 @@ public:
     enum TRole {
         KindRole = Qt::UserRole + 1, // TPropertyKind as int
         MixedRole,                   // bool: the items differ
-        PathRole                     // QStringList: property names from the item down
+        PathRole,                    // QStringList: property names from the item down
+        FirstValueRole               // the first item's value, mixed or not
     };
 
     explicit TPropertyModel(QObject *parent = nullptr);
@@ -54,6 +55,12 @@ public:
     // The value row of a property path such as {"Pen", "Width"}; invalid when not shown.
     QModelIndex IndexOf(const QStringList &path, int column = ValueColumn) const;
     QString LastError() const { return m_LastError; }
+    // Writes to every item only the members of a pen, brush or font value that differ
+    // between before and after, each item keeping its other members: a dialog opened on a
+    // mixed value starts from the first item's and changes just what the user touched. One
+    // edit (one undo step) for all items; nothing is written when no member differs. Values
+    // without members are written whole, as setData does.
+    bool SetChangedMembers(const QModelIndex &index, const QVariant &before, const QVariant &after);
 
     QModelIndex index(int row, int column, const QModelIndex &parent = {}) const override;
     QModelIndex parent(const QModelIndex &child) const override;

@@ -12,6 +12,7 @@
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QFontDialog>
+#include <QFontInfo>
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QImageReader>
@@ -56,7 +57,8 @@ TFont FromQFont(const QFont &font, const TFont &base)
 {
     TFont f = base;
     f.Name = font.family();
-    if (font.pointSize() > 0)
+    // Setting the size again would round the height to whole points.
+    if (font.pointSize() > 0 && font.pointSize() != base.Size())
         f.SetSize(font.pointSize());
     f.Style =
         TFontStyles((font.bold() ? fsBold : 0) | (font.italic() ? fsItalic : 0) |
@@ -304,12 +306,21 @@ bool RunFontDialog(QWidget *parent, const TPropertyType &type, QVariant &value)
 {
     const bool qt = type.Type.id() == QMetaType::QFont;
     const TFont base = qt ? TFont() : value.value<TFont>();
+    const QFont start = qt ? value.value<QFont>() : ToQFont(base);
     bool ok = false;
-    const QFont chosen =
-        QFontDialog::getFont(&ok, qt ? value.value<QFont>() : ToQFont(base), parent, type.Name);
+    const QFont chosen = QFontDialog::getFont(&ok, start, parent, type.Name);
     if (!ok)
         return false;
-    value = qt ? QVariant(chosen) : QVariant::fromValue(FromQFont(chosen, base));
+    if (qt) {
+        value = chosen;
+        return true;
+    }
+    TFont font = FromQFont(chosen, base);
+    // A font that is not installed opens on its nearest family; leaving that as it is keeps
+    // the name the drawing asked for.
+    if (chosen.family() == QFontInfo(start).family())
+        font.Name = base.Name;
+    value = QVariant::fromValue(font);
     return true;
 }
 

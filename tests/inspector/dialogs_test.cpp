@@ -11,6 +11,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QFontDialog>
 #include <QLabel>
 #include <QListWidget>
 #include <QMenu>
@@ -104,6 +105,92 @@ TEST(InspectorDialogs, PenStringsSetsAndUserDataFromTheGrid)
     EXPECT_EQ(doc.A()->Font().Style, fsBold | fsUnderline);
     doc.Cad->PopFromUndoRedoShapeList();
     EXPECT_EQ(doc.A()->Font().Style, 0);
+}
+
+TEST(InspectorDialogs, DialogsOnMixedValuesChangeOnlyWhatTheUserChanged)
+{
+    TDoc doc;
+    TPen pen = doc.A()->Pen();
+    pen.Color = clRed;
+    pen.Style = TPenStyle::psDash;
+    doc.A()->SetPen(pen);
+    pen = doc.B()->Pen();
+    pen.Color = clBlue;
+    doc.B()->SetPen(pen);
+    TBrush brush = doc.A()->Brush();
+    brush.Style = TBrushStyle::bsCross;
+    brush.Color = clYellow;
+    doc.A()->SetBrush(brush);
+    TFont font = doc.A()->Font();
+    font.Name = "DejaVu Sans";
+    font.Style = fsBold;
+    font.SetSize(10);
+    doc.A()->SetFont(font);
+    font.Name = "Some Font Nobody Has";
+    font.Style = fsItalic;
+    font.SetSize(14);
+    doc.B()->SetFont(font);
+    doc.ClickShape(doc.A());
+    doc.ClickShape(doc.B(), Qt::ControlModifier);
+    TInspectorGrid *grid = doc.Grid();
+    ASSERT_TRUE(Row(grid, "Pen").data(TPropertyModel::MixedRole).toBool());
+    const auto pens = [&] {
+        const TPen a = doc.A()->Pen(), b = doc.B()->Pen();
+        return std::tuple(a.Color, a.Style, a.Width, b.Color, b.Style, b.Width);
+    };
+    using enum TPenStyle;
+
+    // The dialog opens on the first shape's pen; only the width changes, on both.
+    WhenModal<TPenDialog>([](TPenDialog *d) {
+        EXPECT_EQ(std::pair(d->ColorButton()->Color(), d->StyleBox()->currentText()),
+                  std::pair(clRed, QString("psDash")));
+        d->WidthBox()->setValue(3);
+        d->accept();
+    });
+    PressDots(grid, "Pen");
+    EXPECT_EQ(pens(), std::tuple(clRed, psDash, 3, clBlue, psSolid, 3));
+    EXPECT_EQ(doc.UndoSteps(), 1u);
+    // Now only the colours differ; OK on the pen as it opened writes nothing.
+    WhenModal<TPenDialog>([](TPenDialog *d) { d->accept(); });
+    PressDots(grid, "Pen");
+    EXPECT_EQ(doc.UndoSteps(), 1u);
+
+    WhenModal<TBrushDialog>([](TBrushDialog *d) {
+        EXPECT_EQ(d->ColorButton()->Color(), clYellow);
+        d->ColorButton()->SetColor(clLime);
+        d->accept();
+    });
+    PressDots(grid, "Brush");
+    EXPECT_EQ(std::tuple(doc.A()->Brush().Style, doc.A()->Brush().Color, doc.B()->Brush().Style,
+                         doc.B()->Brush().Color),
+              std::tuple(TBrushStyle::bsCross, clLime, TBrushStyle::bsSolid, clLime));
+    EXPECT_EQ(doc.UndoSteps(), 2u);
+
+    // Each shape keeps its font name, even one that is not installed, and its styles.
+    WhenModal<QFontDialog>([](QFontDialog *d) {
+        EXPECT_EQ(d->currentFont().pointSize(), 10);
+        QFont f = d->currentFont();
+        f.setPointSize(20);
+        d->setCurrentFont(f);
+        d->accept();
+    });
+    PressDots(grid, "Font");
+    const auto fonts = [&] {
+        const TFont a = doc.A()->Font(), b = doc.B()->Font();
+        return std::tuple(a.Name, a.Style, a.Size(), b.Name, b.Style, b.Size());
+    };
+    EXPECT_EQ(fonts(), std::tuple(QString("DejaVu Sans"), fsBold, 20,
+                                  QString("Some Font Nobody Has"), fsItalic, 20));
+    EXPECT_EQ(doc.UndoSteps(), 3u);
+
+    // One step back each, for both shapes at once.
+    doc.Cad->PopFromUndoRedoShapeList();
+    EXPECT_EQ(fonts(), std::tuple(QString("DejaVu Sans"), fsBold, 10,
+                                  QString("Some Font Nobody Has"), fsItalic, 14));
+    doc.Cad->PopFromUndoRedoShapeList();
+    EXPECT_EQ(doc.B()->Brush().Color, clWhite);
+    doc.Cad->PopFromUndoRedoShapeList();
+    EXPECT_EQ(pens(), std::tuple(clRed, psDash, 1, clBlue, psSolid, 1));
 }
 
 TEST(InspectorDialogs, TextLeftAsOpenedGivesBackTheLinesItWasOpenedWith)
