@@ -5,6 +5,7 @@
 #include <tessal/shapes/userdatadialogs.h>
 #include <tessal/surface/cad.h>
 
+#include <QtDesigner/QDesignerFormWindowCursorInterface>
 #include <QtDesigner/QDesignerFormWindowInterface>
 
 #include <QAction>
@@ -26,10 +27,13 @@ void TUserDataTaskMenu::EditUserData()
     TUserData data = m_Surface->UserData();
     if (!tessal::EditUserData(m_Surface->window(), data))
         return;
-    m_Surface->SetUserData(data);
+    // On a form the change goes through the form's property sheet: it can be undone, the
+    // property is marked as changed, and the form file keeps it.
     if (QDesignerFormWindowInterface *form =
             QDesignerFormWindowInterface::findFormWindow(m_Surface))
-        form->setDirty(true);
+        form->cursor()->setWidgetProperty(m_Surface, QStringLiteral("UserDataTexts"), data.Texts());
+    else
+        m_Surface->SetUserData(data);
 }
 
 TUserDataTaskMenuFactory::TUserDataTaskMenuFactory(QExtensionManager *parent)

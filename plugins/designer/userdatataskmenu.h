@@ -14,7 +14,8 @@ namespace tessal {
 class TMyCAD;
 
 // "Edit User Data..." in the context menu of a surface on a form. The key/value editor
-// changes the surface's UserData; the form is marked modified.
+// changes the surface's user data through its UserDataTexts property, which form files
+// store (a TUserData cannot be written into one).
 class TUserDataTaskMenu : public QObject, public QDesignerTaskMenuExtension
 {
     Q_OBJECT

@@ -99,8 +99,8 @@ void TWidgetPlugin::initialize(QDesignerFormEditorInterface *core)
     if (m_Initialized)
         return;
     m_Initialized = true;
-    // The surface's user data has no property editor in Designer; a task-menu entry on the
-    // surface opens the key/value editor instead.
+    // Designer edits the surface's user data as the texts of UserDataTexts; a task-menu
+    // entry on the surface opens the key/value editor on it as well.
     if (core && m_Entry.ClassName == QLatin1String("tessal::TMyCAD")) {
         QExtensionManager *manager = core->extensionManager();
         manager->registerExtensions(new TUserDataTaskMenuFactory(manager),

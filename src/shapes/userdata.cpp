@@ -66,4 +66,34 @@ QString TUserData::GetKeyByNo(std::int32_t index) const
     return m_Records[std::size_t(index)].Key;
 }
 
+QStringList TUserData::Texts() const
+{
+    QStringList texts;
+    texts.reserve(qsizetype(m_Records.size()));
+    for (const TUserDataRecord &r : m_Records) {
+        QString key = r.Key;
+        key.replace(QLatin1Char('\\'), QLatin1String("\\\\"))
+            .replace(QLatin1Char('='), QLatin1String("\\="));
+        texts << (r.Value.isEmpty() ? key : key + QLatin1Char('=') + r.Value);
+    }
+    return texts;
+}
+
+void TUserData::SetTexts(const QStringList &texts)
+{
+    m_Records.clear();
+    m_Records.reserve(std::size_t(texts.size()));
+    for (const QString &text : texts) {
+        TUserDataRecord r;
+        qsizetype i = 0;
+        for (; i < text.size() && text[i] != QLatin1Char('='); ++i) {
+            if (text[i] == QLatin1Char('\\') && i + 1 < text.size())
+                ++i;
+            r.Key += text[i];
+        }
+        r.Value = text.mid(i + 1);
+        m_Records.push_back(std::move(r));
+    }
+}
+
 } // namespace tessal

@@ -4,6 +4,7 @@
 
 #include <QMetaType>
 #include <QString>
+#include <QStringList>
 
 #include <cstdint>
 #include <vector>
@@ -37,6 +38,14 @@ public:
     void Assign(const TUserData &source) { m_Records = source.m_Records; }
     // Replaces the records as given; duplicate keys are kept.
     void SetUserDataRecord(const std::vector<TUserDataRecord> &records) { m_Records = records; }
+
+    // The records as "key=value" texts, for places that hold only lists of strings (form
+    // files). A record without a value is its key alone; "=" and "\" in a key are escaped
+    // with "\", so that every list of records comes back as it was.
+    QStringList Texts() const;
+    // Replaces the records by those of texts as Texts writes them; a text without an
+    // unescaped "=" is a key without a value.
+    void SetTexts(const QStringList &texts);
 
     // All records in order, duplicates included (what the file writers store).
     const std::vector<TUserDataRecord> &Records() const { return m_Records; }

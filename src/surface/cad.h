@@ -211,17 +211,19 @@ class TMyCAD : public QWidget, public TShapeHost
     Q_PROPERTY(int Tag READ Tag WRITE SetTag)
     Q_PROPERTY(tessal::GeometryEnums::TUnits TheUNIT READ TheUNIT WRITE SetTheUNIT)
     Q_PROPERTY(std::uint8_t UndoRedoSize READ UndoRedoSize WRITE SetUndoRedoSize)
-    Q_PROPERTY(tessal::TUserData UserData READ UserData WRITE SetUserData)
+    // Form files cannot hold a TUserData; form designers edit UserDataTexts instead.
+    Q_PROPERTY(tessal::TUserData UserData READ UserData WRITE SetUserData DESIGNABLE false)
     Q_PROPERTY(QString Version READ Version)
     Q_PROPERTY(bool Visible READ Visible WRITE SetVisible)
     Q_PROPERTY(tessal::ShapeEnums::TXYMode XYMode READ XYMode WRITE SetXYMode)
     Q_PROPERTY(double Zoom READ Zoom WRITE SetZoom)
     // Beyond the component's classic set: keyboard editing, connectors that follow during a
-    // gesture, and the picture source of the image tool.
+    // gesture, the picture source of the image tool, and the user data as texts.
     Q_PROPERTY(bool KeyboardEditing READ KeyboardEditing WRITE SetKeyboardEditing)
     Q_PROPERTY(bool LiveConnectors READ LiveConnectors WRITE SetLiveConnectors)
     Q_PROPERTY(
         tessal::TRequestPicture OnRequestPicture READ OnRequestPicture WRITE SetOnRequestPicture)
+    Q_PROPERTY(QStringList UserDataTexts READ UserDataTexts WRITE SetUserDataTexts)
 
 public:
     explicit TMyCAD(QWidget *parent = nullptr);
@@ -1162,6 +1164,9 @@ public:
     const TUserData &UserData() const { return m_UserData; }
     TUserData &UserData() { return m_UserData; }
     void SetUserData(const TUserData &value) { m_UserData.Assign(value); }
+    // The same records as "key=value" texts (see TUserData::Texts).
+    QStringList UserDataTexts() const { return m_UserData.Texts(); }
+    void SetUserDataTexts(const QStringList &texts) { m_UserData.SetTexts(texts); }
     QString Version() const { return QStringLiteral("2013"); }
     // Visible is true unless the control was hidden explicitly (QWidget's visible also
     // needs every parent shown).

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The Designer plugin loads, lists the widgets with icons and groups, creates each of them,
-// and its task-menu entry edits a surface's user data.
+// its task-menu entry edits a surface's user data, and a form keeps that data.
 #include "userdatataskmenu.h"
 
 #include <tessal/shapes/userdatadialogs.h>
@@ -8,12 +8,17 @@
 
 #include <gtest/gtest.h>
 
+#include <QtDesigner/QFormBuilder>
 #include <QtUiPlugin/QDesignerCustomWidgetCollectionInterface>
 
 #include <QAction>
 #include <QApplication>
+#include <QBuffer>
+#include <QFileInfo>
 #include <QPluginLoader>
 #include <QTimer>
+
+#include <memory>
 
 using namespace tessal;
 
@@ -65,4 +70,40 @@ TEST(Designer, TaskMenuEditsTheSurfaceUserData)
     menu.taskActions().front()->trigger();
     EXPECT_EQ(std::tuple(cad.UserData().GetCount(), cad.UserData().GetValueByKey("b")),
               std::tuple(2, "2"));
+}
+
+TEST(Designer, UserDataTravelsThroughAFormFile)
+{
+    // Records a form file must give back exactly: an empty value, duplicate keys, and the
+    // characters that separate or escape.
+    const std::vector<TUserDataRecord> records = {{"owner", "tessal"}, {"empty", ""},
+                                                  {"a=b", "c=d"},      {"back\\slash\\", "\\"},
+                                                  {"owner", "again"},  {"", "no key"}};
+    TUserData data;
+    data.SetUserDataRecord(records);
+    EXPECT_EQ(data.Texts(), (QStringList{"owner=tessal", "empty", "a\\=b=c=d",
+                                         "back\\\\slash\\\\=\\", "owner=again", "=no key"}));
+    TUserData back;
+    back.SetTexts(data.Texts());
+    EXPECT_EQ(back, data);
+
+    QWidget form;
+    form.setObjectName("Form");
+    auto *cad = new TMyCAD(&form);
+    cad->setObjectName("cad");
+    cad->SetUserData(data);
+    QFormBuilder builder;
+    builder.addPluginPath(QFileInfo(QStringLiteral(TESSAL_DESIGNER_PLUGIN)).absolutePath());
+    QBuffer file;
+    file.open(QIODevice::WriteOnly);
+    builder.save(&file, &form);
+    const QByteArray xml = file.data();
+    EXPECT_TRUE(xml.contains("<property name=\"UserDataTexts\"")) << xml.toStdString();
+    file.close();
+    file.open(QIODevice::ReadOnly);
+    std::unique_ptr<QWidget> loaded(builder.load(&file));
+    ASSERT_TRUE(loaded) << builder.errorString().toStdString();
+    auto *copy = loaded->findChild<TMyCAD *>("cad");
+    ASSERT_TRUE(copy);
+    EXPECT_EQ(copy->UserData(), data);
 }

@@ -104,7 +104,7 @@ TEST(CadProperties, PublishedOrderConstructionValuesAndHandlers)
         {"TheUNIT", V(TUnits::mm)}, {"UndoRedoSize", Byte(10)}, {"UserData", V(TUserData())},
         {"Version", QStringLiteral("2013")}, {"Visible", true}, {"XYMode", V(TXYMode::Mode0)},
         {"Zoom", 1.0}, {"KeyboardEditing", true}, {"LiveConnectors", false},
-        {"OnRequestPicture", {}}};
+        {"OnRequestPicture", {}}, {"UserDataTexts", QStringList()}};
     // clang-format on
     const auto handlers =
         HandlerChecks<TNotifyEvent, TChildShapeSelected, TLayerEvent, TDragDropEvent,
@@ -115,9 +115,9 @@ TEST(CadProperties, PublishedOrderConstructionValuesAndHandlers)
     const QMetaObject *mo = cad.metaObject();
     const int first = QWidget::staticMetaObject.propertyCount();
     ASSERT_EQ(mo->propertyCount() - first, int(std::size(table)));
-    ASSERT_EQ(std::size(table), 101u);
+    ASSERT_EQ(std::size(table), 102u);
     int events = 0;
-    for (int i = 0; i < 101; ++i) {
+    for (int i = 0; i < 102; ++i) {
         const auto &[name, initial] = table[i];
         SCOPED_TRACE(name);
         const QMetaProperty p = mo->property(first + i);
