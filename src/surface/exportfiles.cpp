@@ -31,8 +31,15 @@ bool OpenSaveFile(QSaveFile &file, QString &error)
     return false;
 }
 
+// The buffer is flushed first: commit() would rename the temporary file over the old one
+// even when writing out its buffer failed (a full disk or a file-size limit).
 bool Commit(QSaveFile &file, QString &error)
 {
+    if (!file.flush() || file.error() != QFileDevice::NoError) {
+        error = TMyCAD::tr("%1 cannot be written: %2").arg(file.fileName(), file.errorString());
+        file.cancelWriting();
+        return false;
+    }
     if (file.commit())
         return true;
     error = TMyCAD::tr("%1 cannot be written: %2").arg(file.fileName(), file.errorString());
