@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// tessal-cli convert: the page written as a PNG picture, or as SVG or PDF figures; drawings
-// to and from DXF.
+// tessal-cli convert: the page written as a PNG picture, or as SVG or PDF figures, as the
+// editor exports it; drawings to and from DXF.
 #include "convert.h"
 
 #ifdef TESSAL_CLI_DXF_IMPORT
@@ -10,74 +10,42 @@
 #include <tessal/surface/cad.h>
 
 #include <QFileInfo>
-#include <QPageLayout>
-#include <QPageSize>
-#include <QPdfWriter>
-#include <QSvgGenerator>
 
 namespace tessal::Cli {
 
 namespace {
 
-// The whole page at zoom 1 without selection.
-TRect PreparePage(TMyCAD &cad)
-{
-    cad.SetZoom(1.0);
-    cad.ClearWorkingShapes();
-    return TRect(0, 0, cad.width(), cad.height());
-}
+// Pages past this many pixels a side, or in all, are refused before anything is drawn: a
+// picture of the page is allocated whole, and a mistaken size would claim gigabytes.
+constexpr int MaxPageSide = 32768;
+constexpr qint64 MaxPagePixels = qint64(1) << 28; // 1 GiB at four bytes a pixel
 
 } // namespace
 
-QImage RenderPage(TMyCAD &cad)
+bool PageSizeAllowed(QSize size, QString &error)
 {
-    cad.DrawAll(PreparePage(cad));
-    return cad.OffscreenImage().copy();
-}
-
-bool WritePng(TMyCAD &cad, const QString &out, QString &error)
-{
-    if (RenderPage(cad).save(out, "PNG"))
+    if (size.width() <= MaxPageSide && size.height() <= MaxPageSide &&
+        qint64(size.width()) * size.height() <= MaxPagePixels)
         return true;
-    error = QStringLiteral("%1: cannot write the picture").arg(out);
+    error = QStringLiteral("the page of %1 x %2 pixels is larger than this tool renders "
+                           "(%3 pixels a side, %4 million pixels in all)")
+                .arg(size.width())
+                .arg(size.height())
+                .arg(MaxPageSide)
+                .arg(MaxPagePixels / 1000000);
     return false;
 }
 
-bool WriteSvg(TMyCAD &cad, const QString &out, QString &error)
+bool WritePage(TMyCAD &cad, const QString &out, QString &error)
 {
-    const TRect page = PreparePage(cad);
-    const QSize size(page.Width(), page.Height());
-    QSvgGenerator generator;
-    generator.setFileName(out);
-    generator.setSize(size);
-    generator.setResolution(cad.ScreenPixelsPerInch());
-    generator.setViewBox(QRect(QPoint(0, 0), size));
-    generator.setTitle(QFileInfo(out).completeBaseName());
-    generator.setDescription(QStringLiteral("Drawing page rendered by tessal-cli"));
-    if (!cad.RenderTo(&generator, page, true)) {
-        error = QStringLiteral("%1: cannot write the document").arg(out);
+    if (!PageSizeAllowed(cad.PagePixelSize(), error)) {
+        error = QStringLiteral("%1: %2").arg(out, error);
         return false;
     }
-    return true;
-}
-
-// One page of the drawing's size at 96 dots per inch, one device unit per drawing pixel.
-bool WritePdf(TMyCAD &cad, const QString &out, QString &error)
-{
-    constexpr int Dpi = 96;
-    const TRect page = PreparePage(cad);
-    const QSizeF points(page.Width() * 72.0 / Dpi, page.Height() * 72.0 / Dpi);
-    QPdfWriter writer(out);
-    writer.setResolution(Dpi);
-    writer.setPageLayout(
-        QPageLayout(QPageSize(points, QPageSize::Point, QString(), QPageSize::ExactMatch),
-                    QPageLayout::Portrait, QMarginsF()));
-    writer.setCreator(QStringLiteral("tessal-cli"));
-    if (!cad.RenderTo(&writer, page, true)) {
-        error = QStringLiteral("%1: cannot write the document").arg(out);
-        return false;
-    }
-    return true;
+    if (cad.ExportToFile(out, TExportArea::Page))
+        return true;
+    error = cad.LastError();
+    return false;
 }
 
 bool WriteDrawing(TMyCAD &cad, const QString &out, QString &error)
@@ -123,12 +91,9 @@ int RunConvert(const QString &fileName, const QString &out, TIo io, const TConve
     const QString suffix = QFileInfo(out).suffix().toLower();
     using TWriter = bool (*)(TMyCAD &, const QString &, QString &);
     TWriter writer = nullptr;
-    if (suffix == QLatin1String("png"))
-        writer = &WritePng;
-    else if (suffix == QLatin1String("svg"))
-        writer = &WriteSvg;
-    else if (suffix == QLatin1String("pdf"))
-        writer = &WritePdf;
+    if (suffix == QLatin1String("png") || suffix == QLatin1String("svg") ||
+        suffix == QLatin1String("pdf"))
+        writer = &WritePage;
     else if (suffix == QLatin1String("dxf"))
         writer = options.TextOutlines ? &WriteDxfOutlines : &WriteDxfText;
     else if (suffix == QLatin1String("tsd"))

@@ -4,18 +4,17 @@
 
 #include "cli.h"
 
-#include <QImage>
+#include <QSize>
 
 namespace tessal::Cli {
 
-// The whole page as the surface composes it on screen at zoom 1: background, background
-// picture, grid and shapes, without selection handles.
-QImage RenderPage(TMyCAD &cad);
-
-// Writes the page to out by its extension (.png, .svg, .pdf); false with a reason.
-bool WritePng(TMyCAD &cad, const QString &out, QString &error);
-bool WriteSvg(TMyCAD &cad, const QString &out, QString &error);
-bool WritePdf(TMyCAD &cad, const QString &out, QString &error);
+// The page as the editor's Export > Page as Picture writes it: at zoom 1 with its background
+// and shapes, without grid, handles or printing aids. The writer follows out's suffix (.png,
+// .svg, .pdf) and replaces out only once complete; false with a one-line reason, also for a
+// page larger than PageSizeAllowed takes.
+bool WritePage(TMyCAD &cad, const QString &out, QString &error);
+// Whether a page of size pixels may be rendered; otherwise false with the reason.
+bool PageSizeAllowed(QSize size, QString &error);
 
 struct TConvertOptions
 {

@@ -4,6 +4,7 @@
 #include "clitool.h"
 #include "common/files.h"
 #include "common/imagecompare.h"
+#include "convert.h"
 #include "sample.h"
 
 #include <tessal/shapes/shape.h>
@@ -172,25 +173,33 @@ TEST(CliDump, EditorSampleDrawing)
     }
 }
 
-// convert: a PNG of the page's size with ink where the shapes are and the grid covered by
-// the box's fill; the SVG holds figures that show the same pixels; the PDF page has the
-// drawing's size and holds figures too.
-TEST(CliConvert, PageFormats)
+// convert writes the page as the editor's Export > Page as Picture does: the same pixels,
+// at the page's size, the grid left out; the SVG holds figures that show the same pixels;
+// the PDF page has the page's size and holds figures too.
+TEST(CliConvert, PageFormatsAreTheEditorsExport)
 {
     QTemporaryDir dir;
     const QString png = dir.filePath(QStringLiteral("page.png"));
     const QString source = DataFile("shapes_xpj.tsd");
     ASSERT_EQ(RunTool({"convert", source, png}).Status, Cli::ExitOk);
     const QImage page(png);
-    ASSERT_EQ(page.size(), QSize(200, 150));
-    // Box (10, 10)-(60, 40) with a black pen over a white fill; the grid shows elsewhere.
+    // An A4 page at 96 pixels per inch, though the drawing was saved 200 x 150 pixels large.
+    ASSERT_EQ(page.size(), QSize(794, 1123));
+    QString error;
+    const std::unique_ptr<TMyCAD> cad = Cli::LoadDrawing(source, error);
+    ASSERT_TRUE(cad);
+    const ImageDiff same = CompareImages(page.convertToFormat(QImage::Format_RGB32),
+                                         cad->ExportImage(TExportArea::Page));
+    EXPECT_EQ(same.DifferingPixels, 0) << "the editor's export, pixel for pixel";
+    // Box (10, 10)-(60, 40) with a black pen over a white fill, a connector with an arrow.
     EXPECT_EQ(page.pixel(10, 25) & 0xFFFFFF, 0x000000u) << "left edge of the box";
     EXPECT_EQ(page.pixel(35, 40) & 0xFFFFFF, 0x000000u) << "bottom edge of the box";
-    const unsigned gridInk = page.pixel(40, 100) & 0xFFFFFF;
-    EXPECT_NE(gridInk, 0xFFFFFFu) << "a grid line crosses x = 40";
-    EXPECT_EQ(page.pixel(40, 30) & 0xFFFFFF, 0xFFFFFFu) << "the box's fill covers the grid";
     EXPECT_EQ(page.pixel(100, 20) & 0xFFFFFF, 0x000000u) << "the connector's first leg";
     EXPECT_GT(CountPixels(page, QRect(110, 60, 20, 25), 0x000000), 20) << "the arrow head";
+    // The drawing shows a grid on screen; none of it reaches the file.
+    ASSERT_TRUE(cad->GridOperation()->GridShow());
+    EXPECT_EQ(CountPixels(page, QRect(0, 90, 794, 1033), 0xFFFFFF), 794 * 1033)
+        << "nothing but white below the shapes";
 
     const QString svg = dir.filePath(QStringLiteral("page.svg"));
     const TToolResult svgRun = RunTool({"convert", source, svg});
@@ -206,7 +215,7 @@ TEST(CliConvert, PageFormats)
     painter.end();
     // The same page, apart from the smoothing of slanted edges, corners and glyphs.
     const ImageDiff diff = CompareImages(drawn, page.convertToFormat(QImage::Format_RGB32));
-    EXPECT_LT(diff.DifferingPixels, page.width() * page.height() / 100);
+    EXPECT_LT(diff.DifferingPixels, 200 * 150 / 100);
     for (const QPoint at :
          {QPoint(10, 25), QPoint(35, 40), QPoint(40, 100), QPoint(40, 30), QPoint(100, 20)})
         EXPECT_EQ(drawn.pixel(at), page.pixel(at)) << at.x() << ", " << at.y();
@@ -215,9 +224,87 @@ TEST(CliConvert, PageFormats)
     ASSERT_EQ(RunTool({"convert", source, pdf}).Status, Cli::ExitOk);
     const QByteArray bytes = ReadFile(pdf);
     EXPECT_TRUE(bytes.startsWith("%PDF-"));
-    // 200 x 150 pixels at 96 per inch are 150 x 112.5 points.
-    EXPECT_TRUE(bytes.contains("/MediaBox [0 0 150")) << "page width from the drawing";
+    // 794 x 1123 pixels at 96 per inch are 595.5 x 842.25 points, whole points on the page.
+    EXPECT_TRUE(bytes.contains("/MediaBox [0 0 596.000000 842.000000]"))
+        << "page size from the drawing";
     EXPECT_FALSE(bytes.contains("/Subtype /Image")) << "figures, not a picture of the page";
+
+    EXPECT_TRUE(Cli::UsageText().contains("no grid")) << "the help says what is written";
+}
+
+// The page is the one size a page output allocates: a damaged stored size of ten million
+// pixels changes nothing (the program runs with a few gigabytes of address space at most),
+// and a page past the limit is refused with one line before anything is drawn or written.
+TEST(CliConvert, PageSizesHaveALimit)
+{
+    QTemporaryDir dir;
+    QByteArray bytes = ReadFile(DataFile("shapes_xpj.tsd"));
+    const QByteArray stored("\xC8\0\0\0\x96\0\0\0", 8); // 200 x 150
+    const qsizetype at = bytes.indexOf(stored);
+    ASSERT_GT(at, 0);
+    ASSERT_EQ(bytes.indexOf(stored, at + 1), -1);
+    bytes.replace(at + 4, 4, QByteArray("\x96\x00\x9A\x00", 4)); // 10,092,694
+    const QString tall = dir.filePath(QStringLiteral("tall.tsd"));
+    ASSERT_TRUE(WriteFile(tall, bytes));
+    for (const char *name : {"tall.png", "tall.svg", "tall.pdf"}) {
+        const QString out = dir.filePath(QLatin1String(name));
+        QProcess process;
+        process.start(QStringLiteral("bash"),
+                      {"-c", "ulimit -v 4000000 && exec \"$0\" convert \"$1\" \"$2\"",
+                       QStringLiteral(TESSAL_CLI_PROGRAM), tall, out});
+        ASSERT_TRUE(process.waitForFinished(60000));
+        EXPECT_EQ(process.exitCode(), Cli::ExitOk) << name << process.readAllStandardError().data();
+        EXPECT_TRUE(QFile::exists(out)) << name;
+    }
+    EXPECT_EQ(QImage(dir.filePath("tall.png")).size(), QSize(794, 1123));
+
+    // 32768 pixels a side and 2^28 pixels in all.
+    QString reason;
+    EXPECT_TRUE(Cli::PageSizeAllowed(QSize(32768, 8192), reason));
+    EXPECT_TRUE(Cli::PageSizeAllowed(QSize(8192, 32768), reason));
+    EXPECT_FALSE(Cli::PageSizeAllowed(QSize(32769, 1), reason));
+    EXPECT_FALSE(Cli::PageSizeAllowed(QSize(1, 32769), reason));
+    EXPECT_FALSE(Cli::PageSizeAllowed(QSize(16385, 16384), reason));
+    EXPECT_EQ(reason, QStringLiteral("the page of 16385 x 16384 pixels is larger than this tool "
+                                     "renders (32768 pixels a side, 268 million pixels in all)"));
+
+    // A custom page ten metres wide.
+    TMyCAD cad;
+    cad.SetPageStyle(TPageStyle::CustomerPage);
+    cad.SetPageWidth(10000);
+    const QString out = dir.filePath(QStringLiteral("wide.png"));
+    QString error;
+    EXPECT_FALSE(Cli::WritePage(cad, out, error));
+    EXPECT_TRUE(error.startsWith(out + QStringLiteral(": the page of 37795 x 1123 pixels")))
+        << error.toStdString();
+    EXPECT_FALSE(QFile::exists(out));
+}
+
+// A convert that fails while writing leaves the file it would have replaced as it was and
+// says why in one line, with the system's reason: here the files the program may write are
+// limited to no bytes at all.
+TEST(CliConvert, FailedWriteKeepsTheOldFile)
+{
+    QTemporaryDir dir;
+    const QByteArray old("the previous contents, which must survive");
+    for (const char *name : {"page.png", "page.svg", "page.pdf"}) {
+        SCOPED_TRACE(name);
+        const QString out = dir.filePath(QLatin1String(name));
+        ASSERT_TRUE(WriteFile(out, old));
+        QProcess process;
+        process.start(QStringLiteral("bash"),
+                      {"-c", "trap '' XFSZ; ulimit -f 0 && exec \"$0\" convert \"$1\" \"$2\"",
+                       QStringLiteral(TESSAL_CLI_PROGRAM), DataFile("shapes_xpj.tsd"), out});
+        ASSERT_TRUE(process.waitForFinished(60000));
+        const QString err = QString::fromUtf8(process.readAllStandardError());
+        EXPECT_EQ(process.exitCode(), Cli::ExitFailure) << err.toStdString();
+        EXPECT_EQ(err.count('\n'), 1) << err.toStdString();
+        EXPECT_TRUE(err.startsWith(out)) << err.toStdString();
+        EXPECT_TRUE(err.contains("File too large")) << err.toStdString();
+        EXPECT_EQ(ReadFile(out), old);
+        EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files).size(), 1) << "no temporary file left";
+        QFile::remove(out);
+    }
 }
 
 // Every damaged copy of a drawing fails with one line naming the file and nothing on the
