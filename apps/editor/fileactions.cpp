@@ -10,13 +10,16 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QBuffer>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QKeySequence>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QPageLayout>
 #include <QPageSetupDialog>
+#include <QPageSize>
 #include <QPrintDialog>
 #include <QPrintPreviewDialog>
 #include <QPrinter>
@@ -24,10 +27,34 @@
 #include <QStatusBar>
 #include <QToolBar>
 
+#include <algorithm>
+
 namespace tessal {
 
 namespace {
 constexpr int MaxRecent = 8;
+
+// What belongs to a drawing without being in its file: the page and what prints on it.
+// Orientation comes first, since it swaps the sizes that the style then sets. Tool defaults
+// and view settings are the user's, not the drawing's, and stay.
+constexpr const char *PageProperties[] = {"PageOrientation",
+                                          "PageStyle",
+                                          "PageWidth",
+                                          "PageHeight",
+                                          "PageHead",
+                                          "PageHeadAlignment",
+                                          "PageHeadFont",
+                                          "PageHeadToTop",
+                                          "PageFoot",
+                                          "PageFootAlignment",
+                                          "PageFootFont",
+                                          "PageFootToBottom",
+                                          "PrintABorder",
+                                          "PrintABordertoLeft",
+                                          "PrintABordertoTop",
+                                          "PrintABordertoRight",
+                                          "PrintABordertoBottom",
+                                          "PrintBackground"};
 } // namespace
 
 void MainWindow::CreateFileMenu()
@@ -78,7 +105,7 @@ void MainWindow::CreateExportAndPrint(QMenu *file)
     CreateDxfActions(file, exportMenu);
     file->addSeparator();
     QAction *print = file->addAction(tr("&Print..."), this, [this] {
-        QPrintDialog dialog(m_Printer, this);
+        QPrintDialog dialog(PrinterForDrawing(), this);
         if (dialog.exec() == QDialog::Accepted)
             PrintOn(m_Printer);
     });
@@ -100,10 +127,12 @@ QString MainWindow::DrawingFilter() const
 bool MainWindow::OpenFile(const QString &path)
 {
     const QString name = QFileInfo(path).fileName();
-    if (CanImportDxf() &&
+    // The contents decide, not the name: a drawing saved under any name opens as one.
+    const bool drawing = QFileInfo(path).isFile() && TMyCAD::IsZEDAFile(path);
+    if (!drawing && CanImportDxf() &&
         QFileInfo(path).suffix().compare(QLatin1String("dxf"), Qt::CaseInsensitive) == 0)
         return ImportDxf(path);
-    if (!QFileInfo(path).isFile() || !TMyCAD::IsZEDAFile(path)) {
+    if (!drawing) {
         ShowError(tr("Open drawing"), tr("%1 is not a drawing file.").arg(name));
         return false;
     }
@@ -137,6 +166,7 @@ void MainWindow::DrawingReplaced(const QString &fileName, bool modified)
     m_Cad->SetModified(modified);
     m_FileName = fileName;
     m_SaveHint.clear();
+    m_PageChosen = false;
     m_HistoryMark = HistoryMark();
     NoteChange();
     ShowZoom();
@@ -154,6 +184,8 @@ bool MainWindow::Save(QString path)
     if (QFileInfo(path).suffix().isEmpty())
         path += QStringLiteral(".tsd");
     const QString name = QFileInfo(path).fileName();
+    if (!CheckDrawingSuffix(path))
+        return false;
     TProgressScope progress(this, tr("Saving %1...").arg(name), m_ProgressDelay);
     progress.Attach(m_Cad);
     QApplication::setOverrideCursor(Qt::WaitCursor);
@@ -178,6 +210,24 @@ bool MainWindow::Save(QString path)
     return true;
 }
 
+// A name that says DXF or a picture format would hold a drawing that no other program
+// reads as such; those formats are written by the Export menu, and the file stays unsaved.
+bool MainWindow::CheckDrawingSuffix(const QString &path)
+{
+    const QString suffix = QFileInfo(path).suffix().toLower();
+    QString command;
+    if (suffix == QLatin1String("dxf"))
+        command = tr("File > Export > DXF");
+    else if (TMyCAD::ExportSuffixes().contains(suffix))
+        command = tr("File > Export > Page as Picture");
+    else
+        return true;
+    ShowError(tr("Save drawing"),
+              tr("%1 was not saved: drawings are saved as .tsd files. To write %2, use %3.")
+                  .arg(QFileInfo(path).fileName(), suffix.toUpper(), command));
+    return false;
+}
+
 bool MainWindow::MaybeSave()
 {
     if (!m_Cad->Modified())
@@ -190,11 +240,20 @@ bool MainWindow::MaybeSave()
     return answer == QMessageBox::Discard;
 }
 
+// A new drawing is exactly what a new surface holds: its page settings are copied and its
+// saved bytes read back, so that nothing of the previous drawing (background, user data,
+// Tag, Ratio, unit, size, layers) can stay behind.
 void MainWindow::NewDrawing(const QString &fileName)
 {
-    m_Cad->DeleteAllShapes();
-    m_Cad->DeleteAllLayers();
-    m_Cad->NewLayer(QStringLiteral("Layer0"), true);
+    const TMyCAD fresh;
+    for (const char *name : PageProperties)
+        m_Cad->setProperty(name, fresh.property(name));
+    // Loading adds the file's user data to the surface's own.
+    m_Cad->SetUserData(TUserData());
+    QBuffer bytes;
+    bytes.open(QIODevice::ReadWrite);
+    if (!fresh.SaveToStream(&bytes) || !m_Cad->LoadFromStream(&bytes))
+        ShowError(tr("New drawing"), m_Cad->LastError());
     DrawingReplaced(fileName, false);
 }
 
@@ -288,18 +347,48 @@ bool MainWindow::PrintOn(QPrinter *printer)
     return ok;
 }
 
+QPrinter *MainWindow::PrinterForDrawing()
+{
+    if (!m_PageChosen)
+        m_Printer->setPageLayout(DrawingPageLayout());
+    return m_Printer;
+}
+
+// The drawing's paper in the printer's terms: the page's millimetres as a portrait size (a
+// standard paper when they match one), turned when the page is wider than tall. The page's
+// sizes are already swapped for landscape, so for a square or unsized page the orientation
+// property decides. The margins stay as they were.
+QPageLayout MainWindow::DrawingPageLayout() const
+{
+    QPageLayout layout = m_Printer->pageLayout();
+    const double width = m_Cad->PageWidth();
+    const double height = m_Cad->PageHeight();
+    const bool sized = width > 0 && height > 0;
+    const bool landscape = sized && width != height
+                               ? width > height
+                               : m_Cad->PageOrientation() == TPrinterOrientation::poLandscape;
+    if (sized) {
+        const QSizeF portrait(std::min(width, height), std::max(width, height));
+        layout.setPageSize(QPageSize(portrait, QPageSize::Millimeter));
+    }
+    layout.setOrientation(landscape ? QPageLayout::Landscape : QPageLayout::Portrait);
+    return layout;
+}
+
 void MainWindow::PrintPreview()
 {
-    QPrintPreviewDialog dialog(m_Printer, this);
+    QPrintPreviewDialog dialog(PrinterForDrawing(), this);
     connect(&dialog, &QPrintPreviewDialog::paintRequested, this,
             [this](QPrinter *printer) { PrintOn(printer); });
     dialog.exec();
 }
 
+// Paper chosen here holds for this drawing; a new or opened one starts from its own page.
 void MainWindow::PageSetup()
 {
-    QPageSetupDialog dialog(m_Printer, this);
-    dialog.exec();
+    QPageSetupDialog dialog(PrinterForDrawing(), this);
+    if (dialog.exec() == QDialog::Accepted)
+        m_PageChosen = true;
 }
 
 void MainWindow::RequestPicture(TBitmap &picture)

@@ -358,6 +358,18 @@ void MainWindow::ZoomTo(double zoom)
     ShowZoom();
 }
 
+// One zoom step per notch of 120: high-resolution wheels and touchpads send fractions of a
+// notch, which add up until they make one; what is left over waits for the next event.
+void MainWindow::WheelZoom(int delta)
+{
+    constexpr int Notch = 120;
+    m_WheelRest += delta;
+    const int steps = m_WheelRest / Notch;
+    m_WheelRest -= steps * Notch;
+    if (steps != 0)
+        ZoomBy(std::pow(ZoomStep, steps));
+}
+
 void MainWindow::ZoomToFit()
 {
     const QSize page = m_Cad->PagePixelSize();
@@ -400,9 +412,7 @@ bool MainWindow::eventFilter(QObject *watched, QEvent *event)
     if (watched == m_Scroll->viewport() && event->type() == QEvent::Wheel) {
         auto *wheel = static_cast<QWheelEvent *>(event);
         if (wheel->modifiers() & Qt::ControlModifier) {
-            const int steps = wheel->angleDelta().y() / 120;
-            if (steps != 0)
-                ZoomBy(std::pow(ZoomStep, steps));
+            WheelZoom(wheel->angleDelta().y());
             return true;
         }
     }

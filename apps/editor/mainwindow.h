@@ -10,6 +10,7 @@
 class QAction;
 class QLabel;
 class QMenu;
+class QPageLayout;
 class QPrinter;
 class QScrollArea;
 
@@ -45,11 +46,13 @@ public:
     const QString &FileName() const { return m_FileName; }
     QStringList RecentFiles() const { return m_Recent; }
 
-    // Opens a drawing; a file that cannot be read leaves the open drawing untouched and
+    // Opens a drawing, known by its contents whatever its name (a DXF file is imported where
+    // the build reads DXF); a file that cannot be read leaves the open drawing untouched and
     // says why in a message box. Answers whether it was opened.
     bool OpenFile(const QString &path);
     // Saves to path (asks for a name when empty); a failed save keeps the old file and says
-    // why. Answers whether it was saved.
+    // why. A .dxf or picture name is refused with a pointer to the Export menu. Answers
+    // whether it was saved.
     bool Save(QString path);
     // Inserts a drawing file as a block, onto the current layer or with its own layers. A
     // file that cannot be read leaves the drawing untouched and says why.
@@ -72,6 +75,9 @@ public:
     void SetProgressDelay(int ms) { m_ProgressDelay = ms; }
     // Prints on printer with the scaling chosen in the Print menu.
     bool PrintOn(QPrinter *printer);
+    // The printer that Print, Print Preview and Page Setup start from: its paper and
+    // orientation are the drawing's page, unless Page Setup chose others for this drawing.
+    QPrinter *PrinterForDrawing();
     // Asks whether to save unsaved changes; false when the user cancelled.
     bool MaybeSave();
     // Empties the drawing (after MaybeSave).
@@ -110,6 +116,7 @@ private:
     void ZoomBy(double factor);
     void ZoomTo(double zoom);
     void ZoomToFit();
+    void WheelZoom(int delta);
     void ShowZoom();
     void ShowError(const QString &title, const QString &text);
     // A message box with optional further text, or the console (SetMessagesToConsole).
@@ -125,8 +132,11 @@ private:
     void ExportDialog(bool selectionOnly);
     void PrintPreview();
     void PageSetup();
+    QPageLayout DrawingPageLayout() const;
     void RequestPicture(TBitmap &picture);
     QString DrawingFilter() const;
+    // False, with a message, for a name whose suffix belongs to a format the editor exports.
+    bool CheckDrawingSuffix(const QString &path);
     // A fingerprint of the newest undo step, to notice new steps.
     QString HistoryMark() const;
 
@@ -145,6 +155,8 @@ private:
     QStringList m_ImportReport;
     int m_ProgressDelay = 500;
     bool m_MessagesToConsole = false;
+    // Page Setup chose the paper for the open drawing: printing no longer follows its page.
+    bool m_PageChosen = false;
     QStringList m_Recent;
     QMenu *m_RecentMenu = nullptr;
     QAction *m_UndoAction = nullptr;
@@ -155,6 +167,8 @@ private:
     QLabel *m_PositionLabel = nullptr;
     QLabel *m_ValueLabel = nullptr;
     QString m_HistoryMark;
+    // The part of a notch that Ctrl+wheel has turned without zooming yet.
+    int m_WheelRest = 0;
 };
 
 } // namespace tessal
