@@ -2,10 +2,9 @@
 // TMyCAD::SaveToDxf and SaveToDxf1: the shapes as a minimal ENTITIES-only DXF file.
 #include <tessal/dxf/dxfnumbers.h>
 #include <tessal/dxf/dxfwriter_p.h>
+#include <tessal/platform/filesaver_p.h>
 #include <tessal/shapes/text.h>
 #include <tessal/surface/cad.h>
-
-#include <QSaveFile>
 
 #include <charconv>
 
@@ -170,21 +169,23 @@ TWritten WriteDxf(const TMyCAD &cad, bool glyphs, QIODevice &file)
 }
 
 // The text goes to a temporary file that replaces the old one only when complete, so that
-// a cancel or a failed write leaves the old file as it was.
+// a cancel or a failed write (a full disk, a file-size limit) leaves the old file as it was.
 bool SaveDxf(TMyCAD &cad, bool glyphs, const QString &fileName)
 {
-    QSaveFile file(fileName);
-    const TWritten written =
-        file.open(QIODevice::WriteOnly) ? WriteDxf(cad, glyphs, file) : TWritten::Failed;
-    if (written == TWritten::Complete && file.commit()) {
-        cad.SetLastDxfError({});
-        return true;
-    }
-    const QString reason =
-        written == TWritten::Cancelled ? QStringLiteral("cancelled") : file.errorString();
-    file.cancelWriting();
-    cad.SetLastDxfError(QStringLiteral("%1: %2").arg(fileName, reason));
-    return false;
+    bool cancelled = false;
+    QString reason;
+    const bool saved = detail::SaveWholeFile(
+        fileName,
+        [&](QIODevice &file) {
+            const TWritten written = WriteDxf(cad, glyphs, file);
+            cancelled = written == TWritten::Cancelled;
+            return written == TWritten::Complete;
+        },
+        reason);
+    if (cancelled)
+        reason = QStringLiteral("%1: cancelled").arg(fileName);
+    cad.SetLastDxfError(saved ? QString() : reason);
+    return saved;
 }
 
 } // namespace

@@ -5,10 +5,9 @@
 #include <tessal/surface/cad.h>
 
 #include <tessal/platform/binarystream.h>
+#include <tessal/platform/filesaver_p.h>
 #include <tessal/platform/streamprimitives.h>
 #include <tessal/shapes/shape.h>
-
-#include "filesaver_p.h"
 
 #include <QBuffer>
 #include <QFile>

@@ -6,11 +6,10 @@
 #include <tessal/platform/binarystream.h>
 #include <tessal/platform/canvas.h>
 #include <tessal/platform/codepage.h>
+#include <tessal/platform/filesaver_p.h>
 #include <tessal/platform/streamprimitives.h>
 #include <tessal/shapes/link.h>
 #include <tessal/surface/cad.h>
-
-#include "filesaver_p.h"
 
 #include <QBuffer>
 #include <QFile>
