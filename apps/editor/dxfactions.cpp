@@ -98,7 +98,7 @@ bool MainWindow::TakeDrawing(TMyCAD &source, TProgressScope &progress)
     progress.NextPass();
     progress.Attach(m_Cad);
     // Read back whole: only a cancel can stop it, and a cancel leaves the drawing as it was.
-    const bool taken = m_Cad->LoadFromStream(&buffer);
+    const bool taken = LoadReplacing([&] { return m_Cad->LoadFromStream(&buffer); });
     progress.Finish();
     if (!taken && !progress.Cancelled())
         ShowError(tr("Import DXF"), m_Cad->LastError());

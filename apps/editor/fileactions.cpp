@@ -141,7 +141,8 @@ bool MainWindow::OpenFile(const QString &path)
     QApplication::setOverrideCursor(Qt::WaitCursor);
     // A damaged file is refused whole, as a cancelled load is: the open drawing stays as it
     // was rather than holding what could be read.
-    const bool loaded = m_Cad->LoadFromFile(path, TMyCAD::TLoadFault::KeepTheDrawing);
+    const bool loaded = LoadReplacing(
+        [&] { return m_Cad->LoadFromFile(path, TMyCAD::TLoadFault::KeepTheDrawing); });
     QApplication::restoreOverrideCursor();
     const QString reason = m_Cad->LastError();
     progress.Finish();
@@ -228,6 +229,19 @@ bool MainWindow::CheckDrawingSuffix(const QString &path)
     return false;
 }
 
+// Loading adds the file's user data to the drawing's own, as the format has it; a drawing
+// opened in the window replaces the one before, whose user data must not travel into it.
+// A load that fails leaves the drawing as it was, user data included.
+bool MainWindow::LoadReplacing(const std::function<bool()> &load)
+{
+    const TUserData before = m_Cad->UserData();
+    m_Cad->UserData().ClearAll();
+    const bool loaded = load();
+    if (!loaded)
+        m_Cad->SetUserData(before);
+    return loaded;
+}
+
 bool MainWindow::MaybeSave()
 {
     if (!m_Cad->Modified())
@@ -248,11 +262,10 @@ void MainWindow::NewDrawing(const QString &fileName)
     const TMyCAD fresh;
     for (const char *name : PageProperties)
         m_Cad->setProperty(name, fresh.property(name));
-    // Loading adds the file's user data to the surface's own.
-    m_Cad->SetUserData(TUserData());
     QBuffer bytes;
     bytes.open(QIODevice::ReadWrite);
-    if (!fresh.SaveToStream(&bytes) || !m_Cad->LoadFromStream(&bytes))
+    if (!fresh.SaveToStream(&bytes) ||
+        !LoadReplacing([&] { return m_Cad->LoadFromStream(&bytes); }))
         ShowError(tr("New drawing"), m_Cad->LastError());
     DrawingReplaced(fileName, false);
 }

@@ -90,6 +90,8 @@ public:
     void NoteChange();
     // The layer table changed (layers record no undo step): the drawing is modified.
     void LayersChanged();
+    // Runs a load that replaces the drawing, which must not keep the old user data.
+    bool LoadReplacing(const std::function<bool()> &load);
 
 protected:
     void closeEvent(QCloseEvent *event) override;

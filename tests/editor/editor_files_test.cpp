@@ -75,6 +75,33 @@ TEST_F(EditorTest, NewDrawingIsWhatANewSurfaceHolds)
     EXPECT_EQ(ReadFile(path), freshBytes);
 }
 
+// Loading adds a file's user data to the drawing's own; opening a drawing in the window
+// replaces the one before, so only the opened file's records are there, and a file that
+// cannot be opened leaves them as they were.
+TEST_F(EditorTest, OpenedDrawingsKeepOnlyTheirOwnUserData)
+{
+    const auto records = [this] {
+        QStringList keys;
+        for (const TUserDataRecord &r : m_Cad()->UserData().Records())
+            keys << r.Key + "=" + r.Value;
+        return keys;
+    };
+    const QString a = m_Dir.filePath("a.tsd"), b = m_Dir.filePath("b.tsd");
+    m_Cad()->UserData().AddKeyandValue("owner", "a");
+    ASSERT_TRUE(m_Window->Save(a));
+    m_Window->NewDrawing();
+    m_Cad()->UserData().AddKeyandValue("site", "b");
+    ASSERT_TRUE(m_Window->Save(b));
+    ASSERT_TRUE(m_Window->OpenFile(a));
+    EXPECT_EQ(records(), QStringList{"owner=a"});
+    ASSERT_TRUE(m_Window->OpenFile(b));
+    EXPECT_EQ(records(), QStringList{"site=b"});
+    const QString damaged = m_Dir.filePath("damaged.tsd");
+    ASSERT_TRUE(WriteFile(damaged, ReadFile(a).left(300)));
+    EXPECT_FALSE(Refusal([&] { return m_Window->OpenFile(damaged); }).isEmpty());
+    EXPECT_EQ(records(), QStringList{"site=b"});
+}
+
 // A drawing saved under any name opens as a drawing; Save As refuses the names of formats
 // that the Export menu writes, says where to go instead, and writes nothing.
 TEST_F(EditorTest, OpenKnowsDrawingsByContentsAndSaveAsRefusesExportNames)
