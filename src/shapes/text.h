@@ -12,15 +12,17 @@ namespace tessal {
 // shape has no border, a clear background, top-left alignment and no word wrap. The
 // setters store and ask for a repaint.
 //
-// Layout happens in the shape's own upright frame, at the zoom: the font's size is scaled
-// by Zoom, the lines keep an inner margin of 2 document pixels from the sides, every line is
-// as high as the font's cell, and the block of lines is placed by VAlignment and each line
-// by HAlignment. The block is then turned with Angle about the rectangle's centre, and the
-// glyphs with it. With WordWrap a line wider than the room between the margins is broken
-// after the last word that fits (a word wider than the room on its own is broken between
-// characters); without it, and for text that does not fit vertically, the text runs beyond
-// the rectangle. IsSolid fills the rectangle with the brush, IsBorder outlines it with the
-// pen; the info texts are not drawn (the text shape is its own text).
+// Layout happens in the shape's own upright frame, in document units, with the font
+// measured at its own size whatever the zoom: the lines keep an inner margin of 2 document
+// pixels from the sides, every line is as high as the font's cell, and the block of lines is
+// placed by VAlignment and each line by HAlignment. So the lines break, and stand, at the
+// same places at every zoom; the zoom only scales the result and the glyphs drawn (whose
+// hinted size is not always exactly zoom times theirs). The block is then turned with Angle
+// about the rectangle's centre, and the glyphs with it. With WordWrap a line wider than the room
+// between the margins is broken after the last word that fits (a word wider than the room on its
+// own is broken between characters); without it, and for text that does not fit vertically, the
+// text runs beyond the rectangle. IsSolid fills the rectangle with the brush, IsBorder outlines it
+// with the pen; the info texts are not drawn (the text shape is its own text).
 class TMyText : public TMyRectangle
 {
     Q_GADGET
@@ -44,11 +46,12 @@ public:
     void AssignWithoutRelation(const TMyShape &source) override;
     void Draw(TCanvas &canvas) override;
 
-    // The lines as they are shown at the current zoom: Lines, broken where word wrap breaks
-    // them. The canvas is used for measuring.
+    // The lines as they are shown: Lines, broken where word wrap breaks them, the same at
+    // every zoom. The canvas is used for measuring.
     QStringList LaidOutLines(TCanvas &canvas) const;
     // One laid-out line as Draw places it: the text and the top-left corner of its cell in
-    // screen pixels, unrounded and already turned with the block about the centre.
+    // screen pixels at the current zoom (its place at zoom 1 times the zoom), unrounded and
+    // already turned with the block about the centre.
     struct TPlacedLine
     {
         QString Text;
@@ -77,12 +80,16 @@ protected:
 private:
     struct TFrame
     {
-        TMyPoint Centre;                                 // screen
-        double Left = 0, Top = 0, Right = 0, Bottom = 0; // the upright box, screen
+        TMyPoint Centre;                                 // document
+        double Left = 0, Top = 0, Right = 0, Bottom = 0; // the upright box, document
     };
     TFrame UprightFrame() const;
-    std::int32_t Margin() const;
+    // The width of text in document units: measured with the font at its own size.
+    std::int32_t LayoutWidth(TCanvas &canvas, const QString &text) const;
     QStringList WrapLine(TCanvas &canvas, const QString &line, double room) const;
+    // The top of the block and the left of one line in the upright frame, document units.
+    double BlockTop(const TFrame &f, double blockHeight) const;
+    double LineLeft(TCanvas &canvas, const TFrame &f, const QString &line) const;
     void DrawLines(TCanvas &canvas);
     void CopyTextFields(const TMyShape &source);
 

@@ -1,5 +1,11 @@
 // SPDX-License-Identifier: MIT
 // TMyText layout: where the lines break and where each one sits in the box.
+//
+// Every decision is taken in document units, with the font measured at its own size (as at
+// zoom 1), and the result is only then scaled by the zoom. The hinted glyphs of a zoomed font
+// are not exactly zoom times as wide or as high as at zoom 1, so measuring them instead would
+// re-wrap a paragraph, or move its lines against the box, each time the user zooms, and print
+// otherwise than the screen shows. Only the drawing of the glyphs uses the zoomed font.
 #include <tessal/geometry/geometry.h>
 #include <tessal/shapes/text.h>
 
@@ -7,23 +13,18 @@ namespace tessal {
 
 namespace {
 
-// The inner margin between the text and the sides, in document pixels.
+// The inner margin between the text and the sides, in document units.
 constexpr double TextMargin = 2;
 
 } // namespace
 
-std::int32_t TMyText::Margin() const
-{
-    return RoundEven(TextMargin * Zoom());
-}
-
 TMyText::TFrame TMyText::UprightFrame() const
 {
     TFrame f;
-    f.Centre = GetCenterPointInZoom();
+    f.Centre = GetCenterPoint();
     std::vector<TMyPoint> upright;
     for (std::int32_t i = 0; i < 4; ++i)
-        upright.push_back(RotateAPoint(GetPointInZoom(i), f.Centre, -Angle()));
+        upright.push_back(RotateAPoint(GetPoint(i), f.Centre, -Angle()));
     const TMyRect box = GetPointsLTRB(upright);
     f.Left = box.Left;
     f.Top = box.Top;
@@ -32,17 +33,21 @@ TMyText::TFrame TMyText::UprightFrame() const
     return f;
 }
 
+std::int32_t TMyText::LayoutWidth(TCanvas &canvas, const QString &text) const
+{
+    return GetTextWidthHeight(canvas, text, Font(), 1, 0).X;
+}
+
 QStringList TMyText::WrapLine(TCanvas &canvas, const QString &line, double room) const
 {
-    const double z = Zoom();
-    auto width = [&](const QString &s) { return GetTextWidthHeight(canvas, s, Font(), z, 0).X; };
-    if (!m_WordWrap || width(line) <= room)
+    auto fits = [&](const QString &s) { return LayoutWidth(canvas, s) <= room; };
+    if (!m_WordWrap || fits(line))
         return {line};
     QStringList out;
     QString current;
     for (const QString &word : line.split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
         const QString joined = current.isEmpty() ? word : current + QLatin1Char(' ') + word;
-        if (width(joined) <= room) {
+        if (fits(joined)) {
             current = joined;
             continue;
         }
@@ -51,9 +56,9 @@ QStringList TMyText::WrapLine(TCanvas &canvas, const QString &line, double room)
         current = word;
         // A word that cannot fit on a line of its own is cut, keeping at least one character
         // per line so that the loop always advances.
-        while (current.size() > 1 && width(current) > room) {
+        while (current.size() > 1 && !fits(current)) {
             qsizetype keep = current.size() - 1;
-            while (keep > 1 && width(current.left(keep)) > room)
+            while (keep > 1 && !fits(current.left(keep)))
                 --keep;
             out << current.left(keep);
             current = current.mid(keep);
@@ -69,11 +74,35 @@ QStringList TMyText::LaidOutLines(TCanvas &canvas) const
     if (GetPointsCount() < 4)
         return m_Lines;
     const TFrame f = UprightFrame();
-    const double room = f.Right - f.Left - 2.0 * Margin();
+    const double room = f.Right - f.Left - 2 * TextMargin;
     QStringList out;
     for (const QString &line : m_Lines)
         out << WrapLine(canvas, line, room);
     return out;
+}
+
+double TMyText::BlockTop(const TFrame &f, double blockHeight) const
+{
+    switch (m_VAlignment) {
+    case TVAlignment::vaCenter:
+        return f.Top + RoundEven((f.Bottom - f.Top - blockHeight) / 2);
+    case TVAlignment::vaBottom:
+        return f.Bottom - TextMargin - blockHeight;
+    default:
+        return f.Top + TextMargin;
+    }
+}
+
+double TMyText::LineLeft(TCanvas &canvas, const TFrame &f, const QString &line) const
+{
+    switch (m_HAlignment) {
+    case TAlignment::taRightJustify:
+        return f.Right - TextMargin - LayoutWidth(canvas, line);
+    case TAlignment::taCenter:
+        return f.Left + RoundEven((f.Right - f.Left - LayoutWidth(canvas, line)) / 2);
+    default:
+        return f.Left + TextMargin;
+    }
 }
 
 std::vector<TMyText::TPlacedLine> TMyText::PlacedLines(TCanvas &canvas) const
@@ -82,27 +111,16 @@ std::vector<TMyText::TPlacedLine> TMyText::PlacedLines(TCanvas &canvas) const
     std::vector<TPlacedLine> placed;
     if (lines.isEmpty())
         return placed;
-    const double z = Zoom();
     const TFrame f = UprightFrame();
-    const std::int32_t m = Margin();
     // One height for every line (the font's cell), so that empty lines keep their place.
-    const std::int32_t lineHeight = GetTextLineHeight(canvas, Font(), z);
-    const double blockHeight = double(lineHeight) * lines.size();
-    double y = f.Top + m;
-    if (m_VAlignment == TVAlignment::vaCenter)
-        y = f.Top + RoundEven((f.Bottom - f.Top - blockHeight) / 2);
-    else if (m_VAlignment == TVAlignment::vaBottom)
-        y = f.Bottom - m - blockHeight;
+    const std::int32_t lineHeight = GetTextLineHeight(canvas, Font(), 1);
+    double y = BlockTop(f, double(lineHeight) * lines.size());
+    const double z = Zoom();
+    const TMyPoint centre = ZoomedValuePt(f.Centre);
     for (const QString &line : lines) {
-        double x = f.Left + m;
-        if (m_HAlignment != TAlignment::taLeftJustify) {
-            const std::int32_t w = GetTextWidthHeight(canvas, line, Font(), z, 0).X;
-            x = m_HAlignment == TAlignment::taRightJustify
-                    ? f.Right - m - w
-                    : f.Left + RoundEven((f.Right - f.Left - w) / 2);
-        }
+        const TMyPoint topLeft{float(LineLeft(canvas, f, line) * z), float(y * z)};
         // The line's top-left corner is turned into place; the glyphs turn about it.
-        placed.push_back({line, RotateAPoint({float(x), float(y)}, f.Centre, Angle())});
+        placed.push_back({line, RotateAPoint(topLeft, centre, Angle())});
         y += lineHeight;
     }
     return placed;

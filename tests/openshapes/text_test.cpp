@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Text shapes: alignment in the box, zoom and turn, word wrap, border and background,
-// copying, hit tests, and the editor dialog.
+// Text shapes: alignment in the box, zoom and turn, word wrap, layout alike at every zoom, border
+// and background, copying, hit tests, and the editor dialog.
 #include "shapes/testhost.h"
 
 #include <tessal/geometry/scaledtext.h>
@@ -13,7 +13,9 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <numbers>
+#include <random>
 
 namespace tessal::test {
 namespace {
@@ -39,37 +41,37 @@ TPoint Measured(const TMyText &text, const QString &s, double zoom)
 }
 
 // The box is 20..180 x 20..120 with a 2-pixel margin. The ink of one line moves by exactly
-// what the alignment rules say: the same glyphs are drawn at other whole-pixel places.
+// what the alignment rules say: the same glyphs are drawn at other whole-pixel places. The
+// rules work in document units with the font at its own size, so at zoom 2 every offset is
+// twice the zoom-1 one, however wide the zoomed glyphs happen to be.
 TEST(TextLayout, AlignmentsPlaceTheInkByTheBoxAtTwoZooms)
 {
-    for (double z : {1.0, 2.0}) {
+    for (int z : {1, 2}) {
         TClassHost host;
         host.ZoomValue = z;
         auto text = TextBox(host, 20, 20, 180, 120, {"Hello"});
-        const TPoint size = Measured(*text, "Hello", z);
-        const int lineHeight = Measured(*text, "Wg", z).Y;
-        const int margin = int(std::nearbyint(2 * z));
-        const int boxW = int(160 * z), boxH = int(100 * z);
+        const TPoint size = Measured(*text, "Hello", 1);
+        const int lineHeight = Measured(*text, "Wg", 1).Y;
+        const int margin = 2, boxW = 160, boxH = 100;
         const QRect leftTop = InkBounds(Painted(*text, 400, 400));
         SCOPED_TRACE(z);
-        EXPECT_TRUE(leftTop.left() >= int(20 * z) + margin &&
-                    leftTop.top() >= int(20 * z) + margin);
-        EXPECT_LE(leftTop.left(), int(20 * z) + margin + 3 * z);
-        EXPECT_LE(leftTop.bottom(), int(20 * z) + margin + lineHeight);
+        EXPECT_TRUE(leftTop.left() >= z * (20 + margin) && leftTop.top() >= z * (20 + margin));
+        EXPECT_LE(leftTop.left(), z * (20 + margin + 3));
+        EXPECT_LE(leftTop.bottom(), z * (20 + margin + lineHeight));
 
         text->SetHAlignment(TAlignment::taRightJustify);
         text->SetVAlignment(TVAlignment::vaBottom);
         const QRect rightBottom = InkBounds(Painted(*text, 400, 400));
-        EXPECT_EQ(rightBottom.left() - leftTop.left(), boxW - 2 * margin - size.X);
-        EXPECT_EQ(rightBottom.top() - leftTop.top(), boxH - 2 * margin - lineHeight);
+        EXPECT_EQ(rightBottom.left() - leftTop.left(), z * (boxW - 2 * margin - size.X));
+        EXPECT_EQ(rightBottom.top() - leftTop.top(), z * (boxH - 2 * margin - lineHeight));
 
         text->SetHAlignment(TAlignment::taCenter);
         text->SetVAlignment(TVAlignment::vaCenter);
         const QRect centre = InkBounds(Painted(*text, 400, 400));
         EXPECT_EQ(centre.left() - leftTop.left(),
-                  int(std::nearbyint((boxW - size.X) / 2.0)) - margin);
+                  z * (int(std::nearbyint((boxW - size.X) / 2.0)) - margin));
         EXPECT_EQ(centre.top() - leftTop.top(),
-                  int(std::nearbyint((boxH - lineHeight) / 2.0)) - margin);
+                  z * (int(std::nearbyint((boxH - lineHeight) / 2.0)) - margin));
         EXPECT_EQ(centre.size(), leftTop.size());
     }
 }
@@ -143,6 +145,82 @@ TEST(TextWordWrap, LongLinesBreakBetweenWordsAndLongWordsBetweenCharacters)
     EXPECT_EQ(pieces.join(QString()), "abcdefghijklmnopqrstuvwxyz");
     for (const QString &piece : pieces)
         EXPECT_LE(Measured(*text, piece, 1).X, room);
+}
+
+// A random paragraph: one to three lines of up to eight words, some lines empty.
+QStringList RandomParagraph(std::mt19937 &random)
+{
+    static const QStringList words{"a",
+                                   "to",
+                                   "the",
+                                   "lorem",
+                                   "ipsum",
+                                   "Wide",
+                                   "MMMM",
+                                   "illicit",
+                                   "jumps",
+                                   "x",
+                                   "Quartz",
+                                   "wrapping",
+                                   "mmmmmmmmmmmmmmmmmm"};
+    QStringList lines;
+    const int count = 1 + int(random() % 3);
+    for (int i = 0; i < count; ++i) {
+        QStringList line;
+        const int length = int(random() % 9);
+        for (int w = 0; w < length; ++w)
+            line << words[qsizetype(random() % words.size())];
+        lines << line.join(' ');
+    }
+    return lines;
+}
+
+// The hinted glyphs of a zoomed font are not exactly zoom times as wide or as high, so the
+// layout must not be measured with them: at every zoom the lines break where they do at zoom
+// 1, and each line's corner is its zoom-1 place times the zoom. Random boxes, paragraphs, font
+// sizes, alignments and turns; the first mismatch is reported with its case.
+TEST(TextZoom, LinesBreakAndStandAsAtZoomOneAtEveryZoom)
+{
+    std::mt19937 random(20240611);
+    QImage scratch = WhiteImage(10, 10);
+    TCanvas canvas(&scratch);
+    int cases = 0, mismatches = 0, wrapped = 0;
+    std::string first;
+    for (int round = 0; round < 150; ++round) {
+        TClassHost host;
+        const float width = 20 + float(random() % 180), height = 20 + float(random() % 120);
+        auto text = TextBox(host, 10, 10, 10 + width, 10 + height, RandomParagraph(random));
+        TFont font = text->Font();
+        font.SetSize(std::array{9, 11, 12, 14}[random() % 4]);
+        text->SetFont(font);
+        text->SetWordWrap(true);
+        text->SetHAlignment(TAlignment(random() % 3));
+        text->SetVAlignment(TVAlignment(random() % 3));
+        if (round % 4 == 3)
+            text->RotateChangeValueByAngle(text->GetCenterPoint(), 0.1 + 0.01 * (random() % 300));
+        const QStringList lines = text->LaidOutLines(canvas);
+        const std::vector<TMyText::TPlacedLine> places = text->PlacedLines(canvas);
+        wrapped += lines.size() > text->Lines().size();
+        for (double z : {0.5, 1.5, 2.0, 3.0}) {
+            host.ZoomValue = z;
+            const std::vector<TMyText::TPlacedLine> zoomed = text->PlacedLines(canvas);
+            bool same = text->LaidOutLines(canvas) == lines && zoomed.size() == places.size();
+            for (std::size_t i = 0; same && i < zoomed.size(); ++i)
+                same = std::abs(zoomed[i].TopLeft.X / z - places[i].TopLeft.X) < 1 / z &&
+                       std::abs(zoomed[i].TopLeft.Y / z - places[i].TopLeft.Y) < 1 / z;
+            ++cases;
+            if (!same && mismatches++ == 0)
+                first = QStringLiteral("zoom %1, box %2 x %3, size %4: \"%5\"")
+                            .arg(z)
+                            .arg(width)
+                            .arg(height)
+                            .arg(font.Size())
+                            .arg(text->Lines().join('|'))
+                            .toStdString();
+        }
+    }
+    EXPECT_GT(wrapped, 30); // the cases do exercise word wrap
+    EXPECT_EQ(mismatches, 0) << "of " << cases << ", first: " << first;
 }
 
 TEST(TextPaint, BorderAndSolidBackgroundFollowTheirFlags)
