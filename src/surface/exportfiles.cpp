@@ -3,6 +3,7 @@
 #include <tessal/surface/cad.h>
 
 #include <tessal/platform/color.h>
+#include <tessal/platform/filesaver_p.h>
 
 #include <QFileInfo>
 #include <QImageWriter>
@@ -10,9 +11,10 @@
 #include <QPageSize>
 #include <QPainter>
 #include <QPdfWriter>
-#include <QSaveFile>
 #include <QSvgGenerator>
 #include <QSvgRenderer>
+
+#include <functional>
 
 namespace tessal {
 
@@ -23,27 +25,52 @@ QString NothingSelected()
     return TMyCAD::tr("Nothing is selected.");
 }
 
-bool OpenSaveFile(QSaveFile &file, QString &error)
+// Writes the file through write, which answers false with why set when it fails; a file
+// that cannot be written whole leaves the old one as it was.
+bool SaveExport(const QString &fileName, const std::function<bool(QIODevice &, QString &)> &write,
+                QString &error)
 {
-    if (file.open(QIODevice::WriteOnly))
-        return true;
-    error = TMyCAD::tr("%1 cannot be written: %2").arg(file.fileName(), file.errorString());
-    return false;
+    QString why;
+    const bool saved = detail::SaveWholeFile(
+        fileName, [&](QIODevice &file) { return write(file, why); }, error);
+    if (!saved && !why.isEmpty())
+        error = why;
+    return saved;
 }
 
-// The buffer is flushed first: commit() would rename the temporary file over the old one
-// even when writing out its buffer failed (a full disk or a file-size limit).
-bool Commit(QSaveFile &file, QString &error)
+// Paints through paint onto an SVG generator or a PDF writer of size pixels at dpi over
+// file; false when nothing could be painted. Both write out when they go out of scope.
+bool PaintVector(QIODevice &file, const QString &fileName, QSize size, int dpi, bool pdf,
+                 const std::function<bool(QPaintDevice *)> &paint)
 {
-    if (!file.flush() || file.error() != QFileDevice::NoError) {
-        error = TMyCAD::tr("%1 cannot be written: %2").arg(file.fileName(), file.errorString());
-        file.cancelWriting();
-        return false;
+    const QString title = QFileInfo(fileName).completeBaseName();
+    if (pdf) {
+        QPdfWriter writer(&file);
+        const QSizeF points(size.width() * 72.0 / dpi, size.height() * 72.0 / dpi);
+        writer.setResolution(dpi);
+        writer.setPageLayout(
+            QPageLayout(QPageSize(points, QPageSize::Point, QString(), QPageSize::ExactMatch),
+                        QPageLayout::Portrait, QMarginsF()));
+        writer.setCreator(QStringLiteral("Tessal"));
+        writer.setTitle(title);
+        return paint(&writer);
     }
-    if (file.commit())
-        return true;
-    error = TMyCAD::tr("%1 cannot be written: %2").arg(file.fileName(), file.errorString());
-    return false;
+    QSvgGenerator generator;
+    generator.setOutputDevice(&file);
+    generator.setSize(size);
+    generator.setViewBox(QRect(QPoint(0, 0), size));
+    generator.setResolution(dpi);
+    generator.setTitle(title);
+    return paint(&generator);
+}
+
+bool PaintSvg(QPaintDevice *device, QSvgRenderer &renderer, QSize size)
+{
+    QPainter painter(device);
+    if (!painter.isActive())
+        return false;
+    renderer.render(&painter, QRectF(QPointF(0, 0), QSizeF(size)));
+    return true;
 }
 
 } // namespace
@@ -77,17 +104,15 @@ bool TMyCAD::ExportRaster(const QString &fileName, TExportArea area, const char 
         m_LastError = area == TExportArea::Selection ? NothingSelected() : tr("The page is empty.");
         return false;
     }
-    QSaveFile file(fileName);
-    if (!OpenSaveFile(file, m_LastError))
+    const auto write = [&](QIODevice &file, QString &why) {
+        QImageWriter writer(&file, format);
+        writer.setQuality(quality);
+        if (writer.write(image))
+            return true;
+        why = tr("%1 cannot be written: %2").arg(fileName, writer.errorString());
         return false;
-    QImageWriter writer(&file, format);
-    writer.setQuality(quality);
-    if (!writer.write(image)) {
-        m_LastError = tr("%1 cannot be written: %2").arg(fileName, writer.errorString());
-        file.cancelWriting();
-        return false;
-    }
-    return Commit(file, m_LastError);
+    };
+    return SaveExport(fileName, write, m_LastError);
 }
 
 bool TMyCAD::SaveToBmp(const QString &fileName, TExportArea area)
@@ -130,57 +155,26 @@ bool TMyCAD::ExportVector(const QString &fileName, TExportArea area, bool pdf)
         m_LastError = tr("The page is empty.");
         return false;
     }
-    QSaveFile file(fileName);
-    if (!OpenSaveFile(file, m_LastError))
+    const auto write = [&](QIODevice &file, QString &why) {
+        if (!pdf && area == TExportArea::Selection)
+            return file.write(selection) == selection.size();
+        if (PaintVector(file, fileName, size, logicalDpiX(), pdf, [&](QPaintDevice *device) {
+                if (area == TExportArea::Selection)
+                    return PaintSvg(device, renderer, size);
+                bool painted = false;
+                AtZoomOne([&] {
+                    TCanvas canvas(device);
+                    painted = canvas.Painter().isActive();
+                    if (painted)
+                        DrawPrintPage(canvas, true, false);
+                });
+                return painted;
+            }))
+            return true;
+        why = tr("%1 cannot be written.").arg(fileName);
         return false;
-    if (!pdf && area == TExportArea::Selection) {
-        if (file.write(selection) != selection.size()) {
-            m_LastError = tr("%1 cannot be written: %2").arg(fileName, file.errorString());
-            file.cancelWriting();
-            return false;
-        }
-        return Commit(file, m_LastError);
-    }
-    const int dpi = logicalDpiX();
-    QSvgGenerator generator;
-    QPdfWriter writer(&file);
-    QPaintDevice *device = &generator;
-    if (pdf) {
-        const QSizeF points(size.width() * 72.0 / dpi, size.height() * 72.0 / dpi);
-        writer.setResolution(dpi);
-        writer.setPageLayout(
-            QPageLayout(QPageSize(points, QPageSize::Point, QString(), QPageSize::ExactMatch),
-                        QPageLayout::Portrait, QMarginsF()));
-        writer.setCreator(QStringLiteral("Tessal"));
-        writer.setTitle(QFileInfo(fileName).completeBaseName());
-        device = &writer;
-    } else {
-        generator.setOutputDevice(&file);
-        generator.setSize(size);
-        generator.setViewBox(QRect(QPoint(0, 0), size));
-        generator.setResolution(dpi);
-        generator.setTitle(QFileInfo(fileName).completeBaseName());
-    }
-    bool painted = false;
-    if (area == TExportArea::Selection) {
-        QPainter painter(device);
-        painted = painter.isActive();
-        if (painted)
-            renderer.render(&painter, QRectF(QPointF(0, 0), QSizeF(size)));
-    } else {
-        AtZoomOne([&] {
-            TCanvas canvas(device);
-            painted = canvas.Painter().isActive();
-            if (painted)
-                DrawPrintPage(canvas, true, false);
-        });
-    }
-    if (!painted) {
-        m_LastError = tr("%1 cannot be written.").arg(fileName);
-        file.cancelWriting();
-        return false;
-    }
-    return Commit(file, m_LastError);
+    };
+    return SaveExport(fileName, write, m_LastError);
 }
 
 bool TMyCAD::SaveToSvg(const QString &fileName, TExportArea area)

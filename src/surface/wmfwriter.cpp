@@ -3,8 +3,9 @@
 // under a placeable header, built with libUEMF's record makers.
 #include <tessal/surface/cad.h>
 
+#include <tessal/platform/filesaver_p.h>
+
 #include <QLibrary>
-#include <QSaveFile>
 #include <QTemporaryFile>
 
 #ifdef TESSAL_HAVE_UEMF
@@ -170,15 +171,18 @@ bool TMyCAD::SaveToWmf(const QString &fileName, TExportArea area)
         m_LastError = tr("The picture is too large for a metafile.");
         return false;
     }
-    const QByteArray bytes = MetafileOf(picture, logicalDpiX(), m_LastError);
-    if (bytes.isEmpty())
-        return false;
-    QSaveFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
-        m_LastError = tr("%1 cannot be written: %2").arg(fileName, file.errorString());
-        return false;
-    }
-    return true;
+    // Made while the save holds off the file-size signal: the library writes a scratch file.
+    QString why;
+    const bool saved = detail::SaveWholeFile(
+        fileName,
+        [&](QIODevice &file) {
+            const QByteArray bytes = MetafileOf(picture, logicalDpiX(), why);
+            return !bytes.isEmpty() && file.write(bytes) == bytes.size();
+        },
+        m_LastError);
+    if (!saved && !why.isEmpty())
+        m_LastError = why;
+    return saved;
 }
 
 #else

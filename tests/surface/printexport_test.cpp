@@ -20,6 +20,8 @@
 #include <QSvgRenderer>
 #include <QTemporaryDir>
 
+#include <sys/resource.h>
+
 using namespace tessal;
 using tessal::test::AddRectangle;
 
@@ -234,6 +236,26 @@ TEST(PrintExport, SelectionPicturesAndFailuresThatKeepTheOldFile)
     EXPECT_TRUE(cad.LastError().contains(QStringLiteral("tiff")));
     EXPECT_FALSE(cad.SaveToPng(dir.filePath(QStringLiteral("missing/dir/x.png"))));
     EXPECT_FALSE(cad.LastError().isEmpty());
+    // Past a file-size limit every format fails, says why and keeps the old file (the
+    // system would rename a half-written file over it, and end the program with a signal).
+    rlimit before{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+    for (const char *name : {"full.png", "full.svg", "full.pdf", "full.wmf"}) {
+        const QString path = dir.filePath(QLatin1String(name));
+        ASSERT_TRUE(tessal::test::WriteFile(path, "old contents"));
+        rlimit none = before;
+        none.rlim_cur = 0;
+        ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &none), 0);
+        const bool saved = cad.ExportToFile(path);
+        setrlimit(RLIMIT_FSIZE, &before);
+        EXPECT_FALSE(saved) << name;
+        // The metafile library reports its own scratch file's failure.
+        if (!QByteArray(name).endsWith("wmf")) {
+            EXPECT_TRUE(cad.LastError().contains("File too large")) << name;
+        }
+        EXPECT_FALSE(cad.LastError().isEmpty()) << name;
+        EXPECT_EQ(Head(path, 64), QByteArray("old contents")) << name;
+    }
 
     // The selection picture is the clipboard's picture of the shape at zoom 1.
     TMyShape *blue = cad.GetShapeByNo(1);
