@@ -81,24 +81,6 @@ TEST(BitmapOps, ByteArithmetic)
     }
 }
 
-TEST(BitmapOps, FlipMirrorsInPlace)
-{
-    TBitmap b(2, 2);
-    const TColor colours[] = {clRed, clLime, clBlue, clYellow}; // row by row
-    for (int i = 0; i < 4; ++i)
-        b.SetPixel(i % 2, i / 2, colours[i]);
-    const auto flipped = [&b](bool horizontal, bool vertical) {
-        TBitmap copy = b;
-        FlipBitmap(copy, horizontal, vertical);
-        return std::vector{copy.Pixel(0, 0), copy.Pixel(1, 0), copy.Pixel(0, 1), copy.Pixel(1, 1)};
-    };
-    EXPECT_EQ(flipped(false, false), (std::vector{clRed, clLime, clBlue, clYellow}));
-    EXPECT_EQ(flipped(true, false), (std::vector{clLime, clRed, clYellow, clBlue}));
-    EXPECT_EQ(flipped(false, true), (std::vector{clBlue, clYellow, clRed, clLime}));
-    EXPECT_EQ(flipped(true, true), (std::vector{clYellow, clBlue, clLime, clRed}));
-    EXPECT_EQ(b.Pixel(0, 0), clRed); // copies were flipped, not the original
-}
-
 TEST(BitmapOps, TurnedCopiesAreStretchedFirstAndKeepTheirSense)
 {
     // Stretched to w x h first, then turned: 10 sqrt(2) = 14.14 -> 15; 40 cos 0.3 + 7 sin 0.3

@@ -132,20 +132,6 @@ TEST(DrawingFile, BackgroundPictureModeAndRatioComeBack)
               std::tuple(picture, TBkBitmapMode::Stretch, 2.5));
 }
 
-// A marker placed by code is stored with its one link point, and a load brings back that
-// one only: saving the loaded drawing gives the same bytes.
-TEST(DrawingFile, MarkerComesBackWithItsOneLinkPoint)
-{
-    TMyCAD cad;
-    test::AddByCode(cad, TDrawTool::SpLineLinkLine, {{10, 10}, {30, 20}});
-    const QByteArray bytes = test::Saved(cad);
-    TMyCAD loaded;
-    ASSERT_TRUE(Load(loaded, bytes)) << loaded.LastError().toStdString();
-    ASSERT_EQ(loaded.GetShapesCount(), 1);
-    EXPECT_EQ(loaded.GetShapeByNo(0)->LinkPoints(), (TMyPointArray{{20, 15}}));
-    EXPECT_EQ(test::Saved(loaded), bytes);
-}
-
 // A file written by hand: two layers, the second stored with visibility 2, and a shape
 // whose identity is 41.
 TEST(DrawingFile, LoadRestoresLayersIdentitiesAndNextFreeNumbers)

@@ -25,26 +25,6 @@ TLogFont Font(int height, int escapement = 0)
     return lf;
 }
 
-// The text drawn with a transparent background at (x, y), its extent and its ink bounds.
-struct Drawn
-{
-    QImage Image;
-    TPoint Extent;
-    TRect Ink;
-};
-Drawn DrawText(int w, int h, const TLogFont &font, int x, int y, const QString &text)
-{
-    Drawn d;
-    d.Image = Painted(w, h, [&](TCanvas &canvas) {
-        canvas.SelectLogFont(font);
-        canvas.SetBkModeTransparent(true);
-        d.Extent = canvas.TextExtent(text);
-        canvas.TextOut(x, y, text);
-    });
-    d.Ink = InkBounds(d.Image, 0xFFFFFF);
-    return d;
-}
-
 } // namespace
 
 // (That the extent grows with the font's height is the scaled text test's.)
@@ -93,34 +73,6 @@ TEST(CanvasText, ExtentsAndTheLogicalFontSetFontReplaces)
     canvas.Font().SetHeight(-40);
     EXPECT_GT(canvas.TextHeight(QStringLiteral("x")), before * 2);
     EXPECT_EQ(canvas.LogFont().Height, -40);
-}
-
-TEST(CanvasText, PlacementOfPlainAndTurnedText)
-{
-    // The text cell hangs below and right of the point; the T reaches near the top of the
-    // cell, the g below the baseline.
-    const Drawn plain = DrawText(120, 60, Font(-20), 30, 20, QStringLiteral("Tg"));
-    const TRect ink = plain.Ink;
-    ASSERT_FALSE(ink.IsEmpty());
-    EXPECT_GE(ink.Left, 30);
-    EXPECT_LE(ink.Right, 30 + plain.Extent.X + 1);
-    EXPECT_GE(ink.Top, 20);
-    EXPECT_LE(ink.Top, 20 + plain.Extent.Y / 3);
-    EXPECT_GT(ink.Bottom, 20 + plain.Extent.Y * 2 / 3);
-    EXPECT_LE(ink.Bottom, 20 + plain.Extent.Y);
-    // Aliased glyphs: only the font colour and the background occur.
-    for (TPoint p : Ink(plain.Image, 0xFFFFFF))
-        ASSERT_EQ(Rgb(plain.Image, p.X, p.Y), 0u);
-
-    // Turned a quarter left, the text runs up from (40, 90) with its cell to the right.
-    const Drawn turned = DrawText(100, 100, Font(-14, 900), 40, 90, QStringLiteral("Rotated"));
-    const TRect up = turned.Ink;
-    ASSERT_FALSE(up.IsEmpty());
-    EXPECT_GE(up.Left, 40);
-    EXPECT_LE(up.Right, 40 + turned.Extent.Y + 1);
-    EXPECT_LE(up.Bottom, 91);
-    EXPECT_GE(up.Top, 90 - turned.Extent.X - 1);
-    EXPECT_GT(up.Height(), up.Width() * 2);
 }
 
 TEST(CanvasText, OpaqueBackgroundAndFontColour)

@@ -89,27 +89,6 @@ TEST(Undo, DeletedGroupComesBackWhole)
     EXPECT_TRUE(RelationsValid(cad));
 }
 
-// A locked member that the deletion of its group spared is taken back by the restored group.
-// (A deleted member rejoining its live group is among the random undo test's deletions.)
-TEST(Undo, RestoredGroupTakesBackItsSparedMember)
-{
-    TMyCAD cad;
-    TMyShape *a = AddRectangle(cad, 0, 0, 10, 10);
-    TMyShape *b = AddRectangle(cad, 20, 0, 30, 10);
-    TMyShape *c = AddRectangle(cad, 40, 0, 50, 10);
-    TMyShape *const abc[] = {a, b, c};
-    const std::int32_t gid = cad.GroupShapes(abc, false);
-    c->SetLockedFlag(true);
-    const auto original = Snapshot(cad);
-    ASSERT_TRUE(cad.DeleteShapeById(gid, true));
-    ASSERT_EQ(cad.GetShapesCount(), 1);
-    EXPECT_EQ(c->ParentNo(), -1);
-    cad.PopFromUndoRedoShapeList();
-    EXPECT_EQ(cad.GetShapesCount(), 4);
-    EXPECT_TRUE(RelationsValid(cad));
-    EXPECT_EQ(Snapshot(cad), original);
-}
-
 // Shapes added by code keep the identity they were given, often the same one: deleting
 // such shapes, and a group of them with a locked member, beside others of that identity,
 // brings every one back when taken back, with its group.
