@@ -298,7 +298,11 @@ TEST(CliConvert, FailedWriteKeepsTheOldFile)
         ASSERT_TRUE(process.waitForFinished(60000));
         const QString err = QString::fromUtf8(process.readAllStandardError());
         EXPECT_EQ(process.exitCode(), Cli::ExitFailure) << err.toStdString();
-        EXPECT_EQ(err.count('\n'), 1) << err.toStdString();
+        // A coverage build's program cannot write its counters under the limit either, and
+        // says so on lines of its own.
+        QStringList lines = err.split(QLatin1Char('\n'));
+        lines.removeIf([](const QString &line) { return line.startsWith("libgcov"); });
+        EXPECT_EQ(lines.join(QLatin1Char('\n')).count('\n'), 1) << err.toStdString();
         EXPECT_TRUE(err.contains(out)) << err.toStdString();
         EXPECT_TRUE(err.contains("File too large")) << err.toStdString();
         EXPECT_EQ(ReadFile(out), old);
