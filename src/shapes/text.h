@@ -90,6 +90,8 @@ private:
     // The top of the block and the left of one line in the upright frame, document units.
     double BlockTop(const TFrame &f, double blockHeight) const;
     double LineLeft(TCanvas &canvas, const TFrame &f, const QString &line) const;
+    // Where the zoomed glyphs of a placed line start against the place the layout gave it.
+    TMyPoint GlyphShift(TCanvas &canvas, const QString &line) const;
     void DrawLines(TCanvas &canvas);
     void CopyTextFields(const TMyShape &source);
 

@@ -43,7 +43,8 @@ TPoint Measured(const TMyText &text, const QString &s, double zoom)
 // The box is 20..180 x 20..120 with a 2-pixel margin. The ink of one line moves by exactly
 // what the alignment rules say: the same glyphs are drawn at other whole-pixel places. The
 // rules work in document units with the font at its own size, so at zoom 2 every offset is
-// twice the zoom-1 one, however wide the zoomed glyphs happen to be.
+// twice the zoom-1 one; the zoomed glyphs, however wide they happen to be, then keep the
+// right end or the middle where the rules put it.
 TEST(TextLayout, AlignmentsPlaceTheInkByTheBoxAtTwoZooms)
 {
     for (int z : {1, 2}) {
@@ -51,6 +52,7 @@ TEST(TextLayout, AlignmentsPlaceTheInkByTheBoxAtTwoZooms)
         host.ZoomValue = z;
         auto text = TextBox(host, 20, 20, 180, 120, {"Hello"});
         const TPoint size = Measured(*text, "Hello", 1);
+        const int longer = Measured(*text, "Hello", z).X - z * size.X;
         const int lineHeight = Measured(*text, "Wg", 1).Y;
         const int margin = 2, boxW = 160, boxH = 100;
         const QRect leftTop = InkBounds(Painted(*text, 400, 400));
@@ -62,14 +64,15 @@ TEST(TextLayout, AlignmentsPlaceTheInkByTheBoxAtTwoZooms)
         text->SetHAlignment(TAlignment::taRightJustify);
         text->SetVAlignment(TVAlignment::vaBottom);
         const QRect rightBottom = InkBounds(Painted(*text, 400, 400));
-        EXPECT_EQ(rightBottom.left() - leftTop.left(), z * (boxW - 2 * margin - size.X));
+        EXPECT_EQ(rightBottom.left() - leftTop.left(), z * (boxW - 2 * margin - size.X) - longer);
         EXPECT_EQ(rightBottom.top() - leftTop.top(), z * (boxH - 2 * margin - lineHeight));
 
         text->SetHAlignment(TAlignment::taCenter);
         text->SetVAlignment(TVAlignment::vaCenter);
         const QRect centre = InkBounds(Painted(*text, 400, 400));
         EXPECT_EQ(centre.left() - leftTop.left(),
-                  z * (int(std::nearbyint((boxW - size.X) / 2.0)) - margin));
+                  int(std::nearbyint(z * (std::nearbyint((boxW - size.X) / 2.0) - margin) -
+                                     longer / 2.0)));
         EXPECT_EQ(centre.top() - leftTop.top(),
                   z * (int(std::nearbyint((boxH - lineHeight) / 2.0)) - margin));
         EXPECT_EQ(centre.size(), leftTop.size());
@@ -221,6 +224,51 @@ TEST(TextZoom, LinesBreakAndStandAsAtZoomOneAtEveryZoom)
     }
     EXPECT_GT(wrapped, 30); // the cases do exercise word wrap
     EXPECT_EQ(mismatches, 0) << "of " << cases << ", first: " << first;
+}
+
+// At any zoom a right-aligned line ends at the right margin, and a centred one has its middle
+// where the zoom-1 layout puts it, however long the zoomed font's hinting makes its glyphs.
+// The run drawn alone says where its ink starts against the point it is drawn at.
+TEST(TextZoom, AlignedLinesKeepTheirEndOrMiddleAtEveryZoom)
+{
+    std::mt19937 random(20261127);
+    int cases = 0, longer = 0;
+    for (int round = 0; round < 60; ++round) {
+        TClassHost host;
+        const int width = 200 + int(random() % 200);
+        const QString line = RandomParagraph(random).join(' ').left(16).trimmed();
+        if (line.isEmpty())
+            continue;
+        auto text = TextBox(host, 10, 10, 10 + float(width), 60, {line});
+        TFont font = text->Font();
+        font.SetSize(std::array{9, 11, 12, 14}[random() % 4]);
+        text->SetFont(font);
+        const bool right = round % 2 == 0;
+        text->SetHAlignment(right ? TAlignment::taRightJustify : TAlignment::taCenter);
+        const int w1 = Measured(*text, line, 1).X;
+        for (double z : {0.5, 1.5, 2.0, 3.0}) {
+            host.ZoomValue = z;
+            const int wz = Measured(*text, line, z).X;
+            QImage alone = WhiteImage(wz + 100, 200);
+            TCanvas canvas(&alone);
+            MyLogTextOut(canvas, 50, 10, line, font, z, 0);
+            const int bearing = InkBounds(alone).left() - 50;
+            const int start = InkBounds(Painted(*text, 3 * (width + 20), 200)).left() - bearing;
+            const double end =
+                right ? z * (10 + width - 2)
+                      : z * (10 + std::nearbyint((width - w1) / 2.0) + w1 / 2.0) + wz / 2.0;
+            SCOPED_TRACE(QStringLiteral("\"%1\", zoom %2, size %3, %4")
+                             .arg(line)
+                             .arg(z)
+                             .arg(font.Size())
+                             .arg(right ? "right" : "centre")
+                             .toStdString());
+            EXPECT_NEAR(start + wz, end, 1);
+            longer += std::abs(wz - z * w1) > 2;
+            ++cases;
+        }
+    }
+    EXPECT_GT(longer, 10) << "of " << cases << ": zoomed runs must differ for the check to bite";
 }
 
 TEST(TextPaint, BorderAndSolidBackgroundFollowTheirFlags)
