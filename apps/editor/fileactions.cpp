@@ -127,6 +127,10 @@ QString MainWindow::DrawingFilter() const
 bool MainWindow::OpenFile(const QString &path)
 {
     const QString name = QFileInfo(path).fileName();
+    if (QFile file(path); !file.open(QIODevice::ReadOnly)) {
+        ShowError(tr("Open drawing"), tr("%1 cannot be opened: %2").arg(name, file.errorString()));
+        return false;
+    }
     // The contents decide, not the name: a drawing saved under any name opens as one.
     const bool drawing = QFileInfo(path).isFile() && TMyCAD::IsZEDAFile(path);
     if (!drawing && CanImportDxf() &&

@@ -235,13 +235,14 @@ bool TMyCAD::IsZEDAFile(const QString &fileName)
 // neither copied nor kept once the drawing is built.
 bool TMyCAD::LoadFromFile(const QString &fileName, TLoadFault fault)
 {
-    if (!IsZEDAFile(fileName)) {
-        m_LastError = QStringLiteral("%1 is not a drawing file").arg(fileName);
-        return false;
-    }
+    // A file that cannot be read is not called a foreign one: the reason is the system's.
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly)) {
-        m_LastError = file.errorString();
+        m_LastError = QStringLiteral("%1 cannot be opened: %2").arg(fileName, file.errorString());
+        return false;
+    }
+    if (!IsZEDAFile(fileName)) {
+        m_LastError = QStringLiteral("%1 is not a drawing file").arg(fileName);
         return false;
     }
     if (const uchar *mapped = file.map(0, file.size()))

@@ -131,6 +131,14 @@ TEST_F(EditorTest, OpenKnowsDrawingsByContentsAndSaveAsRefusesExportNames)
                     return m_Window->Save(m_Dir.filePath("o.dxf"));
                 }).contains("File > Export > DXF"));
 
+    // A file that is missing, or is no drawing, is refused with the reason.
+    EXPECT_EQ(Refusal([&] { return m_Window->OpenFile(m_Dir.filePath("gone.tsd")); }),
+              "gone.tsd cannot be opened: No such file or directory");
+    ASSERT_TRUE(WriteFile(m_Dir.filePath("notes.txt"), "plain words"));
+    EXPECT_EQ(Refusal([&] { return m_Window->OpenFile(m_Dir.filePath("notes.txt")); }),
+              "notes.txt is not a drawing file.");
+    EXPECT_EQ(m_Cad()->GetShapesCount(), 1);
+
     // Another name of no known format is still a drawing, and opens again.
     const QString other = m_Dir.filePath("plan.drawing");
     ASSERT_TRUE(m_Window->Save(other));

@@ -274,8 +274,14 @@ TEST(DrawingFile, FilesAreCheckedBeforeLoadingAndReplacedOnlyWhenComplete)
     ASSERT_TRUE(test::WriteFile(other, Bytes().Fixed("Tessal Componen", 64)));
     EXPECT_FALSE(TMyCAD::IsZEDAFile(other));
     EXPECT_FALSE(cad.LoadFromFile(other));
+    EXPECT_EQ(cad.LastError(), other + QStringLiteral(" is not a drawing file"));
     EXPECT_EQ(cad.GetShapesCount(), 1);
-    EXPECT_FALSE(TMyCAD::IsZEDAFile(dir.filePath(QStringLiteral("none"))));
+    const QString none = dir.filePath(QStringLiteral("none"));
+    EXPECT_FALSE(TMyCAD::IsZEDAFile(none));
+    EXPECT_FALSE(cad.LoadFromFile(none));
+    EXPECT_EQ(cad.LastError(),
+              none + QStringLiteral(" cannot be opened: No such file or directory"));
+    EXPECT_EQ(cad.GetShapesCount(), 1);
 
     TMyCAD loaded;
     ASSERT_TRUE(loaded.LoadFromFile(path)) << loaded.LastError().toStdString();
