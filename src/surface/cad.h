@@ -361,9 +361,10 @@ public:
     // Removes the shape and its group members (members first; a locked member stays, with
     // its subtree, and becomes top-level). Connectors bound to a removed shape are set free
     // at that end; a removed connector leaves its shapes' connector lists. Every remaining
-    // shape number (ParentNo, ChildShapes, LinkShapes, connector ends, ShapeNo) is
-    // renumbered so that numbers equal list positions. A locked shape is not removed
-    // (false). A group whose last member goes stays, empty, until it is removed itself.
+    // relation (ParentNo, ChildShapes, LinkShapes, connector ends) is renumbered to the new
+    // list places. ShapeNo is left alone: it is the list length when the shape was made, as
+    // files store it, not its place (GetShapeNoInMyShapes answers that). A locked shape is not
+    // removed (false). A group whose last member goes stays, empty, until it is removed itself.
     // OnShapeDeleted fires with the shape before anything changes; with withUndo the shape
     // and its members are recorded as "ACT_DELETE". The working shapes are emptied.
     bool DeleteShapeById(std::int32_t id, bool withUndo);
@@ -668,7 +669,9 @@ public:
     void DragOutline(TCanvas &canvas, TMyShape *shape, TPoint from, TPoint to);
     void RotatingforShapes(TCanvas &canvas, TMyShape *shape, TMyPoint centre, double angle);
     // Applies a move in zoomed pixels to shape and its members (OnShapeCodeDragging fires
-    // first), and a handle move from -> to (control pixels) to shape.
+    // first), and a handle move from -> to (control pixels) to shape. Bound connectors do
+    // not follow by themselves: call ChangeLinkShapes afterwards, as the mouse gestures do
+    // (until then drawing routes them afresh, but files and DXF hold the old route).
     void DragChangeValueDxDyforShapes(TMyShape *shape, double dx, double dy);
     void SizeChangeValueforShapes(TMyShape *shape, TMyPoint from, TMyPoint to);
     // A control pixel as gesture events report it: mirrored by XYMode, then converted from
