@@ -47,7 +47,9 @@ void TDxfWriter::WriteShape(const TMyShape &shape)
         if (shape.GetPointsCount() >= 2)
             Line({shape.Points()[0].X, shape.Points()[0].Y},
                  {shape.Points()[1].X, shape.Points()[1].Y});
-    } else if (name == QLatin1String("TMyLinkLine") || name == QLatin1String("TMyPolyLine")) {
+    } else if (name == QLatin1String("TMyLinkLine")) {
+        Chain(static_cast<const TMyLinkLine &>(shape).RouteInDocument());
+    } else if (name == QLatin1String("TMyPolyLine")) {
         Chain(shape.Points());
     } else if (name == QLatin1String("TMyRectangle") || name == QLatin1String("TMyPolygon")) {
         Polyline(std::span<const TMyPoint>(shape.Points()));

@@ -282,6 +282,18 @@ TMyPoint TMyLinkLine::Middle(const std::vector<TMyPoint> &route)
     return route.back();
 }
 
+std::vector<TMyPoint> TMyLinkLine::RouteInDocument() const
+{
+    const bool bound = m_StartSpNo > -1 || m_EndSpNo > -1;
+    if (!bound || StoredRouteMeetsEnds())
+        return Points();
+    std::vector<TMyPoint> route = DisplayRoute();
+    const double z = Zoom();
+    for (TMyPoint &p : route)
+        p = {float(p.X / z), float(p.Y / z)};
+    return route;
+}
+
 std::vector<TMyPoint> TMyLinkLine::DisplayRoute() const
 {
     if (std::optional<std::vector<TMyPoint>> known = KnownDisplayRoute())
@@ -290,6 +302,12 @@ std::vector<TMyPoint> TMyLinkLine::DisplayRoute() const
     const TMyPoint end = GetEndPoint();
     m_DisplayCache = {start, end, Zoom(), GetPath(start, end)};
     return m_DisplayCache.Route;
+}
+
+bool TMyLinkLine::StoredRouteMeetsEnds() const
+{
+    return GetPointsCount() >= 2 && MyPtToPt(GetPointInZoom(0)) == MyPtToPt(GetStartPoint()) &&
+           MyPtToPt(GetPointInZoom(GetPointsCount() - 1)) == MyPtToPt(GetEndPoint());
 }
 
 std::optional<std::vector<TMyPoint>> TMyLinkLine::KnownDisplayRoute() const
@@ -307,10 +325,7 @@ std::optional<std::vector<TMyPoint>> TMyLinkLine::KnownDisplayRoute() const
         return own();
     if (m_LinkLineDrawStyle == TLinkLineDrawStyle::lldsFree)
         return std::vector<TMyPoint>{start, end};
-    const bool current = !m_Reroute && GetPointsCount() >= 2 &&
-                         MyPtToPt(GetPointInZoom(0)) == MyPtToPt(start) &&
-                         MyPtToPt(GetPointInZoom(GetPointsCount() - 1)) == MyPtToPt(end);
-    if (current)
+    if (!m_Reroute && StoredRouteMeetsEnds())
         return own();
     const TRouteCache &cache = m_DisplayCache;
     if (cache.Route.empty() || cache.Start != start || cache.End != end || cache.Zoom != Zoom())

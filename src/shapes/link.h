@@ -105,6 +105,10 @@ public:
     // The same when no route search is due for it: the stored route, the free line between
     // the live ends, or the route last computed for these ends at this zoom.
     std::optional<std::vector<TMyPoint>> KnownDisplayRoute() const;
+    // The route in document units: the stored points, exactly, while they start and end at
+    // the live ends; else, when a bound shape moved by code and nothing has let the
+    // connector follow yet, the route drawing shows, divided by the zoom.
+    std::vector<TMyPoint> RouteInDocument() const;
 
     // ---- Drawing and editing ----
     // Segments (hopping over earlier connectors where an lldsHV route crosses them),
@@ -137,6 +141,8 @@ public:
 
 private:
     void CopyLinkFields(const TMyShape &source);
+    // The stored route starts and ends at the live ends, to the pixel.
+    bool StoredRouteMeetsEnds() const;
     // Binding shared by the start and the end.
     bool Bind(std::int32_t &shapeNo, std::int32_t &pointId, std::int32_t shapeId,
               std::int32_t linkPointIndex);

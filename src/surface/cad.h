@@ -671,7 +671,8 @@ public:
     // Applies a move in zoomed pixels to shape and its members (OnShapeCodeDragging fires
     // first), and a handle move from -> to (control pixels) to shape. Bound connectors do
     // not follow by themselves: call ChangeLinkShapes afterwards, as the mouse gestures do
-    // (until then drawing routes them afresh, but files and DXF hold the old route).
+    // (until then drawing and DXF export route them afresh, but a saved file holds the old
+    // route).
     void DragChangeValueDxDyforShapes(TMyShape *shape, double dx, double dy);
     void SizeChangeValueforShapes(TMyShape *shape, TMyPoint from, TMyPoint to);
     // A control pixel as gesture events report it: mirrored by XYMode, then converted from

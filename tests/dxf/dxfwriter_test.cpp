@@ -6,6 +6,7 @@
 #include <tessal/dxf/dxfnumbers.h>
 #include <tessal/geometry/scaledtext.h>
 #include <tessal/shapes/curve.h>
+#include <tessal/shapes/link.h>
 #include <tessal/shapes/text.h>
 #include <tessal/surface/cad.h>
 
@@ -203,6 +204,76 @@ TEST_F(DxfWriter, EveryExportedClassExactly)
         ASSERT_EQ(actual[i].toStdString(), expected[i].toStdString()) << "line " << i + 1;
     // SaveToDxf1 differs only for text shapes.
     EXPECT_EQ(cad.DxfText(true), cad.DxfText(false));
+}
+
+// The LINE entities of a file, as pixel coordinates of a control height pixels high.
+std::vector<std::array<double, 4>> LinesInPixels(const QByteArray &text, double height)
+{
+    const QStringList lines = DxfLines(text);
+    std::vector<std::array<double, 4>> out;
+    for (qsizetype i = 0; i + 1 < lines.size(); i += 2) {
+        if (lines[i] != "0" || lines[i + 1] != "LINE")
+            continue;
+        std::array<double, 4> line{};
+        for (qsizetype k = i + 2; k + 1 < lines.size() && lines[k] != "0"; k += 2) {
+            const int code = lines[k].toInt();
+            const double mm = lines[k + 1].toDouble() * 3.779527559055118;
+            if (code == 10 || code == 11)
+                line[code == 10 ? 0 : 2] = mm;
+            else if (code == 20 || code == 21)
+                line[code == 20 ? 1 : 3] = height - mm;
+        }
+        out.push_back(line);
+    }
+    return out;
+}
+
+// A connector goes out as it is drawn. While its stored route meets its shapes, that route
+// is written exactly; after a shape moved by code, before anything let the connector follow,
+// the route to where the shape is now, at any zoom.
+TEST_F(DxfWriter, ConnectorsGoOutAsTheyAreDrawn)
+{
+    Add(TDrawTool::SpRectangle, {{48, 48}, {144, 144}});
+    Add(TDrawTool::SpRectangle, {{336, 48}, {432, 144}});
+    TMyShape *a = cad.GetShapeByNo(0);
+    TMyShape *b = cad.GetShapeByNo(1);
+    a->AddLinkPoint({144, 96});
+    b->AddLinkPoint({336, 96});
+    Add(TDrawTool::SpLinkLine, {{144, 96}, {336, 96}});
+    auto *link = dynamic_cast<TMyLinkLine *>(cad.GetShapeByNo(2));
+    ASSERT_NE(link, nullptr);
+    ASSERT_TRUE(link->CreateSrcLink(a->ShapeId(), 0) && link->CreateDestLink(b->ShapeId(), 0));
+    const auto chainOf = [](const std::vector<std::array<double, 4>> &lines) {
+        std::vector<TMyPoint> chain;
+        for (const auto &l : lines) {
+            if (chain.empty())
+                chain.push_back({float(l[0]), float(l[1])});
+            EXPECT_NEAR(chain.back().X, l[0], 1e-3);
+            EXPECT_NEAR(chain.back().Y, l[1], 1e-3);
+            chain.push_back({float(l[2]), float(l[3])});
+        }
+        return chain;
+    };
+    const auto written = [&] { return chainOf(LinesInPixels(cad.DxfText(false), cad.height())); };
+    const auto near = [](TMyPoint p, TMyPoint q) {
+        return std::abs(p.X - q.X) < 1e-3 && std::abs(p.Y - q.Y) < 1e-3;
+    };
+    EXPECT_EQ(written(), link->Points());
+
+    for (const double zoom : {1.0, 1.5}) {
+        SCOPED_TRACE(zoom);
+        cad.SetZoom(zoom);
+        cad.DragChangeValueDxDyforShapes(b, 0, 96 * zoom); // down 96 document units
+        const TMyPoint end = b->GetLinkPoint(0);
+        ASSERT_FALSE(near(link->Points().back(), end)); // the stored route is behind
+        const std::vector<TMyPoint> chain = written();
+        ASSERT_GE(chain.size(), 2u);
+        EXPECT_TRUE(near(chain.front(), {144, 96}));
+        EXPECT_TRUE(near(chain.back(), end)) << chain.back().X << "," << chain.back().Y;
+        cad.ChangeLinkShapes(b);
+        EXPECT_EQ(written(), link->Points());
+        EXPECT_TRUE(near(link->Points().back(), end));
+    }
 }
 
 // A text shape: one TEXT per line at the left end of the line's baseline, the font's
