@@ -67,14 +67,14 @@ void TMyText::SetWordWrap(bool on)
 
 // ---- Painting ----
 
-TMyPoint TMyText::GlyphShift(TCanvas &canvas, const QString &line) const
+TMyPoint TMyText::GlyphShift(TCanvas &canvas, const TPlacedLine &line) const
 {
     const double z = Zoom();
     if (m_HAlignment == TAlignment::taLeftJustify || z == 1)
         return {};
     // The zoomed glyphs run a little longer or shorter than the line the layout placed; they
     // keep the end the alignment holds (the right end, or the middle) where it placed it.
-    double shift = LayoutWidth(canvas, line) * z - GetTextWidthHeight(canvas, line, Font(), z, 0).X;
+    double shift = line.Width * z - GetTextWidthHeight(canvas, line.Text, Font(), z, 0).X;
     if (m_HAlignment == TAlignment::taCenter)
         shift /= 2;
     return RotateAPoint(TMyPoint{float(shift), 0}, TMyPoint{0, 0}, Angle());
@@ -83,7 +83,7 @@ TMyPoint TMyText::GlyphShift(TCanvas &canvas, const QString &line) const
 void TMyText::DrawLines(TCanvas &canvas)
 {
     for (const TPlacedLine &line : PlacedLines(canvas)) {
-        const TMyPoint shift = GlyphShift(canvas, line.Text);
+        const TMyPoint shift = GlyphShift(canvas, line);
         MyLogTextOut(canvas, RoundEven(line.TopLeft.X + shift.X),
                      RoundEven(line.TopLeft.Y + shift.Y), line.Text, Font(), Zoom(), Angle());
     }

@@ -51,11 +51,13 @@ public:
     QStringList LaidOutLines(TCanvas &canvas) const;
     // One laid-out line as Draw places it: the text and the top-left corner of its cell in
     // screen pixels at the current zoom (its place at zoom 1 times the zoom), unrounded and
-    // already turned with the block about the centre.
+    // already turned with the block about the centre; and its width in document units,
+    // measured only where the alignment needs it (0 for left-aligned text).
     struct TPlacedLine
     {
         QString Text;
         TMyPoint TopLeft;
+        std::int32_t Width = 0;
     };
     std::vector<TPlacedLine> PlacedLines(TCanvas &canvas) const;
 
@@ -89,9 +91,9 @@ private:
     QStringList WrapLine(TCanvas &canvas, const QString &line, double room) const;
     // The top of the block and the left of one line in the upright frame, document units.
     double BlockTop(const TFrame &f, double blockHeight) const;
-    double LineLeft(TCanvas &canvas, const TFrame &f, const QString &line) const;
+    double LineLeft(const TFrame &f, std::int32_t width) const;
     // Where the zoomed glyphs of a placed line start against the place the layout gave it.
-    TMyPoint GlyphShift(TCanvas &canvas, const QString &line) const;
+    TMyPoint GlyphShift(TCanvas &canvas, const TPlacedLine &line) const;
     void DrawLines(TCanvas &canvas);
     void CopyTextFields(const TMyShape &source);
 

@@ -93,13 +93,13 @@ double TMyText::BlockTop(const TFrame &f, double blockHeight) const
     }
 }
 
-double TMyText::LineLeft(TCanvas &canvas, const TFrame &f, const QString &line) const
+double TMyText::LineLeft(const TFrame &f, std::int32_t width) const
 {
     switch (m_HAlignment) {
     case TAlignment::taRightJustify:
-        return f.Right - TextMargin - LayoutWidth(canvas, line);
+        return f.Right - TextMargin - width;
     case TAlignment::taCenter:
-        return f.Left + RoundEven((f.Right - f.Left - LayoutWidth(canvas, line)) / 2);
+        return f.Left + RoundEven((f.Right - f.Left - width) / 2);
     default:
         return f.Left + TextMargin;
     }
@@ -117,10 +117,12 @@ std::vector<TMyText::TPlacedLine> TMyText::PlacedLines(TCanvas &canvas) const
     double y = BlockTop(f, double(lineHeight) * lines.size());
     const double z = Zoom();
     const TMyPoint centre = ZoomedValuePt(f.Centre);
+    const bool measured = m_HAlignment != TAlignment::taLeftJustify;
     for (const QString &line : lines) {
-        const TMyPoint topLeft{float(LineLeft(canvas, f, line) * z), float(y * z)};
+        const std::int32_t width = measured ? LayoutWidth(canvas, line) : 0;
+        const TMyPoint topLeft{float(LineLeft(f, width) * z), float(y * z)};
         // The line's top-left corner is turned into place; the glyphs turn about it.
-        placed.push_back({line, RotateAPoint(topLeft, centre, Angle())});
+        placed.push_back({line, RotateAPoint(topLeft, centre, Angle()), width});
         y += lineHeight;
     }
     return placed;
